@@ -1,0 +1,47 @@
+#include "app/base/input_checks.h"
+
+#include "app/base/platform.h"
+#include "app/base/ports/dialogs.h"
+
+#include <QLocale>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon {
+
+bool NullCheck(Reporting& reporting, const QString& fieldText)
+{
+    bool filled = false;
+    guarded(reporting, u"NullCheck"_s, [&] {
+        if (fieldText.isEmpty()) {
+            reporting.dialogs.messageBox(
+                {.text = u"必須項目が入力されていません。"_s, .title = titles::SystemAudit});
+            return;
+        }
+        filled = true;
+    });
+    return filled;
+}
+
+bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChars, const QString& fieldName)
+{
+    bool fits = false;
+    guarded(reporting, u"MaxTextCheck"_s, [&] {
+        // sic: a text of exactly the limit is already refused.
+        if (static_cast<double>(platform::byteLength932(fieldText)) >= 2 * maxChars) {
+            reporting.dialogs.messageBox({.text = fieldName + u"が最大入力値を超えています。最大入力値は全角"_s +
+                                                  shortestDecimal(maxChars) + u"文字です。"_s,
+                                          .title = titles::SystemAudit});
+            return;
+        }
+        fits = true;
+    });
+    return fits;
+}
+
+QString shortestDecimal(double number)
+{
+    return QString::number(number, 'f', QLocale::FloatingPointShortest);
+}
+
+} // namespace quillon

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "app/base/reporting.h"
+
+#include <QString>
+
+namespace quillon {
+
+/// Whether a required field is filled; tells the user when it is not. Blanks count as filled.
+bool NullCheck(Reporting& reporting, const QString& fieldText);
+
+/// Whether a text is short enough; tells the user when it is not.
+/// `maxChars`: the limit in full-width characters (two bytes of code page 932 each); a text of exactly the limit is
+/// already too long. `fieldName`: the label shown to the user.
+bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChars, const QString& fieldName);
+
+/// A number in its shortest decimal form: "25", "24.5", "-3".
+QString shortestDecimal(double number);
+
+} // namespace quillon

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/base/ports/desktop.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+#include <QStringView>
+
+#include <memory>
+#include <optional>
+
+/// Everything that differs between the operating systems: one file per platform implements this header.
+namespace quillon::platform {
+
+/// Bytes of `text` in code page 932 as Windows converts it: one per half-width character, two per full-width one.
+/// A character that the page lacks counts as one "?" per UTF-16 code unit.
+qsizetype byteLength932(QStringView text);
+
+/// `bytes` of code page 932 as text, or nothing when they are not valid in it.
+std::optional<QString> decode932(QByteArrayView bytes);
+
+/// Makes keys that sort as a Japanese reader sorts (the ja locale): compare them byte by byte.
+class Collator {
+public:
+    Collator();
+    ~Collator();
+    Collator(const Collator&) = delete;
+    Collator& operator=(const Collator&) = delete;
+
+    /// Appends the key of `text` to `keys`.
+    void appendKey(QStringView text, std::string& keys) const;
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> m_handle;
+};
+
+/// Opens a file with its associated application without waiting and without a shell.
+OpenOutcome openWithAssociatedApplication(const QString& path);
+
+/// Whether an ordinary visible file stands at `path`: no folder, device or pipe (links are followed).
+bool isOrdinaryFile(const QString& path);
+
+/// Whether this process may create files in `folder`.
+bool mayWriteIn(const QString& folder);
+
+/// Whether this process may read and write the file at `path`.
+bool mayReadAndWrite(const QString& path);
+
+/// Writes one line to the operating system's application log where there is one a user can read, else to
+/// "Quillon.log" in `programFolder`, or in the user's state folder where that is not writable.
+/// Failures are ignored.
+void writeEventLog(const QString& line, const QString& programFolder);
+
+} // namespace quillon::platform

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+namespace quillon {
+
+/// The local date and time and their texts.
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    virtual QDateTime now() const = 0;
+    /// The date in the system's short format, for the log and the status bar.
+    virtual QString shortDate() const = 0;
+    /// The time in the system's short format, for the log and the status bar.
+    virtual QString shortTime() const = 0;
+    /// The date as identifiers take it: yy/mm/dd, on every platform.
+    virtual QString identifierDate() const { return now().date().toString(u"yy/MM/dd"); }
+};
+
+} // namespace quillon

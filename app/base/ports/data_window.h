@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/base/ports/windows.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace quillon {
+
+/// One row of a data window's link list: kind word, name and identifier of the partner.
+struct LinkRow {
+    QString kind;
+    QString name;
+    QString identifier;
+};
+
+/// One row of a data window's category list.
+struct CategoryRow {
+    QString name;
+    QString identifier;
+};
+
+/// What the core operations ask of a window that shows or registers one datum.
+class DataWindow : public virtual LoadedWindow {
+public:
+    DataWindow* asDataWindow() override { return this; }
+
+    /// Field boxes: 0 name, 1 identifier, 2 definition or content.
+    virtual QString fieldText(int index) const = 0;
+    virtual void setFieldText(int index, const QString& text) = 0;
+    virtual void setCaption(const QString& caption) = 0;
+    /// Panel 1 of the window's status bar, the only record of the window's mode.
+    virtual QString modeText() const = 0;
+    virtual void setModeText(const QString& text) = 0;
+    /// Enables or disables the menu or menu entry of this name; a name the window lacks changes nothing.
+    virtual void setMenuEnabled(const QString& menuName, bool enabled) = 0;
+    /// Replaces the rows of the link list.
+    virtual void setLinkRows(const std::vector<LinkRow>& rows) = 0;
+    /// Replaces the rows of the category list.
+    virtual void setCategoryRows(const std::vector<CategoryRow>& rows) = 0;
+    virtual std::vector<CategoryRow> categoryRows() const = 0;
+    virtual void showModeless() = 0;
+    /// Shows the window and returns when it has been unloaded.
+    virtual void showModal() = 0;
+};
+
+} // namespace quillon

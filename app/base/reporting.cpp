@@ -1,0 +1,57 @@
+#include "app/base/reporting.h"
+
+#include "app/base/ports/clock.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/event_log.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon {
+
+namespace {
+
+/// A step of the reporter: the next one runs whatever happens to this one.
+template <class Step>
+void onward(Step&& step)
+{
+    try {
+        step();
+    } catch (const Error&) {
+        // The reporter is the last to be told; there is nobody to tell about its own failures.
+    }
+}
+
+void writeLogLine(Reporting& reporting, const QString& location, qint32 errorNumber, const QString& description)
+{
+    onward([&] {
+        reporting.eventLog.write(reporting.clock.shortDate() + u", "_s + reporting.clock.shortTime() +
+                                 u", LOCATION : "_s + location + u", ErrorNumber : "_s +
+                                 QString::number(errorNumber) + u", DESCRIPTION : "_s + description);
+    });
+}
+
+} // namespace
+
+void ReportError(Reporting& reporting, qint32 errorNumber, const QString& location)
+{
+    if (errorNumber == 0)
+        return;
+    const QString description = standardDescription(errorNumber);
+    onward([&] {
+        reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
+                                              u"\r\nEXPLANATION : "_s + description,
+                                      .title = titles::FailureCountermeasures});
+    });
+    writeLogLine(reporting, location, errorNumber, description);
+}
+
+void reportUntrapped(Reporting& reporting, const Error& error, const QString& location)
+{
+    onward([&] {
+        reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
+                                      .title = titles::FailureCountermeasures});
+    });
+    writeLogLine(reporting, location, error.number, error.description);
+}
+
+} // namespace quillon

@@ -1,0 +1,38 @@
+# The rules every target of the project follows: the language, the warnings and the sanitizers.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+option(QUILLON_SANITIZE "Build with the address and undefined behaviour sanitizers" OFF)
+
+add_library(quillon_rules INTERFACE)
+target_compile_definitions(quillon_rules INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH)
+if(MSVC)
+  target_compile_options(quillon_rules INTERFACE /W4 /WX /utf-8)
+else()
+  target_compile_options(quillon_rules INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-qual
+    -Werror)
+endif()
+if(QUILLON_SANITIZE)
+  target_compile_options(quillon_rules INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer)
+  target_link_options(quillon_rules INTERFACE -fsanitize=address,undefined)
+endif()
+
+# A static library of one folder. Whatever it may include, it must link: the link list is the layering.
+function(quillon_library name)
+  cmake_parse_arguments(arg "" "PCH_FROM" "SOURCES;LINK;PCH" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PUBLIC quillon_rules ${arg_LINK})
+  if(arg_PCH)
+    target_precompile_headers(${name} PRIVATE ${arg_PCH})
+  elseif(arg_PCH_FROM)
+    target_precompile_headers(${name} REUSE_FROM ${arg_PCH_FROM})
+  endif()
+endfunction()

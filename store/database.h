@@ -1,0 +1,36 @@
+#pragma once
+
+#include "store/sqlite/connection.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace quillon {
+
+/// An open database file. Kept alive by the record sets that stand on it.
+class Database {
+public:
+    /// Opens an existing file for reading and writing; never creates one.
+    /// Errors: 3024 not there, 75 no ordinary file, 3051 may not be written, 3260 locked, 3343 no database or damaged.
+    static std::shared_ptr<Database> open(const QString& path);
+    /// Creates a new file without any table. Errors: 3204 there already, 76 no such folder, 3051 may not be written.
+    static std::shared_ptr<Database> create(const QString& path);
+
+    /// Runs a data-definition statement as it stands; the type word MEMO becomes a type with text affinity.
+    void execute(const QString& definition);
+    /// Whether a table has exactly this name.
+    bool tableExists(const QString& name);
+
+    sqlite::Connection& connection() { return m_connection; }
+    /// The full name of the file.
+    const QString& path() const { return m_path; }
+
+private:
+    Database(const QString& path, sqlite::Connection::Mode mode);
+
+    QString m_path;
+    sqlite::Connection m_connection;
+};
+
+} // namespace quillon

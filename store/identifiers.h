@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+namespace quillon {
+
+class Session;
+
+/// A new identifier of a kind ("M", "R", "F"): kind, date and the first free number of the day.
+/// Empty when that failed (the failure has been reported). Beyond 999 items per kind and day it grows to 13
+/// characters, which no table holds.
+QString CreateObject_ID(Session& session, const QString& kind);
+
+/// The six date characters of an identifier. What the short date does not have is left out.
+QString GetYYMMDD(Session& session);
+
+enum class DivName { ShortName, Title };
+
+/// The kind of an identifier as a word ("定義", "文献", "FILE") or as the title of its department; "不明" for an
+/// unknown kind. Only the first character of `identifier` counts.
+QString GetDivName(Session& session, const QString& identifier, DivName form);
+
+/// Whether an identifier is free: no row of its kind's table carries it. False also when the kind is unknown or the
+/// look-up failed, which is then reported.
+bool ExistCheck(Session& session, const QString& identifier);
+
+} // namespace quillon

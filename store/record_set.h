@@ -1,0 +1,135 @@
+#pragma once
+
+#include "store/database.h"
+#include "store/schema.h"
+#include "store/sqlite/statement.h"
+
+#include <QString>
+
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillon {
+
+/// A cursor over the rows of a table: over the whole table, live and in insertion order, or over the rows that
+/// matched a criteria text when the set was made.
+///
+/// There is a current row, or the cursor stands before, between or after the rows. Reading, editing or deleting
+/// without a current row is error 3021, as is moving in an empty set; a current row that another program has deleted
+/// is error 3167.
+class RecordSet {
+public:
+    /// All rows of a table. Errors: 3078 no such table, 3061 the table lacks a field. Does not stand on a row.
+    static std::shared_ptr<RecordSet> openTable(std::shared_ptr<Database> database, const TableSchema& table);
+
+    const TableSchema& table() const { return m_table; }
+    Database& database() const { return *m_database; }
+
+    /// The number of rows at this moment; in a filtered set without the rows that are gone.
+    qint64 recordCount() const;
+    bool hasRows() const;
+    /// True when the cursor has moved past the last row (or the set is empty).
+    bool endOfFile() const;
+    bool hasCurrentRow() const { return m_position == Position::OnRow; }
+
+    void moveFirst();
+    void moveLast();
+    /// After a deletion this goes to the row that followed the deleted one.
+    void moveNext();
+    /// Goes to the first row that matches; without a match there is no current row.
+    void findFirst(const QString& criteria);
+    /// The text of a field of the current row; empty for null.
+    QString field(int index) const;
+
+    /// Begins a new row; the cursor stays where it is.
+    void addNew();
+    /// Begins to change the current row.
+    void edit();
+    /// Sets a field of the row begun with `addNew` or `edit`. Error 3021 when none was begun.
+    void setField(int index, const QString& text);
+    /// Saves the row begun. Errors: 3163 a text wider than its field, 3022 a duplicate, 3260 locked.
+    /// A failed save drops what was begun.
+    void update();
+    /// Deletes the current row and leaves the cursor between rows.
+    void deleteRow();
+
+    /// The rows of this set that match, as a set of their own that does not stand on a row; this cursor stays.
+    std::shared_ptr<RecordSet> filtered(const QString& criteria) const;
+
+    /// Visits every row in order, in one pass, without moving the cursor. `visit` gets a `Row`; when it returns a
+    /// bool, false ends the pass.
+    template <class Visit>
+    void forEachRow(std::initializer_list<int> fields, Visit&& visit) const;
+
+    /// A row of a pass; the views are valid during the visit only.
+    class Row {
+    public:
+        /// The text of the n-th field asked for; empty for null.
+        QStringView text(int n) const { return m_statement.text(n); }
+        bool isNull(int n) const { return m_statement.isNull(n); }
+
+    private:
+        friend class RecordSet;
+        explicit Row(const sqlite::Statement& statement) : m_statement(statement) {}
+        const sqlite::Statement& m_statement;
+    };
+
+private:
+    enum class Position { OnRow, BetweenRows, NoRow, AfterLast };
+
+    RecordSet(std::shared_ptr<Database> database, const TableSchema& table,
+              std::optional<std::vector<qint64>> rows);
+
+    bool rowExists(qint64 row) const;
+    std::optional<qint64> firstRow() const;
+    std::optional<qint64> lastRow() const;
+    std::optional<qint64> rowAfter(qint64 row) const;
+    void standOn(std::optional<qint64> row);
+    void requireCurrentRow() const;
+    QString selectList(std::initializer_list<int> fields) const;
+
+    std::shared_ptr<Database> m_database;
+    const TableSchema& m_table;
+    std::optional<std::vector<qint64>> m_rows; // of a filtered set, ascending
+    Position m_position = Position::NoRow;
+    qint64 m_row = 0; // the current row, or the deleted one while between rows
+
+    enum class Change { None, Adding, Editing };
+    Change m_change = Change::None;
+    qint64 m_editedRow = 0;
+    std::vector<std::optional<QString>> m_values; // by field; nothing: not set
+};
+
+template <class Visit>
+void RecordSet::forEachRow(std::initializer_list<int> fields, Visit&& visit) const
+{
+    const auto keepsGoing = [&visit](const Row& row) {
+        if constexpr (std::is_same_v<decltype(visit(row)), bool>) {
+            return visit(row);
+        } else {
+            visit(row);
+            return true;
+        }
+    };
+    if (!m_rows) {
+        const auto statement = m_database->connection().prepareOwn(u"SELECT " + selectList(fields) + u" FROM \"" +
+                                                                   m_table.name + u"\" ORDER BY rowid");
+        while (statement->step()) {
+            if (!keepsGoing(Row(*statement)))
+                return;
+        }
+        return;
+    }
+    const auto statement = m_database->connection().prepareOwn(u"SELECT " + selectList(fields) + u" FROM \"" +
+                                                               m_table.name + u"\" WHERE rowid = ?");
+    for (const qint64 row : *m_rows) {
+        statement->reset();
+        statement->bind(1, row);
+        if (statement->step() && !keepsGoing(Row(*statement)))
+            return;
+    }
+}
+
+} // namespace quillon

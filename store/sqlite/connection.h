@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+struct sqlite3;
+
+namespace quillon::sqlite {
+
+class Statement;
+
+/// One open SQLite file. Every failure leaves as an `Error` of the program's own numbers.
+class Connection {
+public:
+    enum class Mode { OpenExisting, CreateNew };
+
+    /// Opens or creates the file at `path` (an absolute path).
+    /// Opening never creates a file; creating never opens an existing one (error 3204).
+    Connection(const QString& path, Mode mode);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Runs one statement that returns no rows.
+    void execute(const QString& sql);
+    /// A prepared statement, cached by its text: a second request for the same text gets the same one, reset and
+    /// with nothing bound. It must not be used in two places at once; see `prepareOwn` for that.
+    Statement& prepare(const QString& sql);
+    /// A prepared statement that the caller owns alone.
+    std::unique_ptr<Statement> prepareOwn(const QString& sql);
+
+    qint64 lastInsertRowid() const;
+    /// How many rows the last INSERT, UPDATE or DELETE changed.
+    int changes() const;
+    /// A number that changes whenever another connection has written the file.
+    qint64 dataVersion();
+    bool inTransaction() const;
+
+    /// A test of a pattern against a text, as an SQL function: name(pattern, text).
+    using PatternTest = std::function<bool(const QString& pattern, QStringView text)>;
+    /// Makes `test` callable in SQL under `name` (ASCII). A null text never matches.
+    void addPatternTest(const char* name, PatternTest test);
+
+    sqlite3* handle() const { return m_handle; }
+
+private:
+    void configure();
+
+    sqlite3* m_handle = nullptr;
+    struct Cache;
+    std::unique_ptr<Cache> m_cache;
+};
+
+/// A transaction that is rolled back unless it is committed.
+class Transaction {
+public:
+    /// Begins at once with the right to write. Inside another transaction it is a part of that one.
+    explicit Transaction(Connection& connection);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    /// Makes everything since the beginning durable.
+    void commit();
+
+private:
+    Connection& m_connection;
+    bool m_open = false;
+};
+
+} // namespace quillon::sqlite

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace quillon::sqlite {
+
+/// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0.
+class Statement {
+public:
+    Statement(sqlite3* connection, const QString& sql);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    Statement& bind(int position, QStringView text);
+    Statement& bind(int position, qint64 number);
+    /// True when a row stands ready, false at the end.
+    bool step();
+    /// Steps to the end and resets; for statements that return no rows.
+    void run();
+    void reset();
+
+    /// The text of a column; valid until the next step. Empty for null, see `isNull`.
+    QStringView text(int column) const;
+    qint64 number(int column) const;
+    bool isNull(int column) const;
+
+private:
+    sqlite3* m_connection;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+/// Resets a statement when the block ends, so that no read lock outlives it.
+class ResetAtEnd {
+public:
+    explicit ResetAtEnd(Statement& statement) : m_statement(statement) {}
+    ~ResetAtEnd() { m_statement.reset(); }
+    ResetAtEnd(const ResetAtEnd&) = delete;
+    ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+
+private:
+    Statement& m_statement;
+};
+
+} // namespace quillon::sqlite

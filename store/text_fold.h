@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+namespace quillon {
+
+/// `text` as a Japanese reader compares it: case, full and half width, hiragana and katakana become one form
+/// (ＡＢＣ = abc, ｶﾞ = ガ = が). Small and voiced kana stay distinct.
+/// The pairs on which code page 932 tables disagree (— ―, 〜 ～, ‖ ∥, − －, ¢ ￠, £ ￡, ¬ ￢) become one form too.
+QString foldedText(QStringView text);
+
+} // namespace quillon

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/base/ports/windows.h"
+
+#include <QMainWindow>
+#include <QString>
+
+namespace quillon {
+
+class Session;
+class WindowRegistry;
+
+/// A top-level window of the program: loaded when it is constructed, unloaded when it has been closed.
+/// While it is loaded it stands in the registry, in the order of loading. It deletes itself after unloading.
+class FormWindow : public QMainWindow, public virtual LoadedWindow
+{
+    Q_OBJECT
+
+public:
+    FormWindow(Session& session, WindowRegistry& registry, const QString& windowName);
+    ~FormWindow() override;
+
+    QString windowName() const override { return objectName(); }
+    bool unload() override;
+    void bringToFront() override;
+
+    void showModeless();
+    /// Shows the window modally and returns when it has been unloaded.
+    void showModal();
+
+Q_SIGNALS:
+    /// The window has left the registry and will be deleted.
+    void unloaded();
+
+protected:
+    Session& session() const { return m_session; }
+    WindowRegistry& registry() const { return m_registry; }
+
+    /// The window's own question before it closes; false keeps it open.
+    virtual bool queryUnload() { return true; }
+
+    void closeEvent(QCloseEvent* event) override;
+
+    /// Adds an action to a menu under its design name; captions are used as they stand.
+    class QAction* addEntry(class QMenu* menu, const QString& name, const QString& caption);
+    class QMenu* addMenu(const QString& name, const QString& caption);
+    class QMenu* addSubmenu(class QMenu* menu, const QString& name, const QString& caption);
+    class QAction* addLine(class QMenu* menu, const QString& name);
+
+private:
+    bool tryUnload();
+
+    Session& m_session;
+    WindowRegistry& m_registry;
+    bool m_asking = false; // a closing question is on the screen
+    bool m_unloaded = false;
+};
+
+} // namespace quillon

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ui/widgets/keyed_tree_model.h"
+
+#include <QTreeView>
+
+namespace quillon {
+
+/// A tree view over keyed nodes. A node click is told apart from a change of the selection by the program.
+class KeyedTree : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit KeyedTree(QWidget* parent = nullptr);
+
+    KeyedTreeModel& nodes() const { return *m_model; }
+
+    /// The position of the selected node, 0 when none is.
+    int selectedPosition() const;
+    /// Selects a node without a node click.
+    void select(int position);
+    void expandNode(int position);
+    /// The node marked while something is dragged over the tree, 0 for none.
+    int dropHighlight() const { return m_dropHighlight; }
+    void setDropHighlight(int position);
+
+Q_SIGNALS:
+    /// A node was clicked with the left mouse button.
+    void nodeClicked(int position);
+    /// A key was pressed or released; the tree has already acted on it.
+    void keyReleased(int key, Qt::KeyboardModifiers modifiers);
+    void menuRequested(const QPoint& position);
+    void mouseMoved();
+    /// Text was dropped on the node that is highlighted.
+    void textDropped(const QString& text);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    KeyedTreeModel* m_model;
+    int m_dropHighlight = 0;
+};
+
+} // namespace quillon

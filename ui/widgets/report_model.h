@@ -1,0 +1,88 @@
+#pragma once
+
+#include "ui/widgets/cell_store.h"
+
+#include <QAbstractTableModel>
+#include <QString>
+
+#include <initializer_list>
+#include <memory>
+#include <variant>
+#include <vector>
+
+namespace quillon {
+
+/// The rows of a report-style list, in compact memory, made for a million rows.
+///
+/// Rows are in the order in which they were appended until a header is clicked; sorting lasts until `clear`.
+/// Filling gives no signal per row: open a `Fill`, append, and let it end.
+class ReportModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum class Storage { Text, Word };
+    struct Column {
+        QString header;
+        Storage storage = Storage::Text;
+    };
+
+    explicit ReportModel(const std::vector<Column>& columns, QObject* parent = nullptr);
+    ~ReportModel() override;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+
+    /// The text of a cell; row numbers are those on the screen.
+    QStringView text(int row, int column) const;
+    /// The column whose text is dragged as plain text (of the first dragged row); -1: rows cannot be dragged.
+    void setDragColumn(int column) { m_dragColumn = column; }
+
+    /// Removes all rows; sorting ends with them.
+    void clear();
+    /// Sorts by a column: ascending, in Japanese order, equal texts staying in their present order. Not toggled.
+    void sortByColumn(int column);
+    /// Removes rows given by their numbers on the screen, in any order, in one pass.
+    void removeRowsAt(std::vector<int> rows);
+    /// Bytes held by the texts and their bookkeeping.
+    qsizetype bytesHeld() const;
+
+    /// While it lives rows may be appended; views are told once, when it ends.
+    class Fill
+    {
+    public:
+        explicit Fill(ReportModel& model);
+        ~Fill();
+        Fill(const Fill&) = delete;
+        Fill& operator=(const Fill&) = delete;
+
+        /// Appends a row; missing cells at the end are empty.
+        void append(std::initializer_list<QStringView> cells);
+
+    private:
+        ReportModel& m_model;
+    };
+
+private:
+    using CellColumn = std::variant<TextColumn, WordColumn>;
+
+    int sourceRow(int row) const { return m_order.empty() ? row : static_cast<int>(m_order[static_cast<std::size_t>(row)]); }
+    QStringView sourceText(int row, int column) const;
+    const std::vector<quint32>& ranks(int column);
+
+    std::vector<QString> m_headers;
+    std::vector<CellColumn> m_columns;
+    int m_rows = 0;     // rows the views know of
+    int m_appended = 0; // rows there are, more than m_rows during a fill
+    int m_dragColumn = -1;
+    std::vector<quint32> m_order;              // screen row -> row as appended; empty: the same
+    std::vector<std::vector<quint32>> m_ranks; // by column, computed once: a row's place among its column's texts
+    int m_filling = 0;
+};
+
+} // namespace quillon
