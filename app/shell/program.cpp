@@ -1,0 +1,57 @@
+#include "app/shell/program.h"
+
+#include "app/shell/frmSplash.h"
+#include "ui/auxiliary/frmEntryInfo.h"
+#include "ui/data/frmMainData.h"
+#include "ui/main/frmMainMenu.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+Program::Program(const Ports& ports, const QString& currentFolder)
+    : m_session({ports.dialogs, ports.eventLog, ports.clock, ports.desktop, ports.files, m_windows},
+                currentFolder)
+{
+    registerWindows();
+}
+
+Program::~Program()
+{
+    // The end of the program is decided: no window is asked anything any more, and none gets an event. Windows that
+    // have been unloaded and only wait for their deletion go first, then the loaded ones, the last loaded first.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    for (auto loaded = m_windows.loaded(); !loaded.empty(); loaded = m_windows.loaded())
+        delete loaded.back();
+}
+
+void Program::registerWindows()
+{
+    m_windows.setFactory(u"frmMainData"_s, [this] { return new frmMainData(m_session, m_windows); });
+    m_windows.setFactory(u"frmEntryInfo"_s, [this] { return new frmEntryInfo(m_session, m_windows); });
+    // Opened by its name the splash window is the system information; start-up makes the timed one itself.
+    m_windows.setFactory(u"frmSplash"_s, [this] {
+        auto* window = new frmSplash(m_session, m_windows);
+        window->showInformation();
+        return window;
+    });
+}
+
+frmMainMenu& Program::mainWindow()
+{
+    if (m_mainWindow == nullptr) {
+        m_mainWindow = new frmMainMenu(m_session, m_windows);
+        m_session.setMainWindow(m_mainWindow);
+        QObject::connect(m_mainWindow, &frmMainMenu::endProgram, m_mainWindow, [this] {
+            if (m_end)
+                m_end();
+        });
+    }
+    return *m_mainWindow;
+}
+
+} // namespace quillon

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "store/session.h"
+#include "ui/widgets/window_registry.h"
+
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+
+namespace quillon
+{
+
+class frmMainMenu;
+
+/// One run of the program: the session, the windows and how each window comes into being. It knows nothing of where
+/// its ports come from, so a test builds it with ports of its own.
+class Program
+{
+public:
+    struct Ports {
+        Dialogs& dialogs;
+        EventLog& eventLog;
+        Clock& clock;
+        Desktop& desktop;
+        Files& files;
+    };
+
+    /// `currentFolder`: the process's current folder, empty when there is none.
+    Program(const Ports& ports, const QString& currentFolder);
+    /// Destroys the windows without asking them anything.
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    Session& session() { return m_session; }
+    WindowRegistry& windows() { return m_windows; }
+
+    /// The main window, created and made known to the session on first use; it is not shown.
+    frmMainMenu& mainWindow();
+
+    /// What happens when the person has confirmed the end of the program; nothing by default.
+    void setEnd(std::function<void()> end) { m_end = std::move(end); }
+
+private:
+    void registerWindows();
+
+    WindowRegistry m_windows;
+    Session m_session;
+    QPointer<frmMainMenu> m_mainWindow;
+    std::function<void()> m_end;
+};
+
+} // namespace quillon
