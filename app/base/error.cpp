@@ -4,12 +4,13 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon {
+namespace quillon
+{
 
 Error::Error(qint32 errorNumber) : number(errorNumber), description(standardDescription(errorNumber)) {}
 
-Error::Error(qint32 errorNumber, QString errorDescription) :
-    number(errorNumber), description(std::move(errorDescription))
+Error::Error(qint32 errorNumber, QString errorDescription)
+    : number(errorNumber), description(std::move(errorDescription))
 {
 }
 

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A failure that the person at the screen is told about: a number and a Japanese sentence.
 /// Thrown where the failure is discovered and caught once per operation (see `guarded`).
@@ -17,7 +18,8 @@ struct Error {
 };
 
 /// The error numbers in use. The first group is general, the 3000s are the store's, the 35600s the trees' and lists'.
-namespace errors {
+namespace errors
+{
 inline constexpr qint32 InvalidArgument = 5;
 inline constexpr qint32 Overflow = 6;
 inline constexpr qint32 OutOfMemory = 7;

@@ -6,9 +6,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon {
+namespace quillon
+{
 
-namespace {
+namespace
+{
 
 /// The position (from 1) of the next occurrence at or after `start` (from 1), 0 when there is none.
 qint16 positionOf(const QString& delimiter, const QString& text, qsizetype start)
@@ -28,7 +30,8 @@ QString ExtractString(Reporting& reporting, const QString& text, const QString& 
         qint16 last = positionOf(delimiter, text, 1);
         if (last == 0) {
             reporting.dialogs.messageBox(
-                {.text = u"特定文字列の取得に必要な区切文字が見つかりませんでした。"_s, .title = u"特定文字列抽出処理"_s});
+                {.text = u"特定文字列の取得に必要な区切文字が見つかりませんでした。"_s,
+                 .title = u"特定文字列抽出処理"_s});
             return;
         }
         // An empty delimiter stands everywhere; the search ends at the end of the text.

@@ -4,7 +4,8 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// What follows the last occurrence of `delimiter` in `text`, for example the file name of a path.
 /// Only one character is skipped, so the rest of a longer delimiter stays at the front of the result.

@@ -7,7 +7,8 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon {
+namespace quillon
+{
 
 bool NullCheck(Reporting& reporting, const QString& fieldText)
 {
@@ -29,7 +30,8 @@ bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChar
     guarded(reporting, u"MaxTextCheck"_s, [&] {
         // sic: a text of exactly the limit is already refused.
         if (static_cast<double>(platform::byteLength932(fieldText)) >= 2 * maxChars) {
-            reporting.dialogs.messageBox({.text = fieldName + u"が最大入力値を超えています。最大入力値は全角"_s +
+            reporting.dialogs.messageBox({.text = fieldName +
+                                                  u"が最大入力値を超えています。最大入力値は全角"_s +
                                                   shortestDecimal(maxChars) + u"文字です。"_s,
                                           .title = titles::SystemAudit});
             return;

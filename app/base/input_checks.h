@@ -4,7 +4,8 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// Whether a required field is filled; tells the user when it is not. Blanks count as filled.
 bool NullCheck(Reporting& reporting, const QString& fieldText);

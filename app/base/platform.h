@@ -5,13 +5,18 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 #include <memory>
 #include <optional>
 
 /// Everything that differs between the operating systems: one file per platform implements this header.
-namespace quillon::platform {
+namespace quillon::platform
+{
+
+/// The words of the command line, the program's own first, with every character they may hold.
+QStringList arguments(int count, char** words);
 
 /// Bytes of `text` in code page 932 as Windows converts it: one per half-width character, two per full-width one.
 /// A character that the page lacks counts as one "?" per UTF-16 code unit.
@@ -21,7 +26,8 @@ qsizetype byteLength932(QStringView text);
 std::optional<QString> decode932(QByteArrayView bytes);
 
 /// Makes keys that sort as a Japanese reader sorts (the ja locale): compare them byte by byte.
-class Collator {
+class Collator
+{
 public:
     Collator();
     ~Collator();

@@ -21,9 +21,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon::platform {
+namespace quillon::platform
+{
 
-namespace {
+namespace
+{
 
 // The Microsoft-style table: NEC and IBM extensions, and the backslash at 0x5C.
 constexpr const char* CodePage932 = "ibm-943_P15A-2003";
@@ -38,7 +40,8 @@ Converter openConverter()
     UErrorCode status = U_ZERO_ERROR;
     Converter converter(ucnv_open(CodePage932, &status));
     if (U_FAILURE(status))
-        throw Error(errors::InvalidArgument, u"コードページ 932 の変換表が見つかりません。ICU を導入し直してください。"_s);
+        throw Error(errors::InvalidArgument,
+                    u"コードページ 932 の変換表が見つかりません。ICU を導入し直してください。"_s);
     return converter;
 }
 
@@ -60,7 +63,8 @@ LengthTable makeLengthTable()
         const UChar text = static_cast<UChar>(unit);
         char bytes[8];
         status = U_ZERO_ERROR;
-        if (ucnv_fromUChars(converter.get(), bytes, sizeof bytes, &text, 1, &status) == 2 && U_SUCCESS(status))
+        if (ucnv_fromUChars(converter.get(), bytes, sizeof bytes, &text, 1, &status) == 2 &&
+            U_SUCCESS(status))
             lengths[static_cast<std::size_t>(unit)] = 2;
     }
     // Windows writes these seven like their full-width twins (— 〜 ‖ − ¢ £ ¬); other tables do not know them.
@@ -92,6 +96,14 @@ bool appendLine(const QString& path, const QString& line)
 
 } // namespace
 
+QStringList arguments(int count, char** words)
+{
+    QStringList list;
+    for (int i = 0; i < count; ++i)
+        list << QFile::decodeName(words[i]);
+    return list;
+}
+
 qsizetype byteLength932(QStringView text)
 {
     static const LengthTable lengths = makeLengthTable();
@@ -110,8 +122,8 @@ std::optional<QString> decode932(QByteArrayView bytes)
     auto* target = reinterpret_cast<UChar*>(text.data());
     UChar* const targetStart = target;
     const char* source = bytes.data();
-    ucnv_toUnicode(converter.get(), &target, target + text.size(), &source, source + bytes.size(), nullptr, true,
-                   &status);
+    ucnv_toUnicode(converter.get(), &target, target + text.size(), &source, source + bytes.size(), nullptr,
+                   true, &status);
     if (U_FAILURE(status))
         return std::nullopt;
     text.resize(target - targetStart);
@@ -141,7 +153,8 @@ Collator::Collator() : m_handle(std::make_unique<Handle>())
     UErrorCode status = U_ZERO_ERROR;
     m_handle->collator = ucol_open("ja", &status);
     if (U_FAILURE(status))
-        throw Error(errors::InvalidArgument, u"日本語の並べ替え規則が見つかりません。ICU を導入し直してください。"_s);
+        throw Error(errors::InvalidArgument,
+                    u"日本語の並べ替え規則が見つかりません。ICU を導入し直してください。"_s);
 }
 
 Collator::~Collator() = default;
@@ -149,7 +162,8 @@ Collator::~Collator() = default;
 void Collator::appendKey(QStringView text, std::string& keys) const
 {
     const auto* units = reinterpret_cast<const UChar*>(text.utf16());
-    const auto length = static_cast<int32_t>(std::min<qsizetype>(text.size(), std::numeric_limits<int32_t>::max()));
+    const auto length =
+        static_cast<int32_t>(std::min<qsizetype>(text.size(), std::numeric_limits<int32_t>::max()));
     const std::size_t start = keys.size();
     keys.resize(start + static_cast<std::size_t>(length) * 4 + 16);
     auto room = static_cast<int32_t>(keys.size() - start);
@@ -157,8 +171,8 @@ void Collator::appendKey(QStringView text, std::string& keys) const
                                      reinterpret_cast<uint8_t*>(keys.data() + start), room);
     if (needed > room) {
         keys.resize(start + static_cast<std::size_t>(needed));
-        needed = ucol_getSortKey(m_handle->collator, units, length, reinterpret_cast<uint8_t*>(keys.data() + start),
-                                 needed);
+        needed = ucol_getSortKey(m_handle->collator, units, length,
+                                 reinterpret_cast<uint8_t*>(keys.data() + start), needed);
     }
     // The key ends in a zero byte that no key contains; without it keys still compare alike.
     keys.resize(start + static_cast<std::size_t>(std::max(needed - 1, 0)));

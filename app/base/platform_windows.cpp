@@ -14,9 +14,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon::platform {
+namespace quillon::platform
+{
 
-namespace {
+namespace
+{
 
 constexpr UINT CodePage932 = 932;
 
@@ -39,13 +41,16 @@ LengthTable makeLengthTable()
     return lengths;
 }
 
-const wchar_t* wide(const QString& text) { return reinterpret_cast<const wchar_t*>(text.utf16()); }
+const wchar_t* wide(const QString& text)
+{
+    return reinterpret_cast<const wchar_t*>(text.utf16());
+}
 
 bool mayOpen(const QString& path, DWORD access, DWORD flags)
 {
-    const HANDLE handle =
-        CreateFileW(wide(QDir::toNativeSeparators(path)), access,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, flags, nullptr);
+    const HANDLE handle = CreateFileW(wide(QDir::toNativeSeparators(path)), access,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                      OPEN_EXISTING, flags, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return GetLastError() == ERROR_SHARING_VIOLATION;
     CloseHandle(handle);
@@ -53,6 +58,18 @@ bool mayOpen(const QString& path, DWORD access, DWORD flags)
 }
 
 } // namespace
+
+QStringList arguments(int, char**)
+{
+    // The words handed to main() have lost what the system's code page does not know.
+    QStringList list;
+    int count = 0;
+    wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+    for (int i = 0; i < count; ++i)
+        list << QString::fromWCharArray(words[i]);
+    LocalFree(words);
+    return list;
+}
 
 qsizetype byteLength932(QStringView text)
 {
@@ -77,7 +94,8 @@ std::optional<QString> decode932(QByteArrayView bytes)
     return text;
 }
 
-struct Collator::Handle {};
+struct Collator::Handle {
+};
 
 Collator::Collator() = default;
 Collator::~Collator() = default;
@@ -91,8 +109,8 @@ void Collator::appendKey(QStringView text, std::string& keys) const
     const int needed = LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, nullptr, 0, nullptr, nullptr, 0);
     const std::size_t start = keys.size();
     keys.resize(start + static_cast<std::size_t>(needed));
-    LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, reinterpret_cast<wchar_t*>(keys.data() + start), needed,
-                  nullptr, nullptr, 0);
+    LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, reinterpret_cast<wchar_t*>(keys.data() + start),
+                  needed, nullptr, nullptr, 0);
     if (needed > 0)
         keys.pop_back(); // the closing zero
 }
@@ -116,9 +134,15 @@ bool isOrdinaryFile(const QString& path)
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & extraordinary) == 0;
 }
 
-bool mayWriteIn(const QString& folder) { return mayOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS); }
+bool mayWriteIn(const QString& folder)
+{
+    return mayOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
+}
 
-bool mayReadAndWrite(const QString& path) { return mayOpen(path, GENERIC_READ | GENERIC_WRITE, 0); }
+bool mayReadAndWrite(const QString& path)
+{
+    return mayOpen(path, GENERIC_READ | GENERIC_WRITE, 0);
+}
 
 void writeEventLog(const QString& line, const QString&)
 {

@@ -6,13 +6,14 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace quillon {
+namespace quillon
+{
 
-namespace {
+namespace
+{
 
 /// A step of the reporter: the next one runs whatever happens to this one.
-template <class Step>
-void onward(Step&& step)
+template <class Step> void onward(Step&& step)
 {
     try {
         step();
@@ -21,7 +22,8 @@ void onward(Step&& step)
     }
 }
 
-void writeLogLine(Reporting& reporting, const QString& location, qint32 errorNumber, const QString& description)
+void writeLogLine(Reporting& reporting, const QString& location, qint32 errorNumber,
+                  const QString& description)
 {
     onward([&] {
         reporting.eventLog.write(reporting.clock.shortDate() + u", "_s + reporting.clock.shortTime() +
@@ -38,8 +40,8 @@ void ReportError(Reporting& reporting, qint32 errorNumber, const QString& locati
         return;
     const QString description = standardDescription(errorNumber);
     onward([&] {
-        reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
-                                              u"\r\nEXPLANATION : "_s + description,
+        reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s +
+                                              location + u"\r\nEXPLANATION : "_s + description,
                                       .title = titles::FailureCountermeasures});
     });
     writeLogLine(reporting, location, errorNumber, description);
@@ -48,8 +50,9 @@ void ReportError(Reporting& reporting, qint32 errorNumber, const QString& locati
 void reportUntrapped(Reporting& reporting, const Error& error, const QString& location)
 {
     onward([&] {
-        reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-                                      .title = titles::FailureCountermeasures});
+        reporting.dialogs.messageBox(
+            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
+             .title = titles::FailureCountermeasures});
     });
     writeLogLine(reporting, location, error.number, error.description);
 }

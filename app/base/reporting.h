@@ -6,7 +6,8 @@
 
 #include <utility>
 
-namespace quillon {
+namespace quillon
+{
 
 class Clock;
 class Dialogs;
@@ -29,8 +30,7 @@ void reportUntrapped(Reporting& reporting, const Error& error, const QString& lo
 
 /// Runs an operation under its own name: a failure is reported and ends the operation, nothing is rolled back.
 /// Keep the result outside `operation`, so that it is whatever it was when the failure happened.
-template <class Operation>
-void guarded(Reporting& reporting, const QString& location, Operation&& operation)
+template <class Operation> void guarded(Reporting& reporting, const QString& location, Operation&& operation)
 {
     try {
         std::forward<Operation>(operation)();
@@ -40,8 +40,7 @@ void guarded(Reporting& reporting, const QString& location, Operation&& operatio
 }
 
 /// The same for handlers that show a failure box of their own: `onFailure` gets the Error.
-template <class OnFailure, class Operation>
-void guardedBy(OnFailure&& onFailure, Operation&& operation)
+template <class OnFailure, class Operation> void guardedBy(OnFailure&& onFailure, Operation&& operation)
 {
     try {
         std::forward<Operation>(operation)();

@@ -3,11 +3,12 @@
 #include <QString>
 
 /// The titles of message boxes that several files share; each names a department of the product.
-namespace quillon::titles {
+namespace quillon::titles
+{
 
 using namespace Qt::Literals::StringLiterals;
 
-inline const QString Application = u"Quillon"_s;                      // where no other title is given
+inline const QString Application = u"Quillon"_s;                       // where no other title is given
 inline const QString FailureCountermeasures = u"Quillon 障害対策部"_s; // unexpected failures
 inline const QString SystemOperation = u"Quillon システム運用部"_s;    // notices, the shutdown question
 inline const QString SystemAudit = u"Quillon システム監査部"_s;        // refused input and actions

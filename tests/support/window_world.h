@@ -5,9 +5,9 @@
 #include "tests/support/test_ports.h"
 
 #include <QTemporaryDir>
+#include <QWidget>
 
 class QAction;
-class QWidget;
 
 namespace quillon
 {

@@ -3,10 +3,12 @@
 #include <QDateTime>
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// The local date and time and their texts.
-class Clock {
+class Clock
+{
 public:
     virtual ~Clock() = default;
 

@@ -6,7 +6,8 @@
 
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// One row of a data window's link list: kind word, name and identifier of the partner.
 struct LinkRow {
@@ -22,7 +23,8 @@ struct CategoryRow {
 };
 
 /// What the core operations ask of a window that shows or registers one datum.
-class DataWindow : public virtual LoadedWindow {
+class DataWindow : public virtual LoadedWindow
+{
 public:
     DataWindow* asDataWindow() override { return this; }
 

@@ -2,12 +2,14 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 enum class OpenOutcome { Opened, NoAssociation, OtherFailure };
 
 /// The desktop the program runs on.
-class Desktop {
+class Desktop
+{
 public:
     virtual ~Desktop() = default;
     /// Opens a file with the application associated with it. Never waits for it and never passes through a shell.

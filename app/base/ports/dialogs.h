@@ -6,7 +6,8 @@
 
 #include <optional>
 
-namespace quillon {
+namespace quillon
+{
 
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Icon { None, Information };
@@ -32,14 +33,15 @@ struct FileDialog {
     enum class Purpose { Open, Save };
 
     Purpose purpose = Purpose::Open;
-    QString filter;                  // "description (*.ext)|*.ext"; empty for all files
-    QString fileName;                // full name or empty; what the dialog proposes
-    QString folder;                  // where the dialog starts; empty for its own default
+    QString filter;   // "description (*.ext)|*.ext"; empty for all files
+    QString fileName; // full name or empty; what the dialog proposes
+    QString folder;   // where the dialog starts; empty for its own default
     bool promptBeforeOverwriting = false;
 };
 
 /// Everything that asks the person at the screen something and waits for the answer.
-class Dialogs {
+class Dialogs
+{
 public:
     virtual ~Dialogs() = default;
 

@@ -2,10 +2,12 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// The application event log, one line per reported failure.
-class EventLog {
+class EventLog
+{
 public:
     virtual ~EventLog() = default;
     /// Appends one line. A failure to write is ignored: the log must never be the reason of a second failure.

@@ -2,10 +2,12 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// The questions the program asks of the file system.
-class Files {
+class Files
+{
 public:
     virtual ~Files() = default;
 

@@ -2,10 +2,12 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 /// What operations below the windows ask of the main window.
-class MainWindowPort {
+class MainWindowPort
+{
 public:
     virtual ~MainWindowPort() = default;
 

@@ -4,12 +4,14 @@
 
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 class DataWindow;
 
 /// A window of the program as long as it is loaded.
-class LoadedWindow {
+class LoadedWindow
+{
 public:
     virtual ~LoadedWindow() = default;
 
@@ -25,7 +27,8 @@ public:
 };
 
 /// The windows of the program: those that are loaded, and how further ones come into being.
-class Windows {
+class Windows
+{
 public:
     virtual ~Windows() = default;
 

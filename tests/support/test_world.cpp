@@ -1,0 +1,65 @@
+#include "tests/support/test_world.h"
+
+#include "store/database.h"
+#include "store/record_set.h"
+#include "store/schema.h"
+
+namespace quillon::testing
+{
+
+TestWorld::TestWorld() : session({dialogs, eventLog, clock, desktop, files, windows}, folder.path())
+{
+    windows.list.push_back(&mainWindow);
+    session.setMainWindow(&mainWindow);
+}
+
+TestWorld::~TestWorld() = default;
+
+QString TestWorld::createDatabase(const QString& name)
+{
+    const QString path = folder.filePath(name);
+    const auto database = Database::create(path);
+    for (const TableSchema* table : schema::all())
+        database->execute(table->statement);
+    return path;
+}
+
+void TestWorld::openDatabase(const QString& path)
+{
+    session.OpenDb = Database::open(path);
+    session.RsMain = RecordSet::openTable(session.OpenDb, schema::Main());
+    session.RsOpenApp = RecordSet::openTable(session.OpenDb, schema::OpenApp());
+    session.RsRefFile = RecordSet::openTable(session.OpenDb, schema::RefFile());
+    session.RsRefDoc = RecordSet::openTable(session.OpenDb, schema::RefDoc());
+    session.RsLink = RecordSet::openTable(session.OpenDb, schema::Link());
+    session.RsCategoryID = RecordSet::openTable(session.OpenDb, schema::Category_ID());
+    session.RsCategory = RecordSet::openTable(session.OpenDb, schema::Category());
+    session.MainLastFieldIndex = 2;
+}
+
+void TestWorld::addRow(const std::shared_ptr<RecordSet>& recordSet, const QStringList& fields)
+{
+    recordSet->addNew();
+    for (int i = 0; i < fields.size(); ++i)
+        recordSet->setField(i, fields[i]);
+    recordSet->update();
+}
+
+QStringList TestWorld::rowsOf(const std::shared_ptr<RecordSet>& recordSet)
+{
+    QStringList rows;
+    const bool three = recordSet->table().fields.size() == 3;
+    const auto visit = [&](const RecordSet::Row& row) {
+        QString line = row.text(0).toString() + u'|' + row.text(1);
+        if (three)
+            line += u'|' + row.text(2);
+        rows << line;
+    };
+    if (three)
+        recordSet->forEachRow({0, 1, 2}, visit);
+    else
+        recordSet->forEachRow({0, 1}, visit);
+    return rows;
+}
+
+} // namespace quillon::testing

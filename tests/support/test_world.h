@@ -1,0 +1,40 @@
+#pragma once
+
+#include "store/session.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_ports.h"
+
+#include <QTemporaryDir>
+
+namespace quillon::testing
+{
+
+/// A session without windows: scripted dialogs, a clock that stands still, a temporary current folder and, when
+/// asked, an open database in it.
+class TestWorld
+{
+public:
+    TestWorld();
+    ~TestWorld();
+
+    /// Creates an empty database "QUILLON.mdb" with its seven tables in the current folder; returns its full name.
+    QString createDatabase(const QString& name = QStringLiteral("QUILLON.mdb"));
+    /// Opens a database with its record sets, without status texts and boxes.
+    void openDatabase(const QString& path);
+    /// Adds one row to a record set's table.
+    static void addRow(const std::shared_ptr<RecordSet>& recordSet, const QStringList& fields);
+    /// All rows of a record set, each as its fields joined by "|".
+    static QStringList rowsOf(const std::shared_ptr<RecordSet>& recordSet);
+
+    QTemporaryDir folder;
+    ScriptedDialogs dialogs;
+    MemoryEventLog eventLog;
+    FixedClock clock;
+    RecordingDesktop desktop;
+    RealFiles files;
+    FakeWindows windows;
+    FakeMainWindow mainWindow;
+    Session session;
+};
+
+} // namespace quillon::testing

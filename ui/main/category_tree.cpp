@@ -1,0 +1,96 @@
+#include "ui/main/category_tree.h"
+
+#include "app/base/reporting.h"
+#include "store/record_set.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "ui/main/fill_progress.h"
+#include "ui/widgets/keyed_tree.h"
+
+#include <limits>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int DivisionNode = 1;
+const QString CategoryKey = u"CATEGORY"_s;
+
+void addFixedNodes(KeyedTreeModel& nodes)
+{
+    nodes.add({}, u"DIV"_s, u"形式別(全データ)"_s);
+    nodes.add(u"DIV"_s, u"M_DIV"_s, u"定義データ"_s);
+    nodes.add(u"M_DIV"_s, u"M_DIV_NOCATEGORY"_s, u"未分類データ"_s);
+    nodes.add(u"M_DIV"_s, u"M_DIV_NODIF"_s, u"未定義データ"_s);
+    nodes.add(u"DIV"_s, u"R_DIV"_s, u"文献データ"_s);
+    nodes.add(u"R_DIV"_s, u"R_DIV_NOCATEGORY"_s, u"未分類データ"_s);
+    nodes.add(u"DIV"_s, u"F_DIV"_s, u"ファイルデータ"_s);
+    nodes.add(u"F_DIV"_s, u"F_DIV_NOCATEGORY"_s, u"未分類データ"_s);
+    nodes.add({}, CategoryKey, u"分類別"_s);
+}
+
+void addCategory(KeyedTreeModel& nodes, const QString& identifier, const QString& name)
+{
+    // An identifier that no table of ours could hold is damage; its ancestors alone could fill the memory.
+    if (identifier.size() > schema::Category_ID().fields[0].width)
+        throw Error(errors::FieldTooSmall);
+    QString parent = CategoryKey;
+    for (qsizetype step = identifier.indexOf(u'-'); step >= 0; step = identifier.indexOf(u'-', step + 1)) {
+        const QString ancestor = identifier.left(step);
+        if (GetNodeIndex(nodes, ancestor) == 0)
+            nodes.add(parent, ancestor, name); // sic: the missing ancestor takes the descendant's name
+        parent = ancestor;
+    }
+    nodes.add(parent.isEmpty() ? CategoryKey : parent, identifier, name);
+}
+
+} // namespace
+
+void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress)
+{
+    // The tree is a part of opening a database and reports under its name.
+    guarded(session.reporting, u"OpenDbFile"_s, [&] {
+        KeyedTreeModel& nodes = tree.nodes();
+        {
+            const KeyedTreeModel::Rebuild rebuild(nodes);
+            nodes.clear();
+            addFixedNodes(nodes);
+            RecordSet& categories = required(session.RsCategoryID);
+            if (categories.hasRows()) {
+                progress.start(categories.recordCount());
+                categories.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
+                    progress.advance();
+                    addCategory(nodes, row.text(0).toString(), row.text(1).toString());
+                });
+            }
+        }
+        tree.expandNode(LastFixedNode);
+        tree.expandNode(DivisionNode);
+        tree.select(DivisionNode);
+        progress.finish();
+    });
+}
+
+int GetNodeIndex(const KeyedTreeModel& nodes, const QString& key)
+{
+    return nodes.position(key);
+}
+
+QString GetNewCategory_ID(const KeyedTreeModel& nodes, const QString& parentKey, bool topLevel)
+{
+    for (char32_t code = U'A'; code < std::numeric_limits<char16_t>::max(); ++code) {
+        const QChar letter(static_cast<char16_t>(code));
+        if (letter.isSurrogate())
+            continue; // half a character
+        QString candidate = topLevel ? QString(letter) : parentKey + u'-' + letter;
+        if (GetNodeIndex(nodes, candidate) == 0)
+            return candidate;
+    }
+    throw Error(errors::Overflow);
+}
+
+} // namespace quillon

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+namespace quillon
+{
+
+class FillProgress;
+class KeyedTree;
+class KeyedTreeModel;
+class Session;
+
+/// The last of the fixed nodes at the top of the category tree; a node beyond this position is a user category,
+/// whatever its key.
+inline constexpr int LastFixedNode = 9;
+
+/// Rebuilds the tree: the nine fixed nodes, then one node per category, each below the category that its identifier
+/// names. A missing ancestor is added under the name of the first descendant. A failure, for example a key that is
+/// taken already, is reported as "OpenDbFile" and ends the build where it is.
+void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress);
+
+/// The position of the first node with this key, 0 when there is none.
+int GetNodeIndex(const KeyedTreeModel& nodes, const QString& key);
+
+/// The first free identifier for a new category below `parentKey`, or of the top level: letters from "A" upwards,
+/// and the codes that follow "Z". Only the tree is asked.
+QString GetNewCategory_ID(const KeyedTreeModel& nodes, const QString& parentKey, bool topLevel);
+
+} // namespace quillon

@@ -1,0 +1,127 @@
+#include "ui/main/data_list.h"
+
+#include "app/base/reporting.h"
+#include "core/data_records.h"
+#include "store/identifiers.h"
+#include "store/record_set.h"
+#include "store/session.h"
+#include "ui/main/fill_progress.h"
+#include "ui/widgets/report_model.h"
+
+#include <QSet>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+const QString Location = u"CreateDataListMain"_s;
+
+/// The kind words of identifiers; a run of one kind asks once.
+class KindWords
+{
+public:
+    explicit KindWords(Session& session) : m_session(session) {}
+
+    QStringView of(QStringView identifier)
+    {
+        const QStringView letter = identifier.left(1);
+        if (!m_known || letter != m_letter) {
+            m_letter = letter.toString();
+            m_word = GetDivName(m_session, m_letter, DivName::ShortName);
+            m_known = true;
+        }
+        return m_word;
+    }
+
+private:
+    Session& m_session;
+    QString m_letter;
+    QString m_word;
+    bool m_known = false;
+};
+
+} // namespace
+
+DataListFiller::DataListFiller(Session& session, ReportModel& rows, FillProgress& progress)
+    : m_session(session), m_rows(rows), m_progress(progress)
+{
+}
+
+bool DataListFiller::CreateDataListMain(const std::shared_ptr<RecordSet>& table, bool append,
+                                        const QString& mark)
+{
+    bool filled = false;
+    guarded(m_session.reporting, Location, [&] {
+        if (!append)
+            m_rows.clear();
+        RecordSet& recordSet = required(table);
+        if (!recordSet.hasRows())
+            return;
+        m_progress.start(recordSet.recordCount());
+        KindWords kinds(m_session);
+        ReportModel::Fill fill(m_rows);
+        recordSet.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
+            m_progress.advance();
+            const QStringView identifier = row.text(1);
+            fill.append({row.text(0), kinds.of(identifier), identifier, mark});
+        });
+        m_progress.finish();
+        filled = true;
+    });
+    return filled;
+}
+
+void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSet, const QString& mark)
+{
+    guarded(m_session.reporting, Location, [&] {
+        RecordSet& members = required(recordSet);
+        if (!members.hasRows())
+            return;
+        m_progress.start(members.recordCount());
+        KindWords kinds(m_session);
+        ReportModel::Fill fill(m_rows);
+        members.forEachRow({1}, [&](const RecordSet::Row& row) {
+            m_progress.advance();
+            const QString identifier = row.text(0).toString();
+            fill.append({GetDataName(m_session, identifier), kinds.of(identifier), identifier, mark});
+        });
+        m_progress.finish();
+    });
+}
+
+void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& table)
+{
+    guarded(m_session.reporting, Location, [&] {
+        m_rows.clear();
+        RecordSet& data = required(table);
+        if (!data.hasRows())
+            return;
+        RecordSet& memberships = required(m_session.RsCategory);
+        // One pass over the memberships instead of one search per datum; no null is equal to any identifier.
+        QSet<QString> categorised;
+        categorised.reserve(memberships.recordCount());
+        memberships.forEachRow({1}, [&](const RecordSet::Row& row) {
+            if (!row.isNull(0))
+                categorised.insert(row.text(0).toString());
+        });
+        m_progress.prepare(data.recordCount());
+        QString kind; // of the first row, for all of them
+        bool first = true;
+        ReportModel::Fill fill(m_rows);
+        data.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
+            m_progress.advance();
+            const QString identifier = row.text(1).toString();
+            if (first)
+                kind = GetDivName(m_session, identifier, DivName::ShortName);
+            first = false;
+            if (!categorised.contains(identifier))
+                fill.append({row.text(0), kind, identifier});
+        });
+    });
+}
+
+} // namespace quillon

@@ -1,0 +1,49 @@
+#include "ui/main/fill_progress.h"
+
+#include <QProgressBar>
+
+#include <algorithm>
+#include <limits>
+
+namespace quillon
+{
+
+namespace
+{
+constexpr qint64 MillisecondsBetweenPaints = 33;
+} // namespace
+
+FillProgress::FillProgress(QProgressBar& bar) : m_bar(bar) {}
+
+void FillProgress::start(qint64 maximum)
+{
+    prepare(maximum);
+    m_bar.show();
+}
+
+void FillProgress::prepare(qint64 maximum)
+{
+    m_done = 0;
+    m_bar.setRange(0, static_cast<int>(std::min<qint64>(maximum, std::numeric_limits<int>::max())));
+    m_bar.setValue(0);
+    m_sincePaint.start();
+}
+
+void FillProgress::finish()
+{
+    m_bar.setValue(m_bar.maximum());
+    m_bar.hide();
+}
+
+void FillProgress::paintNowAndThen()
+{
+    if (m_sincePaint.elapsed() < MillisecondsBetweenPaints)
+        return;
+    m_sincePaint.restart();
+    m_bar.setValue(static_cast<int>(std::min<qint64>(m_done, m_bar.maximum())));
+    // Painted at once: the event loop gets no turn while a list is being filled.
+    if (m_bar.isVisible())
+        m_bar.repaint();
+}
+
+} // namespace quillon

@@ -1,0 +1,189 @@
+#include "ui/main/frmMainMenu.h"
+
+#include "app/base/ports/clock.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/twips.h"
+#include "store/session.h"
+#include "ui/main/category_tree.h"
+#include "ui/main/main_window_metrics.h"
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+
+#include <QFrame>
+#include <QGuiApplication>
+#include <QProgressBar>
+#include <QScreen>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+StatusPanels* makeStatusBar(QWidget* parent)
+{
+    const auto width = [](double twips) { return pixelsFromTwips(twips); };
+    return new StatusPanels({{.objectName = u"Status"_s,
+                              .width = width(metrics::StatusPanelWidth),
+                              .minimumWidth = width(metrics::StatusPanelLeastWidth),
+                              .text = u"展開されているデータベースはありません。"_s,
+                              .toolTip = u"システムの状態を表示します。"_s,
+                              .stretches = true},
+                             {.objectName = {},
+                              .width = width(metrics::CountPanelWidth),
+                              .minimumWidth = 0,
+                              .text = u"表示データ数 ： "_s,
+                              .toolTip = u"現在表示されているデータ数を表示します。"_s,
+                              .stretches = false},
+                             {.objectName = u"Date"_s,
+                              .width = width(metrics::DatePanelWidth),
+                              .minimumWidth = 0,
+                              .text = {},
+                              .toolTip = u"全体の日付を表示します。"_s,
+                              .stretches = false},
+                             {.objectName = u"Time"_s,
+                              .width = width(metrics::TimePanelWidth),
+                              .minimumWidth = 0,
+                              .text = {},
+                              .toolTip = u"現在の時刻を表示します。"_s,
+                              .stretches = false}},
+                            parent);
+}
+
+} // namespace
+
+frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
+    : FormWindow(session, registry, u"frmMainMenu"_s)
+{
+    setWindowTitle(u"Quillon メイン画面"_s);
+    buildControls();
+    buildMenus();
+    connectTree();
+    connectList();
+    m_progress = std::make_unique<FillProgress>(*pgbMain);
+    m_filler = std::make_unique<DataListFiller>(session, lsvData->rows(), *m_progress);
+    session.setMainWindow(this);
+
+    const QSize wanted(pixelsFromTwips(metrics::DesignWidth), pixelsFromTwips(metrics::DesignHeight));
+    resize(wanted.boundedTo(screen()->availableSize() - QSize(40, 60)));
+    tvwCategory->setFocus();
+}
+
+frmMainMenu::~frmMainMenu()
+{
+    session().setMainWindow(nullptr);
+}
+
+void frmMainMenu::buildControls()
+{
+    auto* surface = new QWidget(this);
+    surface->installEventFilter(this);
+    setCentralWidget(surface);
+
+    tvwCategory = new KeyedTree(surface);
+    tvwCategory->setObjectName(u"tvwCategory"_s);
+    tvwCategory->setAccessibleName(u"カテゴリツリー"_s);
+
+    lsvData = new ReportList({{u"名称"_s, ReportModel::Storage::Text},
+                              {u"種別"_s, ReportModel::Storage::Word},
+                              {u"ＩＤ"_s, ReportModel::Storage::Text},
+                              {u"下位分類"_s, ReportModel::Storage::Word}},
+                             surface);
+    lsvData->setObjectName(u"lsvData"_s);
+    lsvData->setAccessibleName(u"データ一覧"_s);
+    lsvData->setColumnCharacters({30, 8, 18, 10});
+
+    imgSplitter = new QWidget(surface);
+    imgSplitter->setObjectName(u"imgSplitter"_s);
+    imgSplitter->setCursor(Qt::SizeHorCursor);
+    imgSplitter->resize(pixelsFromTwips(metrics::SplitterWidth), pixelsFromTwips(metrics::SplitterHeight));
+    imgSplitter->installEventFilter(this);
+    imgSplitter->lower(); // the panes cover it: the gap between them is what can be grabbed
+
+    picSplitter = new QFrame(surface);
+    picSplitter->setObjectName(u"picSplitter"_s);
+    picSplitter->setAutoFillBackground(true);
+    QPalette grey = picSplitter->palette();
+    grey.setColor(QPalette::Window, QColor(0x80, 0x80, 0x80));
+    picSplitter->setPalette(grey);
+    picSplitter->hide();
+
+    pgbMain = new QProgressBar(surface);
+    pgbMain->setObjectName(u"pgbMain"_s);
+    pgbMain->setTextVisible(false);
+    pgbMain->setFixedHeight(pixelsFromTwips(metrics::ProgressHeight));
+    pgbMain->hide();
+
+    sbStatus = makeStatusBar(this);
+    sbStatus->setObjectName(u"sbStatus"_s);
+    sbStatus->keepDateAndTime(3, 4, session().clock);
+    setStatusBar(sbStatus);
+
+    setTabOrder(tvwCategory, lsvData);
+}
+
+bool frmMainMenu::queryUnload()
+{
+    const Answer answer = session().dialogs.messageBox({.text = u"Quillonを終了しますか。"_s,
+                                                        .title = titles::SystemOperation,
+                                                        .buttons = Buttons::OkCancel});
+    if (answer != Answer::Ok)
+        return false;
+    Q_EMIT endProgram();
+    return true;
+}
+
+void frmMainMenu::clearDataList()
+{
+    const bool hadRows = lsvData->rows().rowCount() > 0;
+    lsvData->rows().clear();
+    // The count must not speak of rows that are gone; before the first list there is nothing to correct.
+    if (hadRows)
+        showDataCount();
+}
+
+void frmMainMenu::setStatus(int panel, const QString& text)
+{
+    sbStatus->setText(panel, text);
+}
+
+void frmMainMenu::rebuildCategoryTree()
+{
+    BuildCategoryTree(session(), *tvwCategory, *m_progress);
+}
+
+int frmMainMenu::selectedNodeIndex() const
+{
+    return tvwCategory->selectedPosition();
+}
+
+int frmMainMenu::nodeCount() const
+{
+    return tvwCategory->nodes().nodeCount();
+}
+
+QString frmMainMenu::nodeKey(int index) const
+{
+    return tvwCategory->nodes().key(index);
+}
+
+QString frmMainMenu::nodeText(int index) const
+{
+    return tvwCategory->nodes().text(index);
+}
+
+QString frmMainMenu::nodeParentKey(int index) const
+{
+    const int parent = tvwCategory->nodes().parentPosition(index);
+    return parent == 0 ? QString() : tvwCategory->nodes().key(parent);
+}
+
+QString frmMainMenu::GetNewCategory_ID(const QString& parentKey, bool topLevel) const
+{
+    return quillon::GetNewCategory_ID(tvwCategory->nodes(), parentKey, topLevel);
+}
+
+} // namespace quillon

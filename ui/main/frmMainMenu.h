@@ -1,0 +1,135 @@
+#pragma once
+
+#include "app/base/ports/main_window_port.h"
+#include "ui/main/data_list.h"
+#include "ui/main/fill_progress.h"
+#include "ui/widgets/form_window.h"
+
+#include <QString>
+
+#include <memory>
+
+class QAction;
+class QFrame;
+class QMenu;
+class QProgressBar;
+
+namespace quillon
+{
+
+class KeyedTree;
+class RecordSet;
+class ReportList;
+class StatusPanels;
+
+/// The main window: the category tree on the left, the data list on the right, a splitter between them, the status
+/// bar and the menus. The members of one subject stand in one file: frmMainMenu_layout, _menus, _tree, _list.
+class frmMainMenu : public FormWindow, public MainWindowPort
+{
+    Q_OBJECT
+
+public:
+    frmMainMenu(Session& session, WindowRegistry& registry);
+    ~frmMainMenu() override;
+
+    // What operations below the windows ask for.
+    void clearDataList() override;
+    void setStatus(int panel, const QString& text) override;
+    void enableDatabaseMenus() override;
+    void rebuildCategoryTree() override;
+    int selectedNodeIndex() const override;
+    int nodeCount() const override;
+    QString nodeKey(int index) const override;
+    QString nodeText(int index) const override;
+    QString nodeParentKey(int index) const override;
+
+    /// Opens a database as if its name had been chosen in the File menu's dialog.
+    void openChosenFile(const QString& path);
+
+    /// Moves the splitter. `x`: the wanted position in twips, clamped in place.
+    void SizeControls(float& x);
+    /// The first free identifier for a new category.
+    QString GetNewCategory_ID(const QString& parentKey, bool topLevel) const;
+    /// Whether more than one row of the data list is selected.
+    bool CheckMultiSelect() const;
+
+    // Handlers of the frame. Positions are in twips, relative to the handle.
+    void Form_Resize();
+    void imgSplitter_MouseDown();
+    void imgSplitter_MouseMove(double x);
+    void imgSplitter_MouseUp();
+
+    // Handlers of the menus.
+    void mnuFileNew_Click();
+    void mnuFileOpen_Click();
+    void mnuEnd_Click();
+    void mnuEntryMain_Click();
+    void mnuDataView_Click();
+    void mnuDataCloseAll_Click();
+    void mnuInfoEntry_Click();
+    void mnuInfoReadme_Click();
+    void mnuInfoRef_Click();
+    void mnuInfoSystem_Click();
+
+    // Handlers of the tree and the list.
+    void tvwCategory_NodeClick();
+    void tvwCategory_KeyUp(int key);
+    void tvwCategory_MouseDown(const QPoint& position);
+    void tvwCategory_MouseMove();
+    void lsvData_KeyDown(int key, Qt::KeyboardModifiers shift);
+    void lsvData_MouseDown(const QPoint& position);
+    void lsvData_MouseMove();
+    void lsvData_DblClick();
+
+Q_SIGNALS:
+    /// The person confirmed the end of the program.
+    void endProgram();
+
+protected:
+    bool queryUnload() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool event(QEvent* event) override;
+
+private:
+    void buildControls();
+    void buildMenus();
+    void connectTree();
+    void connectList();
+    void enforceMinimumSize();
+    /// Runs a handler at the edge to the event loop.
+    template <class Handler> void handle(const QString& name, Handler&& handler);
+
+    void ShowDataList();
+    void showDataCount();
+    void listAllData();
+    bool treeHasNodes() const { return nodeCount() > 0; }
+    void openTextFile(const QString& fileName, const QString& missing);
+    void openFile(const QString& name);
+
+    KeyedTree* tvwCategory = nullptr;
+    ReportList* lsvData = nullptr;
+    QWidget* imgSplitter = nullptr;
+    QFrame* picSplitter = nullptr;
+    QProgressBar* pgbMain = nullptr;
+    StatusPanels* sbStatus = nullptr;
+    bool Moving = false;
+
+    /// What the file dialog of the File menu remembers between its showings.
+    struct {
+        QString fileName;
+        QString folder;
+    } dlgDbOpen;
+
+    QMenu* mnuData = nullptr;
+    QMenu* mnuCategory = nullptr;
+    QMenu* mnuFind = nullptr;
+    QMenu* mnuInfo = nullptr;
+    QAction* mnuInfoLink = nullptr;
+    QAction* mnuInfoEntry = nullptr;
+
+    QSize m_laidOutFrame;
+    std::unique_ptr<FillProgress> m_progress;
+    std::unique_ptr<DataListFiller> m_filler;
+};
+
+} // namespace quillon

@@ -1,0 +1,138 @@
+#include "app/base/twips.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/main/main_window_metrics.h"
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
+
+#include <QEvent>
+#include <QFrame>
+#include <QMouseEvent>
+#include <QProgressBar>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+void place(QWidget* widget, double left, double top, double width, double height)
+{
+    widget->setGeometry(pixelsFromTwips(left), pixelsFromTwips(top),
+                        pixelsFromTwips(left + width) - pixelsFromTwips(left), pixelsFromTwips(height));
+}
+
+} // namespace
+
+void frmMainMenu::Form_Resize()
+{
+    if (isMinimized())
+        return;
+    enforceMinimumSize();
+    m_laidOutFrame = frameSize();
+    const double width = twipsFromPixels(m_laidOutFrame.width());
+    const double height = twipsFromPixels(m_laidOutFrame.height());
+    // Frames, menu and status bars differ in height; nothing may disappear behind the status bar.
+    const double room = twipsFromPixels(centralWidget()->height());
+    const double paneHeight = std::min(height - metrics::PaneHeightLess, room - 2 * metrics::Margin);
+    const double third = width / 3;
+
+    place(tvwCategory, metrics::Margin, metrics::Margin, third - metrics::TreeWidthLess, paneHeight);
+    place(lsvData, third - metrics::ListLeftLess, metrics::Margin, width / 1.5 - metrics::ListWidthLess,
+          paneHeight);
+    imgSplitter->move(pixelsFromTwips(third - metrics::SplitterLeftLess),
+                      pixelsFromTwips(metrics::SplitterTop));
+    pgbMain->resize(pixelsFromTwips(width - metrics::ProgressWidthLess), pgbMain->height());
+    pgbMain->move(
+        pixelsFromTwips(metrics::Margin),
+        pixelsFromTwips(std::min(height - metrics::ProgressTopLess, room - metrics::ProgressHeight)));
+    pgbMain->raise();
+}
+
+void frmMainMenu::enforceMinimumSize()
+{
+    const QSize frame = frameSize() - size();
+    const QSize least(pixelsFromTwips(metrics::LeastWidth) - frame.width(),
+                      pixelsFromTwips(metrics::LeastHeight) - frame.height());
+    // Told to the window manager as well, so that a person who drags the border feels the limit.
+    if (minimumSize() != least)
+        setMinimumSize(least);
+}
+
+void frmMainMenu::SizeControls(float& x)
+{
+    const double width = twipsFromPixels(frameSize().width());
+    if (x < metrics::PaneLimit)
+        x = static_cast<float>(metrics::PaneLimit);
+    if (x > width - metrics::PaneLimit)
+        x = static_cast<float>(width - metrics::PaneLimit);
+    const double position = static_cast<double>(x);
+    tvwCategory->resize(pixelsFromTwips(position), tvwCategory->height());
+    lsvData->setGeometry(pixelsFromTwips(position + metrics::ListLeftBeyondTree), lsvData->y(),
+                         pixelsFromTwips(width - (position + metrics::ListWidthLessTree)),
+                         tvwCategory->height());
+    imgSplitter->setGeometry(pixelsFromTwips(position), tvwCategory->y(), imgSplitter->width(),
+                             tvwCategory->height());
+}
+
+void frmMainMenu::imgSplitter_MouseDown()
+{
+    const int handleWidth = static_cast<int>(metrics::SplitterWidth);
+    picSplitter->setGeometry(imgSplitter->x(), imgSplitter->y(), pixelsFromTwips(handleWidth / 2),
+                             imgSplitter->height() - pixelsFromTwips(metrics::SplitterBarHeightLess));
+    picSplitter->raise();
+    picSplitter->show();
+    Moving = true;
+}
+
+void frmMainMenu::imgSplitter_MouseMove(double x)
+{
+    if (!Moving)
+        return;
+    const double width = twipsFromPixels(frameSize().width());
+    const double position = x + twipsFromPixels(imgSplitter->x());
+    const double left = position < metrics::DragLimit           ? metrics::DragLimit
+                        : position > width - metrics::DragLimit ? width - metrics::DragLimit
+                                                                : position;
+    picSplitter->move(pixelsFromTwips(left), picSplitter->y());
+}
+
+void frmMainMenu::imgSplitter_MouseUp()
+{
+    auto position = static_cast<float>(twipsFromPixels(picSplitter->x()));
+    SizeControls(position);
+    picSplitter->hide();
+    Moving = false;
+}
+
+bool frmMainMenu::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == centralWidget() && event->type() == QEvent::Resize) {
+        Form_Resize();
+    } else if (watched == imgSplitter) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (event->type() == QEvent::MouseButtonPress && mouse->button() == Qt::LeftButton)
+            imgSplitter_MouseDown();
+        else if (event->type() == QEvent::MouseMove)
+            imgSplitter_MouseMove(twipsFromPixels(qRound(mouse->position().x())));
+        else if (event->type() == QEvent::MouseButtonRelease && mouse->button() == Qt::LeftButton && Moving)
+            imgSplitter_MouseUp();
+    }
+    return FormWindow::eventFilter(watched, event);
+}
+
+bool frmMainMenu::event(QEvent* event)
+{
+    const bool handled = FormWindow::event(event);
+    // The window manager tells the thickness of the frame after the window is shown; the outer size changes with it.
+    const bool mayTell = event->type() == QEvent::Move || event->type() == QEvent::WindowActivate ||
+                         event->type() == QEvent::Show;
+    if (mayTell && lsvData != nullptr && isVisible() && frameSize() != m_laidOutFrame)
+        Form_Resize();
+    return handled;
+}
+
+} // namespace quillon

@@ -1,0 +1,184 @@
+#include "app/base/ports/desktop.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/files.h"
+#include "app/base/ports/windows.h"
+#include "core/close_all_form.h"
+#include "core/data_records.h"
+#include "store/opening.h"
+#include "store/session.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/event_edge.h"
+
+#include <QAction>
+#include <QMenu>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+const QString DatabaseFilter = u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)|*.mdb"_s;
+
+} // namespace
+
+void frmMainMenu::buildMenus()
+{
+    const auto entry = [this](QMenu* menu, const QString& name, const QString& caption,
+                              void (frmMainMenu::*handler)() = nullptr) {
+        QAction* action = addEntry(menu, name, caption);
+        if (handler != nullptr)
+            connect(
+                action, &QAction::triggered, this,
+                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
+        return action;
+    };
+
+    QMenu* mnuFile = addMenu(u"mnuFile"_s, u"ファイル(&F)"_s);
+    entry(mnuFile, u"mnuFileNew"_s, u"新規データベース作成(&N)"_s, &frmMainMenu::mnuFileNew_Click);
+    entry(mnuFile, u"mnuFileOpen"_s, u"既存データベース展開(&O)"_s, &frmMainMenu::mnuFileOpen_Click);
+    addLine(mnuFile, u"mnuFileLine"_s);
+    entry(mnuFile, u"mnuEnd"_s, u"システム終了(&E)"_s, &frmMainMenu::mnuEnd_Click);
+
+    mnuData = addMenu(u"mnuData"_s, u"データ(&D)"_s);
+    QMenu* mnuEntry = addSubmenu(mnuData, u"mnuEntry"_s, u"新規データ登録(&E)"_s);
+    entry(mnuEntry, u"mnuEntryMain"_s, u"定義データ(&M)"_s, &frmMainMenu::mnuEntryMain_Click);
+    entry(mnuEntry, u"mnuEntryRefDoc"_s, u"文献データ(&R)"_s);
+    entry(mnuEntry, u"mnuEntryRefFile"_s, u"ファイルデータ(&Ｆ)"_s); // sic: a full-width access key
+    entry(mnuData, u"mnuDataView"_s, u"データ表示(&V)"_s, &frmMainMenu::mnuDataView_Click);
+    entry(mnuData, u"mnuDataCategoryDelete"_s, u"分類を解除(&C)"_s);
+    entry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmMainMenu::mnuDataCloseAll_Click);
+    addLine(mnuData, u"mnuDataLine"_s);
+    entry(mnuData, u"mnuDataDelete"_s, u"データ削除(&D)"_s);
+
+    mnuCategory = addMenu(u"mnuCategory"_s, u"カテゴリ(&C)"_s);
+    entry(mnuCategory, u"mnuCategoryEntry"_s, u"新規カテゴリ登録(&E)"_s);
+    entry(mnuCategory, u"mnuCategoryDelete"_s, u"カテゴリ削除(&D)"_s);
+    entry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s);
+
+    mnuFind = addMenu(u"mnuFind"_s, u"検索(&F)"_s);
+    entry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s);
+
+    mnuInfo = addMenu(u"mnuInfo"_s, u"情報(&I)"_s);
+    mnuInfoLink = entry(mnuInfo, u"mnuInfoLink"_s, u"データリンク状況の表示(&L)"_s);
+    // It has no action and is never enabled.
+    entry(mnuInfo, u"mnuInfoCategory"_s, u"データ分類状況の表示(&C)"_s)->setEnabled(false);
+    mnuInfoEntry =
+        entry(mnuInfo, u"mnuInfoEntry"_s, u"データ登録状況の表示(&E)"_s, &frmMainMenu::mnuInfoEntry_Click);
+    addLine(mnuInfo, u"mnuInfoLine"_s);
+    entry(mnuInfo, u"mnuInfoReadme"_s, u"Readme.txt (&R)"_s, &frmMainMenu::mnuInfoReadme_Click);
+    entry(mnuInfo, u"mnuInfoRef"_s, u"機能仕様書.txt (&F)"_s, &frmMainMenu::mnuInfoRef_Click);
+    entry(mnuInfo, u"mnuInfoSystem"_s, u"システム情報 (&S)"_s, &frmMainMenu::mnuInfoSystem_Click);
+
+    mnuData->menuAction()->setEnabled(false);
+    mnuCategory->menuAction()->setEnabled(false);
+    mnuFind->menuAction()->setEnabled(false);
+    mnuInfoLink->setEnabled(false);
+    mnuInfoEntry->setEnabled(false);
+}
+
+void frmMainMenu::enableDatabaseMenus()
+{
+    mnuData->menuAction()->setEnabled(true);
+    mnuCategory->menuAction()->setEnabled(true);
+    mnuFind->menuAction()->setEnabled(true);
+    mnuInfo->menuAction()->setEnabled(true);
+    mnuInfoLink->setEnabled(true);
+    mnuInfoEntry->setEnabled(true);
+}
+
+void frmMainMenu::mnuFileNew_Click()
+{
+    dlgDbOpen.folder = session().CurrentFolder;
+    dlgDbOpen.fileName.clear();
+    const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Save,
+                                                      .filter = DatabaseFilter,
+                                                      .fileName = dlgDbOpen.fileName,
+                                                      .folder = dlgDbOpen.folder,
+                                                      .promptBeforeOverwriting = true});
+    dlgDbOpen.fileName = chosen.value_or(dlgDbOpen.fileName);
+    if (dlgDbOpen.fileName.isEmpty())
+        return;
+    // Even when the dialog has asked about replacing the file already.
+    if (session().files.entryExists(dlgDbOpen.fileName)) {
+        session().dialogs.messageBox({.text = u"Quillon ではデータベースの上書き作成を承認できません。"_s,
+                                      .title = titles::SystemAudit});
+        return;
+    }
+    CreateDbFile(session(), dlgDbOpen.fileName);
+}
+
+void frmMainMenu::mnuFileOpen_Click()
+{
+    const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Open,
+                                                      .filter = DatabaseFilter,
+                                                      .fileName = dlgDbOpen.fileName,
+                                                      .folder = dlgDbOpen.folder,
+                                                      .promptBeforeOverwriting = false});
+    openChosenFile(chosen.value_or(dlgDbOpen.fileName));
+}
+
+void frmMainMenu::openChosenFile(const QString& path)
+{
+    dlgDbOpen.fileName = path;
+    // Only now: the first open dialog of a run starts in the dialog's own folder.
+    dlgDbOpen.folder = session().CurrentFolder;
+    if (path.isEmpty())
+        return;
+    if (!session().files.fileExists(path)) {
+        session().dialogs.messageBox(
+            {.text = u"指定されたファイルが見つかりません。"_s, .title = titles::DataResearch});
+        return;
+    }
+    if (OpenDbFile(session(), path))
+        listAllData();
+}
+
+void frmMainMenu::mnuEnd_Click()
+{
+    unload();
+}
+
+void frmMainMenu::mnuEntryMain_Click()
+{
+    CreateRegisterForm(session(), u"M"_s);
+}
+
+void frmMainMenu::mnuDataCloseAll_Click()
+{
+    CloseAllForm(session());
+}
+
+void frmMainMenu::mnuInfoEntry_Click()
+{
+    session().windows.showAuxiliary(u"frmEntryInfo"_s);
+}
+
+void frmMainMenu::mnuInfoReadme_Click()
+{
+    openTextFile(u"Readme.txt"_s, u"『Readme.txt』が見つかりませんでした。"_s);
+}
+
+void frmMainMenu::mnuInfoRef_Click()
+{
+    openTextFile(u"Quillon 機能仕様.txt"_s, u"『Quillon 機能仕様.txt』が見つかりませんでした。"_s);
+}
+
+void frmMainMenu::openTextFile(const QString& fileName, const QString& missing)
+{
+    const QString path = session().inCurrentFolder(fileName);
+    if (!session().files.fileExists(path)) {
+        session().dialogs.messageBox({.text = missing, .title = titles::SystemOperation});
+        return;
+    }
+    session().desktop.open(path); // whatever comes of it
+}
+
+void frmMainMenu::mnuInfoSystem_Click()
+{
+    session().windows.showAuxiliary(u"frmSplash"_s);
+}
+
+} // namespace quillon
