@@ -1,0 +1,86 @@
+#include "app/shell/command_line.h"
+
+#include "app/base/titles.h"
+
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int Success = 0;
+constexpr int WrongUse = 2;
+
+const char* const Help = R"(使い方: quillon [オプション] [--] [ファイル]
+
+自己教育的データベース管理システム Quillon を起動します。
+ファイルを指定すると、メイン画面を表示した後でそのデータベースを展開します。
+ファイルデータはカレントフォルダ内の RefFile フォルダに置かれます。
+
+オプション:
+  -h, --help    この説明を表示して終了します
+  --version     版を表示して終了します
+  --            以降の語をすべてファイル名として扱います
+)";
+
+CommandLine refused(const QString& complaint)
+{
+    return {CommandLine::Request::Refused, std::nullopt, complaint};
+}
+
+void print(std::FILE* stream, const QByteArray& text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+CommandLine parseCommandLine(const QStringList& arguments)
+{
+    CommandLine commandLine;
+    bool optionsEnded = false;
+    for (const QString& argument : arguments) {
+        // A lone dash is a name like any other: nothing is ever read from the standard input.
+        const bool isOption = !optionsEnded && argument.size() > 1 && argument.startsWith(u'-');
+        if (!isOption) {
+            if (commandLine.file)
+                return refused(u"ファイルは一つだけ指定できます: %1"_s.arg(argument));
+            commandLine.file = argument;
+        } else if (argument == u"--"_s) {
+            optionsEnded = true;
+        } else if (argument == u"--help"_s || argument == u"-h"_s) {
+            return {CommandLine::Request::Help, std::nullopt, {}};
+        } else if (argument == u"--version"_s) {
+            return {CommandLine::Request::Version, std::nullopt, {}};
+        } else {
+            return refused(u"不明なオプションです: %1"_s.arg(argument));
+        }
+    }
+    return commandLine;
+}
+
+int answerOnTerminal(const CommandLine& commandLine)
+{
+    switch (commandLine.request) {
+    case CommandLine::Request::Run:
+        break;
+    case CommandLine::Request::Help:
+        print(stdout, Help);
+        break;
+    case CommandLine::Request::Version:
+        print(stdout, titles::Application.toUtf8() + ' ' + titles::Version.toUtf8() + '\n');
+        break;
+    case CommandLine::Request::Refused:
+        print(stderr,
+              "quillon: " + commandLine.complaint.toUtf8() + "\n使い方は quillon --help で表示されます。\n");
+        return WrongUse;
+    }
+    return Success;
+}
+
+} // namespace quillon

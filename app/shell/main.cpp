@@ -1,0 +1,50 @@
+#include "app/base/platform.h"
+#include "app/shell/command_line.h"
+#include "app/shell/japanese_interface.h"
+#include "app/shell/program.h"
+#include "app/shell/real_dialogs.h"
+#include "app/shell/start_up.h"
+#include "app/shell/system_ports.h"
+
+#include <QApplication>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+
+int main(int argc, char** argv)
+{
+    using namespace quillon;
+
+    // Before there is an application object, so that the answers need no display.
+    const CommandLine commandLine = parseCommandLine(platform::arguments(argc, argv).mid(1));
+    if (commandLine.request != CommandLine::Request::Run)
+        return answerOnTerminal(commandLine);
+
+    // The toolkit gets the program's name only: a file may be named like one of its options.
+    int toolkitCount = 1;
+    QApplication application(toolkitCount, argv);
+    // No display name: the toolkit would append it to every window title.
+    QCoreApplication::setApplicationName(u"quillon"_s);
+    QGuiApplication::setDesktopFileName(u"quillon"_s);
+    QApplication::setQuitOnLastWindowClosed(false); // the splash window is the last one for a moment
+    setUpJapaneseInterface(application);
+
+    RealDialogs dialogs;
+    SystemEventLog eventLog(QCoreApplication::applicationDirPath());
+    SystemClock clock;
+    SystemDesktop desktop;
+    SystemFiles files;
+    Program program({dialogs, eventLog, clock, desktop, files}, currentFolderOfProcess());
+
+    // Leaving all event loops, nested ones included, ends the program at once: no window is closed, so none asks
+    // or saves anything, and what is left of them is destroyed together with `program`. Nothing can be lost,
+    // because every change was written when it was made; a hard exit of the process would gain nothing.
+    program.setEnd([] { QCoreApplication::exit(0); });
+
+    // Inside the event loop, so that even an end during start-up finds a loop to leave.
+    QTimer::singleShot(0, &application, [&] {
+        if (!Main(program, commandLine.file))
+            QCoreApplication::exit(1);
+    });
+    return QApplication::exec();
+}

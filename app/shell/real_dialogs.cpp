@@ -1,0 +1,210 @@
+#include "app/shell/real_dialogs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+/// The window a box belongs in front of: the one the person works in, else the main window.
+QWidget* parentOfBox()
+{
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->isVisible() && window->objectName() == u"frmMainMenu"_s)
+            return window;
+    }
+    return nullptr;
+}
+
+/// Runs a dialog that may be destroyed together with its parent while it is on the screen.
+template <class Dialog, class Answering> auto run(Dialog* dialog, Answering&& answering)
+{
+    const QPointer<Dialog> guard(dialog);
+    const int result = dialog->exec();
+    auto answer = answering(guard.data(), result);
+    delete guard.data();
+    return answer;
+}
+
+QString withLineBreaks(QString text)
+{
+    return text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+}
+
+/// Puts the text of a box that would not fit on the screen into a scrolling area.
+void keepOnScreen(QMessageBox& box)
+{
+    auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    const QScreen* screen = box.screen();
+    if (label == nullptr || grid == nullptr || screen == nullptr)
+        return;
+    const QSize room = screen->availableSize() * 6 / 10;
+    const QRect needed =
+        label->fontMetrics().boundingRect(QRect(QPoint(0, 0), QSize(room.width(), QWIDGETSIZE_MAX)),
+                                          static_cast<int>(Qt::TextWordWrap), box.text());
+    if (needed.width() <= room.width() && needed.height() <= room.height())
+        return;
+    auto* area = new QScrollArea(&box);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setMinimumSize(
+        room.boundedTo(QSize(needed.width() + 2 * label->fontMetrics().height(), room.height())));
+    delete grid->replaceWidget(label, area);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    area->setWidget(label);
+    label->show();
+}
+
+QMessageBox::StandardButtons buttonsOf(Buttons buttons)
+{
+    switch (buttons) {
+    case Buttons::Ok:
+        return QMessageBox::Ok;
+    case Buttons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
+    case Buttons::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    }
+    return QMessageBox::Ok;
+}
+
+/// The button that Esc and the close box stand for.
+QMessageBox::StandardButton escapeButtonOf(Buttons buttons)
+{
+    switch (buttons) {
+    case Buttons::Ok:
+        return QMessageBox::Ok;
+    case Buttons::YesNo:
+        return QMessageBox::No;
+    case Buttons::OkCancel:
+    case Buttons::YesNoCancel:
+        break;
+    }
+    return QMessageBox::Cancel;
+}
+
+Answer answerOf(int button)
+{
+    switch (button) {
+    case QMessageBox::Ok:
+        return Answer::Ok;
+    case QMessageBox::Yes:
+        return Answer::Yes;
+    case QMessageBox::No:
+        return Answer::No;
+    default:
+        return Answer::Cancel;
+    }
+}
+
+} // namespace
+
+Answer RealDialogs::messageBox(const MessageBox& box)
+{
+    auto* shown = new QMessageBox(parentOfBox());
+    shown->setTextFormat(Qt::PlainText); // a name in angle brackets is a name, not a tag
+    shown->setText(withLineBreaks(box.text));
+    shown->setWindowTitle(box.title);
+    shown->setIcon(box.icon == Icon::Information ? QMessageBox::Information : QMessageBox::NoIcon);
+    shown->setStandardButtons(buttonsOf(box.buttons));
+    const bool asksYes = box.buttons == Buttons::YesNo || box.buttons == Buttons::YesNoCancel;
+    shown->setDefaultButton(asksYes ? QMessageBox::Yes : QMessageBox::Ok);
+    shown->setEscapeButton(escapeButtonOf(box.buttons));
+    keepOnScreen(*shown);
+    const Answer closed = answerOf(escapeButtonOf(box.buttons));
+    return run(shown, [&](const QMessageBox* asked, int result) {
+        return asked == nullptr || result == 0 ? closed : answerOf(result);
+    });
+}
+
+std::optional<QString> RealDialogs::inputBox(const InputBox& box)
+{
+    auto* shown = new QInputDialog(parentOfBox());
+    shown->setInputMode(QInputDialog::TextInput);
+    shown->setLabelText(withLineBreaks(box.prompt));
+    shown->setTextValue(box.content);
+    shown->setWindowTitle(box.title);
+    if (auto* label = shown->findChild<QLabel*>())
+        label->setTextFormat(Qt::PlainText);
+    // Room for the titles and names that are typed here.
+    shown->resize(shown->sizeHint().expandedTo({shown->fontMetrics().averageCharWidth() * 60, 0}));
+    return run(shown, [](const QInputDialog* asked, int result) -> std::optional<QString> {
+        if (asked == nullptr || result != QDialog::Accepted)
+            return std::nullopt;
+        return asked->textValue();
+    });
+}
+
+QString toolkitFilter(const QString& filter)
+{
+    const QStringList parts = filter.split(u'|');
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString patterns = QString(parts[i + 1]).replace(u';', u' ');
+        const bool named = parts[i].endsWith(u'(' + parts[i + 1] + u')');
+        filters << (named ? parts[i].chopped(parts[i + 1].size() + 2) : parts[i] + u' ') + u'(' + patterns +
+                       u')';
+    }
+    return filters.join(u";;"_s);
+}
+
+QString suffixOfFilter(const QString& filter)
+{
+    const QString pattern = filter.section(u'|', 1);
+    const QString suffix = pattern.mid(2);
+    const bool single = pattern.startsWith(u"*."_s) && !suffix.contains(u'*') && !suffix.contains(u';') &&
+                        !suffix.contains(u'|');
+    return single ? suffix : QString();
+}
+
+std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
+{
+    auto* shown = new QFileDialog(parentOfBox());
+    const bool saves = dialog.purpose == FileDialog::Purpose::Save;
+    shown->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    // Also for opening: it is the caller who answers a name that does not exist.
+    shown->setFileMode(QFileDialog::AnyFile);
+    shown->setOption(QFileDialog::DontConfirmOverwrite, !dialog.promptBeforeOverwriting);
+    if (!dialog.filter.isEmpty())
+        shown->setNameFilter(toolkitFilter(dialog.filter));
+    if (saves)
+        shown->setDefaultSuffix(suffixOfFilter(dialog.filter));
+    if (!dialog.folder.isEmpty())
+        shown->setDirectory(QDir::fromNativeSeparators(dialog.folder));
+    if (!dialog.fileName.isEmpty()) {
+        const QFileInfo proposed(QDir::fromNativeSeparators(dialog.fileName));
+        if (proposed.isAbsolute() && proposed.dir().exists())
+            shown->setDirectory(proposed.path());
+        shown->selectFile(proposed.fileName());
+    }
+    return run(shown, [](const QFileDialog* asked, int result) -> std::optional<QString> {
+        if (asked == nullptr || result != QDialog::Accepted || asked->selectedFiles().isEmpty())
+            return std::nullopt;
+        return QDir::toNativeSeparators(asked->selectedFiles().constFirst());
+    });
+}
+
+} // namespace quillon

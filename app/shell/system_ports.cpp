@@ -1,0 +1,48 @@
+#include "app/shell/system_ports.h"
+
+#include "app/base/platform.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+namespace quillon
+{
+
+QDateTime SystemClock::now() const
+{
+    return QDateTime::currentDateTime();
+}
+
+QString SystemClock::shortDate() const
+{
+    return QLocale::system().toString(now().date(), QLocale::ShortFormat);
+}
+
+QString SystemClock::shortTime() const
+{
+    return QLocale::system().toString(now().time(), QLocale::ShortFormat);
+}
+
+void SystemEventLog::write(const QString& line)
+{
+    platform::writeEventLog(line, m_programFolder);
+}
+
+OpenOutcome SystemDesktop::open(const QString& path)
+{
+    return platform::openWithAssociatedApplication(path);
+}
+
+bool SystemFiles::entryExists(const QString& path) const
+{
+    // A link that leads nowhere is an entry all the same.
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+bool SystemFiles::fileExists(const QString& path) const
+{
+    return platform::isOrdinaryFile(path);
+}
+
+} // namespace quillon

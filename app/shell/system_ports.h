@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/base/ports/clock.h"
+#include "app/base/ports/desktop.h"
+#include "app/base/ports/event_log.h"
+#include "app/base/ports/files.h"
+
+namespace quillon
+{
+
+/// The computer's clock with the texts of the system's own locale, which need not be the Japanese one.
+class SystemClock : public Clock
+{
+public:
+    QDateTime now() const override;
+    QString shortDate() const override;
+    QString shortTime() const override;
+};
+
+/// The application log of the operating system or the log file in its place.
+class SystemEventLog : public EventLog
+{
+public:
+    /// `programFolder`: where the program file lies.
+    explicit SystemEventLog(QString programFolder) : m_programFolder(std::move(programFolder)) {}
+    void write(const QString& line) override;
+
+private:
+    QString m_programFolder;
+};
+
+/// The desktop with the person's own associations.
+class SystemDesktop : public Desktop
+{
+public:
+    OpenOutcome open(const QString& path) override;
+};
+
+/// The computer's file system.
+class SystemFiles : public Files
+{
+public:
+    bool entryExists(const QString& path) const override;
+    bool fileExists(const QString& path) const override;
+};
+
+} // namespace quillon
