@@ -1,0 +1,56 @@
+#!/bin/sh
+# Installs the Debian packages that a task needs, and only those that are missing.
+# Usage: install-packages.sh GROUP...   with the groups build, test, run, display, wayland
+set -eu
+
+packages=
+for group in "$@"; do
+    case $group in
+        build) # what compiles the program
+            packages="$packages cmake g++ ninja-build pkgconf qt6-base-dev qt6-translations-l10n
+                libsqlite3-dev libicu-dev libglib2.0-dev" ;;
+        test) # what the tests find on the computer: a small Japanese font and the types of files
+            packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
+        run) # what the running program finds: a good Japanese font and the types of files
+            packages="$packages fonts-noto-cjk shared-mime-info" ;;
+        display) # a screen in memory with a window manager
+            packages="$packages xvfb openbox" ;;
+        wayland) # the toolkit's way to a Wayland desktop without X
+            packages="$packages qt6-wayland" ;;
+        *)
+            echo "install-packages.sh: unknown group '$group'" >&2
+            exit 2 ;;
+    esac
+done
+
+if ! command -v dpkg-query >/dev/null 2>&1; then
+    echo "This is no Debian system; going on without installing anything. Needed are the equivalents of:" >&2
+    # shellcheck disable=SC2086  # a list of words
+    echo "  "$packages >&2
+    exit 0
+fi
+
+missing=
+for package in $packages; do
+    # shellcheck disable=SC2016  # the format is dpkg-query's, not the shell's
+    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) || status=
+    [ "$status" = installed ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+if [ "$(id -u)" = 0 ]; then
+    as_root=
+elif command -v sudo >/dev/null 2>&1; then
+    as_root=sudo
+else
+    echo "These packages are missing and only an administrator can install them:$missing" >&2
+    echo "As root, run:  apt-get install --no-install-recommends$missing" >&2
+    exit 1
+fi
+
+echo "Installing the missing packages:$missing"
+# shellcheck disable=SC2086  # an empty word must vanish, a list of words must stay one
+{
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get update -q
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing
+}
