@@ -102,7 +102,8 @@ clean_up()
 {
     trap '' INT TERM HUP
     for process in $program $manager $server; do
-        kill "$process" 2>/dev/null && wait "$process" 2>/dev/null || :
+        kill "$process" 2>/dev/null || :
+        wait "$process" 2>/dev/null || :
     done
     rm -rf "$scratch"
 }
