@@ -17,6 +17,9 @@ else()
   target_compile_options(quillon_rules INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wcast-qual
     -Werror)
+  # One of the libraries used asks for this; libraries share precompiled headers only if all are compiled alike.
+  target_compile_options(quillon_rules INTERFACE -pthread)
+  target_link_options(quillon_rules INTERFACE -pthread)
 endif()
 if(QUILLON_SANITIZE)
   target_compile_options(quillon_rules INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
