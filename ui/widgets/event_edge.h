@@ -6,12 +6,12 @@
 
 #include <utility>
 
-namespace quillon {
+namespace quillon
+{
 
 /// The one way from a Qt event to a handler of the program: a failure that the handler does not trap is shown and
 /// logged under the handler's name, and the program goes on. No `Error` ever leaves a slot or an event function.
-template <class Handler>
-void handleEvent(Reporting& reporting, const QString& name, Handler&& handler)
+template <class Handler> void handleEvent(Reporting& reporting, const QString& name, Handler&& handler)
 {
     try {
         std::forward<Handler>(handler)();
@@ -22,10 +22,10 @@ void handleEvent(Reporting& reporting, const QString& name, Handler&& handler)
 
 /// A slot for `connect` that runs `handler` through `handleEvent`; arguments of the signal are passed on as far as
 /// the handler takes them by being a generic callable without parameters: they are dropped.
-template <class Handler>
-auto eventSlot(Reporting& reporting, const QString& name, Handler handler)
+template <class Handler> auto eventSlot(Reporting& reporting, const QString& name, Handler handler)
 {
-    return [&reporting, name, handler = std::move(handler)]() mutable { handleEvent(reporting, name, handler); };
+    return
+        [&reporting, name, handler = std::move(handler)]() mutable { handleEvent(reporting, name, handler); };
 }
 
 } // namespace quillon

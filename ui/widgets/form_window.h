@@ -5,7 +5,11 @@
 #include <QMainWindow>
 #include <QString>
 
-namespace quillon {
+class QAction;
+class QMenu;
+
+namespace quillon
+{
 
 class Session;
 class WindowRegistry;
@@ -42,10 +46,10 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
     /// Adds an action to a menu under its design name; captions are used as they stand.
-    class QAction* addEntry(class QMenu* menu, const QString& name, const QString& caption);
-    class QMenu* addMenu(const QString& name, const QString& caption);
-    class QMenu* addSubmenu(class QMenu* menu, const QString& name, const QString& caption);
-    class QAction* addLine(class QMenu* menu, const QString& name);
+    QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
+    QMenu* addMenu(const QString& name, const QString& caption);
+    QMenu* addSubmenu(QMenu* menu, const QString& name, const QString& caption);
+    QAction* addLine(QMenu* menu, const QString& name);
 
 private:
     bool tryUnload();

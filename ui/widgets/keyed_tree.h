@@ -1,10 +1,14 @@
 #pragma once
 
 #include "ui/widgets/keyed_tree_model.h"
+#include "ui/widgets/pressed_keys.h"
 
+#include <QPersistentModelIndex>
+#include <QTimer>
 #include <QTreeView>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A tree view over keyed nodes. A node click is told apart from a change of the selection by the program.
 class KeyedTree : public QTreeView
@@ -28,17 +32,22 @@ public:
 Q_SIGNALS:
     /// A node was clicked with the left mouse button.
     void nodeClicked(int position);
-    /// A key was pressed or released; the tree has already acted on it.
+    /// A key was pressed; the tree has not acted on it yet.
+    void keyPressed(int key, Qt::KeyboardModifiers modifiers);
+    /// A key that had been pressed in the tree was released; the tree has already acted on it.
     void keyReleased(int key, Qt::KeyboardModifiers modifiers);
+    /// The right mouse button was pressed, or the keyboard's menu key; `position` is global.
     void menuRequested(const QPoint& position);
     void mouseMoved();
-    /// Text was dropped on the node that is highlighted.
+    /// Text was dropped on the node that is highlighted; the receiver ends the highlight.
     void textDropped(const QString& text);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -47,8 +56,18 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    bool isOnBranchArrow(const QModelIndex& index, const QPoint& position) const;
+    void hoverAt(const QPoint& position);
+    void scrollWhileHovering();
+    void endHovering();
+
     KeyedTreeModel* m_model;
+    PressedKeys m_pressedKeys;
+    QPersistentModelIndex m_pressedNode;
     int m_dropHighlight = 0;
+    QPoint m_hoverPosition;
+    QTimer m_expandTimer;
+    QTimer m_scrollTimer;
 };
 
 } // namespace quillon

@@ -7,7 +7,8 @@
 #include <memory>
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A tree whose nodes have keys and positions: positions count from 1 in the order of creation and close up when a
 /// node is removed. Keys compare exactly; an empty key is no key and may stand more than once.
@@ -47,7 +48,8 @@ public:
     /// Removes a node with everything below it.
     void remove(int position);
 
-    /// While it lives nodes may be added or removed freely; views are told once, when it ends.
+    /// While it lives nodes may be added or removed freely; views are told once, when it ends. Until then a view
+    /// may paint what it showed before; select and expand nodes afterwards.
     class Rebuild
     {
     public:
@@ -65,12 +67,15 @@ private:
 
     Node* nodeAt(int position) const;
     Node* nodeOf(const QModelIndex& index) const;
-    void forget(Node* node);
+    QModelIndex indexFor(Node* node) const;
+    int positionOf(const Node* node) const;
 
-    std::vector<std::unique_ptr<Node>> m_nodes; // in the order of creation
+    std::vector<std::unique_ptr<Node>> m_nodes;   // in the order of creation
+    std::vector<std::unique_ptr<Node>> m_retired; // removed ones that a view may still look at
     std::vector<Node*> m_roots;
-    QHash<QString, Node*> m_byKey; // the first node of each key
-    bool m_rebuilding = false;
+    QHash<QString, Node*> m_byKey; // nodes without a key are not in it
+    mutable int m_numbered = 0;    // the nodes up to this position know it
+    int m_rebuilding = 0;
 };
 
 } // namespace quillon

@@ -1,12 +1,16 @@
 #pragma once
 
+#include "ui/widgets/pressed_keys.h"
 #include "ui/widgets/report_model.h"
 
+#include <QElapsedTimer>
+#include <QPersistentModelIndex>
 #include <QTableView>
 
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A report-style list: whole rows, uniform heights, column headers that sort.
 /// Typing goes to the next row whose first column begins with the typed text.
@@ -25,32 +29,53 @@ public:
     /// The selected rows in order.
     std::vector<int> selectedRows() const;
     bool moreThanOneSelected() const;
-    /// Widths of the columns in characters of the list's font.
+    /// Widths of the columns in half-width characters of the list's font; a full-width one takes two.
     void setColumnCharacters(const std::vector<int>& characters);
+
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    void keyboardSearch(const QString& search) override;
 
 Q_SIGNALS:
     /// A header was clicked; the list has been sorted by that column (from 0).
     void columnClicked(int column);
-    /// A row was double-clicked, or Enter was pressed on it.
+    /// A row was double-clicked, or Enter was pressed in the list.
     void rowActivated();
     /// The right mouse button was pressed, or the keyboard's menu key; `position` is global.
     void menuRequested(const QPoint& position);
     /// The mouse moved over the list.
     void mouseMoved();
+    /// A key other than Enter and other than text was pressed; the list has not acted on it yet.
+    void keyPressed(int key, Qt::KeyboardModifiers modifiers);
+    /// A key other than Enter that had been pressed in the list was released.
+    void keyReleased(int key, Qt::KeyboardModifiers modifiers);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void keyboardSearch(const QString& search) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
+    QModelIndexList selectedIndexes() const override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void changeEvent(QEvent* event) override;
 
 private:
-    void adaptRowHeight();
+    void adaptToFont();
+    void sortBy(int column);
+    void endSorting();
+    int rowHeight() const;
 
     ReportModel* m_model;
+    PressedKeys m_pressedKeys;
+    std::vector<int> m_characters;
+    QString m_typed;
+    QElapsedTimer m_sinceTyped;
+    QPersistentModelIndex m_currentBefore;
 };
 
 } // namespace quillon

@@ -10,11 +10,13 @@
 #include <variant>
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// The rows of a report-style list, in compact memory, made for a million rows.
 ///
-/// Rows are in the order in which they were appended until a header is clicked; sorting lasts until `clear`.
+/// Rows are in the order in which they were appended until a header is clicked; sorting lasts until the next fill:
+/// rows appended later stand at the end.
 /// Filling gives no signal per row: open a `Fill`, append, and let it end.
 class ReportModel : public QAbstractTableModel
 {
@@ -68,20 +70,36 @@ public:
         ReportModel& m_model;
     };
 
+Q_SIGNALS:
+    /// Around the removal of so many scattered rows that the others are moved together first.
+    void scatteredRowsAboutToBeRemoved();
+    /// `firstRow`: the number that the first removed row had.
+    void scatteredRowsRemoved(int firstRow);
+
 private:
     using CellColumn = std::variant<TextColumn, WordColumn>;
 
-    int sourceRow(int row) const { return m_order.empty() ? row : static_cast<int>(m_order[static_cast<std::size_t>(row)]); }
+    int sourceRow(int row) const
+    {
+        return m_order.empty() ? row : static_cast<int>(m_order[static_cast<std::size_t>(row)]);
+    }
     QStringView sourceText(int row, int column) const;
     const std::vector<quint32>& ranks(int column);
+    void endFill();
+    /// Puts the rows on the screen into this order; selections follow their rows.
+    void reorder(std::vector<quint32>&& order);
+    void removeRange(int first, int last);
+    /// Drops the cells of the rows that are no longer in the order.
+    void dropCells();
 
     std::vector<QString> m_headers;
     std::vector<CellColumn> m_columns;
     int m_rows = 0;     // rows the views know of
     int m_appended = 0; // rows there are, more than m_rows during a fill
     int m_dragColumn = -1;
-    std::vector<quint32> m_order;              // screen row -> row as appended; empty: the same
-    std::vector<std::vector<quint32>> m_ranks; // by column, computed once: a row's place among its column's texts
+    std::vector<quint32> m_order; // screen row -> row as appended; empty: the same
+    std::vector<std::vector<quint32>>
+        m_ranks; // by column, computed once: a row's place among its column's texts
     int m_filling = 0;
 };
 

@@ -5,7 +5,10 @@
 
 #include <vector>
 
-namespace quillon {
+class QLabel;
+
+namespace quillon
+{
 
 class Clock;
 
@@ -32,9 +35,9 @@ public:
     void keepDateAndTime(int datePanel, int timePanel, const Clock& clock);
 
 private:
-    class QLabel* label(int panel) const;
+    QLabel* label(int panel) const;
 
-    std::vector<class QLabel*> m_labels;
+    std::vector<QLabel*> m_labels;
 };
 
 } // namespace quillon

@@ -8,7 +8,8 @@
 #include <functional>
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 class FormWindow;
 

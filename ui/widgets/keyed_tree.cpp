@@ -1,0 +1,260 @@
+#include "ui/widgets/keyed_tree.h"
+
+#include "ui/widgets/one_line_delegate.h"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QScrollBar>
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int ExpandDelay = 700; // milliseconds over a closed node until it opens
+constexpr int ScrollInterval = 80;
+constexpr int ScrollMargin = 16;
+
+/// Shows the node under something that is dragged as if it were selected, in the colours of the palette.
+class NodeDelegate : public OneLineDelegate
+{
+public:
+    explicit NodeDelegate(KeyedTree* tree) : OneLineDelegate(tree), m_tree(tree) {}
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        OneLineDelegate::initStyleOption(option, index);
+        if (m_tree->dropHighlight() != 0 && m_tree->nodes().position(index) == m_tree->dropHighlight())
+            option->state |= QStyle::State_Selected | QStyle::State_Active;
+    }
+
+private:
+    KeyedTree* m_tree;
+};
+
+} // namespace
+
+KeyedTree::KeyedTree(QWidget* parent) : QTreeView(parent), m_model(new KeyedTreeModel(this))
+{
+    setModel(m_model);
+    setItemDelegate(new NodeDelegate(this));
+    setHeaderHidden(true);
+    setUniformRowHeights(true);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setMouseTracking(true);
+    viewport()->setMouseTracking(true);
+    setAcceptDrops(true);
+    // Long names and deep branches scroll sideways instead of being cut off.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+
+    m_expandTimer.setSingleShot(true);
+    m_expandTimer.setInterval(ExpandDelay);
+    connect(&m_expandTimer, &QTimer::timeout, this, [this] {
+        if (m_dropHighlight > 0 && m_dropHighlight <= m_model->nodeCount())
+            expandNode(m_dropHighlight);
+    });
+    m_scrollTimer.setInterval(ScrollInterval);
+    connect(&m_scrollTimer, &QTimer::timeout, this, &KeyedTree::scrollWhileHovering);
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] { m_dropHighlight = 0; });
+}
+
+int KeyedTree::selectedPosition() const
+{
+    const QModelIndexList selected = selectionModel()->selectedIndexes();
+    return selected.isEmpty() ? 0 : m_model->position(selected.first());
+}
+
+void KeyedTree::select(int position)
+{
+    setCurrentIndex(m_model->indexOf(position));
+}
+
+void KeyedTree::expandNode(int position)
+{
+    expand(m_model->indexOf(position));
+}
+
+void KeyedTree::setDropHighlight(int position)
+{
+    if (m_dropHighlight == position)
+        return;
+    m_dropHighlight = position;
+    viewport()->update();
+}
+
+bool KeyedTree::isOnBranchArrow(const QModelIndex& index, const QPoint& position) const
+{
+    if (!m_model->hasChildren(index))
+        return false;
+    const QRect item = visualRect(index);
+    if (isRightToLeft())
+        return position.x() > item.right() && position.x() <= item.right() + indentation();
+    return position.x() < item.left() && position.x() >= item.left() - indentation();
+}
+
+void KeyedTree::mousePressEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    const QModelIndex index = indexAt(position);
+    m_pressedNode = QModelIndex();
+    if (event->button() == Qt::LeftButton) {
+        if (index.isValid() && !isOnBranchArrow(index, position))
+            m_pressedNode = index;
+        QTreeView::mousePressEvent(event);
+        return;
+    }
+    if (event->button() == Qt::RightButton && index.isValid())
+        setCurrentIndex(index);
+    event->accept();
+}
+
+void KeyedTree::mouseMoveEvent(QMouseEvent* event)
+{
+    // A press that wanders over the nodes is no click and must not take the selection with it.
+    if (event->buttons() == Qt::NoButton)
+        QTreeView::mouseMoveEvent(event);
+    Q_EMIT mouseMoved();
+}
+
+void KeyedTree::mouseReleaseEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    QTreeView::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QModelIndex pressed = m_pressedNode;
+    m_pressedNode = QModelIndex();
+    if (pressed.isValid() && viewport()->rect().contains(position) && indexAt(position) == pressed)
+        Q_EMIT nodeClicked(m_model->position(pressed));
+}
+
+void KeyedTree::keyPressEvent(QKeyEvent* event)
+{
+    m_pressedKeys.press(*event);
+    Q_EMIT keyPressed(event->key(), event->modifiers());
+    QTreeView::keyPressEvent(event);
+}
+
+void KeyedTree::keyReleaseEvent(QKeyEvent* event)
+{
+    const bool pressedHere = m_pressedKeys.release(*event);
+    QTreeView::keyReleaseEvent(event);
+    if (pressedHere)
+        Q_EMIT keyReleased(event->key(), event->modifiers());
+}
+
+void KeyedTree::focusOutEvent(QFocusEvent* event)
+{
+    m_pressedKeys.forget();
+    QTreeView::focusOutEvent(event);
+}
+
+void KeyedTree::contextMenuEvent(QContextMenuEvent* event)
+{
+    event->accept();
+    QPoint position = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        const QModelIndex index = indexAt(event->pos());
+        if (index.isValid() && m_model->position(index) != selectedPosition())
+            setCurrentIndex(index);
+    } else {
+        QPoint inside(0, 0);
+        if (currentIndex().isValid()) {
+            scrollTo(currentIndex());
+            const QRect node = visualRect(currentIndex());
+            inside = QPoint(std::max(node.left(), 0), node.bottom());
+        }
+        position = viewport()->mapToGlobal(inside);
+    }
+    Q_EMIT menuRequested(position);
+}
+
+void KeyedTree::hoverAt(const QPoint& position)
+{
+    m_hoverPosition = position;
+    const QModelIndex index = indexAt(position);
+    const int hovered = m_model->position(index);
+    if (hovered != m_dropHighlight) {
+        setDropHighlight(hovered);
+        if (index.isValid() && m_model->hasChildren(index) && !isExpanded(index))
+            m_expandTimer.start();
+        else
+            m_expandTimer.stop();
+    }
+    if (!m_scrollTimer.isActive())
+        m_scrollTimer.start();
+}
+
+void KeyedTree::scrollWhileHovering()
+{
+    const int step = m_hoverPosition.y() < ScrollMargin                           ? -1
+                     : m_hoverPosition.y() >= viewport()->height() - ScrollMargin ? 1
+                                                                                  : 0;
+    if (step == 0)
+        return;
+    verticalScrollBar()->triggerAction(step < 0 ? QAbstractSlider::SliderSingleStepSub
+                                                : QAbstractSlider::SliderSingleStepAdd);
+    hoverAt(m_hoverPosition);
+}
+
+void KeyedTree::endHovering()
+{
+    m_expandTimer.stop();
+    m_scrollTimer.stop();
+}
+
+void KeyedTree::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!event->mimeData()->hasText()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    hoverAt(event->position().toPoint());
+}
+
+void KeyedTree::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (!event->mimeData()->hasText()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    hoverAt(event->position().toPoint());
+}
+
+void KeyedTree::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    endHovering();
+    setDropHighlight(0);
+    event->accept();
+}
+
+void KeyedTree::dropEvent(QDropEvent* event)
+{
+    if (!event->mimeData()->hasText()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    hoverAt(event->position().toPoint());
+    endHovering();
+    const QString text = event->mimeData()->text();
+    // What follows may ask a question; the drag of another control of the program must have ended by then.
+    if (event->source() != nullptr)
+        QMetaObject::invokeMethod(
+            this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
+    else
+        Q_EMIT textDropped(text);
+}
+
+} // namespace quillon

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QKeyEvent>
+#include <QSet>
+
+namespace quillon
+{
+
+/// The keys that were pressed in a control and are still down. The release of any other key belongs to a press
+/// elsewhere, for example to the Enter or Esc that has just closed a message box.
+class PressedKeys
+{
+public:
+    void press(const QKeyEvent& event) { m_keys.insert(event.key()); }
+    /// Whether this is the real release of a key that was pressed here.
+    bool release(const QKeyEvent& event) { return !event.isAutoRepeat() && m_keys.remove(event.key()); }
+    void forget() { m_keys.clear(); }
+
+private:
+    QSet<int> m_keys;
+};
+
+} // namespace quillon

@@ -1,0 +1,381 @@
+#include "ui/widgets/report_list.h"
+
+#include "ui/widgets/one_line_delegate.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QStyle>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+/// Keeps the current cell in the first column: a list has current rows only, and the first column is what a
+/// screen reader should read first.
+class RowSelectionModel : public QItemSelectionModel
+{
+public:
+    using QItemSelectionModel::QItemSelectionModel;
+
+    void setCurrentIndex(const QModelIndex& index, SelectionFlags command) override
+    {
+        QItemSelectionModel::setCurrentIndex(index.siblingAtColumn(0), command);
+    }
+};
+
+bool isEnter(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+bool isText(const QKeyEvent& event)
+{
+    const QString text = event.text();
+    return !text.isEmpty() && text.front().isPrint() &&
+           !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+}
+
+int rowsIn(const QItemSelection& selection)
+{
+    int rows = 0;
+    for (const QItemSelectionRange& range : selection)
+        rows += range.height();
+    return rows;
+}
+
+} // namespace
+
+ReportList::ReportList(const std::vector<ReportModel::Column>& columns, QWidget* parent)
+    : QTableView(parent), m_model(new ReportModel(columns, this))
+{
+    setModel(m_model);
+    delete selectionModel();
+    setSelectionModel(new RowSelectionModel(m_model, this));
+    setItemDelegate(new OneLineDelegate(this));
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTextElideMode(Qt::ElideRight);
+    setCornerButtonEnabled(false);
+    setTabKeyNavigation(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setDragDropMode(DragOnly);
+    setMouseTracking(true);
+    viewport()->setMouseTracking(true);
+
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(1);
+    QHeaderView* header = horizontalHeader();
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setHighlightSections(false);
+    header->setSectionsClickable(true);
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setStretchLastSection(false);
+    connect(header, &QHeaderView::sectionClicked, this, &ReportList::sortBy);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &ReportList::endSorting);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &ReportList::endSorting);
+    connect(m_model, &ReportModel::scatteredRowsAboutToBeRemoved, this,
+            [this] { m_currentBefore = currentIndex(); });
+    connect(m_model, &ReportModel::scatteredRowsRemoved, this, [this](int firstRow) {
+        // When the current row is among the removed ones, its neighbour is not where the others were moved to.
+        if (!m_currentBefore.isValid() && m_model->rowCount() > 0)
+            selectionModel()->setCurrentIndex(m_model->index(std::min(firstRow, m_model->rowCount() - 1), 0),
+                                              QItemSelectionModel::NoUpdate);
+        m_currentBefore = QModelIndex();
+    });
+    adaptToFont();
+}
+
+int ReportList::rowHeight() const
+{
+    return verticalHeader()->defaultSectionSize();
+}
+
+void ReportList::adaptToFont()
+{
+    const QFontMetrics metrics(font());
+    // Japanese glyphs may come from a taller font than the one that is set.
+    const int text = std::max(metrics.height(), metrics.boundingRect(u"漢gｇ|"_s).height());
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameVMargin, nullptr, this) + 1;
+    verticalHeader()->setDefaultSectionSize(text + 2 * margin);
+    const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    for (std::size_t column = 0; column < m_characters.size(); ++column)
+        setColumnWidth(static_cast<int>(column),
+                       m_characters[column] * metrics.horizontalAdvance(u'0') + 2 * side);
+}
+
+void ReportList::setColumnCharacters(const std::vector<int>& characters)
+{
+    m_characters = characters;
+    adaptToFont();
+}
+
+void ReportList::changeEvent(QEvent* event)
+{
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        adaptToFont();
+}
+
+void ReportList::sortBy(int column)
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    m_model->sortByColumn(column);
+    QApplication::restoreOverrideCursor();
+    // Set after every click: the header itself would turn the arrow round at the second one.
+    horizontalHeader()->setSortIndicator(column, Qt::AscendingOrder);
+    horizontalHeader()->setSortIndicatorShown(true);
+    Q_EMIT columnClicked(column);
+}
+
+void ReportList::endSorting()
+{
+    horizontalHeader()->setSortIndicatorShown(false);
+    m_typed.clear();
+}
+
+int ReportList::selectedRow() const
+{
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && selectionModel()->isSelected(current))
+        return current.row();
+    int first = -1;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        if (range.isValid() && (first < 0 || range.top() < first))
+            first = range.top();
+    }
+    return first;
+}
+
+std::vector<int> ReportList::selectedRows() const
+{
+    std::vector<int> selected;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); range.isValid() && row <= range.bottom(); ++row)
+            selected.push_back(row);
+    }
+    std::sort(selected.begin(), selected.end());
+    selected.erase(std::unique(selected.begin(), selected.end()), selected.end());
+    return selected;
+}
+
+bool ReportList::moreThanOneSelected() const
+{
+    int first = -1;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        if (!range.isValid())
+            continue;
+        if (range.height() > 1 || (first >= 0 && range.top() != first))
+            return true;
+        first = range.top();
+    }
+    return false;
+}
+
+void ReportList::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    // Rows become current, not cells: going to a row leaves the columns where they are.
+    const int across = horizontalScrollBar()->value();
+    QTableView::scrollTo(index, hint);
+    horizontalScrollBar()->setValue(across);
+}
+
+void ReportList::keyPressEvent(QKeyEvent* event)
+{
+    m_pressedKeys.press(*event);
+    if (isEnter(*event)) {
+        event->accept();
+        if (!event->isAutoRepeat())
+            Q_EMIT rowActivated();
+        return;
+    }
+    if (!isText(*event))
+        Q_EMIT keyPressed(event->key(), event->modifiers());
+    if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
+        horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
+                                                 ? QAbstractSlider::SliderSingleStepSub
+                                                 : QAbstractSlider::SliderSingleStepAdd);
+        event->accept();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void ReportList::keyReleaseEvent(QKeyEvent* event)
+{
+    const bool pressedHere = m_pressedKeys.release(*event);
+    QTableView::keyReleaseEvent(event);
+    if (pressedHere && !isEnter(*event))
+        Q_EMIT keyReleased(event->key(), event->modifiers());
+}
+
+void ReportList::focusInEvent(QFocusEvent* event)
+{
+    QTableView::focusInEvent(event);
+    // Names are Japanese: an input method must be able to type what is searched.
+    setAttribute(Qt::WA_InputMethodEnabled);
+}
+
+void ReportList::focusOutEvent(QFocusEvent* event)
+{
+    m_pressedKeys.forget();
+    QTableView::focusOutEvent(event);
+}
+
+void ReportList::keyboardSearch(const QString& search)
+{
+    const int count = m_model->rowCount();
+    if (search.isEmpty()) {
+        m_typed.clear();
+        return;
+    }
+    if (count == 0)
+        return;
+    if (!m_sinceTyped.isValid() || m_sinceTyped.elapsed() > QApplication::keyboardInputInterval())
+        m_typed.clear();
+    m_sinceTyped.start();
+    m_typed += search;
+    // The same character again and again goes through the rows that begin with it.
+    const bool repeated = m_typed.size() > 1 && m_typed.count(m_typed.front()) == m_typed.size();
+    const QStringView wanted = repeated ? QStringView(m_typed).first(1) : QStringView(m_typed);
+    const int current = currentIndex().row();
+    // A longer text may still fit the current row; a single character goes on to the next one.
+    const int start = current + (wanted.size() == 1 && selectionModel()->isSelected(currentIndex()) ? 1 : 0);
+    for (int step = 0; step < count; ++step) {
+        const int row = (std::max(start, 0) + step) % count;
+        if (m_model->text(row, 0).startsWith(wanted, Qt::CaseInsensitive)) {
+            setCurrentIndex(m_model->index(row, 0));
+            return;
+        }
+    }
+}
+
+QModelIndex ReportList::moveCursor(CursorAction action, Qt::KeyboardModifiers /*modifiers*/)
+{
+    const int count = m_model->rowCount();
+    if (count == 0)
+        return {};
+    if (!currentIndex().isValid())
+        return m_model->index(action == MoveEnd ? count - 1 : 0, 0);
+    const int page = std::max(1, viewport()->height() / rowHeight() - 1);
+    int row = currentIndex().row();
+    switch (action) {
+    case MoveUp:
+    case MovePrevious:
+        --row;
+        break;
+    case MoveDown:
+    case MoveNext:
+        ++row;
+        break;
+    case MovePageUp:
+        row -= page;
+        break;
+    case MovePageDown:
+        row += page;
+        break;
+    case MoveHome:
+        row = 0;
+        break;
+    case MoveEnd:
+        row = count - 1;
+        break;
+    case MoveLeft:
+    case MoveRight:
+        break;
+    }
+    return m_model->index(std::clamp(row, 0, count - 1), 0);
+}
+
+void ReportList::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command)
+{
+    // By rows alone, so that a rubber band may begin below the last row or beside the last column.
+    const int count = m_model->rowCount();
+    const int offset = verticalHeader()->offset();
+    const int top = std::min(rect.top(), rect.bottom()) + offset;
+    const int bottom = std::max(rect.top(), rect.bottom()) + offset;
+    const int first = std::max(top, 0) / rowHeight();
+    const int last = std::min(bottom / rowHeight(), count - 1);
+    QItemSelection selection;
+    if (bottom >= 0 && first <= last)
+        selection.select(m_model->index(first, 0), m_model->index(last, m_model->columnCount() - 1));
+    selectionModel()->select(selection, command);
+}
+
+QModelIndexList ReportList::selectedIndexes() const
+{
+    // The base class asks for these to see whether and what to drag; a list of a million would take its time.
+    const int row = selectedRow();
+    if (row < 0)
+        return {};
+    return {m_model->index(row, 0)};
+}
+
+void ReportList::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    constexpr int manyRows = 1000;
+    if (rowsIn(selected) + rowsIn(deselected) < manyRows) {
+        QTableView::selectionChanged(selected, deselected);
+        return;
+    }
+    // Assistive technology hears of one row; the base class would list every cell for it.
+    const QModelIndex current = currentIndex();
+    QItemSelection one;
+    if (current.isValid() && selected.contains(current))
+        one.select(current, current.siblingAtColumn(m_model->columnCount() - 1));
+    QTableView::selectionChanged(one, {});
+    viewport()->update();
+}
+
+void ReportList::mousePressEvent(QMouseEvent* event)
+{
+    m_typed.clear();
+    QTableView::mousePressEvent(event);
+}
+
+void ReportList::mouseMoveEvent(QMouseEvent* event)
+{
+    QTableView::mouseMoveEvent(event);
+    Q_EMIT mouseMoved();
+}
+
+void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const bool onRow = indexAt(event->position().toPoint()).isValid();
+    QTableView::mouseDoubleClickEvent(event);
+    if (onRow && event->button() == Qt::LeftButton)
+        Q_EMIT rowActivated();
+}
+
+void ReportList::contextMenuEvent(QContextMenuEvent* event)
+{
+    event->accept();
+    QPoint position = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        const QModelIndex index = indexAt(event->pos());
+        if (index.isValid() && !selectionModel()->isSelected(index))
+            selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                         QItemSelectionModel::Rows);
+    } else {
+        QPoint inside(0, 0);
+        if (currentIndex().isValid()) {
+            scrollTo(currentIndex());
+            inside = QPoint(rowHeight(), visualRect(currentIndex()).bottom());
+        }
+        position = viewport()->mapToGlobal(inside);
+    }
+    Q_EMIT menuRequested(position);
+}
+
+} // namespace quillon

@@ -1,0 +1,96 @@
+#include "ui/widgets/status_panels.h"
+
+#include "app/base/error.h"
+#include "app/base/ports/clock.h"
+
+#include <QLabel>
+#include <QTimer>
+
+namespace quillon
+{
+
+namespace
+{
+
+/// A label with a wanted and a least width; what does not fit is cut off on the screen only.
+class PanelLabel : public QLabel
+{
+public:
+    PanelLabel(const StatusPanels::Panel& panel, QWidget* parent)
+        : QLabel(parent), m_width(panel.width), m_minimumWidth(panel.minimumWidth),
+          m_stretches(panel.stretches)
+    {
+    }
+
+    QSize sizeHint() const override
+    {
+        const QSize content = QLabel::sizeHint();
+        return m_width > 0 ? QSize(m_width, content.height()) : content;
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        const QSize content = QLabel::minimumSizeHint();
+        // A long message must never make the window wider.
+        if (m_minimumWidth > 0 || m_stretches)
+            return {m_minimumWidth, content.height()};
+        return content;
+    }
+
+private:
+    int m_width;
+    int m_minimumWidth;
+    bool m_stretches;
+};
+
+} // namespace
+
+StatusPanels::StatusPanels(const std::vector<Panel>& panels, QWidget* parent) : QStatusBar(parent)
+{
+    for (const Panel& panel : panels) {
+        auto* panelLabel = new PanelLabel(panel, this);
+        panelLabel->setObjectName(panel.objectName);
+        panelLabel->setTextFormat(Qt::PlainText); // A name in angle brackets is a name, not a tag.
+        panelLabel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        panelLabel->setText(panel.text);
+        panelLabel->setToolTip(panel.toolTip);
+        panelLabel->setAccessibleDescription(panel.toolTip);
+        addWidget(panelLabel, panel.stretches ? 1 : 0);
+        m_labels.push_back(panelLabel);
+    }
+}
+
+QLabel* StatusPanels::label(int panel) const
+{
+    if (panel < 1 || static_cast<std::size_t>(panel) > m_labels.size())
+        throw Error(errors::IndexOutOfBounds);
+    return m_labels[static_cast<std::size_t>(panel) - 1];
+}
+
+void StatusPanels::setText(int panel, const QString& text)
+{
+    // Setting the same text again would still announce a change to assistive technology.
+    if (QLabel* panelLabel = label(panel); panelLabel->text() != text)
+        panelLabel->setText(text);
+}
+
+QString StatusPanels::text(int panel) const
+{
+    return label(panel)->text();
+}
+
+void StatusPanels::keepDateAndTime(int datePanel, int timePanel, const Clock& clock)
+{
+    const auto refresh = [this, dateLabel = label(datePanel), timeLabel = label(timePanel), &clock] {
+        if (const QString date = clock.shortDate(); dateLabel->text() != date)
+            dateLabel->setText(date);
+        if (const QString time = clock.shortTime(); timeLabel->text() != time)
+            timeLabel->setText(time);
+    };
+    refresh();
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, refresh);
+    timer->start(1000);
+}
+
+} // namespace quillon

@@ -1,0 +1,101 @@
+#include "ui/widgets/window_registry.h"
+
+#include "app/base/error.h"
+#include "app/base/ports/data_window.h"
+#include "ui/widgets/form_window.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+DataWindow& asData(FormWindow* window)
+{
+    auto* data = dynamic_cast<DataWindow*>(window);
+    if (data == nullptr)
+        throw Error(errors::ObjectNotSet);
+    return *data;
+}
+
+} // namespace
+
+void WindowRegistry::setFactory(const QString& windowName, Factory factory)
+{
+    m_factories.insert(windowName, std::move(factory));
+}
+
+std::vector<LoadedWindow*> WindowRegistry::loaded() const
+{
+    return {m_windows.begin(), m_windows.end()};
+}
+
+FormWindow* WindowRegistry::create(const QString& windowName) const
+{
+    const auto factory = m_factories.constFind(windowName);
+    if (factory == m_factories.constEnd() || !*factory)
+        return nullptr;
+    return (*factory)();
+}
+
+DataWindow& WindowRegistry::newDataWindow(const QString& kind)
+{
+    FormWindow* window = nullptr;
+    if (kind == u"M"_s)
+        window = create(u"frmMainData"_s);
+    else if (kind == u"R"_s)
+        window = create(u"frmRefDoc"_s);
+    return asData(window);
+}
+
+DataWindow& WindowRegistry::registrationWindow(const QString& kind)
+{
+    QString name;
+    if (kind == u"M"_s)
+        name = u"frmMainData"_s;
+    else if (kind == u"R"_s)
+        name = u"frmRefDoc"_s;
+    else if (kind == u"F"_s)
+        name = u"frmRefFileEntry"_s;
+    if (!m_factories.contains(name))
+        throw Error(errors::ObjectNotSet);
+    return asData(&sharedWindow(name));
+}
+
+void WindowRegistry::showAuxiliary(const QString& windowName)
+{
+    sharedWindow(windowName).showModeless();
+}
+
+FormWindow& WindowRegistry::sharedWindow(const QString& windowName)
+{
+    if (FormWindow* window = loadedSharedWindow(windowName))
+        return *window;
+    FormWindow* window = create(windowName);
+    if (window == nullptr)
+        throw Error(errors::InvalidArgument);
+    m_shared.insert(windowName, window);
+    return *window;
+}
+
+FormWindow* WindowRegistry::loadedSharedWindow(const QString& windowName) const
+{
+    return m_shared.value(windowName, nullptr);
+}
+
+void WindowRegistry::add(FormWindow* window)
+{
+    m_windows.push_back(window);
+}
+
+void WindowRegistry::remove(FormWindow* window)
+{
+    std::erase(m_windows, window);
+    m_shared.removeIf([window](const auto& entry) { return entry.value() == window; });
+}
+
+} // namespace quillon
