@@ -1,0 +1,144 @@
+#include "app/base/platform.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+
+class TestPlatformFiles : public QObject
+{
+    Q_OBJECT
+
+    static QByteArray contentOf(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    static void makeFile(const QString& path)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+
+private Q_SLOTS:
+    void ordinaryFilesAreToldFromEverythingElse()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"資料 1.txt"_s);
+        makeFile(file);
+        QVERIFY(platform::isOrdinaryFile(file));
+        QVERIFY(!platform::isOrdinaryFile(folder.path()));
+        QVERIFY(!platform::isOrdinaryFile(folder.filePath(u"missing"_s)));
+        QVERIFY(!platform::isOrdinaryFile(QString()));
+    }
+
+#ifdef Q_OS_UNIX
+    void pipesAndDevicesAreNoOrdinaryFiles()
+    {
+        const QTemporaryDir folder;
+        const QString pipe = folder.filePath(u"pipe"_s);
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(!platform::isOrdinaryFile(pipe));
+        QVERIFY(!platform::isOrdinaryFile(u"/dev/null"_s));
+    }
+
+    void linksAreWhatTheyLeadTo()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"file"_s);
+        makeFile(file);
+        QVERIFY(QFile::link(file, folder.filePath(u"link"_s)));
+        QVERIFY(QFile::link(folder.path(), folder.filePath(u"to folder"_s)));
+        QVERIFY(QFile::link(folder.filePath(u"nothing"_s), folder.filePath(u"dangling"_s)));
+        QVERIFY(platform::isOrdinaryFile(folder.filePath(u"link"_s)));
+        QVERIFY(!platform::isOrdinaryFile(folder.filePath(u"to folder"_s)));
+        QVERIFY(!platform::isOrdinaryFile(folder.filePath(u"dangling"_s)));
+    }
+
+    void aFileWithALeadingDotIsAnOrdinaryOne()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u".profile"_s);
+        makeFile(file);
+        QVERIFY(platform::isOrdinaryFile(file));
+    }
+
+    void logLinesGoBesideTheProgram()
+    {
+        const QTemporaryDir folder;
+        platform::writeEventLog(u"一行目"_s, folder.path());
+        platform::writeEventLog(u"二行目"_s, folder.path());
+        QCOMPARE(contentOf(folder.filePath(u"Quillon.log"_s)), QByteArray("一行目\n二行目\n"));
+    }
+
+    void logLinesGoToTheStateFolderWhenTheProgramsIsNotWritable()
+    {
+        const QTemporaryDir state;
+        qputenv("XDG_STATE_HOME", QFile::encodeName(state.filePath(u"a/b"_s)));
+        // Nobody, not even the administrator, can create files there.
+        platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
+        QCOMPARE(contentOf(state.filePath(u"a/b/quillon/Quillon.log"_s)), QByteArray("一行目\n"));
+    }
+
+    void logLinesGoToTheStateFolderWhenTheLogIsNoOrdinaryFile()
+    {
+        const QTemporaryDir program;
+        const QTemporaryDir state;
+        qputenv("XDG_STATE_HOME", QFile::encodeName(state.path()));
+        const QString pipe = program.filePath(u"Quillon.log"_s);
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        platform::writeEventLog(u"一行目"_s, program.path());
+        QCOMPARE(contentOf(state.filePath(u"quillon/Quillon.log"_s)), QByteArray("一行目\n"));
+    }
+
+    void aRelativeStateFolderIsIgnored()
+    {
+        const QTemporaryDir home;
+        qputenv("HOME", QFile::encodeName(home.path()));
+        qputenv("XDG_STATE_HOME", "relative");
+        platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
+        QCOMPARE(contentOf(home.filePath(u".local/state/quillon/Quillon.log"_s)), QByteArray("一行目\n"));
+        QVERIFY(!QFile::exists(u"relative"_s));
+    }
+
+    void aLogThatCannotBeWrittenIsIgnored()
+    {
+        qputenv("XDG_STATE_HOME", "/proc/self");
+        platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
+        QVERIFY(!QFile::exists(u"/proc/self/quillon"_s));
+    }
+
+    void permissionsAreThoseOfThePersonWhoRunsTheProgram()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"file"_s);
+        makeFile(file);
+        QVERIFY(platform::mayWriteIn(folder.path()));
+        QVERIFY(platform::mayReadAndWrite(file));
+        QVERIFY(!platform::mayWriteIn(folder.filePath(u"nowhere"_s)));
+        QVERIFY(!platform::mayReadAndWrite(folder.filePath(u"nothing"_s)));
+        QVERIFY(QFile::setPermissions(file, QFile::ReadOwner));
+        // The administrator may write what is marked as read-only.
+        QCOMPARE(platform::mayReadAndWrite(file), geteuid() == 0);
+    }
+
+    void argumentsKeepEveryCharacter()
+    {
+        char program[] = "quillon";
+        char name[] = "水 'x' \"y\".mdb";
+        char* words[] = {program, name, nullptr};
+        QCOMPARE(platform::arguments(2, words), QStringList({u"quillon"_s, u"水 'x' \"y\".mdb"_s}));
+    }
+#endif
+};
+
+QTEST_GUILESS_MAIN(TestPlatformFiles)
+#include "test_platform_files.moc"

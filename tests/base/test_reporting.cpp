@@ -1,0 +1,124 @@
+#include "app/base/reporting.h"
+
+#include "tests/support/compare_text.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_ports.h"
+
+#include <QtTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+class TestReporting : public QObject
+{
+    Q_OBJECT
+
+    ScriptedDialogs dialogs;
+    MemoryEventLog eventLog;
+    FixedClock clock;
+    Reporting reporting{dialogs, eventLog, clock};
+
+    void expectReport(const QString& location, const QString& description)
+    {
+        dialogs.expect(MessageBox{.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
+                                          u"\r\nEXPLANATION : "_s + description,
+                                  .title = u"Quillon 障害対策部"_s});
+    }
+
+private Q_SLOTS:
+    void init() { eventLog.lines.clear(); }
+    void cleanup() { QCOMPARE(dialogs.takeComplaints(), QStringList()); }
+
+    void numberZeroShowsAndLogsNothing()
+    {
+        ReportError(reporting, 0, u"OpenDbFile"_s);
+        QCOMPARE(eventLog.lines, QStringList());
+    }
+
+    void aFailureShowsThreeLinesAndLogsOne()
+    {
+        const QString description = standardDescription(3021);
+        expectReport(u"OpenDbFile"_s, description);
+        ReportError(reporting, 3021, u"OpenDbFile"_s);
+        QCOMPARE(eventLog.lines.size(), 1);
+        QVERIFY(compareText(
+            eventLog.lines.first(),
+            u"1999/12/31, 23:45, LOCATION : OpenDbFile, ErrorNumber : 3021, DESCRIPTION : "_s + description));
+    }
+
+    void aNegativeNumberIsAFailureLikeAnyOther()
+    {
+        expectReport(u"Main"_s, standardDescription(-2));
+        ReportError(reporting, -2, u"Main"_s);
+        QVERIFY(eventLog.lines.value(0).contains(u", ErrorNumber : -2, "_s));
+    }
+
+    void theLineIsWrittenEvenWhenTheBoxFails()
+    {
+        struct FailingDialogs : ScriptedDialogs {
+            Answer messageBox(const MessageBox&) override { throw Error(errors::OutOfMemory); }
+        } failing;
+        Reporting broken{failing, eventLog, clock};
+        ReportError(broken, 5, u"Main"_s);
+        QCOMPARE(eventLog.lines.size(), 1);
+    }
+
+    void aFailureOfTheLogIsIgnored()
+    {
+        struct FailingLog : EventLog {
+            void write(const QString&) override { throw Error(errors::DiskFull); }
+        } failing;
+        Reporting broken{dialogs, failing, clock};
+        expectReport(u"Main"_s, standardDescription(5));
+        ReportError(broken, 5, u"Main"_s);
+    }
+
+    void guardedReportsUnderTheOperationsName()
+    {
+        expectReport(u"DeleteData"_s, standardDescription(91));
+        int steps = 0;
+        guarded(reporting, u"DeleteData"_s, [&] {
+            ++steps;
+            throw Error(errors::ObjectNotSet, u"ここだけの説明"_s);
+        });
+        QCOMPARE(steps, 1);
+    }
+
+    void guardedIsSilentWithoutAFailure()
+    {
+        bool done = false;
+        guarded(reporting, u"DeleteData"_s, [&] { done = true; });
+        QVERIFY(done);
+        QCOMPARE(eventLog.lines, QStringList());
+    }
+
+    void guardedLetsOtherExceptionsPass()
+    {
+        QVERIFY_EXCEPTION_THROWN(
+            guarded(reporting, u"DeleteData"_s, [] { throw std::logic_error("a mistake in the program"); }),
+            std::logic_error);
+    }
+
+    void guardedByHandsTheErrorToItsOwnAnswer()
+    {
+        qint32 number = 0;
+        guardedBy([&](const Error& error) { number = error.number; },
+                  [] { throw Error(errors::FieldTooSmall); });
+        QCOMPARE(number, 3163);
+    }
+
+    void anUntrappedFailureShowsItsOwnDescription()
+    {
+        dialogs.expect(
+            MessageBox{.text = u"対処不能なエラーが発生しました。\r\n説明：カテゴリが足りません。"_s,
+                       .title = u"Quillon 障害対策部"_s});
+        reportUntrapped(reporting, Error(35600, u"カテゴリが足りません。"_s), u"Form_Load"_s);
+        QVERIFY(compareText(eventLog.lines.value(0),
+                            u"1999/12/31, 23:45, LOCATION : Form_Load, ErrorNumber : 35600, "
+                            u"DESCRIPTION : カテゴリが足りません。"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestReporting)
+#include "test_reporting.moc"

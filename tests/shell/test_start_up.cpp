@@ -1,0 +1,213 @@
+#include "app/shell/start_up.h"
+
+#include "app/shell/frmSplash.h"
+#include "app/shell/program.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_ports.h"
+#include "tests/support/window_world.h"
+#include "ui/main/frmMainMenu.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+/// A file system that has everything and remembers what it was asked.
+class AskedFiles : public Files
+{
+public:
+    bool entryExists(const QString& path) const override
+    {
+        asked << path;
+        return true;
+    }
+    bool fileExists(const QString& path) const override { return entryExists(path); }
+
+    mutable QStringList asked;
+};
+
+MessageBox missingFolder()
+{
+    return {.text = u"カレントフォルダ内に【RefFile】フォルダが見つかりませんでした。"
+                    u"ファイルデータをリンク／表示するには"
+                    u"カレントフォルダ内に【RefFile】フォルダが必要です。"_s,
+            .title = u"Quillon システム運用部"_s};
+}
+
+} // namespace
+
+class TestStartUp : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> folder;
+    ScriptedDialogs dialogs;
+    MemoryEventLog eventLog;
+    FixedClock clock;
+    RecordingDesktop desktop;
+    RealFiles files;
+    AskedFiles askedFiles;
+    std::unique_ptr<Program> program;
+    QStringList duringSplash; // the loaded windows while the splash window is on the screen
+
+    void makeProgram(const QString& currentFolder, Files& fileSystem)
+    {
+        program = std::make_unique<Program>(Program::Ports{dialogs, eventLog, clock, desktop, fileSystem},
+                                            currentFolder);
+    }
+
+    QStringList loadedNames()
+    {
+        QStringList names;
+        for (const LoadedWindow* window : program->windows().loaded())
+            names << window->windowName();
+        return names;
+    }
+
+    /// Runs the start with a splash window whose time passes at once.
+    bool start(const std::optional<QString>& file = std::nullopt)
+    {
+        QTimer::singleShot(0, this, [this] {
+            duringSplash = loadedNames();
+            auto* splash = dynamic_cast<frmSplash*>(program->windows().loaded().front());
+            if (splash == nullptr || splash->windowModality() != Qt::ApplicationModal || !splash->isVisible())
+                duringSplash << u"no modal splash window"_s;
+            for (int tick = 1; splash != nullptr && tick <= 30; ++tick)
+                splash->tmrSwitch_Timer();
+        });
+        return Main(*program, file);
+    }
+
+    QString statusText()
+    {
+        const auto labels = program->mainWindow().findChildren<QLabel*>();
+        QStringList texts;
+        for (const QLabel* label : labels)
+            texts << label->text();
+        return texts.join(u'|');
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(folder->path()).mkdir(u"RefFile"_s));
+        duringSplash.clear();
+        eventLog.lines.clear();
+        askedFiles.asked.clear();
+    }
+
+    void cleanup()
+    {
+        program.reset();
+        QCOMPARE(dialogs.takeComplaints(), QStringList());
+    }
+
+    void theSplashComesAloneAndThenTheMainWindow()
+    {
+        makeProgram(folder->path(), files);
+        QVERIFY(start());
+        QCOMPARE(duringSplash, QStringList{u"frmSplash"_s});
+        QCOMPARE(loadedNames(), QStringList{u"frmMainMenu"_s});
+        QVERIFY(program->mainWindow().isVisible());
+        QCOMPARE(program->mainWindow().windowTitle(), u"Quillon メイン画面"_s);
+        QVERIFY(program->session().OpenDb == nullptr);
+    }
+
+    void aMissingFolderIsToldAndTheStartGoesOn()
+    {
+        QVERIFY(QDir(folder->path()).rmdir(u"RefFile"_s));
+        makeProgram(folder->path(), files);
+        dialogs.expect(missingFolder());
+        QVERIFY(start());
+        QVERIFY(program->mainWindow().isVisible());
+        QVERIFY(!QDir(folder->path()).exists(u"RefFile"_s));
+    }
+
+    void aPlainFileOfThatNameWillDo()
+    {
+        QVERIFY(QDir(folder->path()).rmdir(u"RefFile"_s));
+        QFile file(folder->filePath(u"RefFile"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        makeProgram(folder->path(), files);
+        QVERIFY(start());
+    }
+
+    void atARootTheSeparatorIsDoubled()
+    {
+        const QString root = QDir::toNativeSeparators(QDir::rootPath());
+        makeProgram(root, askedFiles);
+        QVERIFY(start());
+        QCOMPARE(askedFiles.asked.value(0), root + QDir::separator() + u"RefFile"_s);
+    }
+
+    void theDoubledSeparatorFindsWhatIsThere()
+    {
+        QVERIFY(files.entryExists(folder->path() + QDir::separator() + QDir::separator() + u"RefFile"_s));
+    }
+
+    void withoutACurrentFolderTheStartEndsWithAReport()
+    {
+        makeProgram(QString(), files);
+        dialogs.expect(MessageBox{.text = u"対処不能なエラーが発生しました。\r\nLOCATION : Main"
+                                          u"\r\nEXPLANATION : "_s +
+                                          standardDescription(76),
+                                  .title = u"Quillon 障害対策部"_s});
+        QVERIFY(!Main(*program, u"QUILLON.mdb"_s));
+        QCOMPARE(loadedNames(), QStringList());
+        QCOMPARE(eventLog.lines.size(), 1);
+        QVERIFY(eventLog.lines.first().contains(u"LOCATION : Main, ErrorNumber : 76"_s));
+    }
+
+#ifdef Q_OS_UNIX
+    void aFolderThatIsGoneIsNoCurrentFolder()
+    {
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(folder->path()));
+        QCOMPARE(currentFolderOfProcess(), QDir(folder->path()).canonicalPath());
+        QVERIFY(QDir(folder->path()).removeRecursively());
+        const QString found = currentFolderOfProcess();
+        QVERIFY(QDir::setCurrent(before));
+        QCOMPARE(found, QString());
+    }
+#endif
+
+    void aFileIsOpenedOnceTheMainWindowStands()
+    {
+        const auto database = Database::create(folder->filePath(u"知識 1.mdb"_s));
+        for (const TableSchema* table : schema::all())
+            database->execute(table->statement);
+        makeProgram(folder->path(), files);
+        // A relative name counts from the folder of the start.
+        QVERIFY(start(u"知識 1.mdb"_s));
+        QVERIFY(program->session().OpenDb != nullptr);
+        QCOMPARE(program->session().OpenDb->path(), folder->filePath(u"知識 1.mdb"_s));
+        QVERIFY2(statusText().contains(u"データベース (知識 1.mdb)が展開されています｡ "_s),
+                 qPrintable(statusText()));
+        QVERIFY2(statusText().contains(u"表示データ数 ： 0"_s), qPrintable(statusText()));
+    }
+
+    void aMissingFileIsToldAsInTheFileMenu()
+    {
+        makeProgram(folder->path(), files);
+        dialogs.expect(MessageBox{.text = u"指定されたファイルが見つかりません。"_s,
+                                  .title = u"Quillon データ調査分析部"_s});
+        QVERIFY(start(u"missing.mdb"_s));
+        QVERIFY(program->mainWindow().isVisible());
+        QVERIFY(program->session().OpenDb == nullptr);
+    }
+};
+
+QTEST_MAIN(TestStartUp)
+#include "test_start_up.moc"
