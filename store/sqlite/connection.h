@@ -7,12 +7,14 @@
 
 struct sqlite3;
 
-namespace quillon::sqlite {
+namespace quillon::sqlite
+{
 
 class Statement;
 
 /// One open SQLite file. Every failure leaves as an `Error` of the program's own numbers.
-class Connection {
+class Connection
+{
 public:
     enum class Mode { OpenExisting, CreateNew };
 
@@ -34,6 +36,8 @@ public:
     qint64 lastInsertRowid() const;
     /// How many rows the last INSERT, UPDATE or DELETE changed.
     int changes() const;
+    /// How many rows this connection has changed so far.
+    qint64 totalChanges() const;
     /// A number that changes whenever another connection has written the file.
     qint64 dataVersion();
     bool inTransaction() const;
@@ -54,7 +58,8 @@ private:
 };
 
 /// A transaction that is rolled back unless it is committed.
-class Transaction {
+class Transaction
+{
 public:
     /// Begins at once with the right to write. Inside another transaction it is a part of that one.
     explicit Transaction(Connection& connection);

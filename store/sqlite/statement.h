@@ -6,10 +6,12 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace quillon::sqlite {
+namespace quillon::sqlite
+{
 
 /// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0.
-class Statement {
+class Statement
+{
 public:
     Statement(sqlite3* connection, const QString& sql);
     ~Statement();
@@ -35,7 +37,8 @@ private:
 };
 
 /// Resets a statement when the block ends, so that no read lock outlives it.
-class ResetAtEnd {
+class ResetAtEnd
+{
 public:
     explicit ResetAtEnd(Statement& statement) : m_statement(statement) {}
     ~ResetAtEnd() { m_statement.reset(); }

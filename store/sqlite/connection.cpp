@@ -1,0 +1,235 @@
+#include "store/sqlite/connection.h"
+
+#include "app/base/error.h"
+#include "store/sqlite/errors.h"
+#include "store/sqlite/statement.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <exception>
+#include <list>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::sqlite
+{
+
+namespace
+{
+
+/// How long a statement waits for another program's lock.
+constexpr int PatienceInMilliseconds = 1500;
+/// How many prepared statements a connection keeps.
+constexpr std::size_t KeptStatements = 128;
+
+/// Makes an empty file, or throws 3204 when anything stands there already.
+void createEmptyFile(const QString& path)
+{
+    const QFileInfo info(path);
+    if (info.exists() || info.isSymLink())
+        throw Error(errors::DatabaseExists);
+    if (!QFileInfo(info.absolutePath()).isDir())
+        throw Error(errors::PathNotFound);
+    QFile file(path);
+    // Only one of two programs that create the same file at the same moment succeeds here.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        if (QFileInfo::exists(path))
+            throw Error(errors::DatabaseExists);
+        throw Error(errors::CannotOpen);
+    }
+}
+
+} // namespace
+
+struct Connection::Cache {
+    struct Entry {
+        std::unique_ptr<Statement> statement;
+        std::list<QString>::iterator age;
+    };
+    QHash<QString, std::shared_ptr<Entry>> entries;
+    std::list<QString> ages; // the one used last in front
+};
+
+Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_unique<Cache>())
+{
+    if (mode == Mode::CreateNew)
+        createEmptyFile(path);
+    // Never with the right to create: a file that vanishes in between must not come back empty.
+    const int code =
+        sqlite3_open_v2(path.toUtf8().constData(), &m_handle,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE, nullptr);
+    try {
+        check(m_handle, code);
+        configure();
+        if (mode == Mode::CreateNew) {
+            execute(u"PRAGMA encoding = 'UTF-16le'"_s);
+            // An empty transaction writes the header, so that even a file without tables is a database.
+            execute(u"BEGIN IMMEDIATE"_s);
+            execute(u"COMMIT"_s);
+        }
+        if (sqlite3_db_readonly(m_handle, "main") != 0)
+            throw Error(errors::CannotOpen);
+        // Reads the header and the whole schema: what is no database fails here and not in the middle of work.
+        execute(u"SELECT count(*) FROM sqlite_master"_s);
+        // A journal of the other kind needs more files and is not whole by itself. Where another program holds the
+        // file in that mode, it stays.
+        execute(u"PRAGMA journal_mode = DELETE"_s);
+    } catch (...) {
+        m_cache.reset();
+        sqlite3_close_v2(m_handle);
+        throw;
+    }
+}
+
+Connection::~Connection()
+{
+    m_cache.reset();
+    sqlite3_close_v2(m_handle);
+}
+
+void Connection::configure()
+{
+    sqlite3_busy_timeout(m_handle, PatienceInMilliseconds);
+    // A file from elsewhere brings no code of its own to run.
+    for (const int forbidden :
+         {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_TRUSTED_SCHEMA,
+          SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL})
+        check(m_handle, sqlite3_db_config(m_handle, forbidden, 0, nullptr));
+    check(m_handle, sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
+    execute(u"PRAGMA cell_size_check = ON"_s);
+    execute(u"PRAGMA synchronous = FULL"_s);
+    execute(u"PRAGMA cache_size = -16384"_s);
+    execute(u"PRAGMA temp_store = MEMORY"_s);
+}
+
+void Connection::execute(const QString& sql)
+{
+    Statement(m_handle, sql).run();
+}
+
+Statement& Connection::prepare(const QString& sql)
+{
+    if (const auto known = m_cache->entries.constFind(sql); known != m_cache->entries.cend()) {
+        Cache::Entry& entry = **known;
+        m_cache->ages.splice(m_cache->ages.begin(), m_cache->ages, entry.age);
+        entry.statement->reset();
+        return *entry.statement;
+    }
+    auto entry = std::make_shared<Cache::Entry>();
+    entry->statement = std::make_unique<Statement>(m_handle, sql);
+    m_cache->ages.push_front(sql);
+    entry->age = m_cache->ages.begin();
+    m_cache->entries.insert(sql, entry);
+    if (m_cache->ages.size() > KeptStatements) {
+        m_cache->entries.remove(m_cache->ages.back());
+        m_cache->ages.pop_back();
+    }
+    return *entry->statement;
+}
+
+std::unique_ptr<Statement> Connection::prepareOwn(const QString& sql)
+{
+    return std::make_unique<Statement>(m_handle, sql);
+}
+
+qint64 Connection::lastInsertRowid() const
+{
+    return sqlite3_last_insert_rowid(m_handle);
+}
+
+int Connection::changes() const
+{
+    return sqlite3_changes(m_handle);
+}
+
+qint64 Connection::totalChanges() const
+{
+    return sqlite3_total_changes64(m_handle);
+}
+
+qint64 Connection::dataVersion()
+{
+    Statement& statement = prepare(u"PRAGMA data_version"_s);
+    const ResetAtEnd reset(statement);
+    return statement.step() ? statement.number(0) : 0;
+}
+
+bool Connection::inTransaction() const
+{
+    return sqlite3_get_autocommit(m_handle) == 0;
+}
+
+namespace
+{
+
+QString sharedText(sqlite3_value* value)
+{
+    const void* units = sqlite3_value_text16(value);
+    const int bytes = sqlite3_value_bytes16(value);
+    return QString::fromRawData(static_cast<const QChar*>(units), bytes / static_cast<int>(sizeof(QChar)));
+}
+
+void runPatternTest(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL) {
+        sqlite3_result_int(context, 0);
+        return;
+    }
+    // No exception may pass through SQLite.
+    try {
+        const auto& test = *static_cast<Connection::PatternTest*>(sqlite3_user_data(context));
+        sqlite3_result_int(context, test(sharedText(arguments[0]), sharedText(arguments[1])) ? 1 : 0);
+    } catch (const std::exception&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+void deletePatternTest(void* test)
+{
+    delete static_cast<Connection::PatternTest*>(test);
+}
+
+} // namespace
+
+void Connection::addPatternTest(const char* name, PatternTest test)
+{
+    // SQLite calls the deleter in the end, also when this call fails.
+    check(m_handle, sqlite3_create_function_v2(m_handle, name, 2,
+                                               SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
+                                               new PatternTest(std::move(test)), runPatternTest, nullptr,
+                                               nullptr, deletePatternTest));
+}
+
+Transaction::Transaction(Connection& connection) : m_connection(connection)
+{
+    if (connection.inTransaction())
+        return;
+    connection.execute(u"BEGIN IMMEDIATE"_s);
+    m_open = true;
+}
+
+Transaction::~Transaction()
+{
+    if (!m_open || !m_connection.inTransaction())
+        return;
+    try {
+        m_connection.execute(u"ROLLBACK"_s);
+    } catch (const Error&) {
+        // Whatever stands in the way also undoes the transaction, at the latest when the file is opened next.
+    }
+}
+
+void Transaction::commit()
+{
+    if (!m_open)
+        return;
+    m_connection.execute(u"COMMIT"_s);
+    m_open = false;
+}
+
+} // namespace quillon::sqlite

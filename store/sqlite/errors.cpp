@@ -1,0 +1,80 @@
+#include "store/sqlite/errors.h"
+
+#include "app/base/error.h"
+
+#include <QByteArrayView>
+
+#include <sqlite3.h>
+
+namespace quillon::sqlite
+{
+
+namespace
+{
+
+/// SQLite has one code for everything that is wrong with a statement; only the message tells what.
+qint32 numberOfGenericError(QByteArrayView message)
+{
+    const auto says = [message](const char* words) { return message.indexOf(words) >= 0; };
+    if (says("no such table"))
+        return errors::TableNotFound;
+    if (says("no such column") || says("has no column named"))
+        return errors::UnknownField;
+    if (says("already exists") || says("already another table"))
+        return errors::TableExists;
+    return errors::CriteriaSyntax;
+}
+
+qint32 numberOf(sqlite3* connection, int code)
+{
+    if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY ||
+        code == SQLITE_CONSTRAINT_ROWID)
+        return errors::DuplicateKey;
+    switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+        return errors::Locked;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_FORMAT:
+        return errors::NotADatabase;
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+        return errors::CannotOpen;
+    case SQLITE_FULL:
+        return errors::DiskFull;
+    case SQLITE_NOMEM:
+        return errors::OutOfMemory;
+    case SQLITE_IOERR:
+        return errors::PathFileAccess;
+    case SQLITE_TOOBIG:
+        return errors::FieldTooSmall;
+    case SQLITE_MISMATCH:
+        return errors::TypeMismatch;
+    case SQLITE_CONSTRAINT:
+        // A foreign table with rules of its own: NOT NULL, CHECK and their like.
+        return errors::InvalidArgument;
+    case SQLITE_ERROR:
+        return numberOfGenericError(connection != nullptr ? sqlite3_errmsg(connection) : "");
+    default:
+        return errors::CriteriaSyntax;
+    }
+}
+
+} // namespace
+
+void throwError(sqlite3* connection, int code)
+{
+    throw Error(numberOf(connection, code));
+}
+
+void check(sqlite3* connection, int code)
+{
+    if (code != SQLITE_OK)
+        throwError(connection, code);
+}
+
+} // namespace quillon::sqlite

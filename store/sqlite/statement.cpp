@@ -1,0 +1,113 @@
+#include "store/sqlite/statement.h"
+
+#include "app/base/error.h"
+#include "store/sqlite/errors.h"
+
+#include <sqlite3.h>
+
+namespace quillon::sqlite
+{
+
+namespace
+{
+
+constexpr char16_t ByteOrderMark = u'\uFEFF';
+constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
+
+} // namespace
+
+Statement::Statement(sqlite3* connection, const QString& sql) : m_connection(connection)
+{
+    const QByteArray utf8 = sql.toUtf8();
+    check(connection, sqlite3_prepare_v3(connection, utf8.constData(), static_cast<int>(utf8.size()) + 1, 0,
+                                         &m_statement, nullptr));
+    // A text without any statement gives none and no failure either.
+    if (m_statement == nullptr)
+        throw Error(errors::CriteriaSyntax);
+}
+
+Statement::~Statement()
+{
+    sqlite3_finalize(m_statement);
+}
+
+Statement& Statement::bind(int position, QStringView text)
+{
+    // A null pointer would bind NULL instead of an empty text.
+    const char16_t* units = text.isEmpty() ? u"" : text.utf16();
+    // SQLite takes a mark at the start of a bound text for a sign of its byte order and drops it. A mark put before
+    // it is dropped in its stead.
+    QString marked;
+    if (!text.isEmpty() && (text.front() == ByteOrderMark || text.front() == SwappedByteOrderMark)) {
+        marked = QString(QChar(ByteOrderMark)).append(text);
+        text = marked;
+        units = text.utf16();
+    }
+    check(m_connection, sqlite3_bind_text64(m_statement, position, reinterpret_cast<const char*>(units),
+                                            static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t),
+                                            SQLITE_TRANSIENT, SQLITE_UTF16));
+    return *this;
+}
+
+Statement& Statement::bind(int position, qint64 number)
+{
+    check(m_connection, sqlite3_bind_int64(m_statement, position, number));
+    return *this;
+}
+
+bool Statement::step()
+{
+    const int code = sqlite3_step(m_statement);
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE)
+        return false;
+    try {
+        throwError(m_connection, code);
+    } catch (const Error&) {
+        // The message belongs to the failed step; only now may the statement let go of its locks.
+        sqlite3_reset(m_statement);
+        throw;
+    }
+}
+
+void Statement::run()
+{
+    const ResetAtEnd reset(*this);
+    while (step()) {
+    }
+}
+
+void Statement::reset()
+{
+    // The code is that of the last step, which has been reported already.
+    sqlite3_reset(m_statement);
+    sqlite3_clear_bindings(m_statement);
+}
+
+QStringView Statement::text(int column) const
+{
+    // The text first, its length afterwards: the length is that of the converted text.
+    const void* units = sqlite3_column_text16(m_statement, column);
+    const int bytes = sqlite3_column_bytes16(m_statement, column);
+    if (units == nullptr) {
+        // No text is either null or lacked memory for its conversion.
+        if (sqlite3_column_type(m_statement, column) != SQLITE_NULL &&
+            sqlite3_errcode(m_connection) == SQLITE_NOMEM)
+            throwError(m_connection, SQLITE_NOMEM);
+        return {};
+    }
+    return QStringView(static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t)));
+}
+
+qint64 Statement::number(int column) const
+{
+    return sqlite3_column_int64(m_statement, column);
+}
+
+bool Statement::isNull(int column) const
+{
+    return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
+}
+
+} // namespace quillon::sqlite
