@@ -7,7 +7,8 @@
 #include <memory>
 #include <variant>
 
-namespace quillon {
+namespace quillon
+{
 
 /// One comparison: field = 'text' or field Like 'pattern'.
 struct Comparison {

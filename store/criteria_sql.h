@@ -5,9 +5,11 @@
 #include <QString>
 #include <QStringList>
 
-namespace quillon {
+namespace quillon
+{
 
-namespace sqlite {
+namespace sqlite
+{
 class Connection;
 }
 

@@ -2,14 +2,17 @@
 
 #include "store/sqlite/connection.h"
 
+#include <QHash>
 #include <QString>
 
 #include <memory>
 
-namespace quillon {
+namespace quillon
+{
 
 /// An open database file. Kept alive by the record sets that stand on it.
-class Database {
+class Database
+{
 public:
     /// Opens an existing file for reading and writing; never creates one.
     /// Errors: 3024 not there, 75 no ordinary file, 3051 may not be written, 3260 locked, 3343 no database or damaged.
@@ -26,11 +29,17 @@ public:
     /// The full name of the file.
     const QString& path() const { return m_path; }
 
+    /// The greatest row number that was in use in a table during this run, as far as it was noted. New rows get
+    /// greater ones, so that no cursor takes a new row for a deleted one.
+    qint64 greatestRow(const QString& table) const;
+    void noteRow(const QString& table, qint64 row);
+
 private:
     Database(const QString& path, sqlite::Connection::Mode mode);
 
     QString m_path;
     sqlite::Connection m_connection;
+    QHash<QString, qint64> m_greatestRows;
 };
 
 } // namespace quillon

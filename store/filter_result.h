@@ -6,7 +6,8 @@
 
 #include <memory>
 
-namespace quillon {
+namespace quillon
+{
 
 class RecordSet;
 

@@ -5,11 +5,13 @@
 
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A pattern of `Like`: "*" any run, "?" one character, "#" one digit, "[list]" and "[!list]" with ranges.
 /// A "[" that is never closed stands for itself. Characters are whole code points.
-class LikePattern {
+class LikePattern
+{
 public:
     enum class Comparing { Exactly, AsAReader };
 

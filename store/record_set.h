@@ -9,9 +9,11 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A cursor over the rows of a table: over the whole table, live and in insertion order, or over the rows that
 /// matched a criteria text when the set was made.
@@ -19,7 +21,8 @@ namespace quillon {
 /// There is a current row, or the cursor stands before, between or after the rows. Reading, editing or deleting
 /// without a current row is error 3021, as is moving in an empty set; a current row that another program has deleted
 /// is error 3167.
-class RecordSet {
+class RecordSet
+{
 public:
     /// All rows of a table. Errors: 3078 no such table, 3061 the table lacks a field. Does not stand on a row.
     static std::shared_ptr<RecordSet> openTable(std::shared_ptr<Database> database, const TableSchema& table);
@@ -60,11 +63,11 @@ public:
 
     /// Visits every row in order, in one pass, without moving the cursor. `visit` gets a `Row`; when it returns a
     /// bool, false ends the pass.
-    template <class Visit>
-    void forEachRow(std::initializer_list<int> fields, Visit&& visit) const;
+    template <class Visit> void forEachRow(std::initializer_list<int> fields, Visit&& visit) const;
 
     /// A row of a pass; the views are valid during the visit only.
-    class Row {
+    class Row
+    {
     public:
         /// The text of the n-th field asked for; empty for null.
         QStringView text(int n) const { return m_statement.text(n); }
@@ -82,17 +85,32 @@ private:
     RecordSet(std::shared_ptr<Database> database, const TableSchema& table,
               std::optional<std::vector<qint64>> rows);
 
+    struct Stamp {
+        qint64 ownChanges = 0;
+        qint64 dataVersion = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+
+    Stamp stamp() const;
+    sqlite::Statement& prepare(const QString& sql) const;
+    std::optional<qint64> firstNumber(sqlite::Statement& statement) const;
+    std::vector<qint64> matchingRows(const QString& criteria, qsizetype atMost) const;
     bool rowExists(qint64 row) const;
     std::optional<qint64> firstRow() const;
     std::optional<qint64> lastRow() const;
     std::optional<qint64> rowAfter(qint64 row) const;
     void standOn(std::optional<qint64> row);
     void requireCurrentRow() const;
+    void insertRow();
+    void changeRow();
+    void checkField(int index) const;
     QString selectList(std::initializer_list<int> fields) const;
+    QString passSql(std::initializer_list<int> fields) const;
 
     std::shared_ptr<Database> m_database;
     const TableSchema& m_table;
     std::optional<std::vector<qint64>> m_rows; // of a filtered set, ascending
+    Stamp m_filteredAt;                        // the state of the file when these rows matched
     Position m_position = Position::NoRow;
     qint64 m_row = 0; // the current row, or the deleted one while between rows
 
@@ -102,8 +120,7 @@ private:
     std::vector<std::optional<QString>> m_values; // by field; nothing: not set
 };
 
-template <class Visit>
-void RecordSet::forEachRow(std::initializer_list<int> fields, Visit&& visit) const
+template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fields, Visit&& visit) const
 {
     const auto keepsGoing = [&visit](const Row& row) {
         if constexpr (std::is_same_v<decltype(visit(row)), bool>) {
@@ -114,16 +131,14 @@ void RecordSet::forEachRow(std::initializer_list<int> fields, Visit&& visit) con
         }
     };
     if (!m_rows) {
-        const auto statement = m_database->connection().prepareOwn(u"SELECT " + selectList(fields) + u" FROM \"" +
-                                                                   m_table.name + u"\" ORDER BY rowid");
+        const auto statement = m_database->connection().prepareOwn(passSql(fields));
         while (statement->step()) {
             if (!keepsGoing(Row(*statement)))
                 return;
         }
         return;
     }
-    const auto statement = m_database->connection().prepareOwn(u"SELECT " + selectList(fields) + u" FROM \"" +
-                                                               m_table.name + u"\" WHERE rowid = ?");
+    const auto statement = m_database->connection().prepareOwn(passSql(fields));
     for (const qint64 row : *m_rows) {
         statement->reset();
         statement->bind(1, row);

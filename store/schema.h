@@ -6,7 +6,8 @@
 #include <array>
 #include <vector>
 
-namespace quillon {
+namespace quillon
+{
 
 /// A text field of a table. `width`: UTF-16 code units it holds, 0 for a long text without a limit.
 struct FieldSchema {
@@ -25,7 +26,8 @@ struct TableSchema {
 };
 
 /// The seven tables.
-namespace schema {
+namespace schema
+{
 const TableSchema& Main();
 const TableSchema& RefDoc();
 const TableSchema& RefFile();

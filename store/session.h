@@ -6,7 +6,8 @@
 
 #include <memory>
 
-namespace quillon {
+namespace quillon
+{
 
 class Database;
 class DataWindow;
@@ -18,7 +19,8 @@ class Windows;
 
 /// The state of one run of the program, under the names of its design, and the ports to the world.
 /// Built once in the program's entry (or a test) and passed by reference.
-class Session {
+class Session
+{
 public:
     struct Ports {
         Dialogs& dialogs;

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringView>
 
-namespace quillon {
+namespace quillon
+{
 
 /// `text` as a Japanese reader compares it: case, full and half width, hiragana and katakana become one form
 /// (ＡＢＣ = abc, ｶﾞ = ガ = が). Small and voiced kana stay distinct.

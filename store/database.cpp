@@ -1,0 +1,102 @@
+#include "store/database.h"
+
+#include "app/base/error.h"
+#include "app/base/platform.h"
+#include "store/criteria_sql.h"
+#include "store/sqlite/statement.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+/// `path` from the root on. The empty path and one with a zero in it name no file at all.
+QString absolutePath(const QString& path, qint32 errorOfNoPath)
+{
+    if (path.isEmpty() || path.contains(QChar::Null))
+        throw Error(errorOfNoPath);
+    // Qt takes a leading colon for the name of something inside the program.
+    if (path.startsWith(u':'))
+        return QDir::currentPath() + u'/' + path;
+    return QDir::current().absoluteFilePath(path);
+}
+
+/// Refuses what would block, or would fail later in the middle of work.
+void checkFile(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw Error(errors::DatabaseNotFound);
+    if (!platform::isOrdinaryFile(path))
+        throw Error(errors::PathFileAccess);
+    // The journal stands beside the file itself, wherever a link to it stands.
+    const QString file = info.canonicalFilePath();
+    if (!platform::mayReadAndWrite(file) || !platform::mayWriteIn(QFileInfo(file).path()))
+        throw Error(errors::CannotOpen);
+    if (info.size() == 0)
+        throw Error(errors::NotADatabase);
+    for (const QString& companion : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
+        if (QFileInfo::exists(file + companion) && !platform::isOrdinaryFile(file + companion))
+            throw Error(errors::PathFileAccess);
+    }
+}
+
+} // namespace
+
+Database::Database(const QString& path, sqlite::Connection::Mode mode)
+    : m_path(path), m_connection(path, mode)
+{
+    addPatternTests(m_connection);
+}
+
+std::shared_ptr<Database> Database::open(const QString& path)
+{
+    const QString full = absolutePath(path, errors::DatabaseNotFound);
+    checkFile(full);
+    return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::OpenExisting));
+}
+
+std::shared_ptr<Database> Database::create(const QString& path)
+{
+    const QString full = absolutePath(path, errors::PathNotFound);
+    return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::CreateNew));
+}
+
+void Database::execute(const QString& definition)
+{
+    // SQLite would store numbers in a MEMO field and turn the document "0012" into 12.
+    static const QRegularExpression memo(u"\\bMEMO\\b"_s, QRegularExpression::CaseInsensitiveOption);
+    QString sql = definition;
+    m_connection.execute(sql.replace(memo, u"TEXT"_s));
+}
+
+bool Database::tableExists(const QString& name)
+{
+    // A root page of 0 is that of a virtual table, which is code rather than data.
+    sqlite::Statement& statement = m_connection.prepare(
+        u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE BINARY AND rootpage > 0"_s);
+    const sqlite::ResetAtEnd reset(statement);
+    return statement.bind(1, name).step();
+}
+
+qint64 Database::greatestRow(const QString& table) const
+{
+    return m_greatestRows.value(table, 0);
+}
+
+void Database::noteRow(const QString& table, qint64 row)
+{
+    qint64& greatest = m_greatestRows[table];
+    greatest = std::max(greatest, row);
+}
+
+} // namespace quillon

@@ -1,0 +1,154 @@
+#include "store/like_pattern.h"
+
+#include "store/text_fold.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillon
+{
+
+namespace
+{
+
+/// The code point at `position`, which moves behind it. A surrogate without its partner is a character of its own.
+char32_t nextCharacter(QStringView text, qsizetype& position)
+{
+    const QChar unit = text[position++];
+    if (unit.isHighSurrogate() && position < text.size() && text[position].isLowSurrogate())
+        return QChar::surrogateToUcs4(unit, text[position++]);
+    return unit.unicode();
+}
+
+std::u32string characters(QStringView text)
+{
+    std::u32string result;
+    for (qsizetype position = 0; position < text.size();)
+        result += nextCharacter(text, position);
+    return result;
+}
+
+} // namespace
+
+bool LikePattern::Element::accepts(char32_t candidate) const
+{
+    switch (kind) {
+    case Kind::Character:
+        return candidate == character;
+    case Kind::AnyCharacter:
+        return true;
+    case Kind::Digit:
+        return candidate >= U'0' && candidate <= U'9';
+    case Kind::List:
+        return negated != std::any_of(ranges.begin(), ranges.end(), [candidate](const Range& range) {
+                   return range.first <= candidate && candidate <= range.last;
+               });
+    case Kind::Run:
+        break;
+    }
+    return false;
+}
+
+LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_comparing(comparing)
+{
+    const auto comparable = [comparing](QStringView text) {
+        return characters(comparing == Comparing::AsAReader ? foldedText(text) : text.toString());
+    };
+    // Characters are compared in runs, for a kana and the voice mark after it are one character to a reader.
+    QString run;
+    const auto endRun = [&] {
+        for (const char32_t character : comparable(std::exchange(run, QString())))
+            m_elements.push_back({Element::Kind::Character, character, false, {}});
+    };
+    const auto add = [&](Element::Kind kind) {
+        endRun();
+        m_elements.push_back({kind, 0, false, {}});
+    };
+    const auto makeList = [&](QStringView list) {
+        Element element{Element::Kind::List, 0, list.startsWith(u'!'), {}};
+        if (element.negated)
+            list = list.sliced(1);
+        QString singles;
+        for (qsizetype position = 0; position < list.size();) {
+            const qsizetype start = position;
+            const char32_t first = nextCharacter(list, position);
+            if (position + 1 >= list.size() || list[position] != u'-') {
+                singles += list.sliced(start, position - start);
+                continue;
+            }
+            const QStringView firstText = list.sliced(start, position - start);
+            const qsizetype lastStart = ++position;
+            const char32_t last = nextCharacter(list, position);
+            if (first > last)
+                continue; // Backwards there is nothing in between.
+            const char32_t from = comparable(firstText).front();
+            const char32_t to = comparable(list.sliced(lastStart, position - lastStart)).front();
+            element.ranges.push_back({std::min(from, to), std::max(from, to)});
+        }
+        for (const char32_t single : comparable(singles))
+            element.ranges.push_back({single, single});
+        return element;
+    };
+
+    const QStringView text(pattern);
+    for (qsizetype position = 0; position < text.size();) {
+        const QChar unit = text[position++];
+        if (unit == u'*') {
+            // Two runs of any length are one.
+            if (!run.isEmpty() || m_elements.empty() || m_elements.back().kind != Element::Kind::Run)
+                add(Element::Kind::Run);
+        } else if (unit == u'?') {
+            add(Element::Kind::AnyCharacter);
+        } else if (unit == u'#') {
+            add(Element::Kind::Digit);
+        } else if (const qsizetype end = unit == u'[' ? text.indexOf(u']', position) : -1; end >= 0) {
+            // An empty list stands for nothing at all.
+            if (end > position) {
+                endRun();
+                m_elements.push_back(makeList(text.sliced(position, end - position)));
+            }
+            position = end + 1;
+        } else {
+            run += unit;
+        }
+    }
+    endRun();
+}
+
+bool LikePattern::matches(QStringView original) const
+{
+    const QString foldedOriginal = m_comparing == Comparing::AsAReader ? foldedText(original) : QString();
+    const QStringView text = m_comparing == Comparing::AsAReader ? QStringView(foldedOriginal) : original;
+    constexpr std::size_t None = static_cast<std::size_t>(-1);
+    std::size_t element = 0;
+    qsizetype position = 0;
+    // Where to go on when the latest run has to take one character more. Earlier runs never need to.
+    std::size_t afterRun = None;
+    qsizetype runEnd = 0;
+    while (position < text.size()) {
+        if (element < m_elements.size() && m_elements[element].kind == Element::Kind::Run) {
+            afterRun = ++element;
+            runEnd = position;
+            if (afterRun == m_elements.size())
+                return true;
+            continue;
+        }
+        qsizetype next = position;
+        const char32_t character = nextCharacter(text, next);
+        if (element < m_elements.size() && m_elements[element].accepts(character)) {
+            ++element;
+            position = next;
+            continue;
+        }
+        if (afterRun == None)
+            return false;
+        nextCharacter(text, runEnd);
+        position = runEnd;
+        element = afterRun;
+    }
+    while (element < m_elements.size() && m_elements[element].kind == Element::Kind::Run)
+        ++element;
+    return element == m_elements.size();
+}
+
+} // namespace quillon

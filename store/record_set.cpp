@@ -1,0 +1,365 @@
+#include "store/record_set.h"
+
+#include "app/base/error.h"
+#include "store/criteria_sql.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+QString quoted(const QString& name)
+{
+    return u'"' + name + u'"';
+}
+
+constexpr qsizetype Unlimited = std::numeric_limits<qsizetype>::max();
+
+} // namespace
+
+RecordSet::RecordSet(std::shared_ptr<Database> database, const TableSchema& table,
+                     std::optional<std::vector<qint64>> rows)
+    : m_database(std::move(database)), m_table(table), m_rows(std::move(rows))
+{
+}
+
+std::shared_ptr<RecordSet> RecordSet::openTable(std::shared_ptr<Database> database, const TableSchema& table)
+{
+    if (!database)
+        throw Error(errors::ObjectNotSet);
+    if (!database->tableExists(table.name))
+        throw Error(errors::TableNotFound);
+    QStringList present;
+    bool hidesRowid = false;
+    {
+        sqlite::Statement& columns =
+            database->connection().prepare(u"SELECT name FROM pragma_table_info(?)"_s);
+        const sqlite::ResetAtEnd reset(columns);
+        columns.bind(1, table.name);
+        while (columns.step()) {
+            present << columns.text(0).toString();
+            hidesRowid = hidesRowid || present.last().compare(u"rowid", Qt::CaseInsensitive) == 0;
+        }
+    }
+    const auto lacks = [&](const FieldSchema& field) { return !present.contains(field.name); };
+    if (hidesRowid || std::any_of(table.fields.begin(), table.fields.end(), lacks))
+        throw Error(errors::UnknownField);
+    auto set = std::shared_ptr<RecordSet>(new RecordSet(std::move(database), table, std::nullopt));
+    // A table that has no row numbers fails here.
+    set->firstRow();
+    return set;
+}
+
+RecordSet::Stamp RecordSet::stamp() const
+{
+    return {m_database->connection().totalChanges(), m_database->connection().dataVersion()};
+}
+
+sqlite::Statement& RecordSet::prepare(const QString& sql) const
+{
+    return m_database->connection().prepare(sql);
+}
+
+std::optional<qint64> RecordSet::firstNumber(sqlite::Statement& statement) const
+{
+    const sqlite::ResetAtEnd reset(statement);
+    if (!statement.step() || statement.isNull(0))
+        return std::nullopt;
+    return statement.number(0);
+}
+
+qint64 RecordSet::recordCount() const
+{
+    if (!m_rows)
+        return firstNumber(prepare(u"SELECT count(*) FROM "_s + quoted(m_table.name))).value_or(0);
+    // As long as nobody has written anything, no row can have gone.
+    if (stamp() == m_filteredAt)
+        return static_cast<qint64>(m_rows->size());
+    return std::count_if(m_rows->begin(), m_rows->end(), [this](qint64 row) { return rowExists(row); });
+}
+
+bool RecordSet::hasRows() const
+{
+    return firstRow().has_value();
+}
+
+bool RecordSet::endOfFile() const
+{
+    switch (m_position) {
+    case Position::OnRow:
+        return false;
+    case Position::AfterLast:
+        return true;
+    case Position::BetweenRows:
+    case Position::NoRow:
+        break;
+    }
+    return !hasRows();
+}
+
+bool RecordSet::rowExists(qint64 row) const
+{
+    return firstNumber(
+               prepare(u"SELECT 1 FROM "_s + quoted(m_table.name) + u" WHERE rowid = ?"_s).bind(1, row))
+        .has_value();
+}
+
+std::optional<qint64> RecordSet::firstRow() const
+{
+    if (!m_rows)
+        return firstNumber(
+            prepare(u"SELECT rowid FROM "_s + quoted(m_table.name) + u" ORDER BY rowid LIMIT 1"_s));
+    const auto found =
+        std::find_if(m_rows->begin(), m_rows->end(), [this](qint64 row) { return rowExists(row); });
+    return found != m_rows->end() ? std::optional(*found) : std::nullopt;
+}
+
+std::optional<qint64> RecordSet::lastRow() const
+{
+    if (!m_rows)
+        return firstNumber(
+            prepare(u"SELECT rowid FROM "_s + quoted(m_table.name) + u" ORDER BY rowid DESC LIMIT 1"_s));
+    const auto found =
+        std::find_if(m_rows->rbegin(), m_rows->rend(), [this](qint64 row) { return rowExists(row); });
+    return found != m_rows->rend() ? std::optional(*found) : std::nullopt;
+}
+
+std::optional<qint64> RecordSet::rowAfter(qint64 row) const
+{
+    if (!m_rows) {
+        return firstNumber(prepare(u"SELECT rowid FROM "_s + quoted(m_table.name) +
+                                   u" WHERE rowid > ? ORDER BY rowid LIMIT 1"_s)
+                               .bind(1, row));
+    }
+    const auto next = std::upper_bound(m_rows->begin(), m_rows->end(), row);
+    const auto found =
+        std::find_if(next, m_rows->end(), [this](qint64 candidate) { return rowExists(candidate); });
+    return found != m_rows->end() ? std::optional(*found) : std::nullopt;
+}
+
+void RecordSet::standOn(std::optional<qint64> row)
+{
+    m_position = row ? Position::OnRow : Position::NoRow;
+    m_row = row.value_or(0);
+    // Should another program delete this row, then the next one added must not get its number.
+    if (row)
+        m_database->noteRow(m_table.name, *row);
+}
+
+void RecordSet::requireCurrentRow() const
+{
+    if (m_position != Position::OnRow)
+        throw Error(errors::NoCurrentRecord);
+}
+
+void RecordSet::checkField(int index) const
+{
+    if (index < 0 || static_cast<std::size_t>(index) >= m_table.fields.size())
+        throw Error(errors::InvalidArgument);
+}
+
+void RecordSet::moveFirst()
+{
+    standOn(firstRow());
+    requireCurrentRow();
+}
+
+void RecordSet::moveLast()
+{
+    standOn(lastRow());
+    requireCurrentRow();
+}
+
+void RecordSet::moveNext()
+{
+    if (m_position != Position::OnRow && m_position != Position::BetweenRows)
+        throw Error(errors::NoCurrentRecord);
+    const std::optional<qint64> next = rowAfter(m_row);
+    standOn(next);
+    if (!next)
+        m_position = Position::AfterLast;
+}
+
+void RecordSet::findFirst(const QString& criteria)
+{
+    const std::vector<qint64> found = matchingRows(criteria, 1);
+    standOn(found.empty() ? std::nullopt : std::optional(found.front()));
+}
+
+std::vector<qint64> RecordSet::matchingRows(const QString& criteria, qsizetype atMost) const
+{
+    const CriteriaSql compiled = compileCriteria(parseCriteria(criteria, m_table), m_table);
+    QString sql = u"SELECT rowid FROM "_s + quoted(m_table.name) + u" WHERE "_s + compiled.condition +
+                  u" ORDER BY rowid"_s;
+    // With a limit SQLite prefers an index that finds one row over a walk through the table.
+    if (!m_rows && atMost == 1)
+        sql += u" LIMIT 1"_s;
+    // Long criteria are asked once; they would only drive the others out of the cache.
+    constexpr qsizetype WorthKeeping = 10;
+    std::unique_ptr<sqlite::Statement> own;
+    if (compiled.values.size() > WorthKeeping)
+        own = m_database->connection().prepareOwn(sql);
+    sqlite::Statement& statement = own ? *own : prepare(sql);
+    const sqlite::ResetAtEnd reset(statement);
+    for (qsizetype i = 0; i < compiled.values.size(); ++i)
+        statement.bind(static_cast<int>(i) + 1, compiled.values[i]);
+    std::vector<qint64> rows;
+    while (static_cast<qsizetype>(rows.size()) < atMost && statement.step()) {
+        const qint64 row = statement.number(0);
+        if (!m_rows || std::binary_search(m_rows->begin(), m_rows->end(), row))
+            rows.push_back(row);
+    }
+    return rows;
+}
+
+QString RecordSet::field(int index) const
+{
+    checkField(index);
+    requireCurrentRow();
+    sqlite::Statement& statement = prepare(u"SELECT "_s + selectList({index}) + u" FROM "_s +
+                                           quoted(m_table.name) + u" WHERE rowid = ?"_s);
+    const sqlite::ResetAtEnd reset(statement);
+    if (!statement.bind(1, m_row).step())
+        throw Error(errors::RecordDeleted);
+    return statement.text(0).toString();
+}
+
+QString RecordSet::selectList(std::initializer_list<int> fields) const
+{
+    QString list;
+    for (const int index : fields) {
+        checkField(index);
+        if (!list.isEmpty())
+            list += u", "_s;
+        list += quoted(m_table.fields[static_cast<std::size_t>(index)].name);
+    }
+    return list;
+}
+
+/// The statement of a pass: over all rows at once, or row by row in a filtered set.
+QString RecordSet::passSql(std::initializer_list<int> fields) const
+{
+    return u"SELECT "_s + selectList(fields) + u" FROM "_s + quoted(m_table.name) +
+           (m_rows ? u" WHERE rowid = ?"_s : u" ORDER BY rowid"_s);
+}
+
+void RecordSet::addNew()
+{
+    m_values.assign(m_table.fields.size(), std::nullopt);
+    m_change = Change::Adding;
+}
+
+void RecordSet::edit()
+{
+    m_change = Change::None;
+    requireCurrentRow();
+    if (!rowExists(m_row))
+        throw Error(errors::RecordDeleted);
+    m_values.assign(m_table.fields.size(), std::nullopt);
+    m_change = Change::Editing;
+    m_editedRow = m_row;
+}
+
+void RecordSet::setField(int index, const QString& text)
+{
+    checkField(index);
+    if (m_change == Change::None)
+        throw Error(errors::NoCurrentRecord);
+    m_values[static_cast<std::size_t>(index)] = text;
+}
+
+void RecordSet::update()
+{
+    const Change change = std::exchange(m_change, Change::None);
+    if (change == Change::None)
+        throw Error(errors::NoCurrentRecord);
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        const int width = m_table.fields[i].width;
+        if (width > 0 && m_values[i] && m_values[i]->size() > width)
+            throw Error(errors::FieldTooSmall);
+    }
+    if (change == Change::Adding)
+        insertRow();
+    else
+        changeRow();
+}
+
+void RecordSet::insertRow()
+{
+    // SQLite would give the number of a deleted last row to the next one, and every cursor that remembers the
+    // deleted row would then stand on a stranger. Only at the end of all numbers it may choose for itself.
+    QString names = u"rowid"_s;
+    QString places = u"(SELECT nullif(max(coalesce(max(rowid), 0), ?), 9223372036854775807) + 1 FROM "_s +
+                     quoted(m_table.name) + u')';
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        if (!m_values[i])
+            continue;
+        names += u", "_s + quoted(m_table.fields[i].name);
+        places += u", ?"_s;
+    }
+    sqlite::Statement& statement =
+        prepare(u"INSERT INTO "_s + quoted(m_table.name) + u" ("_s + names + u") VALUES ("_s + places + u')');
+    statement.bind(1, m_database->greatestRow(m_table.name));
+    int position = 1;
+    for (const auto& value : m_values) {
+        if (value)
+            statement.bind(++position, *value);
+    }
+    statement.run();
+    m_database->noteRow(m_table.name, m_database->connection().lastInsertRowid());
+}
+
+void RecordSet::changeRow()
+{
+    QString assignments;
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        if (m_values[i])
+            assignments +=
+                (assignments.isEmpty() ? u""_s : u", "_s) + quoted(m_table.fields[i].name) + u" = ?"_s;
+    }
+    if (assignments.isEmpty())
+        return;
+    sqlite::Statement& statement =
+        prepare(u"UPDATE "_s + quoted(m_table.name) + u" SET "_s + assignments + u" WHERE rowid = ?"_s);
+    int position = 0;
+    for (const auto& value : m_values) {
+        if (value)
+            statement.bind(++position, *value);
+    }
+    statement.bind(position + 1, m_editedRow).run();
+    if (m_database->connection().changes() == 0)
+        throw Error(errors::RecordDeleted);
+}
+
+void RecordSet::deleteRow()
+{
+    requireCurrentRow();
+    prepare(u"DELETE FROM "_s + quoted(m_table.name) + u" WHERE rowid = ?"_s).bind(1, m_row).run();
+    if (m_database->connection().changes() == 0)
+        throw Error(errors::RecordDeleted);
+    m_database->noteRow(m_table.name, m_row);
+    m_position = Position::BetweenRows;
+}
+
+std::shared_ptr<RecordSet> RecordSet::filtered(const QString& criteria) const
+{
+    const Stamp before = stamp();
+    auto result =
+        std::shared_ptr<RecordSet>(new RecordSet(m_database, m_table, matchingRows(criteria, Unlimited)));
+    result->m_filteredAt = before;
+    // Another program may delete the last of these rows; the next row added must not get its number.
+    if (!result->m_rows->empty())
+        m_database->noteRow(m_table.name, result->m_rows->back());
+    return result;
+}
+
+} // namespace quillon

@@ -1,0 +1,38 @@
+#include "store/session.h"
+
+#include "store/database.h"
+#include "store/record_set.h"
+
+#include <QDir>
+
+namespace quillon
+{
+
+Session::Session(const Ports& ports, const QString& currentFolder)
+    : reporting{ports.dialogs, ports.eventLog, ports.clock}, dialogs(ports.dialogs), clock(ports.clock),
+      desktop(ports.desktop), files(ports.files), windows(ports.windows), CurrentFolder(currentFolder)
+{
+}
+
+Session::~Session() = default;
+
+MainWindowPort& Session::mainWindow() const
+{
+    if (m_mainWindow == nullptr)
+        throw Error(errors::ObjectNotSet);
+    return *m_mainWindow;
+}
+
+QString Session::inCurrentFolder(const QString& name) const
+{
+    return CurrentFolder + QDir::separator() + name;
+}
+
+RecordSet& required(const std::shared_ptr<RecordSet>& recordSet)
+{
+    if (!recordSet)
+        throw Error(errors::ObjectNotSet);
+    return *recordSet;
+}
+
+} // namespace quillon
