@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 class Database;
 class Session;

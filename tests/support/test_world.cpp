@@ -50,9 +50,9 @@ QStringList TestWorld::rowsOf(const std::shared_ptr<RecordSet>& recordSet)
     QStringList rows;
     const bool three = recordSet->table().fields.size() == 3;
     const auto visit = [&](const RecordSet::Row& row) {
-        QString line = row.text(0).toString() + u'|' + row.text(1);
+        QString line = row.text(0).toString() + u'|' + row.text(1).toString();
         if (three)
-            line += u'|' + row.text(2);
+            line += u'|' + row.text(2).toString();
         rows << line;
     };
     if (three)

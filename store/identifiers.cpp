@@ -1,0 +1,127 @@
+#include "store/identifiers.h"
+
+#include "app/base/ports/clock.h"
+#include "app/base/titles.h"
+#include "store/record_set.h"
+#include "store/session.h"
+
+#include <limits>
+#include <optional>
+#include <vector>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int ObjectIdField = 1;
+constexpr int GreatestNumber = std::numeric_limits<qint16>::max();
+
+/// The record set of an identifier's kind; error 91 for an unknown kind and while no database is open.
+RecordSet& recordSetOf(Session& session, const QString& identifier)
+{
+    const QString kind = identifier.left(1);
+    if (kind == u"M")
+        return required(session.RsMain);
+    if (kind == u"F")
+        return required(session.RsRefFile);
+    if (kind == u"R")
+        return required(session.RsRefDoc);
+    throw Error(errors::ObjectNotSet);
+}
+
+QString sequenceText(int number)
+{
+    return QString::number(number).rightJustified(3, u'0');
+}
+
+/// The numbers that identifiers of this beginning have in a table, as an array of flags.
+std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginning)
+{
+    if (beginning.contains(u'\''))
+        throw Error(errors::CriteriaSyntax);
+    std::vector<bool> taken(GreatestNumber + 1, false);
+    const QString field = u'"' + recordSet.table().fields[ObjectIdField].name + u'"';
+    sqlite::Statement& statement = recordSet.database().connection().prepare(
+        u"SELECT "_s + field + u" FROM \""_s + recordSet.table().name + u"\" WHERE "_s + field +
+        u" >= ? COLLATE BINARY ORDER BY "_s + field + u" COLLATE BINARY"_s);
+    const sqlite::ResetAtEnd reset(statement);
+    statement.bind(1, beginning);
+    // Texts of one beginning follow each other without a gap, in whatever encoding the file compares them.
+    while (statement.step() && statement.text(0).startsWith(beginning)) {
+        const QString ending = statement.text(0).sliced(beginning.size()).toString();
+        const int number = ending.toInt();
+        if (number > 0 && number <= GreatestNumber && ending == sequenceText(number))
+            taken[static_cast<std::size_t>(number)] = true;
+    }
+    return taken;
+}
+
+} // namespace
+
+QString CreateObject_ID(Session& session, const QString& kind)
+{
+    QString identifier;
+    guarded(session.reporting, u"CreateObject_ID"_s, [&] {
+        const QString beginning = kind + u'-' + GetYYMMDD(session) + u'-';
+        std::optional<std::vector<bool>> taken;
+        // One pass over the day's identifiers answers what `ExistCheck` would be asked number by number. When it
+        // cannot be answered, the next number would fare no better, so the failure is told once.
+        guarded(session.reporting, u"ExistCheck"_s,
+                [&] { taken = takenNumbers(recordSetOf(session, beginning), beginning); });
+        if (!taken)
+            return;
+        int number = 1;
+        while (number <= GreatestNumber && (*taken)[static_cast<std::size_t>(number)])
+            ++number;
+        if (number > GreatestNumber)
+            throw Error(errors::Overflow);
+        identifier = beginning + sequenceText(number);
+    });
+    return identifier;
+}
+
+QString GetYYMMDD(Session& session)
+{
+    QString characters;
+    guarded(session.reporting, u"GetYYMMDD"_s, [&] {
+        const QString date = session.clock.identifierDate();
+        for (const int position : {0, 3, 6})
+            characters += date.mid(position, 2);
+    });
+    return characters;
+}
+
+QString GetDivName(Session& session, const QString& identifier, DivName form)
+{
+    QString name;
+    guarded(session.reporting, u"GetDivName"_s, [&] {
+        const bool title = form == DivName::Title;
+        const QString kind = identifier.left(1);
+        if (kind == u"M")
+            name = title ? titles::DefinitionData : u"定義"_s;
+        else if (kind == u"R")
+            name = title ? titles::DocumentData : u"文献"_s;
+        else if (kind == u"F")
+            name = title ? titles::FileData : u"FILE"_s;
+        else
+            name = titles::Unknown;
+    });
+    return name;
+}
+
+bool ExistCheck(Session& session, const QString& identifier)
+{
+    bool free = false;
+    guarded(session.reporting, u"ExistCheck"_s, [&] {
+        RecordSet& recordSet = recordSetOf(session, identifier);
+        recordSet.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
+        free = !recordSet.hasCurrentRow() || recordSet.field(ObjectIdField) != identifier;
+    });
+    return free;
+}
+
+} // namespace quillon
