@@ -50,7 +50,7 @@ QString withLineBreaks(QString text)
     return text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
 }
 
-/// Puts the text of a box that would not fit on the screen into a scrolling area.
+/// Lets a text scroll that would make its box larger than the screen.
 void keepOnScreen(QMessageBox& box)
 {
     auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
@@ -58,22 +58,27 @@ void keepOnScreen(QMessageBox& box)
     const QScreen* screen = box.screen();
     if (label == nullptr || grid == nullptr || screen == nullptr)
         return;
-    const QSize room = screen->availableSize() * 6 / 10;
+    // The toolkit never makes a box wider than this, whatever it holds.
+    const QSize room(qBound(300, screen->availableSize().width() / 2 - 80, 900),
+                     screen->availableSize().height() * 6 / 10);
     const QRect needed =
         label->fontMetrics().boundingRect(QRect(QPoint(0, 0), QSize(room.width(), QWIDGETSIZE_MAX)),
                                           static_cast<int>(Qt::TextWordWrap), box.text());
     if (needed.width() <= room.width() && needed.height() <= room.height())
         return;
+    // A label of its own: the box changes how its own one breaks lines whenever it likes.
+    auto* text = new QLabel(box.text());
+    text->setTextFormat(Qt::PlainText);
+    text->setWordWrap(true);
+    text->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     auto* area = new QScrollArea(&box);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
-    area->setMinimumSize(
-        room.boundedTo(QSize(needed.width() + 2 * label->fontMetrics().height(), room.height())));
+    area->setWidget(text);
+    const int line = label->fontMetrics().height();
+    area->setFixedSize(room.boundedTo(needed.size() + QSize(2 * line, 3 * line)));
     delete grid->replaceWidget(label, area);
-    label->setWordWrap(true);
-    label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-    area->setWidget(label);
-    label->show();
+    label->hide();
 }
 
 QMessageBox::StandardButtons buttonsOf(Buttons buttons)
