@@ -1,0 +1,32 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
+
+namespace quillon::bench
+{
+
+/// An operation of the program and its floor: the least work with which the same could be done.
+struct Pair {
+    std::function<void()> prepare; // before each operation, not measured
+    std::function<void()> operation;
+    std::function<void()> prepareFloor; // before each floor, not measured
+    std::function<void()> floor;
+};
+
+/// One row of the table of results.
+struct RowText {
+    const char* operation;
+    const char* floor;
+    double figure = 0; // what the ratio has to stay at or below; 0: nothing is asked
+};
+
+/// Measures both sides in turn, each going first every other time, and reports the medians and their ratio.
+/// An exception ends the benchmark as a failed one.
+void measure(benchmark::State& state, const RowText& text, const Pair& pair);
+
+/// Reports a ratio that needs no repetition, such as that of two sizes in bytes.
+void reportBytes(benchmark::State& state, const RowText& text, double operation, double floor);
+
+} // namespace quillon::bench

@@ -1,0 +1,108 @@
+#include "bench/quiet_program.h"
+
+#include "app/base/platform.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QFileInfo>
+
+#include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::bench
+{
+
+namespace
+{
+
+/// Tells whether a widget has been painted.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(QObject& widget) { widget.installEventFilter(this); }
+    bool painted() const { return m_painted; }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        m_painted = m_painted || event->type() == QEvent::Paint;
+        return false;
+    }
+
+private:
+    bool m_painted = false;
+};
+
+template <class Control> Control& control(frmMainMenu& window, const QString& name)
+{
+    auto* found = window.findChild<Control*>(name);
+    if (found == nullptr)
+        throw std::runtime_error("the main window lacks a control");
+    return *found;
+}
+
+} // namespace
+
+Answer NoDialogs::messageBox(const MessageBox& box)
+{
+    throw std::runtime_error("a box came up: " + box.text.toStdString());
+}
+
+std::optional<QString> NoDialogs::inputBox(const InputBox& box)
+{
+    throw std::runtime_error("a box came up: " + box.prompt.toStdString());
+}
+
+std::optional<QString> NoDialogs::fileDialog(const FileDialog&)
+{
+    throw std::runtime_error("a file dialog came up");
+}
+
+bool DiskFiles::entryExists(const QString& path) const
+{
+    return QFileInfo::exists(path);
+}
+
+bool DiskFiles::fileExists(const QString& path) const
+{
+    return platform::isOrdinaryFile(path);
+}
+
+QuietProgram::QuietProgram() : m_program({m_dialogs, m_eventLog, clock, m_desktop, m_files}, m_folder.path())
+{
+    m_program.mainWindow().showModeless();
+    QCoreApplication::processEvents();
+}
+
+QuietProgram::~QuietProgram() = default;
+
+ReportList& QuietProgram::list()
+{
+    return control<ReportList>(mainWindow(), u"lsvData"_s);
+}
+
+KeyedTree& QuietProgram::tree()
+{
+    return control<KeyedTree>(mainWindow(), u"tvwCategory"_s);
+}
+
+void QuietProgram::open(const QString& path, bool expectRows)
+{
+    const PaintWatch watch(*list().viewport());
+    mainWindow().openChosenFile(path);
+    QCoreApplication::processEvents();
+    if (!watch.painted() || (list().rows().rowCount() == 0 && expectRows))
+        throw std::runtime_error("the list was not painted");
+}
+
+void QuietProgram::clickNode(const QString& key)
+{
+    tree().select(tree().nodes().position(key));
+    mainWindow().tvwCategory_NodeClick();
+}
+
+} // namespace quillon::bench

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "app/base/ports/clock.h"
+#include "app/base/ports/desktop.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/event_log.h"
+#include "app/base/ports/files.h"
+#include "app/shell/program.h"
+
+#include <QTemporaryDir>
+
+namespace quillon
+{
+class KeyedTree;
+class ReportList;
+class frmMainMenu;
+} // namespace quillon
+
+namespace quillon::bench
+{
+
+/// Nobody sits at the screen: a box means that what is measured has failed, and throws.
+class NoDialogs : public Dialogs
+{
+public:
+    Answer messageBox(const MessageBox& box) override;
+    std::optional<QString> inputBox(const InputBox& box) override;
+    std::optional<QString> fileDialog(const FileDialog& dialog) override;
+};
+
+class NoEventLog : public EventLog
+{
+public:
+    void write(const QString&) override {}
+};
+
+/// A clock that shows what it is set to.
+class SetClock : public Clock
+{
+public:
+    QDateTime now() const override { return time; }
+    QString shortDate() const override { return time.date().toString(u"yyyy/MM/dd"); }
+    QString shortTime() const override { return time.time().toString(u"HH:mm"); }
+
+    QDateTime time{QDate(2026, 1, 15), QTime(10, 0)};
+};
+
+class NoDesktop : public Desktop
+{
+public:
+    OpenOutcome open(const QString&) override { return OpenOutcome::OtherFailure; }
+};
+
+class DiskFiles : public Files
+{
+public:
+    bool entryExists(const QString& path) const override;
+    bool fileExists(const QString& path) const override;
+};
+
+/// The program with its main window on the screen, as a person has it before choosing a file.
+class QuietProgram
+{
+public:
+    QuietProgram();
+    ~QuietProgram();
+
+    Session& session() { return m_program.session(); }
+    frmMainMenu& mainWindow() { return m_program.mainWindow(); }
+    ReportList& list();
+    KeyedTree& tree();
+
+    /// Opens a database as the File menu does once a name has been chosen, up to the painted list. Throws unless
+    /// the list then has rows or `expectRows` is false.
+    void open(const QString& path, bool expectRows = true);
+    /// Clicks the node with this key, as far as it fills the list.
+    void clickNode(const QString& key);
+
+    SetClock clock;
+
+private:
+    QTemporaryDir m_folder;
+    NoDialogs m_dialogs;
+    NoEventLog m_eventLog;
+    NoDesktop m_desktop;
+    DiskFiles m_files;
+    Program m_program;
+};
+
+} // namespace quillon::bench
