@@ -1,0 +1,255 @@
+#include "core/categories.h"
+#include "core/data_records.h"
+#include "store/record_set.h"
+#include "tests/support/compare_text.h"
+#include "tests/support/test_world.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+MessageBox failure(const QString& location, qint32 number)
+{
+    return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
+                    u"\r\nEXPLANATION : "_s + standardDescription(number),
+            .title = u"Quillon 障害対策部"_s};
+}
+
+} // namespace
+
+class TestDataRecords : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestWorld> world;
+
+    FakeDataWindow& lastWindow() { return *world->windows.dataWindows.back(); }
+    std::size_t windowCount() { return world->windows.dataWindows.size(); }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->openDatabase(world->createDatabase());
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void nameComesFromTheTableOfTheKind()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        TestWorld::addRow(world->session.RsMain, {u"謎"_s, u"X-991231-001"_s, u"?"_s});
+        TestWorld::addRow(world->session.RsRefDoc, {u"水の本"_s, u"R-991231-001"_s, u"…"_s});
+        TestWorld::addRow(world->session.RsRefFile, {u"水.txt"_s, u"F-991231-001"_s, u"水.txt"_s});
+
+        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), u"水"_s);
+        QCOMPARE(GetDataName(world->session, u"R-991231-001"_s), u"水の本"_s);
+        QCOMPARE(GetDataName(world->session, u"F-991231-001"_s), u"水.txt"_s);
+        QCOMPARE(GetDataName(world->session, u"X-991231-001"_s),
+                 u"謎"_s); // another kind: among the definitions
+    }
+
+    void unknownIdentifierHasTheUnknownName()
+    {
+        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), u"不明"_s);
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        QCOMPARE(GetDataName(world->session, u"M-991231-002"_s), u"不明"_s);
+        QCOMPARE(GetDataName(world->session, u"m-991231-001"_s), u"不明"_s);
+        QCOMPARE(GetDataName(world->session, QString()), u"不明"_s);
+    }
+
+    void nameWithoutDatabaseIsReported()
+    {
+        world->session.RsMain.reset();
+        world->dialogs.expect(failure(u"GetDataName"_s, 91));
+        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), QString());
+        QCOMPARE(world->eventLog.lines.size(), 1);
+    }
+
+    void definitionOpensInAWindowOfItsOwn()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"<b>水</b>"_s, u"M-991231-001"_s, u"一行目\r\n二行目"_s});
+        TestWorld::addRow(world->session.RsMain, {u"氷"_s, u"M-991231-002"_s, u"固体"_s});
+        TestWorld::addRow(world->session.RsLink, {u"M-991231-001"_s, u"M-991231-002"_s});
+        TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"自然"_s});
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, u"M-991231-001"_s});
+
+        ShowData(world->session, u"M-991231-001"_s);
+
+        QCOMPARE(windowCount(), 1U);
+        QCOMPARE(lastWindow().name, u"frmMainData"_s);
+        QCOMPARE(lastWindow().shown, 1);
+        QVERIFY(compareText(lastWindow().caption, u"定義画面 - <b>水</b>"));
+        QCOMPARE(lastWindow().mode, u"表示モード"_s);
+        QCOMPARE(lastWindow().fields[0], u"<b>水</b>"_s);
+        QCOMPARE(lastWindow().fields[1], u"M-991231-001"_s);
+        QCOMPARE(lastWindow().fields[2], u"一行目\r\n二行目"_s);
+        QCOMPARE(lastWindow().links.size(), 1U);
+        QCOMPARE(lastWindow().links[0].name, u"氷"_s);
+        QCOMPARE(lastWindow().categories.size(), 1U);
+        QCOMPARE(lastWindow().categories[0].name, u"自然"_s);
+        QVERIFY(lastWindow().menuCalls.isEmpty()); // the menus keep the state in which the window is loaded
+    }
+
+    void documentCaptionHasNoBlanksAroundItsHyphen()
+    {
+        TestWorld::addRow(world->session.RsRefDoc, {u"水の本"_s, u"R-991231-001"_s, u"0012"_s});
+        ShowData(world->session, u"R-991231-001"_s);
+        QCOMPARE(windowCount(), 1U);
+        QCOMPARE(lastWindow().name, u"frmRefDoc"_s);
+        QVERIFY(compareText(lastWindow().caption, u"文献画面-水の本"));
+        QCOMPARE(lastWindow().mode, u"表示モード"_s);
+        QCOMPARE(lastWindow().fields[2], u"0012"_s);
+    }
+
+    void openDatumIsBroughtToTheFrontAndNotReloaded()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        TestWorld::addRow(world->session.RsMain, {u"氷"_s, u"M-991231-002"_s, u"固体"_s});
+        ShowData(world->session, u"M-991231-001"_s);
+        FakeDataWindow& first = lastWindow();
+        first.fields[2] = u"編集中"_s;
+        ShowData(world->session, u"M-991231-002"_s);
+        QCOMPARE(windowCount(), 2U);
+        ShowData(world->session, u"M-991231-001"_s);
+        QCOMPARE(windowCount(), 2U);
+        QCOMPARE(first.broughtToFront, 1);
+        QCOMPARE(lastWindow().broughtToFront, 0);
+        QCOMPARE(first.fields[2], u"編集中"_s);
+    }
+
+    void openDatumIsFoundEvenWhenItsRowIsGone()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        ShowData(world->session, u"M-991231-001"_s);
+        world->session.RsMain->moveFirst();
+        world->session.RsMain->deleteRow();
+        ShowData(world->session, u"M-991231-001"_s);
+        QCOMPARE(windowCount(), 1U);
+        QCOMPARE(lastWindow().broughtToFront, 1);
+    }
+
+    void windowOfTheOtherKindIsNotTheDatumsWindow()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        DataWindow& document = world->windows.newDataWindow(u"R"_s);
+        document.setFieldText(1, u"M-991231-001"_s);
+        ShowData(world->session, u"M-991231-001"_s);
+        QCOMPARE(windowCount(), 2U);
+        QCOMPARE(lastWindow().name, u"frmMainData"_s);
+    }
+
+    void missingDatumIsToldUnderItsKind()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        const QString text = u"指定されたデータが見つかりませんでした。"_s;
+        world->dialogs.expect(MessageBox{.text = text, .title = u"定義"_s, .icon = Icon::Information});
+        ShowData(world->session, u"M-991231-002"_s);
+        world->dialogs.expect(MessageBox{.text = text, .title = u"文献"_s, .icon = Icon::Information});
+        ShowData(world->session, u"R-991231-001"_s);
+        QCOMPARE(windowCount(), 0U);
+    }
+
+    void unknownKindShowsNothing()
+    {
+        ShowData(world->session, u"X-991231-001"_s);
+        ShowData(world->session, u"m-991231-001"_s);
+        ShowData(world->session, QString());
+        QCOMPARE(windowCount(), 0U);
+    }
+
+    void failureToShowIsReported()
+    {
+        world->session.RsMain.reset();
+        world->dialogs.expect(failure(u"ShowData"_s, 91));
+        ShowData(world->session, u"M-991231-001"_s);
+        QCOMPARE(windowCount(), 0U);
+    }
+
+    void registrationGetsAFreshIdentifierAndItsMode_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("windowName");
+        QTest::addColumn<QString>("mode");
+        QTest::newRow("definition") << u"M"_s << u"frmMainData"_s << u"登録モード"_s;
+        QTest::newRow("document") << u"R"_s << u"frmRefDoc"_s << u"登録モード"_s;
+        QTest::newRow("file") << u"F"_s << u"frmRefFileEntry"_s << QString();
+    }
+
+    void registrationGetsAFreshIdentifierAndItsMode()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, windowName);
+        QFETCH(QString, mode);
+        const auto table = kind == u"M"_s   ? world->session.RsMain
+                           : kind == u"R"_s ? world->session.RsRefDoc
+                                            : world->session.RsRefFile;
+        TestWorld::addRow(table, {u"水"_s, kind + u"-991231-001"_s, u"液体"_s});
+
+        CreateRegisterForm(world->session, kind);
+
+        QCOMPARE(windowCount(), 1U);
+        QCOMPARE(lastWindow().name, windowName);
+        QCOMPARE(lastWindow().shown, 1);
+        QCOMPARE(lastWindow().fields[1], kind + u"-991231-002"_s);
+        QCOMPARE(lastWindow().mode, mode);
+        QVERIFY(lastWindow().categories.empty());
+    }
+
+    void registrationReusesItsWindow()
+    {
+        CreateRegisterForm(world->session, u"M"_s);
+        CreateRegisterForm(world->session, u"M"_s);
+        QCOMPARE(windowCount(), 1U);
+        QCOMPARE(lastWindow().shown, 2);
+    }
+
+    void registrationIsFiledUnderTheSelectedCategory_data()
+    {
+        QTest::addColumn<int>("selected");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("nothing selected") << 0 << 1;
+        QTest::newRow("last fixed node") << 9 << 1;
+        QTest::newRow("first category") << 10 << 2;
+    }
+
+    void registrationIsFiledUnderTheSelectedCategory()
+    {
+        QFETCH(int, selected);
+        QFETCH(int, rows);
+        for (int i = 1; i <= 9; ++i)
+            world->mainWindow.nodes.push_back({u"FIXED%1"_s.arg(i), u"固定"_s, QString()});
+        world->mainWindow.nodes.push_back({u"A"_s, u"自然"_s, u"CATEGORY"_s});
+        world->mainWindow.selected = selected;
+        world->windows.registrationWindow(u"M"_s).setCategoryRows({{u"前"_s, u"B"_s}});
+
+        CreateRegisterForm(world->session, u"M"_s);
+
+        QCOMPARE(lastWindow().categories.size(), static_cast<std::size_t>(rows));
+        QCOMPARE(lastWindow().categories.front().identifier, u"B"_s); // what was there stays
+        if (rows == 2) {
+            QCOMPARE(lastWindow().categories.back().name, u"自然"_s);
+            QCOMPARE(lastWindow().categories.back().identifier, u"A"_s);
+        }
+    }
+
+    void unknownKindOfRegistrationIsReported()
+    {
+        world->dialogs.expect(failure(u"CreateRegisterForm"_s, 91));
+        CreateRegisterForm(world->session, u"X"_s);
+        QCOMPARE(windowCount(), 0U);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDataRecords)
+#include "test_data_records.moc"
