@@ -4,6 +4,7 @@
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
 
+#include <QFontInfo>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -35,7 +36,7 @@ QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, con
     label->setAlignment(Qt::AlignCenter);
     QFont font = label->font();
     font.setFamilies(families + font.families());
-    font.setPointSizeF(font.pointSizeF() * scale);
+    font.setPointSizeF(QFontInfo(font).pointSizeF() * scale); // the font itself may be given in pixels
     font.setBold(bold);
     label->setFont(font);
     return label;
