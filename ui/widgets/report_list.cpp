@@ -97,7 +97,7 @@ ReportList::ReportList(const std::vector<ReportModel::Column>& columns, QWidget*
     adaptToFont();
 }
 
-int ReportList::rowHeight() const
+int ReportList::heightOfRows() const
 {
     return verticalHeader()->defaultSectionSize();
 }
@@ -268,7 +268,7 @@ QModelIndex ReportList::moveCursor(CursorAction action, Qt::KeyboardModifiers /*
         return {};
     if (!currentIndex().isValid())
         return m_model->index(action == MoveEnd ? count - 1 : 0, 0);
-    const int page = std::max(1, viewport()->height() / rowHeight() - 1);
+    const int page = std::max(1, viewport()->height() / heightOfRows() - 1);
     int row = currentIndex().row();
     switch (action) {
     case MoveUp:
@@ -305,8 +305,8 @@ void ReportList::setSelection(const QRect& rect, QItemSelectionModel::SelectionF
     const int offset = verticalHeader()->offset();
     const int top = std::min(rect.top(), rect.bottom()) + offset;
     const int bottom = std::max(rect.top(), rect.bottom()) + offset;
-    const int first = std::max(top, 0) / rowHeight();
-    const int last = std::min(bottom / rowHeight(), count - 1);
+    const int first = std::max(top, 0) / heightOfRows();
+    const int last = std::min(bottom / heightOfRows(), count - 1);
     QItemSelection selection;
     if (bottom >= 0 && first <= last)
         selection.select(m_model->index(first, 0), m_model->index(last, m_model->columnCount() - 1));
@@ -371,7 +371,7 @@ void ReportList::contextMenuEvent(QContextMenuEvent* event)
         QPoint inside(0, 0);
         if (currentIndex().isValid()) {
             scrollTo(currentIndex());
-            inside = QPoint(rowHeight(), visualRect(currentIndex()).bottom());
+            inside = QPoint(heightOfRows(), visualRect(currentIndex()).bottom());
         }
         position = viewport()->mapToGlobal(inside);
     }

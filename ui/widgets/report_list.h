@@ -68,7 +68,7 @@ private:
     void adaptToFont();
     void sortBy(int column);
     void endSorting();
-    int rowHeight() const;
+    int heightOfRows() const;
 
     ReportModel* m_model;
     PressedKeys m_pressedKeys;

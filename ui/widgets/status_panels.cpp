@@ -81,7 +81,7 @@ QString StatusPanels::text(int panel) const
 
 void StatusPanels::keepDateAndTime(int datePanel, int timePanel, const Clock& clock)
 {
-    const auto refresh = [this, dateLabel = label(datePanel), timeLabel = label(timePanel), &clock] {
+    const auto refresh = [dateLabel = label(datePanel), timeLabel = label(timePanel), &clock] {
         if (const QString date = clock.shortDate(); dateLabel->text() != date)
             dateLabel->setText(date);
         if (const QString time = clock.shortTime(); timeLabel->text() != time)
