@@ -72,13 +72,7 @@ Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_uniqu
             execute(u"BEGIN IMMEDIATE"_s);
             execute(u"COMMIT"_s);
         }
-        if (sqlite3_db_readonly(m_handle, "main") != 0)
-            throw Error(errors::CannotOpen);
-        // Reads the header and the whole schema: what is no database fails here and not in the middle of work.
-        execute(u"SELECT count(*) FROM sqlite_master"_s);
-        // A journal of the other kind needs more files and is not whole by itself. Where another program holds the
-        // file in that mode, it stays.
-        execute(u"PRAGMA journal_mode = DELETE"_s);
+        readSchema(path);
     } catch (...) {
         m_cache.reset();
         sqlite3_close_v2(m_handle);
@@ -105,6 +99,35 @@ void Connection::configure()
     execute(u"PRAGMA synchronous = FULL"_s);
     execute(u"PRAGMA cache_size = -16384"_s);
     execute(u"PRAGMA temp_store = MEMORY"_s);
+}
+
+/// Reads the header and the whole schema: what is no whole database fails here and not in the middle of work.
+void Connection::readSchema(const QString& path)
+{
+    const auto numberOf = [this](const QString& question) {
+        Statement statement(m_handle, question);
+        return statement.step() ? statement.number(0) : 0;
+    };
+    // A journal of the other kind needs more files beside this one. Where another program holds the file in that
+    // mode, it stays so.
+    try {
+        execute(u"PRAGMA journal_mode = DELETE"_s);
+    } catch (const Error& error) {
+        if (error.number != errors::Locked)
+            throw;
+    }
+    execute(u"BEGIN"_s);
+    numberOf(u"SELECT count(*) FROM sqlite_master"_s);
+    if (sqlite3_db_readonly(m_handle, "main") != 0)
+        throw Error(errors::CannotOpen);
+    // SQLite itself would take the missing end of the last page for zeros.
+    Statement journal(m_handle, u"PRAGMA journal_mode"_s);
+    const bool hasLog = journal.step() && journal.text(0) == u"wal";
+    journal.reset();
+    if (!hasLog &&
+        QFileInfo(path).size() < numberOf(u"PRAGMA page_count"_s) * numberOf(u"PRAGMA page_size"_s))
+        throw Error(errors::NotADatabase);
+    execute(u"COMMIT"_s);
 }
 
 void Connection::execute(const QString& sql)

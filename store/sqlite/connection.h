@@ -51,6 +51,7 @@ public:
 
 private:
     void configure();
+    void readSchema(const QString& path);
 
     sqlite3* m_handle = nullptr;
     struct Cache;
