@@ -95,9 +95,9 @@ private Q_SLOTS:
 
     void guardedLetsOtherExceptionsPass()
     {
-        QVERIFY_EXCEPTION_THROWN(
-            guarded(reporting, u"DeleteData"_s, [] { throw std::logic_error("a mistake in the program"); }),
-            std::logic_error);
+        QVERIFY_THROWS_EXCEPTION(std::logic_error, guarded(reporting, u"DeleteData"_s, [] {
+                                     throw std::logic_error("a mistake in the program");
+                                 }));
     }
 
     void guardedByHandsTheErrorToItsOwnAnswer()

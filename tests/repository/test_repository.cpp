@@ -105,7 +105,7 @@ private Q_SLOTS:
 
     void includesPointDown()
     {
-        static const QRegularExpression include(uR"(^\s*#\s*include\s+"([^"]+)")"_s,
+        static const QRegularExpression include(uR"x(^\s*#\s*include\s+"([^"]+)")x"_s,
                                                 QRegularExpression::MultilineOption);
         QStringList wrong;
         int checked = 0;

@@ -351,8 +351,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(Buttons)
-Q_DECLARE_METATYPE(Answer)
-
 QTEST_MAIN(TestRealDialogs)
 #include "test_real_dialogs.moc"

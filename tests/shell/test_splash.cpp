@@ -1,6 +1,7 @@
 #include "app/shell/frmSplash.h"
 
 #include "tests/support/window_world.h"
+#include "ui/main/frmMainMenu.h"
 
 #include <QLabel>
 #include <QProgressBar>
