@@ -116,7 +116,7 @@ Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$scratch/number" 2>"$s
 server=$!
 waited=0
 until [ -s "$scratch/number" ]; do
-    if [ $waited -ge 100 ] || ! kill -0 "$server" 2>/dev/null; then
+    if [ $waited -ge 300 ] || ! kill -0 "$server" 2>/dev/null; then
         echo "The virtual display does not start:" >&2
         cat "$scratch/messages" >&2
         exit 1

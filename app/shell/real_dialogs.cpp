@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
+#include <QSpacerItem>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -81,6 +82,16 @@ void keepOnScreen(QMessageBox& box)
     label->hide();
 }
 
+/// Makes a box wide enough for its title beside the buttons of the title bar.
+void makeRoomForTitle(QMessageBox& box)
+{
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        const QFontMetrics metrics = box.fontMetrics();
+        const int width = metrics.horizontalAdvance(box.windowTitle()) + 8 * metrics.height();
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
+}
+
 QMessageBox::StandardButtons buttonsOf(Buttons buttons)
 {
     switch (buttons) {
@@ -139,6 +150,7 @@ Answer RealDialogs::messageBox(const MessageBox& box)
     shown->setDefaultButton(asksYes ? QMessageBox::Yes : QMessageBox::Ok);
     shown->setEscapeButton(escapeButtonOf(box.buttons));
     keepOnScreen(*shown);
+    makeRoomForTitle(*shown);
     const Answer closed = answerOf(escapeButtonOf(box.buttons));
     return run(shown, [&](const QMessageBox* asked, int result) {
         return asked == nullptr || result == 0 ? closed : answerOf(result);
