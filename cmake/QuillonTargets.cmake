@@ -21,6 +21,12 @@ else()
   target_compile_options(quillon_rules INTERFACE -pthread)
   target_link_options(quillon_rules INTERFACE -pthread)
 endif()
+# Forty test programs are linked; the quick linker spares minutes.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -fuse-ld=lld QUILLON_HAVE_LLD)
+if(QUILLON_HAVE_LLD)
+  target_link_options(quillon_rules INTERFACE -fuse-ld=lld)
+endif()
 if(QUILLON_SANITIZE)
   target_compile_options(quillon_rules INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)

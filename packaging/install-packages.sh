@@ -7,7 +7,7 @@ packages=
 for group in "$@"; do
     case $group in
         build) # what compiles the program: clang, because its precompiled headers make Qt sources cheap
-            packages="$packages cmake clang ninja-build pkgconf qt6-base-dev qt6-translations-l10n
+            packages="$packages cmake clang lld ninja-build pkgconf qt6-base-dev qt6-translations-l10n
                 libsqlite3-dev libicu-dev libglib2.0-dev" ;;
         test) # what the tests find on the computer: a small Japanese font and the types of files
             packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
