@@ -1,7 +1,7 @@
 #include "ui/main/data_list.h"
 
 #include "app/base/reporting.h"
-#include "core/data_records.h"
+#include "core/name_lookup.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -83,11 +83,12 @@ void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSe
             return;
         m_progress.start(members.recordCount());
         KindWords kinds(m_session);
+        DataNameLookup names(m_session);
         ReportModel::Fill fill(m_rows);
         members.forEachRow({1}, [&](const RecordSet::Row& row) {
             m_progress.advance();
             const QString identifier = row.text(0).toString();
-            fill.append({GetDataName(m_session, identifier), kinds.of(identifier), identifier, mark});
+            fill.append({names.name(identifier), kinds.of(identifier), identifier, mark});
         });
         m_progress.finish();
     });

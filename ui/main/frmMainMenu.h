@@ -76,6 +76,7 @@ public:
     void tvwCategory_KeyUp(int key);
     void tvwCategory_MouseDown(const QPoint& position);
     void tvwCategory_MouseMove();
+    void tvwCategory_OLEDragDrop(const QString& text);
     void lsvData_KeyDown(int key, Qt::KeyboardModifiers shift);
     void lsvData_MouseDown(const QPoint& position);
     void lsvData_MouseMove();
@@ -91,6 +92,11 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    /// The column of the data list that holds the identifier.
+    static constexpr int IdentifierColumn = 2;
+    /// Characters of an identifier; a dropped text of another length is none.
+    static constexpr int IdentifierLength = 12;
+
     void buildControls();
     void buildMenus();
     void connectTree();

@@ -14,13 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
-namespace
-{
-
-constexpr int IdentifierColumn = 2;
-
-} // namespace
-
 void frmMainMenu::connectList()
 {
     lsvData->rows().setDragColumn(IdentifierColumn);

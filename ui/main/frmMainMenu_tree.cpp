@@ -1,7 +1,12 @@
+#include "app/base/ports/dialogs.h"
+#include "core/categories.h"
+#include "core/data_records.h"
 #include "store/session.h"
+#include "ui/main/category_tree.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
 
 #include <QMenu>
 
@@ -22,6 +27,10 @@ void frmMainMenu::connectTree()
                     [&] { tvwCategory_MouseDown(position); });
     });
     connect(tvwCategory, &KeyedTree::mouseMoved, this, [this] { tvwCategory_MouseMove(); });
+    connect(tvwCategory, &KeyedTree::textDropped, this, [this](const QString& text) {
+        handleEvent(session().reporting, u"tvwCategory_OLEDragDrop"_s,
+                    [&] { tvwCategory_OLEDragDrop(text); });
+    });
 }
 
 void frmMainMenu::tvwCategory_NodeClick()
@@ -53,6 +62,32 @@ void frmMainMenu::tvwCategory_MouseDown(const QPoint& position)
 {
     if (treeHasNodes())
         mnuCategory->popup(position);
+}
+
+void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
+{
+    // sic: it reports under the name of deleting.
+    guarded(session().reporting, u"DeleteData"_s, [&] {
+        const int target = tvwCategory->dropHighlight();
+        if (target <= LastFixedNode) {
+            session().dialogs.messageBox({.text = u"選択された項目はカテゴリではありません｡"_s});
+            return;
+        }
+        if (text.size() != IdentifierLength)
+            return;
+        const QString category = nodeText(target);
+        const QString question =
+            CheckMultiSelect()
+                ? u"選択された複数のデータを [ "_s + category + u" ] に分類してもよろしいですか。"_s
+                : u"[ "_s + GetDataName(session(), text) + u" ] を[ "_s + category +
+                      u" ]へ分類してもよろしいですか"_s; // sic: without a full stop
+        if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
+            return;
+        const QString key = nodeKey(target);
+        for (const int row : lsvData->selectedRows())
+            ClassifyCategory(session(), key, lsvData->rows().text(row, IdentifierColumn).toString());
+    });
+    tvwCategory->setDropHighlight(0);
 }
 
 void frmMainMenu::tvwCategory_MouseMove()

@@ -1,0 +1,211 @@
+// The frame of the main window: its lengths, the splitter, the status bar.
+#include "app/base/twips.h"
+#include "tests/support/compare_text.h"
+#include "tests/support/window_world.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+class TestMainWindowFrame : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<WindowWorld> world;
+    frmMainMenu* window = nullptr;
+    KeyedTree* tree = nullptr;
+    ReportList* list = nullptr;
+    QWidget* handle = nullptr;
+    QFrame* bar = nullptr;
+
+    double outerWidth() const { return twipsFromPixels(window->frameSize().width()); }
+
+    /// Drags the handle with the mouse to a position of the window's surface.
+    void drag(double toTwips, bool release)
+    {
+        const QPoint start(2, 5);
+        const int distance = pixelsFromTwips(toTwips) - handle->x();
+        QTest::mousePress(handle, Qt::LeftButton, {}, start);
+        QTest::mouseMove(handle, QPoint(distance, 5));
+        if (release)
+            QTest::mouseRelease(handle, Qt::LeftButton, {}, QPoint(distance, 5));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<WindowWorld>();
+        window = &world->mainWindow();
+        tree = WindowWorld::control<KeyedTree>(*window, u"tvwCategory"_s);
+        list = WindowWorld::control<ReportList>(*window, u"lsvData"_s);
+        handle = WindowWorld::control<QWidget>(*window, u"imgSplitter"_s);
+        bar = WindowWorld::control<QFrame>(*window, u"picSplitter"_s);
+        QVERIFY(tree && list && handle && bar);
+        window->resize(1000, 700);
+        WindowWorld::processEvents();
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void bearsItsTitle() { QVERIFY(compareText(window->windowTitle(), u"Quillon メイン画面")); }
+
+    void panesFollowTheWindow()
+    {
+        for (const QSize& size : {QSize(1000, 700), QSize(760, 540), QSize(1300, 900)}) {
+            window->resize(size);
+            WindowWorld::processEvents();
+            const double width = outerWidth();
+            const double height = twipsFromPixels(window->frameSize().height());
+            QCOMPARE(tree->x(), pixelsFromTwips(50));
+            QCOMPARE(tree->y(), pixelsFromTwips(50));
+            QVERIFY(qAbs(tree->width() - pixelsFromTwips(width / 3 - 200)) <= 1);
+            QCOMPARE(list->x(), pixelsFromTwips(width / 3 - 80));
+            QCOMPARE(list->y(), pixelsFromTwips(50));
+            QVERIFY(qAbs(list->width() - pixelsFromTwips(width / 1.5 - 100)) <= 1);
+            QCOMPARE(list->height(), tree->height());
+            QVERIFY(tree->height() <= pixelsFromTwips(height - 1000));
+            QCOMPARE(handle->x(), pixelsFromTwips(width / 3 - 120));
+            QCOMPARE(handle->y(), pixelsFromTwips(200));
+            // Nothing reaches below the surface or behind the status bar.
+            QVERIFY(tree->geometry().bottom() < window->centralWidget()->height());
+            QVERIFY(list->geometry().right() < window->centralWidget()->width());
+        }
+    }
+
+    void progressBarSpansTheWindowAndIsHidden()
+    {
+        auto* progress = WindowWorld::control<QProgressBar>(*window, u"pgbMain"_s);
+        QVERIFY(progress->isHidden());
+        QCOMPARE(progress->x(), pixelsFromTwips(50));
+        QCOMPARE(progress->width(), pixelsFromTwips(outerWidth() - 150));
+        QVERIFY(progress->geometry().bottom() < window->centralWidget()->height());
+    }
+
+    void cannotBeMadeSmallerThanItsLeastSize()
+    {
+        window->resize(100, 100);
+        WindowWorld::processEvents();
+        QCOMPARE(window->frameSize(), QSize(pixelsFromTwips(8000), pixelsFromTwips(6000)));
+    }
+
+    void barStopsFiveHundredFromTheEdgesWhileDragging()
+    {
+        QVERIFY(bar->isHidden());
+        const int treeWidth = tree->width();
+        drag(200, false);
+        QVERIFY(bar->isVisible());
+        QCOMPARE(bar->x(), pixelsFromTwips(500));
+        QCOMPARE(tree->width(), treeWidth); // the panes stay during the drag
+        QTest::mouseMove(handle, QPoint(4000, 5));
+        QCOMPARE(bar->x(), pixelsFromTwips(outerWidth() - 500));
+        QTest::mouseRelease(handle, Qt::LeftButton);
+        QVERIFY(bar->isHidden());
+    }
+
+    void panesStopFifteenHundredFromTheEdges()
+    {
+        drag(200, true);
+        QCOMPARE(tree->width(), pixelsFromTwips(1500));
+        drag(40000, true);
+        QVERIFY(qAbs(tree->width() - pixelsFromTwips(outerWidth() - 1500)) <= 1);
+    }
+
+    void releasedSplitterPlacesThePanes()
+    {
+        drag(6000, true);
+        QCOMPARE(tree->width(), pixelsFromTwips(6000));
+        QCOMPARE(handle->x(), pixelsFromTwips(6000));
+        QCOMPARE(handle->y(), tree->y());
+        QCOMPARE(handle->height(), tree->height());
+        QCOMPARE(list->x(), pixelsFromTwips(6100));
+        QCOMPARE(list->width(), pixelsFromTwips(outerWidth() - 6250));
+        QCOMPARE(list->height(), tree->height());
+    }
+
+    void resizingForgetsTheSplitter()
+    {
+        drag(6000, true);
+        window->resize(1100, 720);
+        WindowWorld::processEvents();
+        QVERIFY(qAbs(tree->width() - pixelsFromTwips(outerWidth() / 3 - 200)) <= 1);
+    }
+
+    void positionIsClampedInPlace()
+    {
+        float position = 10;
+        window->SizeControls(position);
+        QCOMPARE(position, 1500.0F);
+        position = 1e9F;
+        window->SizeControls(position);
+        QCOMPARE(position, static_cast<float>(outerWidth() - 1500));
+    }
+
+    void movingWithoutPressingMovesNothing()
+    {
+        const int before = bar->x();
+        QTest::mouseMove(handle, QPoint(100, 5));
+        QCOMPARE(bar->x(), before);
+        QVERIFY(bar->isHidden());
+    }
+
+    void statusBarHasItsFourPanels()
+    {
+        auto* status = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s);
+        const auto panels = status->findChildren<QLabel*>();
+        QCOMPARE(panels.size(), 4);
+        QVERIFY(compareText(status->text(1), u"展開されているデータベースはありません。"));
+        QVERIFY(compareText(status->text(2), u"表示データ数 ： "));
+        QVERIFY(compareText(status->text(3), u"1999/12/31"));
+        QVERIFY(compareText(status->text(4), u"23:45"));
+        QVERIFY(compareText(panels[0]->toolTip(), u"システムの状態を表示します。"));
+        QVERIFY(compareText(panels[1]->toolTip(), u"現在表示されているデータ数を表示します。"));
+        QVERIFY(compareText(panels[2]->toolTip(), u"全体の日付を表示します。"));
+        QVERIFY(compareText(panels[3]->toolTip(), u"現在の時刻を表示します。"));
+        for (const QLabel* panel : panels)
+            QCOMPARE(panel->accessibleDescription(), panel->toolTip());
+    }
+
+    void mouseShowsItsHints()
+    {
+        auto* status = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s);
+        QTest::mouseMove(tree->viewport(), QPoint(20, 20));
+        QTest::mouseMove(tree->viewport(), QPoint(25, 25));
+        QVERIFY(compareText(status->text(1), u"右クリックでカテゴリを追加できます。"));
+        QTest::mouseMove(list->viewport(), QPoint(20, 20));
+        QTest::mouseMove(list->viewport(), QPoint(25, 25));
+        QVERIFY(compareText(status->text(1), u"ドラック＆ドロップでデータをカテゴリに登録できます。"));
+    }
+
+    void treeAndListAreNamedForScreenReaders()
+    {
+        QVERIFY(compareText(tree->accessibleName(), u"カテゴリツリー"));
+        QVERIFY(compareText(list->accessibleName(), u"データ一覧"));
+        QVERIFY(window->accessibleName().isEmpty());
+    }
+
+    void longDatabaseNameDoesNotWidenTheWindow()
+    {
+        auto* status = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s);
+        const int width = window->width();
+        status->setText(1, QString(400, u'長'));
+        WindowWorld::processEvents();
+        QCOMPARE(window->width(), width);
+        QCOMPARE(status->text(1).size(), 400);
+    }
+};
+
+QTEST_MAIN(TestMainWindowFrame)
+#include "test_main_window_frame.moc"

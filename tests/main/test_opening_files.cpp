@@ -1,0 +1,303 @@
+// Whatever file is chosen, the program tells what is wrong with it and goes on.
+#include "store/record_set.h"
+#include "store/session.h"
+#include "tests/support/compare_text.h"
+#include "tests/support/window_world.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+class TestOpeningFiles : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<WindowWorld> world;
+    frmMainMenu* window = nullptr;
+    ReportList* list = nullptr;
+
+    QString status() const { return WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(1); }
+    void write(const QString& path, const QByteArray& bytes)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+    QByteArray read(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void expectFailure(qint32 number)
+    {
+        world->dialogs.expect(MessageBox{
+            .text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\nEXPLANATION : "_s +
+                    standardDescription(number),
+            .title = u"Quillon 障害対策部"_s});
+    }
+    void expectNotFound()
+    {
+        world->dialogs.expect(MessageBox{.text = u"指定されたファイルが見つかりません。"_s,
+                                         .title = u"Quillon データ調査分析部"_s});
+    }
+    /// A database with one definition of this name.
+    QString databaseWith(const QString& fileName, const QString& name)
+    {
+        const QString path = world->createDatabase(fileName);
+        const auto database = Database::open(path);
+        WindowWorld::addRow(RecordSet::openTable(database, schema::Main()),
+                            {name, u"M-991231-001"_s, u"定義"_s});
+        return path;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<WindowWorld>();
+        window = &world->mainWindow();
+        list = WindowWorld::control<ReportList>(*window, u"lsvData"_s);
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        // The program has gone on: a good file opens.
+        window->openChosenFile(databaseWith(u"最後.mdb"_s, u"水"_s));
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        QCOMPARE(list->rows().rowCount(), 1);
+        QVERIFY(compareText(status(), u"データベース (最後.mdb)が展開されています｡ "));
+        world.reset();
+    }
+
+    void textFileIsNoDatabase()
+    {
+        const QString path = world->folder.filePath(u"memo.mdb"_s);
+        write(path, QByteArray("これはテキストです。\r\n").repeated(500));
+        expectFailure(errors::NotADatabase);
+        window->openChosenFile(path);
+        QVERIFY(compareText(status(), u"データベース : memo.mdb を展開中です。"));
+    }
+
+    void emptyFileIsNoDatabase()
+    {
+        const QString path = world->folder.filePath(u"空.mdb"_s);
+        write(path, {});
+        expectFailure(errors::NotADatabase);
+        window->openChosenFile(path);
+        QCOMPARE(QFileInfo(path).size(), 0); // nothing was written into it
+    }
+
+    void folderIsNotFound()
+    {
+        QVERIFY(QDir(world->folder.path()).mkdir(u"棚"_s));
+        expectNotFound();
+        window->openChosenFile(world->folder.filePath(u"棚"_s));
+    }
+
+    void pipeIsNotFoundAndDoesNotBlock()
+    {
+        const QString path = world->folder.filePath(u"管"_s);
+        QCOMPARE(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        expectNotFound();
+        window->openChosenFile(path);
+    }
+
+    void truncatedFileIsReported()
+    {
+        const QString path = databaseWith(u"切.mdb"_s, u"水"_s);
+        const QByteArray bytes = read(path);
+        for (const qsizetype kept : {bytes.size() - 4096, bytes.size() / 2, qsizetype(100), qsizetype(16)}) {
+            write(path, bytes.left(kept));
+            expectFailure(errors::NotADatabase);
+            window->openChosenFile(path);
+            QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        }
+    }
+
+    void brokenHeaderIsReported()
+    {
+        const QString path = databaseWith(u"壊.mdb"_s, u"水"_s);
+        QByteArray bytes = read(path);
+        bytes[3] = static_cast<char>(bytes[3] ^ 0x40);
+        write(path, bytes);
+        expectFailure(errors::NotADatabase);
+        window->openChosenFile(path);
+    }
+
+    void brokenDataPageIsReportedAndTheRestIsShown()
+    {
+        // The page of the definitions is overwritten; documents and files are whole.
+        const QString path = databaseWith(u"頁.mdb"_s, u"水"_s);
+        {
+            const auto database = Database::open(path);
+            WindowWorld::addRow(RecordSet::openTable(database, schema::RefDoc()),
+                                {u"論文"_s, u"R-991231-001"_s, {}});
+        }
+        QByteArray bytes = read(path);
+        bytes.replace(4096, 4096, QByteArray(4096, '\x5A')); // the second page is the root of the first table
+        write(path, bytes);
+        world->dialogs.expect(MessageBox{
+            .text = u"対処不能なエラーが発生しました。\r\nLOCATION : CreateDataListMain\r\nEXPLANATION : "_s +
+                    standardDescription(errors::NotADatabase),
+            .title = u"Quillon 障害対策部"_s});
+        window->openChosenFile(path);
+        QCOMPARE(list->rows().rowCount(), 1);
+        QVERIFY(compareText(list->rows().text(0, 0), u"論文"));
+    }
+
+    void foreignTablesAreReported()
+    {
+        const QString path = world->folder.filePath(u"他.mdb"_s);
+        Database::create(path)->execute(u"CREATE TABLE Customers (Id INTEGER, Name TEXT)"_s);
+        expectFailure(errors::TableNotFound);
+        window->openChosenFile(path);
+    }
+
+    void lackingTableIsReported()
+    {
+        const QString path = databaseWith(u"欠.mdb"_s, u"水"_s);
+        Database::open(path)->execute(u"DROP TABLE Link"_s);
+        expectFailure(errors::TableNotFound);
+        window->openChosenFile(path);
+        QVERIFY(compareText(status(), u"リンク情報テーブルを展開中です。"));
+    }
+
+    void lackingFieldIsReported()
+    {
+        const QString path = databaseWith(u"欄.mdb"_s, u"水"_s);
+        Database::open(path)->execute(u"ALTER TABLE RefDoc RENAME COLUMN Explanation TO Other"_s);
+        expectFailure(errors::UnknownField);
+        window->openChosenFile(path);
+    }
+
+    void lockedFileIsReported()
+    {
+        const QString path = databaseWith(u"鍵.mdb"_s, u"水"_s);
+        const auto other = Database::open(path);
+        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
+        expectFailure(errors::Locked);
+        window->openChosenFile(path);
+        other->connection().execute(u"ROLLBACK"_s);
+    }
+
+    void readOnlyFolderIsReported()
+    {
+        const QString folder = world->folder.filePath(u"読取専用"_s);
+        QVERIFY(QDir().mkdir(folder));
+        const QString path = databaseWith(u"読取専用/db.mdb"_s, u"水"_s);
+        QVERIFY(QFile::setPermissions(world->folder.path(), QFile::Permissions(0x7755)));
+        QVERIFY(QFile::setPermissions(path, QFile::Permissions(0x6666)));
+        QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x5555)));
+        // The administrator may write anywhere; so the file is opened as nobody.
+        const bool administrator = geteuid() == 0;
+        if (administrator)
+            QCOMPARE(seteuid(65534), 0);
+        expectFailure(errors::CannotOpen);
+        window->openChosenFile(path);
+        if (administrator)
+            QCOMPARE(seteuid(0), 0);
+        QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x7755)));
+    }
+
+    void failedOpeningKeepsTheDatabaseBefore()
+    {
+        window->openChosenFile(databaseWith(u"前.mdb"_s, u"水"_s));
+        const auto before = world->session().OpenDb;
+        const QString path = world->folder.filePath(u"空.mdb"_s);
+        write(path, {});
+        expectFailure(errors::NotADatabase);
+        window->openChosenFile(path);
+        QCOMPARE(world->session().OpenDb, before);
+        QCOMPARE(list->rows().rowCount(), 0); // cleared at the beginning
+        QVERIFY(compareText(WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(2),
+                            u"表示データ数 ： 0"));
+    }
+
+    void awkwardPathsOpen_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("blanks") << u"a b  c.mdb"_s;
+        QTest::newRow("quotes") << u"it's \"the\" `db`.mdb"_s;
+        QTest::newRow("japanese") << u"知識ベース（第２版）.mdb"_s;
+        QTest::newRow("leading dash") << u"-rf.mdb"_s;
+        QTest::newRow("percent and question mark") << u"100%?mode=ro#x.mdb"_s;
+        QTest::newRow("like an address") << u"file:x.mdb"_s;
+        QTest::newRow("backslash") << u"a\\b.mdb"_s;
+        QTest::newRow("no extension") << u"データ"_s;
+    }
+
+    void awkwardPathsOpen()
+    {
+        QFETCH(QString, name);
+        window->openChosenFile(databaseWith(name, u"水"_s));
+        QCOMPARE(list->rows().rowCount(), 1);
+        QVERIFY(compareText(status(), u"データベース ("_s + name + u")が展開されています｡ "_s));
+        world->session().OpenDb->connection().execute(u"UPDATE Main SET Name = '火'"_s);
+    }
+
+    void olderLayoutIsConvertedOnce()
+    {
+        const QString path = databaseWith(u"旧.mdb"_s, u"水"_s);
+        {
+            const auto database = Database::open(path);
+            database->execute(u"DROP TABLE Category"_s);
+            database->execute(u"DROP TABLE Category_ID"_s);
+        }
+        world->dialogs.expect(MessageBox{
+            .text = u"カテゴリ情報テーブルが存在しませんでした。\r\nカテゴリテーブルを作成します。"_s,
+            .title = u"データベースコンバート処理"_s});
+        window->openChosenFile(path);
+        QCOMPARE(list->rows().rowCount(), 1);
+        QCOMPARE(window->nodeCount(), 9);
+        window->openChosenFile(path); // the second time without a message
+        QCOMPARE(list->rows().rowCount(), 1);
+    }
+
+    void everyNullIsSurvived()
+    {
+        const QString path = world->createDatabase(u"null.mdb"_s);
+        {
+            const auto database = Database::open(path);
+            for (const TableSchema* table : schema::all()) {
+                const QString nulls = table->fields.size() == 3 ? u"NULL, NULL, NULL"_s : u"NULL, NULL"_s;
+                for (int i = 0; i < 2; ++i)
+                    database->connection().execute(u"INSERT INTO "_s + table->name + u" VALUES ("_s + nulls +
+                                                   u")"_s);
+            }
+        }
+        window->openChosenFile(path);
+        QCOMPARE(list->rows().rowCount(), 6);
+        QCOMPARE(window->nodeCount(), 11);
+        auto* tree = WindowWorld::control<KeyedTree>(*window, u"tvwCategory"_s);
+        for (int position = 1; position <= window->nodeCount(); ++position) {
+            tree->select(position);
+            window->tvwCategory_NodeClick();
+        }
+    }
+
+    void wideTextsOfAnotherWriterAreShownWhole()
+    {
+        const QString path = world->createDatabase(u"wide.mdb"_s);
+        {
+            const auto database = Database::open(path);
+            database->connection().execute(
+                u"INSERT INTO Main VALUES (replace(hex(zeroblob(60000)), '00', '長い'), 'M-991231-001', 'x')"_s);
+        }
+        window->openChosenFile(path);
+        QCOMPARE(list->rows().text(0, 0).size(), 120000);
+    }
+};
+
+QTEST_MAIN(TestOpeningFiles)
+#include "test_opening_files.moc"
