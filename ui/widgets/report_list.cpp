@@ -220,13 +220,6 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
         Q_EMIT keyReleased(event->key(), event->modifiers());
 }
 
-void ReportList::focusInEvent(QFocusEvent* event)
-{
-    QTableView::focusInEvent(event);
-    // Names are Japanese: an input method must be able to type what is searched.
-    setAttribute(Qt::WA_InputMethodEnabled);
-}
-
 void ReportList::focusOutEvent(QFocusEvent* event)
 {
     m_pressedKeys.forget();
@@ -320,6 +313,13 @@ QModelIndexList ReportList::selectedIndexes() const
     if (row < 0)
         return {};
     return {m_model->index(row, 0)};
+}
+
+void ReportList::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTableView::currentChanged(current, previous);
+    // Names are Japanese: an input method must be able to type what is searched, although no cell can be edited.
+    setAttribute(Qt::WA_InputMethodEnabled);
 }
 
 void ReportList::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)

@@ -4,6 +4,7 @@
 #include "app/base/ports/clock.h"
 
 #include <QLabel>
+#include <QLocale>
 #include <QTimer>
 
 namespace quillon
@@ -82,9 +83,14 @@ QString StatusPanels::text(int panel) const
 void StatusPanels::keepDateAndTime(int datePanel, int timePanel, const Clock& clock)
 {
     const auto refresh = [dateLabel = label(datePanel), timeLabel = label(timePanel), &clock] {
-        if (const QString date = clock.shortDate(); dateLabel->text() != date)
+        // In Japanese like the rest of the window, whatever the system's language.
+        const QLocale japanese(QLocale::Japanese, QLocale::Japan);
+        const QDateTime now = clock.now();
+        if (const QString date = japanese.toString(now.date(), QLocale::ShortFormat);
+            dateLabel->text() != date)
             dateLabel->setText(date);
-        if (const QString time = clock.shortTime(); timeLabel->text() != time)
+        if (const QString time = japanese.toString(now.time(), QLocale::ShortFormat);
+            timeLabel->text() != time)
             timeLabel->setText(time);
     };
     refresh();
