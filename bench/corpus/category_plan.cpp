@@ -32,7 +32,7 @@ QChar letter(int child)
 CategoryPlan::CategoryPlan(int count, Random random)
 {
     m_identifiers.reserve(static_cast<std::size_t>(count));
-    const int topLevel = std::clamp(count / 80, std::min(count, 12), 48);
+    const int topLevel = std::clamp(count / 140, std::min(count, 12), 48);
     std::vector<Open> open;
     for (int top = 0; top < topLevel; ++top) {
         m_identifiers.push_back(letter(top));

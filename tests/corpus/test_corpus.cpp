@@ -113,6 +113,17 @@ private Q_SLOTS:
         QVERIFY(tables[u"Category_ID"_s] == small()[u"Category_ID"_s]);
     }
 
+    void theFirstRowsAreTheSameOnEveryPlatform()
+    {
+        corpus::Options few = Small;
+        few.seed = 1;
+        const auto tables = make(few);
+        QCOMPARE(tables[u"Main"_s].first().join(u'|'),
+                 u"刑法の中世|M-990104-001|ひかりのうち、湿度を開発するものをいう。"_s);
+        QCOMPARE(tables[u"Link"_s].first().join(u'|'), u"F-120629-021|M-101115-002"_s);
+        QCOMPARE(tables[u"Category"_s].last().join(u'|'), u"J-A-A-A|M-021127-001"_s);
+    }
+
     void textsFitTheDataWindows()
     {
         for (const QString& table : {u"Main"_s, u"RefDoc"_s, u"RefFile"_s})
