@@ -19,6 +19,9 @@ namespace quillon
 namespace
 {
 
+/// The size of a database of one page of the smallest kind.
+constexpr qint64 SmallestDatabase = 512;
+
 /// `path` from the root on. The empty path and one with a zero in it name no file at all.
 QString absolutePath(const QString& path, qint32 errorOfNoPath)
 {
@@ -42,7 +45,8 @@ void checkFile(const QString& path)
     const QString file = info.canonicalFilePath();
     if (!platform::mayReadAndWrite(file) || !platform::mayWriteIn(QFileInfo(file).path()))
         throw Error(errors::CannotOpen);
-    if (info.size() == 0)
+    // SQLite takes an empty file, and one of a single byte, for a new database.
+    if (info.size() < SmallestDatabase)
         throw Error(errors::NotADatabase);
     for (const QString& companion : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
         if (QFileInfo::exists(file + companion) && !platform::isOrdinaryFile(file + companion))
