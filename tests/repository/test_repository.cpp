@@ -68,7 +68,7 @@ class TestRepository : public QObject
     static bool isText(const QString& path)
     {
         static const QRegularExpression endings(
-            uR"((\.(cpp|h|cmake|txt|md|sh|py|json|qrc|desktop|supp)|/run|^\.[a-z-]+)$)"_s);
+            QString::fromLatin1(R"((\.(cpp|h|cmake|txt|md|sh|py|json|qrc|desktop|supp)|/run|^\.[a-z-]+)$)"));
         // These are for the person's editor, with its kind of line ends.
         return endings.match(path).hasMatch() && !path.startsWith(u"packaging/texts/"_s);
     }
@@ -105,7 +105,7 @@ private Q_SLOTS:
 
     void includesPointDown()
     {
-        static const QRegularExpression include(uR"x(^\s*#\s*include\s+"([^"]+)")x"_s,
+        static const QRegularExpression include(QString::fromLatin1(R"x(^\s*#\s*include\s+"([^"]+)")x"),
                                                 QRegularExpression::MultilineOption);
         QStringList wrong;
         int checked = 0;
@@ -133,7 +133,7 @@ private Q_SLOTS:
 
     void onlyOneFolderSeesTheDatabaseEngine()
     {
-        static const QRegularExpression engine(uR"(^\s*#\s*include\s*[<"]sqlite3)"_s);
+        static const QRegularExpression engine(QString::fromLatin1(R"(^\s*#\s*include\s*[<"]sqlite3)"));
         QStringList wrong = linesThatMatch(engine, isProgramText);
         QVERIFY(!wrong.isEmpty());
         // The benchmarks compare with the bare engine.
@@ -145,9 +145,10 @@ private Q_SLOTS:
 
     void everyPathCanBeCheckedOutEverywhere()
     {
-        static const QRegularExpression reserved(uR"(^(con|prn|aux|nul|com\d|lpt\d)(\..*)?$)"_s,
-                                                 QRegularExpression::CaseInsensitiveOption);
-        static const QRegularExpression forbidden(uR"([<>:"|?*\\\x00-\x1f]|[. ]$)"_s);
+        static const QRegularExpression reserved(
+            QString::fromLatin1(R"(^(con|prn|aux|nul|com\d|lpt\d)(\..*)?$)"),
+            QRegularExpression::CaseInsensitiveOption);
+        static const QRegularExpression forbidden(QString::fromLatin1(R"([<>:"|?*\\\x00-\x1f]|[. ]$)"));
         QStringList wrong;
         QSet<QString> folded;
         for (const QString& path : std::as_const(paths)) {
@@ -190,7 +191,7 @@ private Q_SLOTS:
 
     void noLineEndsInBlanks()
     {
-        static const QRegularExpression blanks(uR"([ \t]$)"_s);
+        static const QRegularExpression blanks(QString::fromLatin1(R"([ \t]$)"));
         QCOMPARE(linesThatMatch(blanks, isText), QStringList());
     }
 
@@ -212,8 +213,9 @@ private Q_SLOTS:
     void sourcesExplainThemselves()
     {
         // A reader cannot look up what is not in the repository.
-        static const QRegularExpression elsewhere(uR"(\bPart[s]? \d+\.\d|\brulin[g]s?\b|\bshar[e]d/[a-z])"_s,
-                                                  QRegularExpression::CaseInsensitiveOption);
+        static const QRegularExpression elsewhere(
+            QString::fromLatin1(R"(\bPart[s]? \d+\.\d|\brulin[g]s?\b|\bshar[e]d/[a-z])"),
+            QRegularExpression::CaseInsensitiveOption);
         QCOMPARE(linesThatMatch(elsewhere, isText), QStringList());
     }
 };
