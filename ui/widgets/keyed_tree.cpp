@@ -1,5 +1,6 @@
 #include "ui/widgets/keyed_tree.h"
 
+#include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
 
 #include <QContextMenuEvent>
@@ -138,6 +139,10 @@ void KeyedTree::keyPressEvent(QKeyEvent* event)
 {
     m_pressedKeys.press(*event);
     Q_EMIT keyPressed(event->key(), event->modifiers());
+    if (typesControlCharacter(*event)) {
+        event->ignore();
+        return;
+    }
     QTreeView::keyPressEvent(event);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/widgets/report_list.h"
 
+#include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
 
 #include <QApplication>
@@ -34,13 +35,6 @@ public:
 bool isEnter(const QKeyEvent& event)
 {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
-bool isText(const QKeyEvent& event)
-{
-    const QString text = event.text();
-    return !text.isEmpty() && text.front().isPrint() &&
-           !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
 int rowsIn(const QItemSelection& selection)
@@ -200,13 +194,17 @@ void ReportList::keyPressEvent(QKeyEvent* event)
             Q_EMIT rowActivated();
         return;
     }
-    if (!isText(*event))
+    if (!typesText(*event))
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
         horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
                                                  ? QAbstractSlider::SliderSingleStepSub
                                                  : QAbstractSlider::SliderSingleStepAdd);
         event->accept();
+        return;
+    }
+    if (typesControlCharacter(*event)) {
+        event->ignore();
         return;
     }
     QTableView::keyPressEvent(event);

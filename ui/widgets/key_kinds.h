@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QKeyEvent>
+#include <QString>
+
+namespace quillon
+{
+
+/// Whether a key press types a character.
+inline bool typesText(const QKeyEvent& event)
+{
+    const QString text = event.text();
+    return !text.isEmpty() && text.front().isPrint() &&
+           !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+}
+
+/// Whether a key such as Esc or Delete carries a control character as its text. An item view would search for it
+/// and keep the key from its window.
+inline bool typesControlCharacter(const QKeyEvent& event)
+{
+    const QString text = event.text();
+    return !text.isEmpty() && !text.front().isPrint() &&
+           !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) &&
+           event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter;
+}
+
+} // namespace quillon
