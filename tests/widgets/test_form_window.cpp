@@ -1,0 +1,398 @@
+#include "app/base/error.h"
+#include "app/base/ports/data_window.h"
+#include "store/session.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_ports.h"
+#include "ui/widgets/form_window.h"
+#include "ui/widgets/window_registry.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+
+namespace
+{
+
+class PlainWindow : public FormWindow
+{
+public:
+    using FormWindow::addEntry;
+    using FormWindow::addLine;
+    using FormWindow::addMenu;
+    using FormWindow::addSubmenu;
+    using FormWindow::FormWindow;
+
+    std::function<bool()> question = [] { return true; };
+    int asked = 0;
+
+protected:
+    bool queryUnload() override
+    {
+        ++asked;
+        return question();
+    }
+};
+
+class ItemWindow : public PlainWindow, public DataWindow
+{
+public:
+    using PlainWindow::PlainWindow;
+
+    QString fieldText(int) const override { return {}; }
+    void setFieldText(int, const QString&) override {}
+    void setCaption(const QString& caption) override { setWindowTitle(caption); }
+    QString modeText() const override { return {}; }
+    void setModeText(const QString&) override {}
+    void setMenuEnabled(const QString&, bool) override {}
+    void setLinkRows(const std::vector<LinkRow>&) override {}
+    void setCategoryRows(const std::vector<CategoryRow>&) override {}
+    std::vector<CategoryRow> categoryRows() const override { return {}; }
+    void showModeless() override { FormWindow::showModeless(); }
+    void showModal() override { FormWindow::showModal(); }
+};
+
+struct World {
+    World() : session({dialogs, log, clock, desktop, files, registry}, u"/folder"_s)
+    {
+        for (const QString& name : {u"frmMainData"_s, u"frmRefDoc"_s, u"frmRefFileEntry"_s})
+            registry.setFactory(name, [this, name] { return new ItemWindow(session, registry, name); });
+        registry.setFactory(u"frmFind"_s,
+                            [this] { return new PlainWindow(session, registry, u"frmFind"_s); });
+    }
+    ~World()
+    {
+        while (!registry.loaded().empty())
+            delete dynamic_cast<FormWindow*>(registry.loaded().front());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    PlainWindow* window(const QString& name) { return new PlainWindow(session, registry, name); }
+    QStringList loadedNames() const
+    {
+        QStringList names;
+        for (const LoadedWindow* loaded : registry.loaded())
+            names << loaded->windowName();
+        return names;
+    }
+
+    testing::ScriptedDialogs dialogs;
+    testing::MemoryEventLog log;
+    testing::FixedClock clock;
+    testing::RecordingDesktop desktop;
+    testing::RealFiles files;
+    WindowRegistry registry;
+    Session session;
+};
+
+qint32 errorOf(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const Error& error) {
+        return error.number;
+    }
+    return 0;
+}
+
+} // namespace
+
+class TestFormWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_world = std::make_unique<World>(); }
+    void cleanup()
+    {
+        QCOMPARE(m_world->dialogs.takeComplaints(), QStringList());
+        m_world.reset();
+    }
+
+    void windowsStandInTheOrderOfLoading();
+    void unloadingTellsAndDeletes();
+    void aWindowThatWasNeverShownCanBeUnloaded();
+    void theCloseBoxAsksToo();
+    void aRefusedCloseKeepsTheWindow();
+    void aFailingQuestionKeepsTheWindowAndIsShown();
+    void closingAgainDuringTheQuestionIsRefused();
+    void aWindowDeletedDuringItsQuestionIsGone();
+    void unloadingTwiceAsksOnce();
+    void deletingAWindowTakesItOutOfTheRegistry();
+    void aModalShowingEndsWithTheUnloading();
+    void aModalShowingOutlastsARefusal();
+    void aModalShowingEndsWhenTheWindowIsDeleted();
+    void aVisibleWindowBecomesModal();
+    void menusAreFoundByTheirNames();
+    void captionsStandAsGiven();
+    void everyNewDataWindowIsFresh();
+    void theRegistrationWindowIsShared();
+    void anUnloadedSharedWindowIsMadeAnew();
+    void unknownWindowsAreRefused();
+    void auxiliaryWindowsAreShown();
+    void dataWindowsAreToldApart();
+
+private:
+    std::unique_ptr<World> m_world;
+};
+
+void TestFormWindow::windowsStandInTheOrderOfLoading()
+{
+    m_world->window(u"frmMainMenu"_s);
+    PlainWindow* second = m_world->window(u"b"_s);
+    m_world->window(u"a"_s);
+    QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainMenu"_s, u"b"_s, u"a"_s}));
+    second->showModeless();
+    second->bringToFront();
+    QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainMenu"_s, u"b"_s, u"a"_s}));
+    QVERIFY(second->unload());
+    QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainMenu"_s, u"a"_s}));
+}
+
+void TestFormWindow::unloadingTellsAndDeletes()
+{
+    const QPointer<PlainWindow> window = m_world->window(u"a"_s);
+    window->showModeless();
+    const QSignalSpy unloaded(window, &FormWindow::unloaded);
+    QVERIFY(window->unload());
+    QCOMPARE(unloaded.size(), 1);
+    QVERIFY(!window->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(window.isNull());
+}
+
+void TestFormWindow::aWindowThatWasNeverShownCanBeUnloaded()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QVERIFY(window->unload());
+    QCOMPARE(window->asked, 1);
+    QVERIFY(m_world->registry.loaded().empty());
+}
+
+void TestFormWindow::theCloseBoxAsksToo()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    window->showModeless();
+    QVERIFY(window->close());
+    QCOMPARE(window->asked, 1);
+    QVERIFY(m_world->registry.loaded().empty());
+}
+
+void TestFormWindow::aRefusedCloseKeepsTheWindow()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    window->question = [] { return false; };
+    window->showModeless();
+    QVERIFY(!window->close());
+    QVERIFY(!window->unload());
+    QCOMPARE(window->asked, 2);
+    QVERIFY(window->isVisible());
+    QCOMPARE(m_world->loadedNames(), QStringList(u"a"_s));
+}
+
+void TestFormWindow::aFailingQuestionKeepsTheWindowAndIsShown()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    window->question = []() -> bool { throw Error(errors::NoCurrentRecord, u"行がありません。"_s); };
+    m_world->dialogs.expect({.text = u"対処不能なエラーが発生しました。\r\n説明：行がありません。"_s,
+                             .title = u"Quillon 障害対策部"_s});
+    QVERIFY(!window->unload());
+    QCOMPARE(m_world->loadedNames(), QStringList(u"a"_s));
+    QCOMPARE(m_world->log.lines.size(), 1);
+    QVERIFY(m_world->log.lines.first().contains(u"Form_Unload"_s));
+}
+
+void TestFormWindow::closingAgainDuringTheQuestionIsRefused()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    bool nested = true;
+    window->question = [&] {
+        nested = window->close() || window->unload();
+        return true;
+    };
+    window->showModeless();
+    QVERIFY(window->unload());
+    QVERIFY(!nested);
+    QCOMPARE(window->asked, 1);
+}
+
+void TestFormWindow::aWindowDeletedDuringItsQuestionIsGone()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    // The question lives outside the window, as a box of its own does.
+    const auto question = [window] {
+        delete window;
+        return true;
+    };
+    window->question = [&question] { return question(); };
+    const QPointer<PlainWindow> guard(window);
+    QVERIFY(window->unload());
+    QVERIFY(guard.isNull());
+    QVERIFY(m_world->registry.loaded().empty());
+}
+
+void TestFormWindow::unloadingTwiceAsksOnce()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QVERIFY(window->unload());
+    QVERIFY(window->unload());
+    QVERIFY(window->close());
+    QCOMPARE(window->asked, 1);
+}
+
+void TestFormWindow::deletingAWindowTakesItOutOfTheRegistry()
+{
+    FormWindow& shared = m_world->registry.sharedWindow(u"frmFind"_s);
+    QCOMPARE(m_world->registry.loadedSharedWindow(u"frmFind"_s), &shared);
+    delete &shared;
+    QVERIFY(m_world->registry.loaded().empty());
+    QCOMPARE(m_world->registry.loadedSharedWindow(u"frmFind"_s), nullptr);
+}
+
+void TestFormWindow::aModalShowingEndsWithTheUnloading()
+{
+    m_world->window(u"frmMainMenu"_s)->showModeless();
+    PlainWindow* window = m_world->window(u"a"_s);
+    bool wasModal = false;
+    QTimer::singleShot(0, window, [&] {
+        wasModal = window->isVisible() && window->windowModality() == Qt::ApplicationModal;
+        window->close();
+    });
+    window->showModal();
+    QVERIFY(wasModal);
+    QCOMPARE(m_world->loadedNames(), QStringList(u"frmMainMenu"_s));
+}
+
+void TestFormWindow::aModalShowingOutlastsARefusal()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    window->question = [window] { return window->asked > 1; };
+    bool stayed = false;
+    QTimer::singleShot(0, window, [&] {
+        stayed = !window->unload() && window->isVisible();
+        QTimer::singleShot(0, window, [window] { window->unload(); });
+    });
+    window->showModal();
+    QVERIFY(stayed);
+    QVERIFY(m_world->registry.loaded().empty());
+}
+
+void TestFormWindow::aModalShowingEndsWhenTheWindowIsDeleted()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QTimer::singleShot(0, qApp, [window] { delete window; });
+    window->showModal();
+    QVERIFY(m_world->registry.loaded().empty());
+}
+
+void TestFormWindow::aVisibleWindowBecomesModal()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    window->showModeless();
+    QVERIFY(!window->isModal());
+    bool wasModal = false;
+    QTimer::singleShot(0, window, [&] {
+        wasModal = window->isModal() && window->isVisible();
+        window->unload();
+    });
+    window->showModal();
+    QVERIFY(wasModal);
+}
+
+void TestFormWindow::menusAreFoundByTheirNames()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ&D)"_s);
+    QMenu* submenu = window->addSubmenu(menu, u"mnuEntry"_s, u"新規データ登録(&E)"_s);
+    QAction* entry = window->addEntry(submenu, u"mnuEntryMain"_s, u"定義データ(&M)"_s);
+    QAction* line = window->addLine(menu, u"mnuDataLine"_s);
+    QCOMPARE(window->findChild<QMenu*>(u"mnuData"_s), menu);
+    QCOMPARE(window->findChild<QMenu*>(u"mnuEntry"_s), submenu);
+    QCOMPARE(window->findChild<QAction*>(u"mnuEntry"_s), submenu->menuAction());
+    QCOMPARE(window->findChild<QAction*>(u"mnuEntryMain"_s), entry);
+    QCOMPARE(window->findChild<QAction*>(u"mnuDataLine"_s), line);
+    QVERIFY(line->isSeparator());
+    QCOMPARE(window->menuBar()->actions(), QList<QAction*>{menu->menuAction()});
+    QVERIFY(!window->menuBar()->isNativeMenuBar());
+}
+
+void TestFormWindow::captionsStandAsGiven()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ&D)"_s);
+    QCOMPARE(menu->title(), u"データ&D)"_s);
+    QCOMPARE(window->addEntry(menu, u"x"_s, u"画面の切り替え(&F2)"_s)->text(), u"画面の切り替え(&F2)"_s);
+    QVERIFY(!menu->toolTipsVisible());
+}
+
+void TestFormWindow::everyNewDataWindowIsFresh()
+{
+    DataWindow& first = m_world->registry.newDataWindow(u"M"_s);
+    DataWindow& second = m_world->registry.newDataWindow(u"M"_s);
+    DataWindow& third = m_world->registry.newDataWindow(u"R"_s);
+    QVERIFY(&first != &second);
+    QCOMPARE(third.windowName(), u"frmRefDoc"_s);
+    QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainData"_s, u"frmMainData"_s, u"frmRefDoc"_s}));
+    QCOMPARE(m_world->registry.loadedSharedWindow(u"frmMainData"_s), nullptr);
+}
+
+void TestFormWindow::theRegistrationWindowIsShared()
+{
+    DataWindow& first = m_world->registry.registrationWindow(u"M"_s);
+    QCOMPARE(&m_world->registry.registrationWindow(u"M"_s), &first);
+    QVERIFY(&m_world->registry.newDataWindow(u"M"_s) != &first);
+    QCOMPARE(m_world->registry.registrationWindow(u"R"_s).windowName(), u"frmRefDoc"_s);
+    QCOMPARE(m_world->registry.registrationWindow(u"F"_s).windowName(), u"frmRefFileEntry"_s);
+}
+
+void TestFormWindow::anUnloadedSharedWindowIsMadeAnew()
+{
+    const QPointer<FormWindow> first = &m_world->registry.sharedWindow(u"frmFind"_s);
+    QVERIFY(first->unload());
+    const FormWindow* second = &m_world->registry.sharedWindow(u"frmFind"_s);
+    QVERIFY(first.data() != second);
+    QCOMPARE(m_world->loadedNames(), QStringList(u"frmFind"_s));
+}
+
+void TestFormWindow::unknownWindowsAreRefused()
+{
+    WindowRegistry& registry = m_world->registry;
+    QCOMPARE(errorOf([&] { registry.sharedWindow(u"frmNone"_s); }), errors::InvalidArgument);
+    QCOMPARE(errorOf([&] { registry.showAuxiliary(u""_s); }), errors::InvalidArgument);
+    for (const QString& kind : {u"X"_s, u"m"_s, u""_s}) {
+        QCOMPARE(errorOf([&] { registry.newDataWindow(kind); }), errors::ObjectNotSet);
+        QCOMPARE(errorOf([&] { registry.registrationWindow(kind); }), errors::ObjectNotSet);
+    }
+    QCOMPARE(errorOf([&] { registry.newDataWindow(u"F"_s); }), errors::ObjectNotSet);
+    WindowRegistry empty;
+    QCOMPARE(errorOf([&] { empty.newDataWindow(u"M"_s); }), errors::ObjectNotSet);
+    QCOMPARE(errorOf([&] { empty.registrationWindow(u"F"_s); }), errors::ObjectNotSet);
+    QVERIFY(registry.loaded().empty());
+}
+
+void TestFormWindow::auxiliaryWindowsAreShown()
+{
+    m_world->registry.showAuxiliary(u"frmFind"_s);
+    FormWindow* window = m_world->registry.loadedSharedWindow(u"frmFind"_s);
+    QVERIFY(window != nullptr && window->isVisible() && !window->isModal());
+    m_world->registry.showAuxiliary(u"frmFind"_s);
+    QCOMPARE(m_world->loadedNames(), QStringList(u"frmFind"_s));
+}
+
+void TestFormWindow::dataWindowsAreToldApart()
+{
+    m_world->window(u"frmMainMenu"_s);
+    DataWindow& data = m_world->registry.newDataWindow(u"R"_s);
+    QCOMPARE(m_world->registry.loaded()[0]->asDataWindow(), nullptr);
+    QCOMPARE(m_world->registry.loaded()[1]->asDataWindow(), &data);
+}
+
+QTEST_MAIN(TestFormWindow)
+#include "test_form_window.moc"
