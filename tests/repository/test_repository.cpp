@@ -68,7 +68,7 @@ class TestRepository : public QObject
     static bool isText(const QString& path)
     {
         static const QRegularExpression endings(
-            QString::fromLatin1(R"((\.(cpp|h|cmake|txt|md|sh|py|json|qrc|desktop|supp)|/run|^\.[a-z-]+)$)"));
+            u"(\\.(cpp|h|cmake|txt|md|sh|py|json|qrc|desktop|supp)|/run|^\\.[a-z-]+)$"_s);
         // These are for the person's editor, with its kind of line ends.
         return endings.match(path).hasMatch() && !path.startsWith(u"packaging/texts/"_s);
     }
@@ -105,7 +105,7 @@ private Q_SLOTS:
 
     void includesPointDown()
     {
-        static const QRegularExpression include(QString::fromLatin1(R"x(^\s*#\s*include\s+"([^"]+)")x"),
+        static const QRegularExpression include(u"^\\s*#\\s*include\\s+\"([^\"]+)\""_s,
                                                 QRegularExpression::MultilineOption);
         QStringList wrong;
         int checked = 0;
@@ -133,7 +133,7 @@ private Q_SLOTS:
 
     void onlyOneFolderSeesTheDatabaseEngine()
     {
-        static const QRegularExpression engine(QString::fromLatin1(R"(^\s*#\s*include\s*[<"]sqlite3)"));
+        static const QRegularExpression engine(u"^\\s*#\\s*include\\s*[<\"]sqlite3"_s);
         QStringList wrong = linesThatMatch(engine, isProgramText);
         QVERIFY(!wrong.isEmpty());
         // The benchmarks compare with the bare engine.
@@ -145,10 +145,9 @@ private Q_SLOTS:
 
     void everyPathCanBeCheckedOutEverywhere()
     {
-        static const QRegularExpression reserved(
-            QString::fromLatin1(R"(^(con|prn|aux|nul|com\d|lpt\d)(\..*)?$)"),
-            QRegularExpression::CaseInsensitiveOption);
-        static const QRegularExpression forbidden(QString::fromLatin1(R"([<>:"|?*\\\x00-\x1f]|[. ]$)"));
+        static const QRegularExpression reserved(u"^(con|prn|aux|nul|com\\d|lpt\\d)(\\..*)?$"_s,
+                                                 QRegularExpression::CaseInsensitiveOption);
+        static const QRegularExpression forbidden(u"[<>:\"|?*\\\\\\x00-\\x1f]|[. ]$"_s);
         QStringList wrong;
         QSet<QString> folded;
         for (const QString& path : std::as_const(paths)) {
@@ -191,7 +190,7 @@ private Q_SLOTS:
 
     void noLineEndsInBlanks()
     {
-        static const QRegularExpression blanks(QString::fromLatin1(R"([ \t]$)"));
+        static const QRegularExpression blanks(u"[ \\t]$"_s);
         QCOMPARE(linesThatMatch(blanks, isText), QStringList());
     }
 
@@ -214,7 +213,7 @@ private Q_SLOTS:
     {
         // A reader cannot look up what is not in the repository.
         static const QRegularExpression elsewhere(
-            QString::fromLatin1(R"(\bPart[s]? \d+\.\d|\brulin[g]s?\b|\bshar[e]d/[a-z])"),
+            u"\\bPart[s]? \\d+\\.\\d|\\brulin[g]s?\\b|\\bshar[e]d/[a-z]"_s,
             QRegularExpression::CaseInsensitiveOption);
         QCOMPARE(linesThatMatch(elsewhere, isText), QStringList());
     }

@@ -1,0 +1,124 @@
+#include "ui/auxiliary/frmEntryInfo.h"
+
+#include "app/base/error.h"
+#include "store/record_set.h"
+#include "store/session.h"
+#include "ui/widgets/event_edge.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+
+#include <limits>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+/// Runs one step; when it fails the next one follows, and nobody is told.
+template <class Step> void skippingFailure(Step&& step)
+{
+    try {
+        step();
+    } catch (const Error&) {
+        // A count that cannot be had keeps the caption that stands.
+    }
+}
+
+/// A number within 16 bits. Error 6 beyond them.
+qint16 within16Bits(qint64 number)
+{
+    if (number < std::numeric_limits<qint16>::min() || number > std::numeric_limits<qint16>::max())
+        throw Error(errors::Overflow);
+    return static_cast<qint16>(number);
+}
+
+qint16 countShownBy(const QLabel& label)
+{
+    return within16Bits(label.text().toLongLong());
+}
+
+QLabel* plainLabel(const QString& name, const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QLabel* countLabel(const QString& name, QWidget* parent)
+{
+    QLabel* label = plainLabel(name, u"0"_s, parent);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return label;
+}
+
+} // namespace
+
+frmEntryInfo::frmEntryInfo(Session& session, WindowRegistry& registry)
+    : FormWindow(session, registry, u"frmEntryInfo"_s)
+{
+    setWindowTitle(u"Quillon データ登録状況表示画面"_s);
+    arrange();
+    handleEvent(session.reporting, u"Form_Load"_s, [this] { Form_Load(); });
+}
+
+void frmEntryInfo::arrange()
+{
+    auto* middle = new QWidget(this);
+    auto* grid = new QGridLayout(middle);
+    lblMainCount = countLabel(u"lblMainCount"_s, middle);
+    lblRefDocCount = countLabel(u"lblRefDocCount"_s, middle);
+    lblRefFileCount = countLabel(u"lblRefFileCount"_s, middle);
+    lblAllCount = countLabel(u"lblAllCount"_s, middle);
+
+    const auto addRow = [&](int row, const QString& name, const QString& caption, QLabel* count) {
+        grid->addWidget(plainLabel(name, caption, middle), row, 0);
+        grid->addWidget(count, row, 1);
+    };
+    addRow(0, u"lblMain"_s, u"定義データ 登録数      :"_s, lblMainCount);
+    addRow(1, u"lblRefDoc"_s, u"文献データ 登録数      :"_s, lblRefDocCount);
+    addRow(2, u"lblRefFile"_s, u"ファイルデータ 登録数 :"_s, lblRefFileCount);
+    auto* line = new QFrame(middle);
+    line->setObjectName(u"Line1"_s);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    grid->addWidget(line, 3, 0, 1, 2);
+    addRow(4, u"lblAll"_s, u"全データ 登録数        :"_s, lblAllCount);
+
+    grid->setColumnStretch(1, 1);
+    grid->setColumnMinimumWidth(1, fontMetrics().horizontalAdvance(u"0000000000"_s));
+    grid->setRowStretch(5, 1);
+    setCentralWidget(middle);
+}
+
+void frmEntryInfo::Form_Load()
+{
+    const std::shared_ptr<RecordSet> sets[] = {session().RsMain, session().RsRefDoc, session().RsRefFile};
+    QLabel* const counts[] = {lblMainCount, lblRefDocCount, lblRefFileCount};
+    for (const auto& set : sets)
+        skippingFailure([&] { required(set).moveLast(); });
+    for (int i = 0; i < 3; ++i)
+        skippingFailure([&] { counts[i]->setText(QString::number(required(sets[i]).recordCount())); });
+    skippingFailure([&] {
+        const qint16 two = within16Bits(countShownBy(*lblMainCount) + countShownBy(*lblRefDocCount));
+        lblAllCount->setText(QString::number(within16Bits(two + countShownBy(*lblRefFileCount))));
+    });
+}
+
+void frmEntryInfo::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        handleEvent(session().reporting, u"Form_KeyPress"_s, [this] { unload(); });
+        event->accept();
+        return;
+    }
+    FormWindow::keyPressEvent(event);
+}
+
+} // namespace quillon

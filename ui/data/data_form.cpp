@@ -1,0 +1,341 @@
+#include "ui/data/data_form.h"
+
+#include "app/base/input_checks.h"
+#include "app/base/platform.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
+#include "core/categories.h"
+#include "core/close_all_form.h"
+#include "store/record_set.h"
+#include "store/session.h"
+#include "ui/data/window_switch.h"
+#include "ui/widgets/event_edge.h"
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+#include "ui/widgets/window_registry.h"
+
+#include <QAction>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMenu>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr double NameLimit = 25; // full-width characters
+constexpr int NameBytes = 50;    // the remaining count counts down from here
+
+} // namespace
+
+DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
+    : FormWindow(session, registry, design.windowName), m_design(design)
+{
+    setWindowTitle(design.title);
+    buildFields();
+    buildLists();
+    sbStatus =
+        new StatusPanels({{.objectName = {}, .text = design.modeText, .toolTip = design.modeToolTip},
+                          {.objectName = {}, .text = {}, .toolTip = design.countToolTip, .stretches = true}},
+                         this);
+    sbStatus->setObjectName(u"sbStatus"_s);
+    setStatusBar(sbStatus);
+    arrange();
+}
+
+TextField& DataForm::field(int index) const
+{
+    if (index < 0 || index >= static_cast<int>(m_txtFields.size()))
+        throw Error(errors::IndexOutOfBounds);
+    return *m_txtFields[static_cast<std::size_t>(index)];
+}
+
+QString DataForm::fieldText(int index) const
+{
+    return field(index).content();
+}
+
+void DataForm::setFieldText(int index, const QString& text)
+{
+    field(index).load(text);
+}
+
+void DataForm::setCaption(const QString& caption)
+{
+    // "[*]" in a window title is a place for a mark; doubled it stands for itself.
+    QString title = caption;
+    setWindowTitle(title.replace(u"[*]"_s, u"[*][*]"_s));
+}
+
+QString DataForm::modeText() const
+{
+    return sbStatus->text(1);
+}
+
+void DataForm::setModeText(const QString& text)
+{
+    sbStatus->setText(1, text);
+}
+
+void DataForm::setMenuEnabled(const QString& menuName, bool enabled)
+{
+    if (const auto* menu = findChild<QMenu*>(menuName))
+        menu->menuAction()->setEnabled(enabled);
+    else if (auto* entry = findChild<QAction*>(menuName))
+        entry->setEnabled(enabled);
+}
+
+void DataForm::setLinkRows(const std::vector<LinkRow>& rows)
+{
+    lsvLink->rows().clear();
+    ReportModel::Fill fill(lsvLink->rows());
+    for (const LinkRow& row : rows)
+        fill.append({row.name, row.kind, row.identifier});
+}
+
+void DataForm::setCategoryRows(const std::vector<CategoryRow>& rows)
+{
+    lsvCategory->rows().clear();
+    ReportModel::Fill fill(lsvCategory->rows());
+    for (const CategoryRow& row : rows)
+        fill.append({row.name, row.identifier});
+}
+
+std::vector<CategoryRow> DataForm::categoryRows() const
+{
+    const ReportModel& listed = lsvCategory->rows();
+    std::vector<CategoryRow> rows;
+    for (int row = 0; row < listed.rowCount(); ++row)
+        rows.push_back(
+            {.name = listed.text(row, 0).toString(), .identifier = listed.text(row, 1).toString()});
+    return rows;
+}
+
+bool DataForm::showsDatum() const
+{
+    return modeText() == titles::DisplayMode;
+}
+
+RecordSet& DataForm::rows() const
+{
+    return required(session().*m_design.table);
+}
+
+bool DataForm::findRow() const
+{
+    const QString identifier = fieldText(1);
+    rows().findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
+    return rows().hasCurrentRow() && rows().field(1) == identifier;
+}
+
+void DataForm::ShowInputCount(qint16 index)
+{
+    const auto show = [&](const QString& label, int bytes) {
+        const auto used = static_cast<double>(platform::byteLength932(fieldText(index)));
+        sbStatus->setText(2, label + u"：残り全角"_s + shortestDecimal((bytes - used) / 2) + u"文字"_s);
+    };
+    if (index == 0)
+        show(u"名称"_s, NameBytes);
+    else if (index == 2)
+        show(m_design.contentLabel, m_design.contentBytes);
+}
+
+bool DataForm::CheckInput()
+{
+    Reporting& reporting = session().reporting;
+    // Both checks of a field run: a text can only fail one of them, but neither may hide the other.
+    const bool nameFits = MaxTextCheck(reporting, fieldText(0), NameLimit, u"名称"_s);
+    const bool nameFilled = NullCheck(reporting, fieldText(0));
+    if (!nameFits || !nameFilled)
+        return false;
+    // sic: a document's content is called "定義" here, too.
+    const bool contentFits = MaxTextCheck(reporting, fieldText(2), m_design.contentLimit, u"定義"_s);
+    const bool contentFilled = NullCheck(reporting, fieldText(2));
+    return contentFits && contentFilled;
+}
+
+void DataForm::writeFields(RecordSet& recordSet) const
+{
+    for (int i = 0; i <= session().MainLastFieldIndex; ++i)
+        recordSet.setField(i, fieldText(i));
+    recordSet.update();
+}
+
+void DataForm::addRow()
+{
+    RecordSet& recordSet = rows();
+    recordSet.addNew();
+    writeFields(recordSet);
+}
+
+void DataForm::classifyInListedCategories()
+{
+    for (const CategoryRow& category : categoryRows())
+        ClassifyCategory(session(), category.identifier, fieldText(1));
+}
+
+bool DataForm::QuerySave()
+{
+    if (m_deleted)
+        return true;
+    const bool shows = showsDatum();
+    bool unchanged = false;
+    if (shows) {
+        // A datum that was deleted elsewhere has nothing left to be updated.
+        unchanged = !findRow() || (fieldText(0) == rows().field(0) && fieldText(1) == rows().field(1) &&
+                                   fieldText(2) == rows().field(2));
+    } else {
+        unchanged = fieldText(0).isEmpty() && fieldText(2).isEmpty();
+    }
+    if (unchanged) {
+        m_saveResult = true;
+        return true;
+    }
+    const Answer answer = session().dialogs.messageBox(
+        {.text = shows ? u"現在のデータを更新しますか。"_s : u"現在のデータを登録しますか。"_s,
+         .buttons = Buttons::YesNoCancel});
+    if (answer == Answer::No) {
+        if (shows)
+            m_saveResult = true;
+        return true;
+    }
+    if (answer != Answer::Yes) {
+        if (shows)
+            m_saveResult = false;
+        return false;
+    }
+    // A save that fails keeps the window open with all its input, whatever was saved before.
+    bool ran = false;
+    handleEvent(session().reporting, shows ? u"mnuDataUpdate_Click"_s : u"mnuDataEntry_Click"_s, [&] {
+        if (shows)
+            mnuDataUpdate_Click();
+        else
+            mnuDataEntry_Click();
+        ran = true;
+    });
+    return ran && m_saveResult;
+}
+
+void DataForm::SwitchDataWindow(const QString& identifier)
+{
+    switchDataWindow(registry(), identifier);
+}
+
+void DataForm::mnuDataEntry_Click()
+{
+    RegisterData();
+}
+
+void DataForm::mnuDataUpdate_Click()
+{
+    if (!CheckInput())
+        return;
+    if (!findRow())
+        throw Error(errors::NoCurrentRecord);
+    RecordSet& recordSet = rows();
+    recordSet.edit();
+    writeFields(recordSet);
+    if (m_design.updateClassifies)
+        classifyInListedCategories();
+    session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});
+    m_saveResult = true;
+}
+
+void DataForm::mnuDataChange_Click()
+{
+    SwitchDataWindow(fieldText(1));
+}
+
+void DataForm::mnuDataCloseAll_Click()
+{
+    CloseAllForm(session());
+}
+
+void DataForm::mnuDataClose_Click()
+{
+    unload();
+}
+
+QAction* DataForm::addHandledEntry(QMenu* menu, const QString& name, const QString& caption,
+                                   const std::function<void()>& handler)
+{
+    QAction* entry = addEntry(menu, name, caption);
+    connect(entry, &QAction::triggered, this, eventSlot(session().reporting, name + u"_Click"_s, handler));
+    return entry;
+}
+
+bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
+{
+    // While an input method composes, its keys are its own: Esc takes the composition back, letters are no text yet.
+    if (!m_composing) {
+        if (event.key() == Qt::Key_Escape) {
+            const QPointer<DataForm> self(this);
+            if (!unload() && self)
+                ShowInputCount(static_cast<qint16>(index));
+            return true;
+        }
+        // sic: every field is checked as if it were the name, with the limit of the content.
+        if (warnsOnKey(event))
+            MaxTextCheck(session().reporting, fieldText(index), m_design.typingLimit, u"名称"_s);
+    }
+    // Before the key acts, so the count is always one key behind.
+    ShowInputCount(static_cast<qint16>(index));
+    return false;
+}
+
+bool DataForm::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyRelease && Form_KeyUp(*static_cast<QKeyEvent*>(event)))
+        return true;
+    bool handled = false;
+    for (int index = 0; index < 3; ++index) {
+        if (watched == &field(index).widget())
+            handled = fieldEvent(index, *event);
+    }
+    return handled || FormWindow::eventFilter(watched, event);
+}
+
+bool DataForm::fieldEvent(int index, QEvent& event)
+{
+    bool handled = false;
+    switch (event.type()) {
+    case QEvent::FocusIn:
+        handleEvent(session().reporting, u"txtFields_GotFocus"_s,
+                    [&] { ShowInputCount(static_cast<qint16>(index)); });
+        break;
+    case QEvent::FocusOut:
+        m_composing = false;
+        break;
+    case QEvent::InputMethod:
+        m_composing = !static_cast<QInputMethodEvent&>(event).preeditString().isEmpty();
+        break;
+    case QEvent::KeyPress:
+        handleEvent(session().reporting, u"txtFields_KeyDown"_s,
+                    [&] { handled = txtFields_KeyDown(index, static_cast<QKeyEvent&>(event)); });
+        break;
+    default:
+        break;
+    }
+    return handled;
+}
+
+bool DataForm::Form_KeyUp(const QKeyEvent& event)
+{
+    // A key held down is released once.
+    if (event.key() != Qt::Key_F2 || event.isAutoRepeat() || m_composing)
+        return false;
+    handleEvent(session().reporting, u"Form_KeyUp"_s, [&] { SwitchDataWindow(fieldText(1)); });
+    return true;
+}
+
+void DataForm::keyReleaseEvent(QKeyEvent* event)
+{
+    if (!Form_KeyUp(*event))
+        FormWindow::keyReleaseEvent(event);
+}
+
+} // namespace quillon

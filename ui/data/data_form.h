@@ -1,0 +1,130 @@
+#pragma once
+
+#include "app/base/ports/data_window.h"
+#include "ui/data/text_fields.h"
+#include "ui/widgets/form_window.h"
+#include "ui/widgets/report_model.h"
+
+#include <QPointer>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class QHBoxLayout;
+class QKeyEvent;
+
+namespace quillon
+{
+
+class RecordSet;
+class ReportList;
+class StatusPanels;
+
+/// What the windows of definitions and of documents have in common: the fields, lists and status bar of one datum,
+/// its checks, its writing and the question before closing. A window adds its menus and says where it differs.
+class DataForm : public FormWindow, public DataWindow
+{
+    Q_OBJECT
+
+public:
+    QString fieldText(int index) const override;
+    void setFieldText(int index, const QString& text) override;
+    void setCaption(const QString& caption) override;
+    QString modeText() const override;
+    void setModeText(const QString& text) override;
+    void setMenuEnabled(const QString& menuName, bool enabled) override;
+    void setLinkRows(const std::vector<LinkRow>& rows) override;
+    void setCategoryRows(const std::vector<CategoryRow>& rows) override;
+    std::vector<CategoryRow> categoryRows() const override;
+    void showModeless() override { FormWindow::showModeless(); }
+    void showModal() override { FormWindow::showModal(); }
+
+    /// Writes how many full-width characters still fit into a field to panel 2; fields 0 and 2 only.
+    void ShowInputCount(qint16 index);
+
+protected:
+    /// In what the windows differ, apart from their menus.
+    struct Design {
+        QString windowName;
+        QString title;
+        std::shared_ptr<RecordSet> Session::*table; // the record set of the window's kind
+        QString identifierLabel;
+        QString contentLabel;
+        std::array<QString, 3> fieldToolTips;
+        std::vector<ReportModel::Column> linkColumns; // name, kind, identifier
+        QString linkToolTip;
+        std::vector<ReportModel::Column> categoryColumns; // name, identifier, and one that nothing fills
+        QString categoryToolTip;
+        QString modeText; // before the opener sets one
+        QString modeToolTip;
+        QString countToolTip;
+        int contentBytes = 0;          // the remaining count counts down from here
+        double contentLimit = 0;       // full-width characters, checked on saving
+        double typingLimit = 0;        // full-width characters, checked while typing
+        QString updateTitle;           // of the notice after an update
+        bool updateClassifies = false; // an update files the datum in the listed categories again
+    };
+
+    DataForm(Session& session, WindowRegistry& registry, const Design& design);
+
+    /// Whether a key in a field is followed by a warning about the text's length.
+    virtual bool warnsOnKey(const QKeyEvent& event) const = 0;
+    /// Adds the datum to its table and turns the window into one that shows it.
+    virtual void RegisterData() = 0;
+
+    /// Whether name and content are filled and short enough; tells the user when they are not.
+    bool CheckInput();
+    /// Adds a row of the fields to the window's table.
+    void addRow();
+    /// Files the datum in every category of the category list.
+    void classifyInListedCategories();
+    /// The question before closing; true lets the window close.
+    bool QuerySave();
+    bool showsDatum() const; // display mode
+    void SwitchDataWindow(const QString& identifier);
+
+    void mnuDataEntry_Click();
+    void mnuDataUpdate_Click();
+    void mnuDataChange_Click();
+    void mnuDataCloseAll_Click();
+    void mnuDataClose_Click();
+
+    /// Adds a menu entry that runs `handler` under the entry's name.
+    QAction* addHandledEntry(QMenu* menu, const QString& name, const QString& caption,
+                             const std::function<void()>& handler);
+    /// The row of the content's label; a window may add controls to it.
+    QHBoxLayout& contentLabelRow() const { return *m_contentLabelRow; }
+
+    bool queryUnload() override { return QuerySave(); }
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+
+    ReportList* lsvLink;
+    ReportList* lsvCategory;
+    StatusPanels* sbStatus;
+    bool m_saveResult = false; // registered or updated, or the last answer of QuerySave
+    bool m_deleted = false;    // the datum is gone, closing asks nothing
+
+private:
+    TextField& field(int index) const;
+    RecordSet& rows() const;
+    /// Goes to the datum's row; false when it is gone.
+    bool findRow() const;
+    void writeFields(RecordSet& rows) const;
+    void buildFields();
+    void buildLists();
+    void arrange();
+    /// True when the key has been dealt with and must not reach the field.
+    bool txtFields_KeyDown(int index, QKeyEvent& event);
+    bool fieldEvent(int index, QEvent& event);
+    /// The window sees the release of a key before its controls do; some of them would keep it. True for F2.
+    bool Form_KeyUp(const QKeyEvent& event);
+
+    const Design m_design;
+    std::array<TextField*, 3> m_txtFields;
+    QHBoxLayout* m_contentLabelRow = nullptr;
+    bool m_composing = false; // an input method holds text that is not confirmed yet
+};
+
+} // namespace quillon

@@ -1,0 +1,111 @@
+#include "ui/data/data_form.h"
+
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+QLabel* plainLabel(const QString& name, const QString& text, QWidget* buddy, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(buddy);
+    return label;
+}
+
+void describe(QWidget* widget, const QString& toolTip)
+{
+    widget->setToolTip(toolTip);
+    widget->setAccessibleDescription(toolTip);
+}
+
+} // namespace
+
+void DataForm::buildFields()
+{
+    auto* name = new TextLine(this);
+    auto* identifier = new TextLine(this);
+    identifier->setReadOnly(true);
+    identifier->load(u"T-123456-123"_s);
+    identifier->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    auto* content = new TextArea(this);
+    m_txtFields = {name, identifier, content};
+    for (std::size_t index = 0; index < m_txtFields.size(); ++index) {
+        QWidget& widget = m_txtFields[index]->widget();
+        widget.setObjectName(u"txtFields(%1)"_s.arg(index));
+        describe(&widget, m_design.fieldToolTips[index]);
+        widget.installEventFilter(this);
+    }
+}
+
+void DataForm::buildLists()
+{
+    lsvLink = new ReportList(m_design.linkColumns, this);
+    lsvLink->setObjectName(u"lsvLink"_s);
+    lsvLink->setAccessibleName(u"リンク一覧"_s);
+    lsvLink->setColumnCharacters({12, 5, 12});
+    describe(lsvLink, m_design.linkToolTip);
+    lsvLink->installEventFilter(this);
+
+    lsvCategory = new ReportList(m_design.categoryColumns, this);
+    lsvCategory->setObjectName(u"lsvCategory"_s);
+    lsvCategory->setAccessibleName(u"分類一覧"_s);
+    lsvCategory->setColumnCharacters({12, 8, 5});
+    describe(lsvCategory, m_design.categoryToolTip);
+    lsvCategory->installEventFilter(this);
+}
+
+void DataForm::arrange()
+{
+    QWidget* name = &field(0).widget();
+    QWidget* identifier = &field(1).widget();
+    QWidget* content = &field(2).widget();
+
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+
+    auto* nameRow = new QHBoxLayout;
+    nameRow->addWidget(plainLabel(u"lblName"_s, u"名称"_s, name, middle));
+    nameRow->addWidget(name, 1);
+    nameRow->addWidget(plainLabel(u"lblObjectID"_s, m_design.identifierLabel, identifier, middle));
+    nameRow->addWidget(identifier);
+    rows->addLayout(nameRow);
+
+    m_contentLabelRow = new QHBoxLayout;
+    m_contentLabelRow->addWidget(plainLabel(u"lblExplanation"_s, m_design.contentLabel, content, middle));
+    m_contentLabelRow->addStretch(1);
+    rows->addLayout(m_contentLabelRow);
+    rows->addWidget(content, 3);
+
+    auto* lists = new QHBoxLayout;
+    const auto addList = [&](const QString& labelName, ReportList* list) {
+        auto* column = new QVBoxLayout;
+        column->addWidget(plainLabel(labelName, list->accessibleName(), list, middle));
+        column->addWidget(list, 1);
+        lists->addLayout(column, 1);
+    };
+    addList(u"lblLink"_s, lsvLink);
+    addList(u"lblCategory"_s, lsvCategory);
+    rows->addLayout(lists, 2);
+
+    setCentralWidget(middle);
+    setTabOrder(name, content);
+    setTabOrder(content, lsvLink);
+    setTabOrder(lsvLink, lsvCategory);
+    setTabOrder(lsvCategory, identifier);
+    name->setFocus();
+    // Large fonts ask for more than the usual size.
+    resize(sizeHint().expandedTo({640, 480}));
+}
+
+} // namespace quillon

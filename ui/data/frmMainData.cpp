@@ -1,0 +1,112 @@
+#include "ui/data/frmMainData.h"
+
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
+#include "core/form_mode.h"
+#include "store/session.h"
+#include "ui/data/digit_letter_key.h"
+
+#include <QAction>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+frmMainData::frmMainData(Session& session, WindowRegistry& registry)
+    : DataForm(session, registry,
+               {.windowName = u"frmMainData"_s,
+                .title = u"定義データ画面"_s,
+                .table = &Session::RsMain,
+                .identifierLabel = u"ID :"_s,
+                .contentLabel = u"定義"_s,
+                .fieldToolTips = {u"データの名称(全角で25文字以内)"_s,
+                                  u"データのID｡データ登録時に自動的に生成されます｡"_s,
+                                  // sic: the check on saving allows more than the tool tip says.
+                                  u"データの定義(全角122文字以内)"_s},
+                .linkColumns = {{.header = u"リンク先データ"_s},
+                                {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                                {.header = u"識別符号"_s}},
+                .linkToolTip = u"データのリンク先。ダブルクリックで表示できます。"_s,
+                .categoryColumns = {{.header = u"分類先カテゴリ"_s},
+                                    {.header = u"識別符号"_s},
+                                    {.header = u"位置"_s}},
+                .categoryToolTip = u"データ分類先。複数の登録も可能です。"_s,
+                .modeText = titles::DisplayMode,
+                .modeToolTip = {},
+                .countToolTip = {},
+                .contentBytes = 254,
+                .contentLimit = 127,
+                .typingLimit = 127,
+                .updateTitle = u"定義"_s,
+                .updateClassifies = true})
+{
+    buildMenus();
+}
+
+void frmMainData::buildMenus()
+{
+    QMenu* mnuData = addMenu(u"mnuData"_s, u"データ&D)"_s); // sic: without its opening parenthesis
+    addEntry(mnuData, u"mnuDataDelete"_s, u"削除(&D)"_s);
+    addHandledEntry(mnuData, u"mnuDataUpdate"_s, u"更新(&U)"_s, [this] { mnuDataUpdate_Click(); });
+    addHandledEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s, [this] {
+        mnuDataEntry_Click();
+    })->setEnabled(false);
+    addHandledEntry(mnuData, u"mnuDataNoDef"_s, u"未定義登録(&N)"_s, [this] {
+        mnuDataNoDef_Click();
+    })->setEnabled(false);
+    addLine(mnuData, u"mnuDataLine"_s);
+    addHandledEntry(mnuData, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, [this] { mnuDataChange_Click(); });
+    addHandledEntry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s,
+                    [this] { mnuDataCloseAll_Click(); });
+    addLine(mnuData, u"mnuDataLine2"_s);
+    addHandledEntry(mnuData, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, [this] { mnuDataClose_Click(); });
+
+    QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
+    addEntry(mnuLink, u"mnuLinkMain"_s, u"定義データ(&M)"_s);
+    addEntry(mnuLink, u"mnuLinkRefDoc"_s, u"文献データ(&R)"_s);
+    addEntry(mnuLink, u"mnuLinkRefFile"_s, u"ファイルデータ(&F)"_s);
+    addEntry(mnuLink, u"mnuLinkCategory"_s, u"分類先を指定"_s); // does nothing
+    addLine(mnuLink, u"mnuLinkLine"_s);
+    addEntry(mnuLink, u"mnuLinkView"_s, u"リンク先表示(&V)"_s);
+    addEntry(mnuLink, u"mnuLinkDelete"_s, u"リンク削除(&D)"_s);
+
+    QMenu* mnuCategory = addMenu(u"mnuCategory"_s, u"分類(&C)"_s);
+    addEntry(mnuCategory, u"mnuCategoryEntry"_s, u"カテゴリに分類(&E)"_s);
+    addEntry(mnuCategory, u"mnuCategoryDelete"_s, u"分類を解除(&D)"_s);
+}
+
+bool frmMainData::warnsOnKey(const QKeyEvent& event) const
+{
+    return isDigitOrLetterKey(event);
+}
+
+void frmMainData::RegisterData()
+{
+    if (!CheckInput()) {
+        m_saveResult = false;
+        return;
+    }
+    addRow();
+    classifyInListedCategories();
+    SetFormMode(*this, DisplayFormMode);
+    if (!m_saveResult)
+        session().dialogs.messageBox({.text = u"本データを登録しました。"_s});
+    m_saveResult = true;
+}
+
+void frmMainData::mnuDataNoDef_Click()
+{
+    const Answer answer = session().dialogs.messageBox(
+        {.text = u"未定義登録を行いますか。"_s, .title = u"定義"_s, .buttons = Buttons::OkCancel});
+    if (answer != Answer::Ok)
+        return;
+    setFieldText(2, titles::Undefined);
+    if (!CheckInput())
+        return;
+    m_saveResult = true; // keeps the ordinary notice of a registration away
+    RegisterData();
+    session().dialogs.messageBox({.text = u"未定義登録を行いました。"_s, .title = u"定義"_s});
+}
+
+} // namespace quillon

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QString>
+
+namespace quillon
+{
+
+/// What a field was loaded with, beside what its widget made of it. Text widgets do not keep every text as it is
+/// (line breaks of other kinds, for example); one that the user has not changed comes back as it was loaded.
+class KeptText
+{
+public:
+    void keep(const QString& loaded, const QString& asShown);
+    const QString& loaded() const { return m_loaded; }
+    /// Whether the widget still shows what it showed after loading.
+    bool stands(const QString& nowShown) const { return nowShown == m_asShown; }
+
+private:
+    QString m_loaded;
+    QString m_asShown;
+};
+
+/// A field of a data window, of one line or of many.
+class TextField
+{
+public:
+    virtual ~TextField() = default;
+
+    /// Replaces the text.
+    virtual void load(const QString& text) = 0;
+    /// The text: as loaded when the user has not changed it. What an input method has not confirmed does not count.
+    virtual QString content() const = 0;
+    virtual QWidget& widget() = 0;
+};
+
+/// A field of one line.
+class TextLine : public QLineEdit, public TextField
+{
+    Q_OBJECT
+
+public:
+    using QLineEdit::QLineEdit;
+
+    void load(const QString& text) override;
+    QString content() const override;
+    QWidget& widget() override { return *this; }
+
+private:
+    KeptText m_kept;
+};
+
+/// A field of many lines. Tab leaves it, Enter begins a new line.
+class TextArea : public QPlainTextEdit, public TextField
+{
+    Q_OBJECT
+
+public:
+    explicit TextArea(QWidget* parent = nullptr);
+
+    void load(const QString& text) override;
+    QString content() const override;
+    QWidget& widget() override { return *this; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QString shown() const;
+    QSize sizeOf(int characters, int lines) const;
+
+    KeptText m_kept;
+    bool m_carriageReturns = false; // the loaded text ends its lines with CR LF
+};
+
+} // namespace quillon
