@@ -127,7 +127,7 @@ private Q_SLOTS:
                     wrong << path + u" looks up or aside: "_s + included;
             }
         }
-        QCOMPARE(wrong, QStringList());
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
         QVERIFY(checked > 100);
     }
 
@@ -136,11 +136,12 @@ private Q_SLOTS:
         static const QRegularExpression engine(u"^\\s*#\\s*include\\s*[<\"]sqlite3"_s);
         QStringList wrong = linesThatMatch(engine, isProgramText);
         QVERIFY(!wrong.isEmpty());
-        // The benchmarks compare with the bare engine.
+        // Outside the program benchmarks compare with the bare engine, and tests make files by other means than its own.
         wrong.removeIf([](const QString& line) {
-            return line.startsWith(u"store/sqlite/"_s) || line.startsWith(u"bench/"_s);
+            return line.startsWith(u"store/sqlite/"_s) || line.startsWith(u"bench/"_s) ||
+                   line.startsWith(u"tests/"_s);
         });
-        QCOMPARE(wrong, QStringList());
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
     }
 
     void everyPathCanBeCheckedOutEverywhere()
@@ -160,7 +161,7 @@ private Q_SLOTS:
                 wrong << path + u" differs from another one in case only"_s;
             folded.insert(path.toCaseFolded());
         }
-        QCOMPARE(wrong, QStringList());
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
     }
 
     void textsAreUtf8WithPlainLineEnds()
@@ -184,14 +185,14 @@ private Q_SLOTS:
             if (!content.isEmpty() && !content.endsWith('\n'))
                 wrong << path + u" does not end its last line"_s;
         }
-        QCOMPARE(wrong, QStringList());
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
         QVERIFY(checked > 100);
     }
 
     void noLineEndsInBlanks()
     {
         static const QRegularExpression blanks(u"[ \\t]$"_s);
-        QCOMPARE(linesThatMatch(blanks, isText), QStringList());
+        QCOMPARE(linesThatMatch(blanks, isText).join(u'\n'), QString());
     }
 
     void textsForTheUserHaveTheUsersLineEnds()
@@ -215,7 +216,7 @@ private Q_SLOTS:
         static const QRegularExpression elsewhere(
             u"\\bPart[s]? \\d+\\.\\d|\\brulin[g]s?\\b|\\bshar[e]d/[a-z]"_s,
             QRegularExpression::CaseInsensitiveOption);
-        QCOMPARE(linesThatMatch(elsewhere, isText), QStringList());
+        QCOMPARE(linesThatMatch(elsewhere, isText).join(u'\n'), QString());
     }
 };
 
