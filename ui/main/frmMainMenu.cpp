@@ -94,7 +94,7 @@ void frmMainMenu::buildControls()
                              surface);
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);
-    lsvData->setColumnCharacters({54, 10, 18, 12});
+    lsvData->setColumnCharacters({36, 8, 18, 10});
 
     imgSplitter = new QWidget(surface);
     imgSplitter->setObjectName(u"imgSplitter"_s);
