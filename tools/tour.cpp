@@ -1,5 +1,6 @@
 // The tour: plays through the program's real windows on a sample database, prints each step and saves a picture of
 // every window. Usage: quillon-tour [FOLDER FOR THE PICTURES]
+#include "app/base/system_files.h"
 #include "app/shell/frmSplash.h"
 #include "app/shell/japanese_interface.h"
 #include "app/shell/program.h"

@@ -28,17 +28,20 @@ bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChar
 {
     bool fits = false;
     guarded(reporting, u"MaxTextCheck"_s, [&] {
-        // sic: a text of exactly the limit is already refused.
-        if (static_cast<double>(platform::byteLength932(fieldText)) >= 2 * maxChars) {
-            reporting.dialogs.messageBox({.text = fieldName +
-                                                  u"が最大入力値を超えています。最大入力値は全角"_s +
-                                                  shortestDecimal(maxChars) + u"文字です。"_s,
-                                          .title = titles::SystemAudit});
-            return;
-        }
-        fits = true;
+        fits = MaxLengthCheck(reporting, platform::byteLength932(fieldText), maxChars, fieldName);
     });
     return fits;
+}
+
+bool MaxLengthCheck(Reporting& reporting, qsizetype bytes, double maxChars, const QString& fieldName)
+{
+    // sic: a text of exactly the limit is already refused.
+    if (static_cast<double>(bytes) < 2 * maxChars)
+        return true;
+    reporting.dialogs.messageBox({.text = fieldName + u"が最大入力値を超えています。最大入力値は全角"_s +
+                                          shortestDecimal(maxChars) + u"文字です。"_s,
+                                  .title = titles::SystemAudit});
+    return false;
 }
 
 QString shortestDecimal(double number)

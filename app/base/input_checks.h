@@ -15,6 +15,9 @@ bool NullCheck(Reporting& reporting, const QString& fieldText);
 /// already too long. `fieldName`: the label shown to the user.
 bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChars, const QString& fieldName);
 
+/// `MaxTextCheck` for a text whose length is known. `bytes`: its length in code page 932.
+bool MaxLengthCheck(Reporting& reporting, qsizetype bytes, double maxChars, const QString& fieldName);
+
 /// A number in its shortest decimal form: "25", "24.5", "-3".
 QString shortestDecimal(double number);
 

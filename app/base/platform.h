@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/desktop.h"
+#include "app/base/ports/files.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -24,6 +25,8 @@ qsizetype byteLength932(QStringView text);
 
 /// `bytes` of code page 932 as text, or nothing when they are not valid in it.
 std::optional<QString> decode932(QByteArrayView bytes);
+/// The same for any bytes: what is not valid becomes "・", as Windows converts it.
+QString decode932Forgivingly(QByteArrayView bytes);
 
 /// Makes keys that sort as a Japanese reader sorts (the ja locale): compare them byte by byte.
 class Collator
@@ -47,6 +50,12 @@ OpenOutcome openWithAssociatedApplication(const QString& path);
 
 /// Whether an ordinary visible file stands at `path`: no folder, device or pipe (links are followed).
 bool isOrdinaryFile(const QString& path);
+
+/// Copies an ordinary file to `name` in `folder` by way of a file beside it, so that a file of that name is replaced
+/// as a whole or not at all. The copy is on the disk when this returns.
+/// Errors: 53 no such source, 76 no such folder, 70 no access, 61 full, 75 anything else.
+void copyFile(const QString& source, const QString& folder, const QString& name,
+              const Files::Progress& progress);
 
 /// Whether this process may create files in `folder`.
 bool mayWriteIn(const QString& folder);

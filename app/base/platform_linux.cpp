@@ -16,8 +16,12 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -113,17 +117,19 @@ qsizetype byteLength932(QStringView text)
     return bytes;
 }
 
-std::optional<QString> decode932(QByteArrayView bytes)
+namespace
 {
-    const Converter converter = openConverter();
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+
+/// The bytes as text by the converter's present rules, or nothing when it stops at them.
+std::optional<QString> decode(UConverter* converter, QByteArrayView bytes)
+{
     QString text(bytes.size(), Qt::Uninitialized);
     auto* target = reinterpret_cast<UChar*>(text.data());
     UChar* const targetStart = target;
     const char* source = bytes.data();
-    ucnv_toUnicode(converter.get(), &target, target + text.size(), &source, source + bytes.size(), nullptr,
-                   true, &status);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_toUnicode(converter, &target, target + text.size(), &source, source + bytes.size(), nullptr, true,
+                   &status);
     if (U_FAILURE(status))
         return std::nullopt;
     text.resize(target - targetStart);
@@ -137,6 +143,23 @@ std::optional<QString> decode932(QByteArrayView bytes)
             character = u'\x7F';
     }
     return text;
+}
+
+} // namespace
+
+std::optional<QString> decode932(QByteArrayView bytes)
+{
+    const Converter converter = openConverter();
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    return decode(converter.get(), bytes);
+}
+
+QString decode932Forgivingly(QByteArrayView bytes)
+{
+    const Converter converter = openConverter();
+    // The page itself has no replacement character, so every one in the text stands for something invalid.
+    return decode(converter.get(), bytes).value_or(QString()).replace(QChar::ReplacementCharacter, u'・');
 }
 
 struct Collator::Handle {
@@ -203,6 +226,130 @@ bool isOrdinaryFile(const QString& path)
 {
     struct stat status = {};
     return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+namespace
+{
+
+/// Throws the failure that the system's last error stands for.
+[[noreturn]] void throwLastError(qint32 whenMissing)
+{
+    switch (errno) {
+    case ENOENT:
+    case ENOTDIR:
+        throw Error(whenMissing);
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        throw Error(errors::PermissionDenied);
+    case ENOSPC:
+    case EDQUOT:
+        throw Error(errors::DiskFull);
+    default:
+        throw Error(errors::PathFileAccess);
+    }
+}
+
+/// An open file of the system.
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            close(m_descriptor);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    operator int() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+/// A file that is removed again unless it is kept.
+class FileBeside
+{
+public:
+    explicit FileBeside(const QByteArray& folder)
+        : m_name(folder + "/.quillon-XXXXXX"), m_file(mkostemp(m_name.data(), O_CLOEXEC))
+    {
+        if (m_file < 0)
+            throwLastError(errors::PathNotFound);
+    }
+    ~FileBeside()
+    {
+        if (!m_kept)
+            unlink(m_name.constData());
+    }
+    FileBeside(const FileBeside&) = delete;
+    FileBeside& operator=(const FileBeside&) = delete;
+
+    int file() const { return m_file; }
+    /// Gives the file its name, in place of a file that has it.
+    void keepAs(const QByteArray& name)
+    {
+        if (rename(m_name.constData(), name.constData()) != 0)
+            throwLastError(errors::PathNotFound);
+        m_kept = true;
+    }
+
+private:
+    QByteArray m_name;
+    Descriptor m_file;
+    bool m_kept = false;
+};
+
+void copyBytes(int from, int to, qint64 total, const Files::Progress& progress)
+{
+    std::vector<char> buffer(std::size_t{1} << 20);
+    qint64 done = 0;
+    for (;;) {
+        const ssize_t count = read(from, buffer.data(), buffer.size());
+        if (count == 0)
+            return;
+        if (count < 0) {
+            if (errno == EINTR)
+                continue;
+            throwLastError(errors::FileNotFound);
+        }
+        for (ssize_t written = 0; written < count;) {
+            const ssize_t part =
+                write(to, buffer.data() + written, static_cast<std::size_t>(count - written));
+            if (part >= 0)
+                written += part;
+            else if (errno != EINTR)
+                throwLastError(errors::PathNotFound);
+        }
+        done += count;
+        if (progress)
+            progress(done, total);
+    }
+}
+
+} // namespace
+
+void copyFile(const QString& source, const QString& folder, const QString& name,
+              const Files::Progress& progress)
+{
+    // A pipe must not be waited for, not even in opening it.
+    const Descriptor from(open(QFile::encodeName(source).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (from < 0)
+        throwLastError(errors::FileNotFound);
+    struct stat status = {};
+    if (fstat(from, &status) != 0 || !S_ISREG(status.st_mode))
+        throw Error(errors::PathFileAccess);
+    const QByteArray inFolder = QFile::encodeName(folder);
+    FileBeside copy(inFolder);
+    copyBytes(from, copy.file(), status.st_size, progress);
+    // The copy can be read by whoever could read the file, and be written by its owner.
+    if (fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR) != 0 || fsync(copy.file()) != 0)
+        throwLastError(errors::PathNotFound);
+    copy.keepAs(inFolder + '/' + QFile::encodeName(name));
+    const Descriptor entries(open(inFolder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (entries >= 0)
+        fsync(entries); // the new name, too, outlives a power failure
 }
 
 bool mayWriteIn(const QString& folder)

@@ -35,9 +35,14 @@ LengthTable makeLengthTable()
             continue;
         const wchar_t text = static_cast<wchar_t>(unit);
         char bytes[8];
-        if (WideCharToMultiByte(CodePage932, 0, &text, 1, bytes, sizeof bytes, nullptr, nullptr) == 2)
+        // Without what merely looks alike: a character that the page lacks is a "?".
+        if (WideCharToMultiByte(CodePage932, WC_NO_BEST_FIT_CHARS, &text, 1, bytes, sizeof bytes, nullptr,
+                                nullptr) == 2)
             lengths[static_cast<std::size_t>(unit)] = 2;
     }
+    // These seven are other code points of characters that the page has, their full-width twins (— 〜 ‖ − ¢ £ ¬).
+    for (const char16_t twin : {u'\u2014', u'\u301C', u'\u2016', u'\u2212', u'\u00A2', u'\u00A3', u'\u00AC'})
+        lengths[twin] = 2;
     return lengths;
 }
 
@@ -94,6 +99,17 @@ std::optional<QString> decode932(QByteArrayView bytes)
     return text;
 }
 
+QString decode932Forgivingly(QByteArrayView bytes)
+{
+    const int size = static_cast<int>(bytes.size());
+    const int length = size == 0 ? 0 : MultiByteToWideChar(CodePage932, 0, bytes.data(), size, nullptr, 0);
+    QString text(length, Qt::Uninitialized);
+    if (length > 0)
+        MultiByteToWideChar(CodePage932, 0, bytes.data(), size, reinterpret_cast<wchar_t*>(text.data()),
+                            length);
+    return text;
+}
+
 struct Collator::Handle {
 };
 
@@ -132,6 +148,55 @@ bool isOrdinaryFile(const QString& path)
     constexpr DWORD extraordinary =
         FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & extraordinary) == 0;
+}
+
+namespace
+{
+
+[[noreturn]] void throwLastError()
+{
+    switch (GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+        throw Error(errors::FileNotFound);
+    case ERROR_PATH_NOT_FOUND:
+        throw Error(errors::PathNotFound);
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        throw Error(errors::PermissionDenied);
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+        throw Error(errors::DiskFull);
+    default:
+        throw Error(errors::PathFileAccess);
+    }
+}
+
+DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEGER, LARGE_INTEGER, DWORD,
+                            DWORD, HANDLE, HANDLE, void* progress)
+{
+    (*static_cast<const Files::Progress*>(progress))(done.QuadPart, total.QuadPart);
+    return PROGRESS_CONTINUE;
+}
+
+} // namespace
+
+void copyFile(const QString& source, const QString& folder, const QString& name,
+              const Files::Progress& progress)
+{
+    const QString inFolder = QDir::toNativeSeparators(folder);
+    wchar_t beside[MAX_PATH];
+    if (GetTempFileNameW(wide(inFolder), L"qln", 0, beside) == 0)
+        throwLastError();
+    const QString target = inFolder + u'\\' + name;
+    BOOL cancelled = FALSE;
+    if (CopyFileExW(wide(QDir::toNativeSeparators(source)), beside, progress ? tellProgress : nullptr,
+                    const_cast<Files::Progress*>(&progress), &cancelled, 0) == 0 ||
+        MoveFileExW(beside, wide(target), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
+        const DWORD failure = GetLastError();
+        DeleteFileW(beside);
+        SetLastError(failure);
+        throwLastError();
+    }
 }
 
 bool mayWriteIn(const QString& folder)

@@ -2,7 +2,6 @@
 
 #include "app/base/platform.h"
 
-#include <QFileInfo>
 #include <QLocale>
 
 namespace quillon
@@ -31,18 +30,6 @@ void SystemEventLog::write(const QString& line)
 OpenOutcome SystemDesktop::open(const QString& path)
 {
     return platform::openWithAssociatedApplication(path);
-}
-
-bool SystemFiles::entryExists(const QString& path) const
-{
-    // A link that leads nowhere is an entry all the same.
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
-}
-
-bool SystemFiles::fileExists(const QString& path) const
-{
-    return platform::isOrdinaryFile(path);
 }
 
 } // namespace quillon

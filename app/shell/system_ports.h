@@ -3,7 +3,6 @@
 #include "app/base/ports/clock.h"
 #include "app/base/ports/desktop.h"
 #include "app/base/ports/event_log.h"
-#include "app/base/ports/files.h"
 
 namespace quillon
 {
@@ -34,14 +33,6 @@ class SystemDesktop : public Desktop
 {
 public:
     OpenOutcome open(const QString& path) override;
-};
-
-/// The computer's file system.
-class SystemFiles : public Files
-{
-public:
-    bool entryExists(const QString& path) const override;
-    bool fileExists(const QString& path) const override;
 };
 
 } // namespace quillon

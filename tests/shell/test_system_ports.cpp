@@ -1,3 +1,4 @@
+#include "app/base/system_files.h"
 #include "app/shell/system_ports.h"
 
 #include <QDir>

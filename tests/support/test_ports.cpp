@@ -1,9 +1,6 @@
 #include "tests/support/test_ports.h"
 
 #include "app/base/error.h"
-#include "app/base/platform.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -25,15 +22,12 @@ int kindNumber(const QString& kind)
 
 } // namespace
 
-bool RealFiles::entryExists(const QString& path) const
+void RealFiles::copyInto(const QString& source, const QString& folder, const QString& name,
+                         const Progress& progress) const
 {
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
-}
-
-bool RealFiles::fileExists(const QString& path) const
-{
-    return platform::isOrdinaryFile(path);
+    if (copyFailure != 0)
+        throw Error(copyFailure);
+    SystemFiles::copyInto(source, folder, name, progress);
 }
 
 void FakeMainWindow::setStatus(int panel, const QString& text)
@@ -65,6 +59,85 @@ void FakeDataWindow::showModal()
     ++shown;
     if (whileModal)
         whileModal();
+}
+
+void FakeDataSelection::showModal()
+{
+    calls << u"show modal"_s;
+    if (whileModal)
+        whileModal();
+}
+
+void FakeDataSelection::clearRows()
+{
+    calls << u"clear"_s;
+    rows.clear();
+}
+
+std::unique_ptr<DataRowFill> FakeDataSelection::fillRows()
+{
+    class Fill : public DataRowFill
+    {
+    public:
+        explicit Fill(QStringList& rows) : m_rows(rows) {}
+        void append(QStringView name, QStringView kind, QStringView identifier) override
+        {
+            m_rows << name + u'|' + kind + u'|' + identifier;
+        }
+
+    private:
+        QStringList& m_rows;
+    };
+    return std::make_unique<Fill>(rows);
+}
+
+void FakeDataSelection::setStatus(int panel, const QString& text)
+{
+    calls << QString::number(panel) + u": "_s + text;
+}
+
+bool FakeCategoryChooser::unload()
+{
+    ++unloads;
+    return true;
+}
+
+void FakeCategoryChooser::showModal()
+{
+    ++shown;
+    if (whileModal)
+        whileModal();
+}
+
+void FakeLinkList::reset()
+{
+    ++resets;
+    rows.clear();
+    count.clear();
+}
+
+std::unique_ptr<LinkRowFill> FakeLinkList::fillRows()
+{
+    class Fill : public LinkRowFill
+    {
+    public:
+        explicit Fill(QStringList& rows) : m_rows(rows) {}
+        void append(const LinkEnd& source, const LinkEnd& target) override
+        {
+            m_rows << source.name + u'|' + source.kind + u'|' + target.name + u'|' + target.kind + u'|' +
+                          source.identifier + u'|' + target.identifier;
+        }
+
+    private:
+        QStringList& m_rows;
+    };
+    return std::make_unique<Fill>(rows);
+}
+
+LinkListWindow& FakeWindows::linkList()
+{
+    linksLoaded = true;
+    return links;
 }
 
 FakeDataWindow& FakeWindows::create(const QString& kind)

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "app/base/ports/category_chooser.h"
 #include "app/base/ports/clock.h"
+#include "app/base/ports/data_selection.h"
 #include "app/base/ports/data_window.h"
 #include "app/base/ports/desktop.h"
 #include "app/base/ports/event_log.h"
-#include "app/base/ports/files.h"
+#include "app/base/ports/link_list_window.h"
 #include "app/base/ports/main_window_port.h"
 #include "app/base/ports/windows.h"
+#include "app/base/system_files.h"
 
 #include <QStringList>
 
@@ -51,12 +54,14 @@ public:
     OpenOutcome outcome = OpenOutcome::Opened;
 };
 
-/// The file system as it is.
-class RealFiles : public Files
+/// The file system as it is, unless a test lets copying fail.
+class RealFiles : public SystemFiles
 {
 public:
-    bool entryExists(const QString& path) const override;
-    bool fileExists(const QString& path) const override;
+    void copyInto(const QString& source, const QString& folder, const QString& name,
+                  const Progress& progress) const override;
+
+    qint32 copyFailure = 0; // the number of the failure that every copy ends in, when set
 };
 
 /// A main window without a window: it writes down what operations do to it.
@@ -72,6 +77,8 @@ public:
     QString windowName() const override { return QStringLiteral("frmMainMenu"); }
     bool unload() override { return false; }
     void bringToFront() override {}
+    void showModeless() override {}
+    void showModal() override {}
 
     void clearDataList() override { calls << QStringLiteral("clear list"); }
     void setStatus(int panel, const QString& text) override;
@@ -126,6 +133,65 @@ public:
     std::function<void()> onUnload;
 };
 
+/// A data selection window without a window.
+class FakeDataSelection : public DataSelection
+{
+public:
+    QString windowName() const override { return QStringLiteral("frmDataSelect"); }
+    bool unload() override { return true; }
+    void bringToFront() override {}
+    void showModeless() override { calls << QStringLiteral("show"); }
+    void showModal() override;
+    void clearRows() override;
+    std::unique_ptr<DataRowFill> fillRows() override;
+    QString caption() const override { return title; }
+    void setCaption(const QString& text) override { title = text; }
+    void setStatus(int panel, const QString& text) override;
+
+    QString title = QStringLiteral("データ選択画面");
+    QStringList rows;  // each as its cells joined by "|"
+    QStringList calls; // in order: "clear", "show", "show modal", status texts as "1: text"
+    std::function<void()> whileModal;
+};
+
+/// A category chooser without a window.
+class FakeCategoryChooser : public CategoryChooser
+{
+public:
+    QString windowName() const override { return QStringLiteral("frmCategory"); }
+    bool unload() override;
+    void bringToFront() override {}
+    void showModeless() override {}
+    void showModal() override;
+    void setNodes(const std::vector<ChooserNode>& chooserNodes) override { nodes = chooserNodes; }
+    void expandNode(int position) override { expanded.push_back(position); }
+
+    std::vector<ChooserNode> nodes;
+    std::vector<int> expanded;
+    int shown = 0;
+    int unloads = 0;
+    std::function<void()> whileModal;
+};
+
+/// A link list window without a window.
+class FakeLinkList : public LinkListWindow
+{
+public:
+    QString windowName() const override { return QStringLiteral("frmLinkList"); }
+    bool unload() override { return true; }
+    void bringToFront() override {}
+    void showModeless() override { ++shown; }
+    void showModal() override {}
+    void reset() override;
+    std::unique_ptr<LinkRowFill> fillRows() override;
+    void setCount(const QString& text) override { count = text; }
+
+    QStringList rows; // each as its cells joined by "|"
+    QString count;
+    int shown = 0;
+    int resets = 0;
+};
+
 /// Windows without a window system.
 class FakeWindows : public Windows
 {
@@ -133,8 +199,16 @@ public:
     std::vector<LoadedWindow*> loaded() const override { return list; }
     DataWindow& newDataWindow(const QString& kind) override;
     DataWindow& registrationWindow(const QString& kind) override;
+    DataSelection& dataSelection() override { return selection; }
+    CategoryChooser& categoryChooser() override { return chooser; }
+    LinkListWindow& linkList() override;
+    LinkListWindow* loadedLinkList() override { return linksLoaded ? &links : nullptr; }
     void showAuxiliary(const QString& windowName) override { auxiliaries << windowName; }
 
+    FakeDataSelection selection;
+    FakeCategoryChooser chooser;
+    FakeLinkList links;
+    bool linksLoaded = false;
     std::vector<LoadedWindow*> list;
     std::vector<std::unique_ptr<FakeDataWindow>> dataWindows; // in the order of creation
     FakeDataWindow* shared[3] = {nullptr, nullptr, nullptr};

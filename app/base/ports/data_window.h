@@ -42,9 +42,6 @@ public:
     /// Replaces the rows of the category list.
     virtual void setCategoryRows(const std::vector<CategoryRow>& rows) = 0;
     virtual std::vector<CategoryRow> categoryRows() const = 0;
-    virtual void showModeless() = 0;
-    /// Shows the window and returns when it has been unloaded.
-    virtual void showModal() = 0;
 };
 
 } // namespace quillon

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+
+#include <functional>
+#include <optional>
 
 namespace quillon
 {
@@ -15,6 +19,20 @@ public:
     virtual bool entryExists(const QString& path) const = 0;
     /// Whether an ordinary visible file has this name; a folder, device or pipe does not count.
     virtual bool fileExists(const QString& path) const = 0;
+    /// Whether a folder has this name; a link to a folder counts.
+    virtual bool folderExists(const QString& path) const = 0;
+    /// The full name of the ordinary file `name` in `folder`; nothing when there is none, when `name` is more than a
+    /// bare file name, or when a link leads out of the folder.
+    virtual std::optional<QString> storedFile(const QString& folder, const QString& name) const = 0;
+
+    /// Called now and then during long work with files: bytes done, bytes in all.
+    using Progress = std::function<void(qint64 done, qint64 total)>;
+    /// Copies the file `source` to `name` in `folder`, replacing a file of that name. Either the whole copy stands in
+    /// the end or everything is as it was. Errors: 53, 61, 70, 75, 76.
+    virtual void copyInto(const QString& source, const QString& folder, const QString& name,
+                          const Progress& progress) const = 0;
+    /// The bytes of an ordinary file. Errors: 53, 70, 75, and 6 when there are more than `atMost` bytes.
+    virtual QByteArray readFile(const QString& path, qint64 atMost) const = 0;
 };
 
 } // namespace quillon

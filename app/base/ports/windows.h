@@ -7,7 +7,10 @@
 namespace quillon
 {
 
+class CategoryChooser;
+class DataSelection;
 class DataWindow;
+class LinkListWindow;
 
 /// A window of the program as long as it is loaded.
 class LoadedWindow
@@ -22,6 +25,9 @@ public:
     virtual bool unload() = 0;
     /// Shows the window and brings it before the others.
     virtual void bringToFront() = 0;
+    virtual void showModeless() = 0;
+    /// Shows the window and returns when it has been unloaded; the window object may be gone then.
+    virtual void showModal() = 0;
     /// The window as a data window, or null when it is of another kind.
     virtual DataWindow* asDataWindow() { return nullptr; }
 };
@@ -39,6 +45,13 @@ public:
     virtual DataWindow& newDataWindow(const QString& kind) = 0;
     /// The shared registration window of a kind ("M", "R", "F"), created on first use. Error 91 for any other kind.
     virtual DataWindow& registrationWindow(const QString& kind) = 0;
+    /// The shared window for choosing a datum, the one for choosing a category and the list of all links,
+    /// each created on first use.
+    virtual DataSelection& dataSelection() = 0;
+    virtual CategoryChooser& categoryChooser() = 0;
+    virtual LinkListWindow& linkList() = 0;
+    /// The list of all links when it is loaded, else null.
+    virtual LinkListWindow* loadedLinkList() = 0;
     /// Shows the shared auxiliary window of this name modelessly, created on first use. Error 5 for an unknown name.
     virtual void showAuxiliary(const QString& windowName) = 0;
 };

@@ -1,0 +1,88 @@
+#include "app/base/system_files.h"
+
+#include "app/base/error.h"
+#include "app/base/platform.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+/// Whether a name can only be that of an entry of its folder. Refused everywhere is what would lead out of the folder
+/// on any platform, because a database may travel: separators and drives.
+bool isBareName(const QString& name)
+{
+    const bool drive = name.size() > 1 && name[1] == u':' && name[0].isLetter();
+    return !name.isEmpty() && name != u"." && name != u".." && !drive && !name.contains(u'/') &&
+           !name.contains(u'\\') && !name.contains(QChar(u'\0'));
+}
+
+} // namespace
+
+bool SystemFiles::entryExists(const QString& path) const
+{
+    // A link that leads nowhere is an entry all the same.
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+bool SystemFiles::fileExists(const QString& path) const
+{
+    return platform::isOrdinaryFile(path);
+}
+
+bool SystemFiles::folderExists(const QString& path) const
+{
+    return QFileInfo(path).isDir();
+}
+
+std::optional<QString> SystemFiles::storedFile(const QString& folder, const QString& name) const
+{
+    if (!isBareName(name))
+        return std::nullopt;
+    const QString path = folder + QDir::separator() + name;
+    if (!platform::isOrdinaryFile(path))
+        return std::nullopt;
+    const QString inside = QFileInfo(folder).canonicalFilePath();
+    const QString real = QFileInfo(path).canonicalFilePath();
+    if (inside.isEmpty() || !real.startsWith(inside.endsWith(u'/') ? inside : inside + u'/'))
+        return std::nullopt;
+    return path;
+}
+
+void SystemFiles::copyInto(const QString& source, const QString& folder, const QString& name,
+                           const Progress& progress) const
+{
+    if (!isBareName(name))
+        throw Error(errors::PathFileAccess);
+    platform::copyFile(source, folder, name, progress);
+}
+
+QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const
+{
+    if (!entryExists(path))
+        throw Error(errors::FileNotFound);
+    // A folder cannot be read; a pipe or a device might never end.
+    if (!platform::isOrdinaryFile(path))
+        throw Error(errors::PathFileAccess);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Error(file.error() == QFileDevice::PermissionsError ? errors::PermissionDenied
+                                                                  : errors::PathFileAccess);
+    // One byte more than wanted tells that there are too many, also when the file grows meanwhile.
+    const QByteArray bytes = file.read(atMost + 1);
+    if (file.error() != QFileDevice::NoError)
+        throw Error(errors::PathFileAccess);
+    if (bytes.size() > atMost)
+        throw Error(errors::Overflow);
+    return bytes;
+}
+
+} // namespace quillon
