@@ -1,12 +1,18 @@
 #include "core/categories.h"
 
+#include "app/base/ports/category_chooser.h"
 #include "app/base/ports/data_window.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/main_window_port.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/write_together.h"
+
+#include <QHash>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -73,6 +79,116 @@ void DeleteParentCategory(Session& session, const QString& categoryIdentifier, c
             }
         }
     });
+}
+
+void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
+                                             u"Category_ID = '"_s + categoryIdentifier +
+                                                 u"' AND Object_ID = '"_s + identifier + u"'"_s);
+    required(memberships).moveFirst();
+    memberships->deleteRow();
+}
+
+std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
+                              const QStringList& identifiers)
+{
+    // sic: without the hyphen before the wildcard, so that the category itself matches too.
+    const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
+                                             u"Category_ID Like '"_s + categoryIdentifier + u"*'"_s);
+    QHash<QString, int> filed; // how often a datum is filed there
+    required(memberships).forEachRow({1}, [&](const RecordSet::Row& row) {
+        ++filed[row.text(0).toString()];
+    });
+    QHash<QString, int> wanted; // how often it is to be taken out
+    std::size_t taken = 0;
+    for (const QString& identifier : identifiers) {
+        if (wanted.value(identifier) == filed.value(identifier))
+            break;
+        ++wanted[identifier];
+        ++taken;
+    }
+    writeTogether(memberships->database(), [&] {
+        memberships->deleteRowsIf({1}, [&](const RecordSet::Row& row) {
+            const auto left = wanted.find(row.text(0).toString());
+            if (left == wanted.end() || *left == 0)
+                return false;
+            --*left;
+            return true;
+        });
+    });
+    return taken;
+}
+
+void DeleteRelationalCategory(Session& session, const QString& identifier)
+{
+    guarded(session.reporting, u"DeleteRelationalCategory"_s, [&] {
+        const auto memberships =
+            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s);
+        if (required(memberships).recordCount() > 0)
+            writeTogether(memberships->database(), [&] { memberships->deleteEveryRow(); });
+    });
+}
+
+bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 mode)
+{
+    bool deleted = false;
+    guarded(session.reporting, u"DeleteCategory"_s, [&] {
+        const QString name = mode > 0 ? GetCategoryName(session, categoryIdentifier) : QString();
+        if (mode == 1 || mode == 3) {
+            const Answer answer = session.dialogs.messageBox(
+                {.text = u"<"_s + name + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
+            if (answer != Answer::Ok)
+                return;
+        }
+        const QString criteria = u"Category_ID = '"_s + categoryIdentifier + u"'"_s;
+        const auto memberships = GetFilterResult(session.reporting, session.RsCategory, criteria);
+        RecordSet& categories = required(session.RsCategoryID);
+        bool found = false;
+        // The memberships first: should anything go wrong, a category without members is left at worst.
+        writeTogether(required(memberships).database(), [&] {
+            memberships->deleteEveryRow();
+            categories.findFirst(criteria);
+            found = categories.hasCurrentRow() && categories.field(0) == categoryIdentifier;
+            if (found)
+                categories.deleteRow();
+        });
+        if (!found)
+            // sic: the half-width full stop and the blank at the end.
+            session.dialogs.messageBox({.text = u"カテゴリ一覧フレームに不整合が確認されました。"
+                                                u"再度データベースを展開することをお勧めします｡ "_s});
+        else if (mode >= 2)
+            session.dialogs.messageBox({.text = u"カテゴリ："_s + name + u"を削除しました。"_s});
+        deleted = true;
+    });
+    return deleted;
+}
+
+void SelectCategory(Session& session, const QString& identifier)
+{
+    const MainWindowPort& tree = session.mainWindow();
+    std::vector<ChooserNode> nodes;
+    nodes.push_back(
+        {.parentKey = {}, .key = tree.nodeKey(LastFixedNode), .text = tree.nodeText(LastFixedNode)});
+    for (int position = LastFixedNode + 1; position <= tree.nodeCount(); ++position)
+        nodes.push_back({.parentKey = tree.nodeParentKey(position),
+                         .key = tree.nodeKey(position),
+                         .text = tree.nodeText(position)});
+    CategoryChooser& chooser = session.windows.categoryChooser();
+    chooser.setNodes(nodes);
+    chooser.expandNode(1);
+    // sic: the ninth, whatever it is; with fewer nodes the choice fails here.
+    constexpr int NinthNode = 9;
+    if (nodes.size() < NinthNode) {
+        chooser.unload();
+        throw Error(
+            errors::IndexOutOfBounds,
+            u"カテゴリが少ないため選択画面を開けません。カテゴリを八つ以上登録してからやり直してください。"_s);
+    }
+    chooser.expandNode(NinthNode);
+    chooser.showModal();
+    if (session.CategoryChosen)
+        ClassifyCategory(session, session.ChosenCategoryID, identifier);
 }
 
 } // namespace quillon

@@ -1,6 +1,7 @@
 #pragma once
 
-namespace quillon {
+namespace quillon
+{
 
 class Session;
 

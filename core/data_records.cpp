@@ -6,11 +6,15 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
+#include "core/file_data.h"
 #include "core/form_mode.h"
 #include "core/links.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/write_together.h"
+
+#include <QSet>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,9 +23,6 @@ namespace quillon
 
 namespace
 {
-
-/// The fixed nodes of the main window's category tree stand before the user's categories.
-constexpr int LastFixedNode = 9;
 
 /// A kind of datum that is shown in a window of its own.
 struct ShownKind {
@@ -36,6 +37,22 @@ bool find(RecordSet& rows, const QString& identifier)
 {
     rows.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
     return rows.hasCurrentRow() && rows.field(1) == identifier;
+}
+
+/// The table of an identifier's kind. Error 91 for an unknown kind.
+RecordSet& tableOf(Session& session, const QString& identifier)
+{
+    static const std::shared_ptr<RecordSet> none;
+    return required(identifier.startsWith(u'M')   ? session.RsMain
+                    : identifier.startsWith(u'R') ? session.RsRefDoc
+                    : identifier.startsWith(u'F') ? session.RsRefFile
+                                                  : none);
+}
+
+void tellNotFound(Session& session)
+{
+    session.dialogs.messageBox(
+        {.text = u"指定されたデータが見つかりませんでした。"_s, .title = titles::DataResearch});
 }
 
 DataWindow* windowShowing(Session& session, const ShownKind& kind, const QString& identifier)
@@ -99,6 +116,8 @@ void ShowData(Session& session, const QString& identifier)
             show(session, definition, identifier);
         else if (identifier.startsWith(u'R'))
             show(session, document, identifier);
+        else if (identifier.startsWith(u'F'))
+            ShowRefFile(session, identifier);
     });
 }
 
@@ -117,6 +136,89 @@ void CreateRegisterForm(Session& session, const QString& kind)
             window.setCategoryRows(rows);
         }
     });
+}
+
+bool DeleteData(Session& session, const QString& identifier, qint16 mode)
+{
+    bool deleted = false;
+    guarded(session.reporting, u"DeleteData"_s, [&] {
+        if (mode == 1 || mode == 3) {
+            const Answer answer = session.dialogs.messageBox(
+                {.text = u"<"_s + GetDataName(session, identifier) + u"> を削除しますか。"_s,
+                 .buttons = Buttons::OkCancel});
+            if (answer != Answer::Ok)
+                return;
+        }
+        RecordSet& rows = tableOf(session, identifier);
+        const auto deleteRow = [&] {
+            rows.deleteRow();
+            deleted = true;
+        };
+        // Also for a datum whose row is gone, so that nothing is left that points to it.
+        const auto deleteRelations = [&] {
+            DeleteRelationalLink(session, identifier);
+            DeleteRelationalCategory(session, identifier);
+        };
+        if (!find(rows, identifier)) {
+            tellNotFound(session);
+            writeTogether(rows.database(), deleteRelations);
+        } else if (mode > 1) {
+            const QString name = rows.field(0);
+            deleteRow();
+            session.dialogs.messageBox({.text = u"< "_s + name + u" >を削除しました。"_s,
+                                        .title = GetDivName(session, identifier, DivName::Title)});
+            writeTogether(rows.database(), deleteRelations);
+        } else {
+            writeTogether(rows.database(), [&] {
+                deleteRow();
+                deleteRelations();
+            });
+        }
+    });
+    return deleted;
+}
+
+std::vector<bool> DeleteManyData(Session& session, const QStringList& identifiers,
+                                 const std::function<void()>& advance)
+{
+    std::vector<bool> deleted;
+    deleted.reserve(static_cast<std::size_t>(identifiers.size()));
+    Database& database = required(session.RsMain).database();
+    writeTogether(database, [&] {
+        QSet<QString> gone;
+        for (const QString& identifier : identifiers) {
+            bool rowDeleted = false;
+            for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
+                guarded(session.reporting, u"DeleteData"_s, [&] {
+                    RecordSet& rows = tableOf(session, identifier);
+                    gone.insert(identifier);
+                    if (find(rows, identifier)) {
+                        rows.deleteRow();
+                        rowDeleted = true;
+                    } else {
+                        tellNotFound(session);
+                    }
+                });
+                // A full disk, for one, undoes what was done before: then nothing was deleted.
+                if (!database.connection().inTransaction())
+                    throw Error(errors::DiskFull);
+            }
+            deleted.push_back(rowDeleted);
+            advance();
+        }
+        const auto isGone = [&](QStringView identifier) { return gone.contains(identifier.toString()); };
+        guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
+            required(session.RsLink).deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
+                return isGone(link.text(0)) || isGone(link.text(1));
+            });
+        });
+        guarded(session.reporting, u"DeleteRelationalCategory"_s, [&] {
+            required(session.RsCategory).deleteRowsIf({1}, [&](const RecordSet::Row& membership) {
+                return isGone(membership.text(0));
+            });
+        });
+    });
+    return deleted;
 }
 
 } // namespace quillon

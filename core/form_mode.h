@@ -2,7 +2,8 @@
 
 #include <QtGlobal>
 
-namespace quillon {
+namespace quillon
+{
 
 class DataWindow;
 

@@ -1,25 +1,111 @@
 #include "core/links.h"
 
 #include "app/base/ports/data_window.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/link_list_window.h"
 #include "app/base/reporting.h"
+#include "app/base/titles.h"
+#include "core/data_records.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/write_together.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
 
+namespace
+{
+
+/// The links stored from one datum to another, not those back.
+std::shared_ptr<RecordSet> linksOneWay(Session& session, const QString& target, const QString& source)
+{
+    return GetFilterResult(session.reporting, session.RsLink,
+                           u"Object_ID ='"_s + target + u"' AND Link_Object_ID ='"_s + source + u"'"_s);
+}
+
+/// The links in which a datum stands on either side.
+std::shared_ptr<RecordSet> linksOf(Session& session, const QString& identifier)
+{
+    return GetFilterResult(session.reporting, session.RsLink,
+                           u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s + identifier +
+                               u"'"_s);
+}
+
+} // namespace
+
+bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode)
+{
+    bool linked = false;
+    guarded(session.reporting, u"LinkData"_s, [&] {
+        const QString sourceName = GetDataName(session, source);
+        const QString targetName = GetDataName(session, target);
+        if (mode == 1 || mode == 3) {
+            const Answer answer = session.dialogs.messageBox(
+                {.text = u"<"_s + sourceName + u"> と<"_s + targetName + u"> をリンクしますか。"_s,
+                 .buttons = Buttons::OkCancel});
+            if (answer != Answer::Ok)
+                return;
+        }
+        const qint64 present = required(linksOneWay(session, source, target)).recordCount() +
+                               required(linksOneWay(session, target, source)).recordCount();
+        if (present != 0) {
+            session.dialogs.messageBox({.text = u"既に同一のリンクが存在します。"_s});
+            return;
+        }
+        RecordSet& links = required(session.RsLink);
+        links.addNew();
+        links.setField(0, source);
+        links.setField(1, target);
+        links.update();
+        linked = true;
+        // sic: a blank after と that the question does not have.
+        if (mode >= 2)
+            session.dialogs.messageBox(
+                {.text = u"<"_s + sourceName + u"> と <"_s + targetName + u"> をリンクしました。"_s});
+    });
+    return linked;
+}
+
+bool DeleteLink(Session& session, const QString& a, const QString& b)
+{
+    bool done = false;
+    guarded(session.reporting, u"DeleteLink"_s, [&] {
+        const auto deleteFirst = [](RecordSet& links) {
+            if (links.recordCount() > 0) {
+                links.moveFirst();
+                links.deleteRow();
+            }
+        };
+        writeTogether(required(session.RsLink).database(), [&] {
+            deleteFirst(required(linksOneWay(session, a, b)));
+            deleteFirst(required(linksOneWay(session, b, a)));
+        });
+        session.dialogs.messageBox({.text = u"<"_s + GetDataName(session, a) + u"> と <"_s +
+                                            GetDataName(session, b) + u"> のリンクを削除しました。"_s});
+        done = true;
+    });
+    return done;
+}
+
+void DeleteRelationalLink(Session& session, const QString& identifier)
+{
+    guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
+        const auto links = linksOf(session, identifier);
+        if (required(links).recordCount() > 0)
+            writeTogether(links->database(), [&] { links->deleteEveryRow(); });
+    });
+}
+
 void SetLinkList(Session& session, DataWindow& window, const QString& identifier)
 {
     guarded(session.reporting, u"SetLinkList"_s, [&] {
         window.setLinkRows({});
-        const auto links = GetFilterResult(session.reporting, session.RsLink,
-                                           u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s +
-                                               identifier + u"'"_s);
+        const auto links = linksOf(session, identifier);
         DataNameLookup names(session);
         std::vector<LinkRow> rows;
         required(links).forEachRow({0, 1}, [&](const RecordSet::Row& link) {
@@ -29,6 +115,41 @@ void SetLinkList(Session& session, DataWindow& window, const QString& identifier
                             .identifier = partner});
         });
         window.setLinkRows(rows);
+    });
+}
+
+void SetAllLinkList(Session& session)
+{
+    const auto onFailure = [&](const Error& error) {
+        if (error.number == errors::NoCurrentRecord)
+            session.dialogs.messageBox(
+                {.text = u"リンクは存在しません。"_s, .title = titles::LinkInformation});
+        else
+            ReportError(session.reporting, error.number, u"CloseAllForm"_s); // sic
+    };
+    guardedBy(onFailure, [&] {
+        if (LinkListWindow* open = session.windows.loadedLinkList())
+            open->reset();
+        RecordSet& links = required(session.RsLink);
+        links.moveFirst(); // fails when there are no links
+        LinkListWindow& window = session.windows.linkList();
+        qint64 count = 0;
+        {
+            const auto rows = window.fillRows();
+            DataNameLookup names(session);
+            links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
+                const QString source = link.text(0).toString();
+                const QString target = link.text(1).toString();
+                const QString sourceName = names.name(source);
+                const QString targetName = names.name(target);
+                const QString sourceKind = GetDivName(session, source, DivName::ShortName);
+                const QString targetKind = GetDivName(session, target, DivName::ShortName);
+                rows->append({sourceName, sourceKind, source}, {targetName, targetKind, target});
+                ++count;
+            });
+        }
+        window.setCount(u"現在の情報リンク総数 ：  "_s + QString::number(count));
+        window.showModeless();
     });
 }
 

@@ -2,13 +2,30 @@
 
 #include <QString>
 
-namespace quillon {
+namespace quillon
+{
 
 class DataWindow;
 class Session;
 
+/// Links two data unless they are linked already, in either direction; a datum may be linked to itself.
+/// `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.
+/// True when a row was added. Failures are reported as "LinkData".
+bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode);
+
+/// Deletes the link between two data in both directions and always tells so, without asking.
+/// True unless a failure was reported, as "DeleteLink".
+bool DeleteLink(Session& session, const QString& a, const QString& b);
+
+/// Deletes every link of a datum without a word. Failures are reported as "DeleteRelationalLink".
+void DeleteRelationalLink(Session& session, const QString& identifier);
+
 /// Fills a data window's link list with the links of a datum, from the datum's own point of view: each row is the
 /// partner, on whichever side it is stored. Failures are reported as "SetLinkList".
 void SetLinkList(Session& session, DataWindow& window, const QString& identifier);
+
+/// Fills the link list window with every link and shows it. Without any link it only says so; a window that is open
+/// is emptied then. Failures are reported as "CloseAllForm".
+void SetAllLinkList(Session& session);
 
 } // namespace quillon

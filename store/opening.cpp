@@ -7,6 +7,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "store/write_together.h"
 
 #include <QDir>
 
@@ -68,6 +69,7 @@ void CreateDbFile(Session& session, const QString& path)
             for (const TableSchema* table : schema::all())
                 database->execute(table->statement);
         }
+        // The database has been made, whatever comes of opening it: a failure there is told by the opening itself.
         OpenDbFile(session, path);
         session.dialogs.messageBox({.text = u"Quillon 用のデータベースを作成しました。"_s});
     });
@@ -85,8 +87,11 @@ void CreateCategoryTables(Session& session)
     guarded(session.reporting, Location, [&] {
         if (!session.OpenDb)
             throw Error(errors::ObjectNotSet);
-        session.OpenDb->execute(schema::Category_ID().statement);
-        session.OpenDb->execute(schema::Category().statement);
+        // Both or, when the program ends in between, none: only the absence of the first makes a later opening convert.
+        writeTogether(*session.OpenDb, [&] {
+            session.OpenDb->execute(schema::Category_ID().statement);
+            session.OpenDb->execute(schema::Category().statement);
+        });
     });
 }
 

@@ -350,6 +350,33 @@ void RecordSet::deleteRow()
     m_position = Position::BetweenRows;
 }
 
+void RecordSet::deleteEveryRow()
+{
+    if (!hasRows())
+        return;
+    for (moveFirst(); !endOfFile(); moveNext())
+        deleteRow();
+}
+
+void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
+                             const std::function<bool(const Row&)>& matches)
+{
+    std::vector<qint64> doomed;
+    const int rowid = static_cast<int>(fields.size());
+    const auto pass = m_database->connection().prepareOwn(
+        u"SELECT "_s + selectList(fields) + u", rowid FROM "_s + quoted(m_table.name) + u" ORDER BY rowid"_s);
+    while (pass->step()) {
+        const qint64 row = pass->number(rowid);
+        if (matches(Row(*pass)) && (!m_rows || std::binary_search(m_rows->begin(), m_rows->end(), row)))
+            doomed.push_back(row);
+    }
+    sqlite::Statement& removal = prepare(u"DELETE FROM "_s + quoted(m_table.name) + u" WHERE rowid = ?"_s);
+    for (const qint64 row : doomed) {
+        removal.bind(1, row).run();
+        m_database->noteRow(m_table.name, row);
+    }
+}
+
 std::shared_ptr<RecordSet> RecordSet::filtered(const QString& criteria) const
 {
     const Stamp before = stamp();

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -57,6 +58,8 @@ public:
     void update();
     /// Deletes the current row and leaves the cursor between rows.
     void deleteRow();
+    /// Deletes all rows of this set, one after the other.
+    void deleteEveryRow();
 
     /// The rows of this set that match, as a set of their own that does not stand on a row; this cursor stays.
     std::shared_ptr<RecordSet> filtered(const QString& criteria) const;
@@ -78,6 +81,9 @@ public:
         explicit Row(const sqlite::Statement& statement) : m_statement(statement) {}
         const sqlite::Statement& m_statement;
     };
+
+    /// Deletes the rows of which `matches` says so after one pass over all of them. The cursor stays where it is.
+    void deleteRowsIf(std::initializer_list<int> fields, const std::function<bool(const Row&)>& matches);
 
 private:
     enum class Position { OnRow, BetweenRows, NoRow, AfterLast };

@@ -251,6 +251,11 @@ void Transaction::commit()
 {
     if (!m_open)
         return;
+    // A full disk or a failing one has undone everything by itself; nobody must take that for a success.
+    if (!m_connection.inTransaction()) {
+        m_open = false;
+        throw Error(errors::DiskFull);
+    }
     m_connection.execute(u"COMMIT"_s);
     m_open = false;
 }

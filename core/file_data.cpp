@@ -1,0 +1,67 @@
+#include "core/file_data.h"
+
+#include "app/base/ports/data_window.h"
+#include "app/base/ports/desktop.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/files.h"
+#include "app/base/reporting.h"
+#include "app/base/titles.h"
+#include "store/identifiers.h"
+#include "store/record_set.h"
+#include "store/session.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+void ShowRefFile(Session& session, const QString& identifier)
+{
+    guarded(session.reporting, u"ShowRefFile"_s, [&] {
+        RecordSet& rows = required(session.RsRefFile);
+        rows.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
+        const QString folder = session.inCurrentFolder(titles::FileFolder);
+        // Registration writes the file's name into the first field; the third one may name another file.
+        const QString names[] = {rows.field(2), rows.field(0)};
+        const auto refuse = [&](const QString& text) {
+            session.dialogs.messageBox({.text = text, .title = titles::SystemAudit});
+        };
+        if (!session.files.folderExists(folder)) {
+            refuse(titles::FileFolderMissing);
+            return;
+        }
+        std::optional<QString> path;
+        for (const QString& name : names) {
+            if (!path)
+                path = session.files.storedFile(folder, name);
+        }
+        if (!path) {
+            refuse(u"指定されたファイルデータが見つかりませんでした。"_s);
+            return;
+        }
+        if (session.desktop.open(*path) == OpenOutcome::NoAssociation)
+            session.dialogs.messageBox({.text = u"指定されたファイルはアプリに関連付けられていません。"_s,
+                                        .title = titles::FileData});
+    });
+}
+
+bool RegisterFileAndLink(Session& session, const QString& identifier)
+{
+    const QString registered = CreateObject_ID(session, u"F"_s);
+    DataWindow& window = session.windows.registrationWindow(u"F"_s);
+    window.setFieldText(1, registered);
+    window.showModal();
+    // From here on the window may be gone.
+    RecordSet& files = required(session.RsRefFile);
+    files.findFirst(u"Object_ID = '"_s + registered + u"'"_s);
+    if (!files.hasCurrentRow() || files.field(1) != registered)
+        return false;
+    RecordSet& links = required(session.RsLink);
+    links.addNew();
+    links.setField(0, identifier);
+    links.setField(1, registered);
+    links.update();
+    return true;
+}
+
+} // namespace quillon
