@@ -1,8 +1,12 @@
 #include "app/shell/program.h"
 
 #include "app/shell/frmSplash.h"
+#include "ui/auxiliary/frmCategory.h"
+#include "ui/auxiliary/frmDataSelect.h"
 #include "ui/auxiliary/frmEntryInfo.h"
 #include "ui/data/frmMainData.h"
+#include "ui/data/frmRefDoc.h"
+#include "ui/data/frmRefFileEntry.h"
 #include "ui/main/frmMainMenu.h"
 
 #include <QCoreApplication>
@@ -32,6 +36,10 @@ Program::~Program()
 void Program::registerWindows()
 {
     m_windows.setFactory(u"frmMainData"_s, [this] { return new frmMainData(m_session, m_windows); });
+    m_windows.setFactory(u"frmRefDoc"_s, [this] { return new frmRefDoc(m_session, m_windows); });
+    m_windows.setFactory(u"frmRefFileEntry"_s, [this] { return new frmRefFileEntry(m_session, m_windows); });
+    m_windows.setFactory(u"frmDataSelect"_s, [this] { return new frmDataSelect(m_session, m_windows); });
+    m_windows.setFactory(u"frmCategory"_s, [this] { return new frmCategory(m_session, m_windows); });
     m_windows.setFactory(u"frmEntryInfo"_s, [this] { return new frmEntryInfo(m_session, m_windows); });
     // Opened by its name the splash window is the system information; start-up makes the timed one itself.
     m_windows.setFactory(u"frmSplash"_s, [this] {

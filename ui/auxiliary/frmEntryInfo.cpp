@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 
 #include <QFrame>
@@ -43,17 +44,9 @@ qint16 countShownBy(const QLabel& label)
     return within16Bits(label.text().toLongLong());
 }
 
-QLabel* plainLabel(const QString& name, const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 QLabel* countLabel(const QString& name, QWidget* parent)
 {
-    QLabel* label = plainLabel(name, u"0"_s, parent);
+    QLabel* label = plainLabel(name, u"0"_s, nullptr, parent);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     return label;
 }
@@ -78,7 +71,7 @@ void frmEntryInfo::arrange()
     lblAllCount = countLabel(u"lblAllCount"_s, middle);
 
     const auto addRow = [&](int row, const QString& name, const QString& caption, QLabel* count) {
-        grid->addWidget(plainLabel(name, caption, middle), row, 0);
+        grid->addWidget(plainLabel(name, caption, nullptr, middle), row, 0);
         grid->addWidget(count, row, 1);
     };
     addRow(0, u"lblMain"_s, u"定義データ 登録数      :"_s, lblMainCount);

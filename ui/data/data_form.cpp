@@ -1,13 +1,14 @@
 #include "ui/data/data_form.h"
 
 #include "app/base/input_checks.h"
-#include "app/base/platform.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
 #include "core/close_all_form.h"
+#include "core/data_records.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "ui/data/category_rows.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
@@ -33,7 +34,7 @@ constexpr int NameBytes = 50;    // the remaining count counts down from here
 } // namespace
 
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
-    : FormWindow(session, registry, design.windowName), m_design(design)
+    : FormWindow(session, registry, design.windowName), m_design(design), m_database(session.OpenDb)
 {
     setWindowTitle(design.title);
     buildFields();
@@ -45,6 +46,7 @@ DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& des
     sbStatus->setObjectName(u"sbStatus"_s);
     setStatusBar(sbStatus);
     arrange();
+    connectLists();
 }
 
 TextField& DataForm::field(int index) const
@@ -99,20 +101,12 @@ void DataForm::setLinkRows(const std::vector<LinkRow>& rows)
 
 void DataForm::setCategoryRows(const std::vector<CategoryRow>& rows)
 {
-    lsvCategory->rows().clear();
-    ReportModel::Fill fill(lsvCategory->rows());
-    for (const CategoryRow& row : rows)
-        fill.append({row.name, row.identifier});
+    showCategoryRows(*lsvCategory, rows);
 }
 
 std::vector<CategoryRow> DataForm::categoryRows() const
 {
-    const ReportModel& listed = lsvCategory->rows();
-    std::vector<CategoryRow> rows;
-    for (int row = 0; row < listed.rowCount(); ++row)
-        rows.push_back(
-            {.name = listed.text(row, 0).toString(), .identifier = listed.text(row, 1).toString()});
-    return rows;
+    return shownCategoryRows(*lsvCategory);
 }
 
 bool DataForm::showsDatum() const
@@ -127,6 +121,9 @@ RecordSet& DataForm::rows() const
 
 bool DataForm::findRow() const
 {
+    // A database that was opened later may hold another datum of the same identifier.
+    if (m_database.lock() != session().OpenDb)
+        return false;
     const QString identifier = fieldText(1);
     rows().findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
     return rows().hasCurrentRow() && rows().field(1) == identifier;
@@ -135,7 +132,7 @@ bool DataForm::findRow() const
 void DataForm::ShowInputCount(qint16 index)
 {
     const auto show = [&](const QString& label, int bytes) {
-        const auto used = static_cast<double>(platform::byteLength932(fieldText(index)));
+        const auto used = static_cast<double>(field(index).byteLength());
         sbStatus->setText(2, label + u"：残り全角"_s + shortestDecimal((bytes - used) / 2) + u"文字"_s);
     };
     if (index == 0)
@@ -170,6 +167,7 @@ void DataForm::addRow()
     RecordSet& recordSet = rows();
     recordSet.addNew();
     writeFields(recordSet);
+    m_database = session().OpenDb;
 }
 
 void DataForm::classifyInListedCategories()
@@ -195,6 +193,9 @@ bool DataForm::QuerySave()
         m_saveResult = true;
         return true;
     }
+    // When all windows are closed, the one in question is the one to be seen.
+    if (isVisible())
+        bringToFront();
     const Answer answer = session().dialogs.messageBox(
         {.text = shows ? u"現在のデータを更新しますか。"_s : u"現在のデータを登録しますか。"_s,
          .buttons = Buttons::YesNoCancel});
@@ -223,6 +224,14 @@ bool DataForm::QuerySave()
 void DataForm::SwitchDataWindow(const QString& identifier)
 {
     switchDataWindow(registry(), identifier);
+}
+
+void DataForm::mnuDataDelete_Click()
+{
+    if (!DeleteData(session(), fieldText(1), 3))
+        return;
+    m_deleted = true;
+    unload();
 }
 
 void DataForm::mnuDataEntry_Click()
@@ -273,6 +282,9 @@ bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
     // While an input method composes, its keys are its own: Esc takes the composition back, letters are no text yet.
     if (!m_composing) {
         if (event.key() == Qt::Key_Escape) {
+            // A key that is held down closes one window, not one after the other.
+            if (event.isAutoRepeat())
+                return true;
             const QPointer<DataForm> self(this);
             if (!unload() && self)
                 ShowInputCount(static_cast<qint16>(index));
@@ -280,7 +292,7 @@ bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
         }
         // sic: every field is checked as if it were the name, with the limit of the content.
         if (warnsOnKey(event))
-            MaxTextCheck(session().reporting, fieldText(index), m_design.typingLimit, u"名称"_s);
+            MaxLengthCheck(session().reporting, field(index).byteLength(), m_design.typingLimit, u"名称"_s);
     }
     // Before the key acts, so the count is always one key behind.
     ShowInputCount(static_cast<qint16>(index));
@@ -311,6 +323,9 @@ bool DataForm::fieldEvent(int index, QEvent& event)
         m_composing = false;
         break;
     case QEvent::InputMethod:
+        // The keys of an input method never arrive here; what it does stands for them, one behind like them.
+        handleEvent(session().reporting, u"txtFields_KeyDown"_s,
+                    [&] { ShowInputCount(static_cast<qint16>(index)); });
         m_composing = !static_cast<QInputMethodEvent&>(event).preeditString().isEmpty();
         break;
     case QEvent::KeyPress:

@@ -17,6 +17,7 @@ class QKeyEvent;
 namespace quillon
 {
 
+class Database;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -37,8 +38,6 @@ public:
     void setLinkRows(const std::vector<LinkRow>& rows) override;
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override;
-    void showModeless() override { FormWindow::showModeless(); }
-    void showModal() override { FormWindow::showModal(); }
 
     /// Writes how many full-width characters still fit into a field to panel 2; fields 0 and 2 only.
     void ShowInputCount(qint16 index);
@@ -63,6 +62,7 @@ protected:
         double contentLimit = 0;       // full-width characters, checked on saving
         double typingLimit = 0;        // full-width characters, checked while typing
         QString updateTitle;           // of the notice after an update
+        bool acceptsDrops = false;     // data can be dropped on the link list to link them
         bool updateClassifies = false; // an update files the datum in the listed categories again
     };
 
@@ -84,15 +84,24 @@ protected:
     bool showsDatum() const; // display mode
     void SwitchDataWindow(const QString& identifier);
 
+    void mnuDataDelete_Click();
     void mnuDataEntry_Click();
     void mnuDataUpdate_Click();
     void mnuDataChange_Click();
     void mnuDataCloseAll_Click();
     void mnuDataClose_Click();
 
+    /// The menus "リンク" and "分類", the same in both windows but for what their captions say.
+    struct RelationEntries {
+        QString categoryEntryCaption;
+        bool linkCategoryEntry = false; // an entry that does nothing
+    };
+    void addRelationMenus(const RelationEntries& entries);
+
     /// Adds a menu entry that runs `handler` under the entry's name.
     QAction* addHandledEntry(QMenu* menu, const QString& name, const QString& caption,
                              const std::function<void()>& handler);
+    QWidget& fieldWidget(int index) const { return field(index).widget(); }
     /// The row of the content's label; a window may add controls to it.
     QHBoxLayout& contentLabelRow() const { return *m_contentLabelRow; }
 
@@ -115,6 +124,19 @@ private:
     void buildFields();
     void buildLists();
     void arrange();
+    /// Notes this window as the one whose datum gets the link that is chosen next.
+    void SetLinkSource();
+    /// Lets the user choose a datum of a table and links it.
+    void linkToChosen(const std::shared_ptr<RecordSet>& table);
+    void mnuLinkRefFile_Click();
+    void mnuLinkView_Click();
+    void mnuLinkDelete_Click();
+    void mnuCategoryEntry_Click();
+    void mnuCategoryDelete_Click();
+    void lsvLink_OLEDragDrop(const QString& text);
+    void connectLists();
+    /// A menu of the window as the context menu of a list; only in display mode.
+    void popUp(const QString& menuName, const QPoint& position);
     /// True when the key has been dealt with and must not reach the field.
     bool txtFields_KeyDown(int index, QKeyEvent& event);
     bool fieldEvent(int index, QEvent& event);
@@ -122,6 +144,7 @@ private:
     bool Form_KeyUp(const QKeyEvent& event);
 
     const Design m_design;
+    std::weak_ptr<Database> m_database; // where the datum shown lies
     std::array<TextField*, 3> m_txtFields;
     QHBoxLayout* m_contentLabelRow = nullptr;
     bool m_composing = false; // an input method holds text that is not confirmed yet

@@ -1,5 +1,6 @@
 #include "ui/data/data_form.h"
 
+#include "ui/widgets/described_controls.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
 
@@ -10,26 +11,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
-
-namespace
-{
-
-QLabel* plainLabel(const QString& name, const QString& text, QWidget* buddy, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    label->setBuddy(buddy);
-    return label;
-}
-
-void describe(QWidget* widget, const QString& toolTip)
-{
-    widget->setToolTip(toolTip);
-    widget->setAccessibleDescription(toolTip);
-}
-
-} // namespace
 
 void DataForm::buildFields()
 {
@@ -54,6 +35,7 @@ void DataForm::buildLists()
     lsvLink->setObjectName(u"lsvLink"_s);
     lsvLink->setAccessibleName(u"リンク一覧"_s);
     lsvLink->setColumnCharacters({12, 5, 12});
+    lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvLink, m_design.linkToolTip);
     lsvLink->installEventFilter(this);
 
@@ -61,6 +43,7 @@ void DataForm::buildLists()
     lsvCategory->setObjectName(u"lsvCategory"_s);
     lsvCategory->setAccessibleName(u"分類一覧"_s);
     lsvCategory->setColumnCharacters({12, 8, 5});
+    lsvCategory->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvCategory, m_design.categoryToolTip);
     lsvCategory->installEventFilter(this);
 }
@@ -105,7 +88,7 @@ void DataForm::arrange()
     setTabOrder(lsvCategory, identifier);
     name->setFocus();
     // Large fonts ask for more than the usual size.
-    resize(sizeHint().expandedTo({640, 480}));
+    resize(sizeHint().expandedTo({640, 480}).boundedTo(screen()->availableSize() - QSize(20, 60)));
 }
 
 } // namespace quillon

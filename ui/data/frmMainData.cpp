@@ -39,6 +39,7 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
                 .contentLimit = 127,
                 .typingLimit = 127,
                 .updateTitle = u"定義"_s,
+                .acceptsDrops = true,
                 .updateClassifies = true})
 {
     buildMenus();
@@ -47,7 +48,7 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
 void frmMainData::buildMenus()
 {
     QMenu* mnuData = addMenu(u"mnuData"_s, u"データ&D)"_s); // sic: without its opening parenthesis
-    addEntry(mnuData, u"mnuDataDelete"_s, u"削除(&D)"_s);
+    addHandledEntry(mnuData, u"mnuDataDelete"_s, u"削除(&D)"_s, [this] { mnuDataDelete_Click(); });
     addHandledEntry(mnuData, u"mnuDataUpdate"_s, u"更新(&U)"_s, [this] { mnuDataUpdate_Click(); });
     addHandledEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s, [this] {
         mnuDataEntry_Click();
@@ -62,18 +63,7 @@ void frmMainData::buildMenus()
     addLine(mnuData, u"mnuDataLine2"_s);
     addHandledEntry(mnuData, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, [this] { mnuDataClose_Click(); });
 
-    QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
-    addEntry(mnuLink, u"mnuLinkMain"_s, u"定義データ(&M)"_s);
-    addEntry(mnuLink, u"mnuLinkRefDoc"_s, u"文献データ(&R)"_s);
-    addEntry(mnuLink, u"mnuLinkRefFile"_s, u"ファイルデータ(&F)"_s);
-    addEntry(mnuLink, u"mnuLinkCategory"_s, u"分類先を指定"_s); // does nothing
-    addLine(mnuLink, u"mnuLinkLine"_s);
-    addEntry(mnuLink, u"mnuLinkView"_s, u"リンク先表示(&V)"_s);
-    addEntry(mnuLink, u"mnuLinkDelete"_s, u"リンク削除(&D)"_s);
-
-    QMenu* mnuCategory = addMenu(u"mnuCategory"_s, u"分類(&C)"_s);
-    addEntry(mnuCategory, u"mnuCategoryEntry"_s, u"カテゴリに分類(&E)"_s);
-    addEntry(mnuCategory, u"mnuCategoryDelete"_s, u"分類を解除(&D)"_s);
+    addRelationMenus({.categoryEntryCaption = u"カテゴリに分類(&E)"_s, .linkCategoryEntry = true});
 }
 
 bool frmMainData::warnsOnKey(const QKeyEvent& event) const

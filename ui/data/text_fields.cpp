@@ -1,5 +1,7 @@
 #include "ui/data/text_fields.h"
 
+#include "app/base/platform.h"
+
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QStyle>
@@ -16,11 +18,24 @@ void KeptText::keep(const QString& loaded, const QString& asShown)
     m_asShown = asShown;
 }
 
+qsizetype TextField::byteLength() const
+{
+    if (m_bytes == Unknown)
+        m_bytes = platform::byteLength932(content());
+    return m_bytes;
+}
+
+TextLine::TextLine(QWidget* parent) : QLineEdit(parent)
+{
+    connect(this, &QLineEdit::textChanged, this, [this] { textHasChanged(); });
+}
+
 void TextLine::load(const QString& text)
 {
     setText(text);
     setCursorPosition(0); // the beginning of a long text is what one wants to see
     m_kept.keep(text, this->text());
+    textHasChanged();
 }
 
 QString TextLine::content() const
@@ -31,12 +46,14 @@ QString TextLine::content() const
 TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
 {
     setTabChangesFocus(true);
+    connect(document(), &QTextDocument::contentsChanged, this, [this] { textHasChanged(); });
 }
 
 void TextArea::load(const QString& text)
 {
     setPlainText(text);
     m_kept.keep(text, shown());
+    textHasChanged();
     m_carriageReturns = text.contains(u"\r\n"_s);
 }
 

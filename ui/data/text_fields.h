@@ -33,6 +33,16 @@ public:
     /// The text: as loaded when the user has not changed it. What an input method has not confirmed does not count.
     virtual QString content() const = 0;
     virtual QWidget& widget() = 0;
+    /// Bytes of the text in code page 932. Counted once for every change of the text.
+    qsizetype byteLength() const;
+
+protected:
+    /// To be called whenever the text has changed.
+    void textHasChanged() { m_bytes = Unknown; }
+
+private:
+    static constexpr qsizetype Unknown = -1;
+    mutable qsizetype m_bytes = Unknown;
 };
 
 /// A field of one line.
@@ -41,7 +51,7 @@ class TextLine : public QLineEdit, public TextField
     Q_OBJECT
 
 public:
-    using QLineEdit::QLineEdit;
+    explicit TextLine(QWidget* parent = nullptr);
 
     void load(const QString& text) override;
     QString content() const override;

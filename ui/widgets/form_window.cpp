@@ -1,5 +1,6 @@
 #include "ui/widgets/form_window.h"
 
+#include "app/base/twips.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/window_registry.h"
@@ -8,9 +9,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
+#include <QPushButton>
 #include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,9 +46,15 @@ bool FormWindow::tryUnload()
     if (m_asking)
         return false;
     const QPointer<FormWindow> guard(this);
-    bool mayClose = false;
     m_asking = true;
-    handleEvent(m_session.reporting, u"Form_Unload"_s, [&] { mayClose = queryUnload(); });
+    bool mayClose = false;
+    try {
+        mayClose = queryUnload();
+    } catch (const Error&) {
+        if (guard)
+            m_asking = false;
+        throw; // to whoever wanted the window closed
+    }
     if (!guard)
         return true;
     m_asking = false;
@@ -59,9 +68,54 @@ bool FormWindow::tryUnload()
     return true;
 }
 
+void FormWindow::keepAtLeast(double width, double height)
+{
+    m_leastFrame = {width, height};
+    enforceLeastSize();
+}
+
+void FormWindow::enforceLeastSize()
+{
+    if (m_leastFrame.isEmpty() || isMinimized())
+        return;
+    const QSize frame = frameSize() - size();
+    const QSize least =
+        QSize(pixelsFromTwips(m_leastFrame.width()), pixelsFromTwips(m_leastFrame.height())) - frame;
+    // A least size of its own keeps the window from asking its layout, which may need more with large fonts.
+    const QSize enforced = least.expandedTo(minimumSizeHint());
+    if (minimumSize() != enforced)
+        setMinimumSize(enforced);
+}
+
+bool FormWindow::event(QEvent* event)
+{
+    // The thickness of the frame is known only after the window has been shown.
+    const bool mayTell = event->type() == QEvent::Resize || event->type() == QEvent::Move ||
+                         event->type() == QEvent::WindowActivate || event->type() == QEvent::Show ||
+                         event->type() == QEvent::LayoutRequest;
+    const bool handled = QMainWindow::event(event);
+    if (mayTell)
+        enforceLeastSize();
+    return handled;
+}
+
+void FormWindow::keyPressEvent(QKeyEvent* event)
+{
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        event->accept();
+        if (!event->isAutoRepeat())
+            button->click();
+        return;
+    }
+    QMainWindow::keyPressEvent(event);
+}
+
 void FormWindow::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(tryUnload());
+    bool closed = false;
+    handleEvent(m_session.reporting, u"Form_Unload"_s, [&] { closed = tryUnload(); });
+    event->setAccepted(closed);
 }
 
 void FormWindow::bringToFront()

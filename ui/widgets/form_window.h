@@ -3,6 +3,7 @@
 #include "app/base/ports/windows.h"
 
 #include <QMainWindow>
+#include <QSizeF>
 #include <QString>
 
 class QAction;
@@ -28,9 +29,9 @@ public:
     bool unload() override;
     void bringToFront() override;
 
-    void showModeless();
+    void showModeless() override;
     /// Shows the window modally and returns when it has been unloaded.
-    void showModal();
+    void showModal() override;
 
 Q_SIGNALS:
     /// The window has left the registry and will be deleted.
@@ -43,7 +44,14 @@ protected:
     /// The window's own question before it closes; false keeps it open.
     virtual bool queryUnload() { return true; }
 
+    /// Sets the least size of the window with its frame, in twips. The window manager hears of it as well, so that a
+    /// person who drags the border feels the limit.
+    void keepAtLeast(double width, double height);
+
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+    /// Enter presses the button that has the focus, as it does in dialogs.
+    void keyPressEvent(QKeyEvent* event) override;
 
     /// Adds an action to a menu under its design name; captions are used as they stand.
     QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
@@ -53,11 +61,13 @@ protected:
 
 private:
     bool tryUnload();
+    void enforceLeastSize();
 
     Session& m_session;
     WindowRegistry& m_registry;
     bool m_asking = false; // a closing question is on the screen
     bool m_unloaded = false;
+    QSizeF m_leastFrame; // twips; empty for none
 };
 
 } // namespace quillon

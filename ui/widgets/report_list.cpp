@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -374,6 +376,41 @@ void ReportList::contextMenuEvent(QContextMenuEvent* event)
         position = viewport()->mapToGlobal(inside);
     }
     Q_EMIT menuRequested(position);
+}
+
+void ReportList::acceptTextDrops()
+{
+    setDragDropMode(DragDrop);
+}
+
+void ReportList::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragMoveEvent(event);
+}
+
+void ReportList::dragMoveEvent(QDragMoveEvent* event)
+{
+    // Not the base class: it asks the model, and whether the place is free.
+    if (!event->mimeData()->hasText()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void ReportList::dropEvent(QDropEvent* event)
+{
+    if (!event->mimeData()->hasText()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    const QString text = event->mimeData()->text();
+    // What follows may ask a question; the drag must have ended by then.
+    QMetaObject::invokeMethod(
+        this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
 }
 
 } // namespace quillon

@@ -32,6 +32,9 @@ public:
     /// Widths of the columns in half-width characters of the list's font; a full-width one takes two.
     void setColumnCharacters(const std::vector<int>& characters);
 
+    /// Lets text be dropped anywhere on the list.
+    void acceptTextDrops();
+
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
     void keyboardSearch(const QString& search) override;
 
@@ -48,6 +51,8 @@ Q_SIGNALS:
     void keyPressed(int key, Qt::KeyboardModifiers modifiers);
     /// A key other than Enter that had been pressed in the list was released.
     void keyReleased(int key, Qt::KeyboardModifiers modifiers);
+    /// Text was dropped on the list, see `acceptTextDrops`.
+    void textDropped(const QString& text);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -57,6 +62,9 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
     QModelIndexList selectedIndexes() const override;

@@ -1,7 +1,10 @@
 #include "ui/widgets/window_registry.h"
 
 #include "app/base/error.h"
+#include "app/base/ports/category_chooser.h"
+#include "app/base/ports/data_selection.h"
 #include "app/base/ports/data_window.h"
+#include "app/base/ports/link_list_window.h"
 #include "ui/widgets/form_window.h"
 
 #include <algorithm>
@@ -14,12 +17,13 @@ namespace quillon
 namespace
 {
 
-DataWindow& asData(FormWindow* window)
+/// A window as what operations see of it. Error 91 when it is no such window.
+template <class Port> Port& as(FormWindow* window)
 {
-    auto* data = dynamic_cast<DataWindow*>(window);
-    if (data == nullptr)
+    auto* port = dynamic_cast<Port*>(window);
+    if (port == nullptr)
         throw Error(errors::ObjectNotSet);
-    return *data;
+    return *port;
 }
 
 } // namespace
@@ -49,7 +53,7 @@ DataWindow& WindowRegistry::newDataWindow(const QString& kind)
         window = create(u"frmMainData"_s);
     else if (kind == u"R"_s)
         window = create(u"frmRefDoc"_s);
-    return asData(window);
+    return as<DataWindow>(window);
 }
 
 DataWindow& WindowRegistry::registrationWindow(const QString& kind)
@@ -63,7 +67,27 @@ DataWindow& WindowRegistry::registrationWindow(const QString& kind)
         name = u"frmRefFileEntry"_s;
     if (!m_factories.contains(name))
         throw Error(errors::ObjectNotSet);
-    return asData(&sharedWindow(name));
+    return as<DataWindow>(&sharedWindow(name));
+}
+
+DataSelection& WindowRegistry::dataSelection()
+{
+    return as<DataSelection>(&sharedWindow(u"frmDataSelect"_s));
+}
+
+CategoryChooser& WindowRegistry::categoryChooser()
+{
+    return as<CategoryChooser>(&sharedWindow(u"frmCategory"_s));
+}
+
+LinkListWindow& WindowRegistry::linkList()
+{
+    return as<LinkListWindow>(&sharedWindow(u"frmLinkList"_s));
+}
+
+LinkListWindow* WindowRegistry::loadedLinkList()
+{
+    return dynamic_cast<LinkListWindow*>(loadedSharedWindow(u"frmLinkList"_s));
 }
 
 void WindowRegistry::showAuxiliary(const QString& windowName)

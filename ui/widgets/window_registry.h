@@ -26,6 +26,10 @@ public:
     std::vector<LoadedWindow*> loaded() const override;
     DataWindow& newDataWindow(const QString& kind) override;
     DataWindow& registrationWindow(const QString& kind) override;
+    DataSelection& dataSelection() override;
+    CategoryChooser& categoryChooser() override;
+    LinkListWindow& linkList() override;
+    LinkListWindow* loadedLinkList() override;
     void showAuxiliary(const QString& windowName) override;
 
     /// The shared instance of a window, created on first use; it is not shown. Error 5 for an unknown name.

@@ -1,0 +1,183 @@
+#include "ui/auxiliary/frmDataSelect.h"
+
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
+#include "core/data_records.h"
+#include "core/links.h"
+#include "store/session.h"
+#include "ui/widgets/event_edge.h"
+#include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QMenu>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int IdentifierColumn = 2;
+
+class RowFill : public DataRowFill
+{
+public:
+    explicit RowFill(ReportModel& rows) : m_fill(rows) {}
+    void append(QStringView name, QStringView kind, QStringView identifier) override
+    {
+        m_fill.append({name, kind, identifier});
+    }
+
+private:
+    ReportModel::Fill m_fill;
+};
+
+} // namespace
+
+frmDataSelect::frmDataSelect(Session& session, WindowRegistry& registry)
+    : FormWindow(session, registry, u"frmDataSelect"_s)
+{
+    setWindowTitle(u"データ選択画面"_s);
+    buildMenus();
+    arrange();
+    connectList();
+}
+
+void frmDataSelect::buildMenus()
+{
+    QMenu* mnuOpe = addMenu(u"mnuOpe"_s, u"データ(&D)"_s);
+    const auto entry = [&](const QString& name, const QString& caption, void (frmDataSelect::*handler)()) {
+        connect(addEntry(mnuOpe, name, caption), &QAction::triggered, this,
+                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
+    };
+    entry(u"mnuView"_s, u"表示(&V)"_s, &frmDataSelect::cmdOK_Click);
+    entry(u"mnuDelete"_s, u"削除(&F)"_s, &frmDataSelect::mnuDelete_Click);
+    entry(u"mnuClose"_s, u"閉じる(&C)"_s, &frmDataSelect::cmdCancel_Click);
+}
+
+void frmDataSelect::arrange()
+{
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+
+    lsvData = new ReportList({{.header = u"名称"_s},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"ＩＤ"_s},
+                              {.header = u"下位分類"_s, .storage = ReportModel::Storage::Word}},
+                             middle);
+    lsvData->setObjectName(u"lsvData"_s);
+    lsvData->setAccessibleName(u"データ一覧"_s);
+    lsvData->setColumnCharacters({36, 8, 16, 10});
+    lsvData->setSelectionMode(QAbstractItemView::SingleSelection);
+    rows->addWidget(lsvData, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    QWidget* before = lsvData;
+    const auto addButton = [&](const QString& name, const QString& caption,
+                               void (frmDataSelect::*handler)()) {
+        auto* button = new QPushButton(caption, middle);
+        button->setObjectName(name);
+        connect(button, &QPushButton::clicked, this,
+                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
+        buttons->addWidget(button);
+        setTabOrder(before, button);
+        before = button;
+    };
+    addButton(u"cmdOK"_s, u"OK"_s, &frmDataSelect::cmdOK_Click);
+    addButton(u"cmdCancel"_s, u"Cancel"_s, &frmDataSelect::cmdCancel_Click);
+    rows->addLayout(buttons);
+    setCentralWidget(middle);
+
+    const int modeWidth = fontMetrics().horizontalAdvance(u"リンクモード"_s) * 2;
+    sbStatus = new StatusPanels({{.objectName = {},
+                                  .width = modeWidth,
+                                  .text = {},
+                                  .toolTip = u"現在の情報選択画面のモードを表示します。"_s},
+                                 {.objectName = {}, .text = {}, .toolTip = {}, .stretches = true},
+                                 {.objectName = {},
+                                  .width = 2 * modeWidth,
+                                  .text = {},
+                                  .toolTip = u"表示されている情報数を表示します。"_s}},
+                                this);
+    sbStatus->setObjectName(u"sbStatus"_s);
+    setStatusBar(sbStatus);
+    lsvData->setFocus();
+    resize(sizeHint().expandedTo({640, 420}));
+}
+
+void frmDataSelect::connectList()
+{
+    lsvData->rows().setDragColumn(IdentifierColumn);
+    connect(lsvData, &ReportList::rowActivated, this,
+            eventSlot(session().reporting, u"lsvData_DblClick"_s, [this] { cmdOK_Click(); }));
+    connect(lsvData, &ReportList::keyReleased, this, [this](int key) {
+        handleEvent(session().reporting, u"lsvData_KeyUp"_s, [&] { lsvData_KeyUp(key); });
+    });
+}
+
+void frmDataSelect::clearRows()
+{
+    lsvData->rows().clear();
+}
+
+std::unique_ptr<DataRowFill> frmDataSelect::fillRows()
+{
+    return std::make_unique<RowFill>(lsvData->rows());
+}
+
+void frmDataSelect::setStatus(int panel, const QString& text)
+{
+    sbStatus->setText(panel, text);
+}
+
+int frmDataSelect::rowToActOn()
+{
+    const int row = lsvData->selectedRow();
+    if (row < 0)
+        session().dialogs.messageBox(
+            {.text = u"データが選択されていません。"_s, .title = titles::SystemOperation});
+    return row;
+}
+
+void frmDataSelect::cmdOK_Click()
+{
+    const int row = rowToActOn();
+    if (row < 0)
+        return;
+    const QString identifier = lsvData->rows().text(row, IdentifierColumn).toString();
+    if (!session().LinkSourceMode)
+        ShowData(session(), identifier);
+    else if (LinkData(session(), identifier, session().LinkSourceID, 1))
+        unload();
+}
+
+void frmDataSelect::mnuDelete_Click()
+{
+    const int row = rowToActOn();
+    if (row < 0 || !DeleteData(session(), lsvData->rows().text(row, IdentifierColumn).toString(), 1))
+        return;
+    const int count = lsvData->rows().rowCount();
+    lsvData->rows().removeRowsAt({row});
+    setStatus(3, u"表示データ数："_s + QString::number(count - 1));
+}
+
+void frmDataSelect::cmdCancel_Click()
+{
+    unload();
+}
+
+void frmDataSelect::lsvData_KeyUp(int key)
+{
+    if (key == Qt::Key_Delete)
+        mnuDelete_Click();
+    else if (key == Qt::Key_Escape)
+        unload();
+}
+
+} // namespace quillon

@@ -1,0 +1,165 @@
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
+#include "core/categories.h"
+#include "core/data_records.h"
+#include "core/data_selection.h"
+#include "core/file_data.h"
+#include "core/links.h"
+#include "store/session.h"
+#include "ui/data/data_form.h"
+#include "ui/widgets/event_edge.h"
+#include "ui/widgets/report_list.h"
+
+#include <QAction>
+#include <QMenu>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int LinkIdentifierColumn = 2;
+constexpr int CategoryIdentifierColumn = 1;
+constexpr int IdentifierLength = 12; // a dropped text of another length is none
+
+} // namespace
+
+void DataForm::addRelationMenus(const RelationEntries& entries)
+{
+    QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
+    addHandledEntry(mnuLink, u"mnuLinkMain"_s, u"定義データ(&M)"_s,
+                    [this] { linkToChosen(session().RsMain); });
+    addHandledEntry(mnuLink, u"mnuLinkRefDoc"_s, u"文献データ(&R)"_s,
+                    [this] { linkToChosen(session().RsRefDoc); });
+    addHandledEntry(mnuLink, u"mnuLinkRefFile"_s, u"ファイルデータ(&F)"_s,
+                    [this] { mnuLinkRefFile_Click(); });
+    if (entries.linkCategoryEntry)
+        addEntry(mnuLink, u"mnuLinkCategory"_s, u"分類先を指定"_s); // does nothing
+    addLine(mnuLink, u"mnuLinkLine"_s);
+    addHandledEntry(mnuLink, u"mnuLinkView"_s, u"リンク先表示(&V)"_s, [this] { mnuLinkView_Click(); });
+    addHandledEntry(mnuLink, u"mnuLinkDelete"_s, u"リンク削除(&D)"_s, [this] { mnuLinkDelete_Click(); });
+
+    QMenu* mnuCategory = addMenu(u"mnuCategory"_s, u"分類(&C)"_s);
+    addHandledEntry(mnuCategory, u"mnuCategoryEntry"_s, entries.categoryEntryCaption,
+                    [this] { mnuCategoryEntry_Click(); });
+    addHandledEntry(mnuCategory, u"mnuCategoryDelete"_s, u"分類を解除(&D)"_s,
+                    [this] { mnuCategoryDelete_Click(); });
+}
+
+void DataForm::connectLists()
+{
+    connect(lsvLink, &ReportList::rowActivated, this,
+            eventSlot(session().reporting, u"lsvLink_DblClick"_s, [this] { mnuLinkView_Click(); }));
+    connect(lsvLink, &ReportList::menuRequested, this,
+            [this](const QPoint& position) { popUp(u"mnuLink"_s, position); });
+    connect(lsvCategory, &ReportList::menuRequested, this,
+            [this](const QPoint& position) { popUp(u"mnuCategory"_s, position); });
+    if (!m_design.acceptsDrops)
+        return;
+    lsvLink->acceptTextDrops();
+    connect(lsvLink, &ReportList::textDropped, this, [this](const QString& text) {
+        handleEvent(session().reporting, u"lsvLink_OLEDragDrop"_s, [&] { lsvLink_OLEDragDrop(text); });
+    });
+}
+
+void DataForm::popUp(const QString& menuName, const QPoint& position)
+{
+    if (showsDatum())
+        findChild<QMenu*>(menuName)->popup(position);
+}
+
+void DataForm::SetLinkSource()
+{
+    session().LinkSourceMode = true;
+    session().LinkSourceID = fieldText(1);
+    session().LinkSourceName = fieldText(0);
+    session().LinkSourceForm = this;
+}
+
+void DataForm::linkToChosen(const std::shared_ptr<RecordSet>& table)
+{
+    const QPointer<DataForm> self(this);
+    SetLinkSource();
+    CreateDataList(session(), table, SelectionUse::Link, ListFill::Replace);
+    if (self)
+        SetLinkList(session(), *this, fieldText(1));
+}
+
+void DataForm::mnuLinkRefFile_Click()
+{
+    SetLinkSource();
+    const Answer answer = session().dialogs.messageBox(
+        {.text = u"外部のファイルとリンクする場合は【はい】を、登録済みのファイルデータとリンクする場合は"
+                 u"【いいえ】を選択してください。"_s,
+         .title = titles::LinkInformation,
+         .buttons = Buttons::YesNo});
+    if (answer != Answer::Yes) {
+        linkToChosen(session().RsRefFile);
+        return;
+    }
+    const QPointer<DataForm> self(this);
+    if (RegisterFileAndLink(session(), fieldText(1)) && self)
+        SetLinkList(session(), *this, fieldText(1));
+}
+
+void DataForm::mnuLinkView_Click()
+{
+    const auto onFailure = [this](const Error& error) {
+        session().dialogs.messageBox(
+            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
+             .title = titles::SystemOperation});
+    };
+    guardedBy(onFailure, [&] {
+        const int row = lsvLink->selectedRow();
+        if (row < 0) {
+            session().dialogs.messageBox(
+                {.text = u"データが選択されていません。"_s, .title = titles::SystemOperation});
+            return;
+        }
+        ShowData(session(), lsvLink->rows().text(row, LinkIdentifierColumn).toString());
+    });
+}
+
+void DataForm::mnuLinkDelete_Click()
+{
+    const int row = lsvLink->selectedRow();
+    if (row < 0) {
+        session().dialogs.messageBox({.text = u"リンクは存在しません。"_s, .title = titles::SystemOperation});
+        return;
+    }
+    DeleteLink(session(), lsvLink->rows().text(row, LinkIdentifierColumn).toString(), fieldText(1));
+    SetLinkList(session(), *this, fieldText(1));
+}
+
+void DataForm::mnuCategoryEntry_Click()
+{
+    const QPointer<DataForm> self(this);
+    SelectCategory(session(), fieldText(1));
+    if (self)
+        AddCategory(session(), *this, fieldText(1));
+}
+
+void DataForm::mnuCategoryDelete_Click()
+{
+    const int row = lsvCategory->selectedRow();
+    if (row < 0) {
+        session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
+        return;
+    }
+    DeleteCategoryEntry(session(), lsvCategory->rows().text(row, CategoryIdentifierColumn).toString(),
+                        fieldText(1));
+    AddCategory(session(), *this, fieldText(1));
+}
+
+void DataForm::lsvLink_OLEDragDrop(const QString& text)
+{
+    if (text.size() != IdentifierLength)
+        return;
+    LinkData(session(), fieldText(1), text, 1);
+    SetLinkList(session(), *this, fieldText(1));
+}
+
+} // namespace quillon

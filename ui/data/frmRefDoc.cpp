@@ -1,0 +1,163 @@
+#include "ui/data/frmRefDoc.h"
+
+#include "app/base/platform.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/files.h"
+#include "app/base/text_file.h"
+#include "app/base/titles.h"
+#include "app/base/twips.h"
+#include "core/form_mode.h"
+#include "store/session.h"
+#include "ui/widgets/event_edge.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr double LeastWidth = 7000;  // twips
+constexpr double LeastHeight = 7000; // twips
+constexpr int ContentBytes = 65536;  // what the content can hold, in bytes of code page 932
+
+} // namespace
+
+frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
+    : DataForm(session, registry,
+               {.windowName = u"frmRefDoc"_s,
+                .title = u"文献データ画面"_s,
+                .table = &Session::RsRefDoc,
+                .identifierLabel = u"ID:"_s,
+                .contentLabel = u"文献"_s,
+                // sic: the tool tip, the remaining count and the check on saving have three different limits.
+                .fieldToolTips = {u"文献の名称。最大入力数は全角で25文字です。"_s,
+                                  u"情報の認識符号｡情報登録時に自動的に生成されます｡"_s,
+                                  u"文献の内容。最大入力数は全角で32,768文字です。"_s},
+                .linkColumns = {{.header = u"リンク先名称"_s},
+                                {.header = u"形式"_s, .storage = ReportModel::Storage::Word},
+                                {.header = u"ＩＤ"_s}},
+                .linkToolTip = u"データのリンク先。ダブルクリックで表示できます。"_s,
+                .categoryColumns = {{.header = u"分類先カテゴリ名"_s},
+                                    {.header = u"カテゴリID"_s},
+                                    {.header = u"位置"_s}},
+                .categoryToolTip = u"データの分類先。複数の登録も可能です。"_s,
+                .modeText = u"ステータス"_s,
+                .modeToolTip = u"現在の文献データ画面のステータスを表示します。"_s,
+                .countToolTip = u"入力可能文字数を表示します。"_s,
+                .contentBytes = ContentBytes,
+                .contentLimit = 32000,
+                .typingLimit = 32768,
+                .updateTitle = titles::DocumentData})
+{
+    buildMenus();
+    buildSizeButtons();
+    keepAtLeast(LeastWidth, LeastHeight);
+}
+
+void frmRefDoc::buildMenus()
+{
+    QMenu* mnuOpe = addMenu(u"mnuOpe"_s, u"データ(&D)"_s);
+    addHandledEntry(mnuOpe, u"mnuDataEntry"_s, u"登録(&E)"_s, [this] {
+        mnuDataEntry_Click();
+    })->setEnabled(false);
+    addHandledEntry(mnuOpe, u"mnuDataUpdate"_s, u"更新(&U)"_s, [this] { mnuDataUpdate_Click(); });
+    addHandledEntry(mnuOpe, u"mnuDataDelete"_s, u"削除(&D)"_s, [this] { mnuDataDelete_Click(); });
+    addHandledEntry(mnuOpe, u"mnuDataLoadText"_s, u"テキストファイルの読込(&T)"_s,
+                    [this] { mnuDataLoadText_Click(); });
+    addLine(mnuOpe, u"mnuDataLine"_s);
+    addHandledEntry(mnuOpe, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, [this] { mnuDataChange_Click(); });
+    addHandledEntry(mnuOpe, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s,
+                    [this] { mnuDataCloseAll_Click(); });
+    addLine(mnuOpe, u"mnuDataLine2"_s);
+    addHandledEntry(mnuOpe, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, [this] { mnuDataClose_Click(); });
+
+    addRelationMenus({.categoryEntryCaption = u"カテゴリに分類(&A)"_s});
+}
+
+void frmRefDoc::buildSizeButtons()
+{
+    struct Size {
+        QString caption;
+        int points;
+    };
+    const Size sizes[] = {{u"12(&L)"_s, 12}, {u"10(&N)"_s, 10}, {u"9(&S)"_s, 9}};
+    QWidget* before = &fieldWidget(0);
+    for (int i = 0; i < 3; ++i) {
+        auto* button = new QPushButton(sizes[i].caption, this);
+        button->setObjectName(u"cmdSize(%1)"_s.arg(i));
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this,
+                eventSlot(session().reporting, u"cmdSize_Click"_s,
+                          [this, points = sizes[i].points] { cmdSize_Click(points); }));
+        contentLabelRow().addWidget(button);
+        setTabOrder(before, button);
+        before = button;
+    }
+    setTabOrder(before, &fieldWidget(2));
+}
+
+bool frmRefDoc::warnsOnKey(const QKeyEvent&) const
+{
+    return true;
+}
+
+void frmRefDoc::RegisterData()
+{
+    if (!CheckInput()) {
+        m_saveResult = false;
+        return;
+    }
+    addRow();
+    m_saveResult = true;
+    SetFormMode(*this, DisplayFormMode);
+    classifyInListedCategories();
+}
+
+void frmRefDoc::mnuDataLoadText_Click()
+{
+    const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Open,
+                                                      .filter = u"ﾃｷｽﾄﾌｧｲﾙ (*.txt)|*.txt"_s,
+                                                      .fileName = m_chosenPath,
+                                                      .folder = {},
+                                                      .promptBeforeOverwriting = false});
+    // A cancelled dialog leaves the last name, whose file is then loaded again.
+    m_chosenPath = chosen.value_or(m_chosenPath);
+    if (m_chosenPath.isEmpty() || !session().files.entryExists(m_chosenPath))
+        return;
+    const auto refuse = [] {
+        throw Error(errors::Overflow,
+                    u"ファイルが大きすぎて読み込めません。"
+                    u"文献の内容に読み込めるのは全角で32,768文字までです。ファイルを分割してください。"_s);
+    };
+    // The longest encoding of what fits is three bytes of UTF-8 for a half-width character, and a mark before them.
+    constexpr qint64 MostBytes = 3 * (ContentBytes + 1);
+    QString text;
+    try {
+        text = decodeTextFile(session().files.readFile(m_chosenPath, MostBytes));
+    } catch (const Error& error) {
+        if (error.number != errors::Overflow)
+            throw;
+        refuse();
+    }
+    if (platform::byteLength932(text) > ContentBytes)
+        refuse();
+    setFieldText(2, text);
+}
+
+void frmRefDoc::cmdSize_Click(int points)
+{
+    QWidget& content = fieldWidget(2);
+    QFont font = content.font();
+    font.setPointSize(points);
+    content.setFont(font);
+}
+
+} // namespace quillon

@@ -1,0 +1,272 @@
+#include "ui/data/frmRefFileEntry.h"
+
+#include "app/base/extract_string.h"
+#include "app/base/input_checks.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/ports/files.h"
+#include "app/base/titles.h"
+#include "store/record_set.h"
+#include "store/session.h"
+#include "store/write_together.h"
+#include "ui/data/category_rows.h"
+#include "ui/widgets/described_controls.h"
+#include "ui/widgets/event_edge.h"
+#include "ui/widgets/report_list.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+frmRefFileEntry::frmRefFileEntry(Session& session, WindowRegistry& registry)
+    : FormWindow(session, registry, u"frmRefFileEntry"_s)
+{
+    setWindowTitle(u"ファイルデータ登録画面"_s);
+    buildMenus();
+    arrange();
+}
+
+void frmRefFileEntry::buildMenus()
+{
+    QMenu* mnuData = addMenu(u"mnuData"_s, u"データ(&O)"_s);
+    connect(addEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s), &QAction::triggered, this,
+            eventSlot(session().reporting, u"mnuDataEntry_Click"_s, [this] { mnuDataEntry_Click(); }));
+    addLine(mnuData, u"mnuOpeLine"_s);
+    addEntry(mnuData, u"mnuOpeClose"_s, u"閉じる"_s); // does nothing
+}
+
+void frmRefFileEntry::arrange()
+{
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+
+    const auto addField = [&](int index) {
+        auto* line = new QLineEdit(middle);
+        line->setObjectName(u"txtFields(%1)"_s.arg(index));
+        m_txtFields[index] = line;
+        return line;
+    };
+    const auto addButton = [&](const QString& name, const QString& caption,
+                               void (frmRefFileEntry::*handler)()) {
+        auto* button = new QPushButton(caption, middle);
+        button->setObjectName(name);
+        connect(button, &QPushButton::clicked, this,
+                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
+        return button;
+    };
+
+    auto* fields = new QGridLayout;
+    QLineEdit* path = addField(0);
+    describe(path, u"登録するファイルのパス（場所）を入力する。"_s);
+    cmdPath = addButton(u"cmdPath"_s, u"参照(&P)"_s, &frmRefFileEntry::cmdPath_Click);
+    fields->addWidget(plainLabel(u"lblPath"_s, u"ファイルの指定 :"_s, path, middle), 0, 0);
+    fields->addWidget(path, 0, 1);
+    fields->addWidget(cmdPath, 0, 2);
+    QLineEdit* identifier = addField(1);
+    identifier->setReadOnly(true);
+    connect(path, &QLineEdit::returnPressed, this,
+            eventSlot(session().reporting, u"cmdEntry_Click"_s, [this] { mnuDataEntry_Click(); }));
+    fields->addWidget(plainLabel(u"lblObjectID"_s, u"ＩＤ :"_s, identifier, middle), 1, 0);
+    fields->addWidget(identifier, 1, 1, 1, 2);
+    rows->addLayout(fields);
+
+    lsvCategory = new ReportList(
+        {{.header = u"カテゴリ名"_s}, {.header = u"識別符号"_s}, {.header = u"位置"_s}}, middle);
+    lsvCategory->setObjectName(u"lsvCategory"_s);
+    lsvCategory->setAccessibleName(u"分類一覧"_s);
+    lsvCategory->setColumnCharacters({24, 12, 8});
+    describe(lsvCategory, u"データの分類先。複数の登録も可能です。"_s);
+    rows->addWidget(plainLabel(u"lblCategory"_s, lsvCategory->accessibleName(), lsvCategory, middle));
+    rows->addWidget(lsvCategory, 1);
+
+    m_progress = new QProgressBar(middle);
+    m_progress->setObjectName(u"pgbCopy"_s);
+    m_progress->setTextVisible(false);
+    m_progress->hide();
+    rows->addWidget(m_progress);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    cmdEntry = addButton(u"cmdEntry"_s, u"登録(&E)"_s, &frmRefFileEntry::mnuDataEntry_Click);
+    cmdCancel = addButton(u"cmdCancel"_s, u"ｷｬﾝｾﾙ(&C)"_s, &frmRefFileEntry::cmdCancel_Click);
+    buttons->addWidget(cmdEntry);
+    buttons->addWidget(cmdCancel);
+    rows->addLayout(buttons);
+
+    setCentralWidget(middle);
+    setTabOrder(path, cmdPath);
+    setTabOrder(cmdPath, identifier);
+    setTabOrder(identifier, lsvCategory);
+    setTabOrder(lsvCategory, cmdEntry);
+    setTabOrder(cmdEntry, cmdCancel);
+    path->setFocus();
+    resize(sizeHint().expandedTo({520, 300}));
+}
+
+QString frmRefFileEntry::fieldText(int index) const
+{
+    return index == 0 || index == 1 ? m_txtFields[index]->text() : QString();
+}
+
+void frmRefFileEntry::setFieldText(int index, const QString& text)
+{
+    if (index == 0 || index == 1)
+        m_txtFields[index]->setText(text);
+}
+
+void frmRefFileEntry::setMenuEnabled(const QString& menuName, bool enabled)
+{
+    if (auto* entry = findChild<QAction*>(menuName))
+        entry->setEnabled(enabled);
+}
+
+void frmRefFileEntry::setCategoryRows(const std::vector<CategoryRow>& rows)
+{
+    showCategoryRows(*lsvCategory, rows);
+}
+
+std::vector<CategoryRow> frmRefFileEntry::categoryRows() const
+{
+    return shownCategoryRows(*lsvCategory);
+}
+
+void frmRefFileEntry::cmdPath_Click()
+{
+    const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Open,
+                                                      .filter = {},
+                                                      .fileName = m_chosenPath,
+                                                      .folder = {},
+                                                      .promptBeforeOverwriting = false});
+    m_chosenPath = chosen.value_or(m_chosenPath);
+    setFieldText(0, m_chosenPath); // sic: a cancelled dialog, too, replaces what was typed
+}
+
+void frmRefFileEntry::mnuDataEntry_Click()
+{
+    const auto onFailure = [this](const Error& error) {
+        CloseWithoutAsking = false;
+        session().dialogs.messageBox(
+            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
+             .title = titles::SystemAudit});
+    };
+    guardedBy(onFailure, [&] { registerFile(); });
+}
+
+void frmRefFileEntry::registerFile()
+{
+    const QString fileTitle = u"FILE"_s;
+    CloseWithoutAsking = false;
+    const QString path = fieldText(0);
+    if (!NullCheck(session().reporting, path))
+        return;
+    if (!session().files.fileExists(path) || path.endsWith(QDir::separator())) {
+        session().dialogs.messageBox({.text = u"指定されたファイルが見つかりません。"_s, .title = fileTitle});
+        return;
+    }
+    if (!session().files.folderExists(session().inCurrentFolder(titles::FileFolder))) {
+        session().dialogs.messageBox(
+            {.text = titles::FileFolderMissing, .title = fileTitle, .icon = Icon::Information});
+        return;
+    }
+    const QString name = copyToFileFolder(path);
+    RecordSet& files = required(session().RsRefFile);
+    writeTogether(files.database(), [&] {
+        files.addNew();
+        files.setField(0, name);
+        files.setField(1, fieldText(1));
+        files.setField(2, u"未入力"_s);
+        files.update();
+        const auto categories = categoryRows();
+        if (categories.empty())
+            return;
+        RecordSet& memberships = required(session().RsCategory);
+        memberships.addNew();
+        memberships.setField(0, categories.front().identifier); // of several only the first
+        memberships.setField(1, fieldText(1));
+        memberships.update();
+    });
+    session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
+    CloseWithoutAsking = true;
+    unload();
+}
+
+QString frmRefFileEntry::copyToFileFolder(const QString& path)
+{
+    const QString name = ExtractString(session().reporting, path, QDir::separator());
+    QElapsedTimer sincePaint;
+    sincePaint.start();
+    const auto progress = [&](qint64 done, qint64 total) {
+        constexpr qint64 PaintInterval = 33; // milliseconds
+        if (sincePaint.elapsed() < PaintInterval)
+            return;
+        constexpr int Steps = 1000;
+        m_progress->setRange(0, Steps);
+        m_progress->setValue(total > 0 ? static_cast<int>(done * Steps / total) : 0);
+        m_progress->show();
+        centralWidget()->layout()->activate();
+        m_progress->repaint();
+        sincePaint.restart();
+    };
+    setCursor(Qt::WaitCursor);
+    const auto finish = [&] {
+        unsetCursor();
+        m_progress->hide();
+    };
+    try {
+        session().files.copyInto(path, session().inCurrentFolder(titles::FileFolder), name, progress);
+    } catch (const Error&) {
+        finish();
+        throw;
+    }
+    finish();
+    return name;
+}
+
+void frmRefFileEntry::cmdCancel_Click()
+{
+    CloseWithoutAsking = true;
+    unload();
+}
+
+bool frmRefFileEntry::queryUnload()
+{
+    bool closes = true;
+    if (!CloseWithoutAsking && !fieldText(0).isEmpty()) {
+        const Answer answer = session().dialogs.messageBox({.text = u"現在のデータを登録しますか。"_s,
+                                                            .title = titles::FileData,
+                                                            .buttons = Buttons::YesNoCancel});
+        if (answer == Answer::Yes) {
+            // A registration closes the window itself, which is what is going on already.
+            mnuDataEntry_Click();
+            closes = CloseWithoutAsking;
+        } else {
+            closes = answer == Answer::No;
+        }
+    }
+    CloseWithoutAsking = false;
+    return closes;
+}
+
+void frmRefFileEntry::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        handleEvent(session().reporting, u"Form_KeyDown"_s, [this] { unload(); });
+        event->accept();
+        return;
+    }
+    FormWindow::keyPressEvent(event);
+}
+
+} // namespace quillon

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/base/ports/data_window.h"
+#include "ui/widgets/form_window.h"
+
+class QLineEdit;
+class QPushButton;
+class QProgressBar;
+
+namespace quillon
+{
+
+class ReportList;
+
+/// The window that registers an outside file as a file datum: it copies the file into the folder of registered files
+/// and adds its row. It has no display mode; after a registration it closes.
+class frmRefFileEntry : public FormWindow, public DataWindow
+{
+    Q_OBJECT
+
+public:
+    frmRefFileEntry(Session& session, WindowRegistry& registry);
+
+    /// Fields 0 (the path of the outside file) and 1 (the identifier); others are empty and cannot be set.
+    QString fieldText(int index) const override;
+    void setFieldText(int index, const QString& text) override;
+    void setCaption(const QString& caption) override { setWindowTitle(caption); }
+    QString modeText() const override { return {}; }
+    void setModeText(const QString&) override {}
+    void setMenuEnabled(const QString& menuName, bool enabled) override;
+    void setLinkRows(const std::vector<LinkRow>&) override {}
+    void setCategoryRows(const std::vector<CategoryRow>& rows) override;
+    std::vector<CategoryRow> categoryRows() const override;
+
+protected:
+    bool queryUnload() override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void buildMenus();
+    void arrange();
+    void cmdPath_Click();
+    void mnuDataEntry_Click();
+    void cmdCancel_Click();
+    /// Registers the file; the steps of `mnuDataEntry_Click` without its answer to failures.
+    void registerFile();
+    QString copyToFileFolder(const QString& path);
+
+    QLineEdit* m_txtFields[2] = {nullptr, nullptr};
+    QPushButton* cmdPath = nullptr;
+    QPushButton* cmdEntry = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    ReportList* lsvCategory = nullptr;
+    QProgressBar* m_progress = nullptr; // of a long copy
+    QString m_chosenPath;               // what the file dialog chose last
+    bool CloseWithoutAsking = false;
+};
+
+} // namespace quillon
