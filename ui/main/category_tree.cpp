@@ -1,5 +1,6 @@
 #include "ui/main/category_tree.h"
 
+#include "app/base/ports/main_window_port.h"
 #include "app/base/reporting.h"
 #include "store/record_set.h"
 #include "store/schema.h"

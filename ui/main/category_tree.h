@@ -10,10 +10,6 @@ class KeyedTree;
 class KeyedTreeModel;
 class Session;
 
-/// The last of the fixed nodes at the top of the category tree; a node beyond this position is a user category,
-/// whatever its key.
-inline constexpr int LastFixedNode = 9;
-
 /// Rebuilds the tree: the nine fixed nodes, then one node per category, each below the category that its identifier
 /// names. A missing ancestor is added under the name of the first descendant. A failure, for example a key that is
 /// taken already, is reported as "OpenDbFile" and ends the build where it is.

@@ -26,6 +26,19 @@ public:
     }
     void finish();
 
+    /// Shows the bar as long as it lives.
+    class Showing
+    {
+    public:
+        Showing(FillProgress& progress, qint64 maximum) : m_progress(progress) { progress.start(maximum); }
+        ~Showing() { m_progress.finish(); }
+        Showing(const Showing&) = delete;
+        Showing& operator=(const Showing&) = delete;
+
+    private:
+        FillProgress& m_progress;
+    };
+
 private:
     void paintNowAndThen();
 

@@ -66,6 +66,7 @@ frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
     m_progress = std::make_unique<FillProgress>(*pgbMain);
     m_filler = std::make_unique<DataListFiller>(session, lsvData->rows(), *m_progress);
     session.setMainWindow(this);
+    keepAtLeast(metrics::LeastWidth, metrics::LeastHeight);
 
     const QSize wanted(pixelsFromTwips(metrics::DesignWidth), pixelsFromTwips(metrics::DesignHeight));
     resize(wanted.boundedTo(screen()->availableSize() - QSize(40, 60)));

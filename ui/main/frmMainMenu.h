@@ -6,8 +6,10 @@
 #include "ui/widgets/form_window.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <vector>
 
 class QAction;
 class QFrame;
@@ -17,6 +19,7 @@ class QProgressBar;
 namespace quillon
 {
 
+struct Error;
 class KeyedTree;
 class RecordSet;
 class ReportList;
@@ -52,6 +55,8 @@ public:
     QString GetNewCategory_ID(const QString& parentKey, bool topLevel) const;
     /// Whether more than one row of the data list is selected.
     bool CheckMultiSelect() const;
+    /// Deletes the datum of the selected row and tells so, without asking; the list is left as it is.
+    void DeleteSelectedData();
 
     // Handlers of the frame. Positions are in twips, relative to the handle.
     void Form_Resize();
@@ -64,8 +69,15 @@ public:
     void mnuFileOpen_Click();
     void mnuEnd_Click();
     void mnuEntryMain_Click();
+    void mnuEntryRefDoc_Click();
+    void mnuEntryRefFile_Click();
     void mnuDataView_Click();
+    void mnuDataCategoryDelete_Click();
     void mnuDataCloseAll_Click();
+    void mnuDataDelete_Click();
+    void mnuCategoryEntry_Click();
+    void mnuCategoryDelete_Click();
+    void mnuCategoryRename_Click();
     void mnuInfoEntry_Click();
     void mnuInfoReadme_Click();
     void mnuInfoRef_Click();
@@ -99,18 +111,20 @@ private:
 
     void buildControls();
     void buildMenus();
+    void splitterEvent(QEvent& event);
     void connectTree();
     void connectList();
-    void enforceMinimumSize();
-    /// Runs a handler at the edge to the event loop.
-    template <class Handler> void handle(const QString& name, Handler&& handler);
 
     void ShowDataList();
     void showDataCount();
     void listAllData();
     bool treeHasNodes() const { return nodeCount() > 0; }
+    /// The answer of the data menu's own handlers to a failure.
+    void showFailure(const Error& error);
+    void classifySelectedRows(const QString& categoryKey);
+    /// The identifiers of these rows of the data list.
+    QStringList identifiersOf(const std::vector<int>& rows) const;
     void openTextFile(const QString& fileName, const QString& missing);
-    void openFile(const QString& name);
 
     KeyedTree* tvwCategory = nullptr;
     ReportList* lsvData = nullptr;

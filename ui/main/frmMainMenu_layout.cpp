@@ -31,7 +31,6 @@ void frmMainMenu::Form_Resize()
 {
     if (isMinimized())
         return;
-    enforceMinimumSize();
     m_laidOutFrame = frameSize();
     const double width = twipsFromPixels(m_laidOutFrame.width());
     const double height = twipsFromPixels(m_laidOutFrame.height());
@@ -50,16 +49,6 @@ void frmMainMenu::Form_Resize()
         pixelsFromTwips(metrics::Margin),
         pixelsFromTwips(std::min(height - metrics::ProgressTopLess, room - metrics::ProgressHeight)));
     pgbMain->raise();
-}
-
-void frmMainMenu::enforceMinimumSize()
-{
-    const QSize frame = frameSize() - size();
-    const QSize least(pixelsFromTwips(metrics::LeastWidth) - frame.width(),
-                      pixelsFromTwips(metrics::LeastHeight) - frame.height());
-    // Told to the window manager as well, so that a person who drags the border feels the limit.
-    if (minimumSize() != least)
-        setMinimumSize(least);
 }
 
 void frmMainMenu::SizeControls(float& x)
@@ -108,18 +97,23 @@ void frmMainMenu::imgSplitter_MouseUp()
     Moving = false;
 }
 
+void frmMainMenu::splitterEvent(QEvent& event)
+{
+    const auto isLeft = [&] { return static_cast<QMouseEvent&>(event).button() == Qt::LeftButton; };
+    if (event.type() == QEvent::MouseButtonPress && isLeft())
+        imgSplitter_MouseDown();
+    else if (event.type() == QEvent::MouseMove)
+        imgSplitter_MouseMove(twipsFromPixels(qRound(static_cast<QMouseEvent&>(event).position().x())));
+    else if (event.type() == QEvent::MouseButtonRelease && Moving && isLeft())
+        imgSplitter_MouseUp();
+}
+
 bool frmMainMenu::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == centralWidget() && event->type() == QEvent::Resize) {
         Form_Resize();
     } else if (watched == imgSplitter) {
-        const auto* mouse = static_cast<QMouseEvent*>(event);
-        if (event->type() == QEvent::MouseButtonPress && mouse->button() == Qt::LeftButton)
-            imgSplitter_MouseDown();
-        else if (event->type() == QEvent::MouseMove)
-            imgSplitter_MouseMove(twipsFromPixels(qRound(mouse->position().x())));
-        else if (event->type() == QEvent::MouseButtonRelease && mouse->button() == Qt::LeftButton && Moving)
-            imgSplitter_MouseUp();
+        splitterEvent(*event);
     }
     return FormWindow::eventFilter(watched, event);
 }

@@ -88,8 +88,14 @@ void frmMainMenu::lsvData_KeyDown(int key, Qt::KeyboardModifiers shift)
 {
     if (!treeHasNodes())
         return;
-    if (key == Qt::Key_Insert && (shift & ~Qt::KeypadModifier) != Qt::ShiftModifier)
+    const bool exactlyShift =
+        (shift & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier)) == Qt::ShiftModifier;
+    if (key == Qt::Key_Insert && exactlyShift)
+        mnuEntryRefDoc_Click();
+    else if (key == Qt::Key_Insert)
         mnuEntryMain_Click();
+    else if (key == Qt::Key_Delete)
+        mnuDataDelete_Click();
 }
 
 void frmMainMenu::lsvData_MouseDown(const QPoint& position)
@@ -107,25 +113,6 @@ void frmMainMenu::lsvData_DblClick()
 {
     if (treeHasNodes())
         mnuDataView_Click();
-}
-
-void frmMainMenu::mnuDataView_Click()
-{
-    const auto onFailure = [this](const Error& error) {
-        session().dialogs.messageBox(
-            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-             .title = titles::SystemOperation});
-    };
-    guardedBy(onFailure, [&] {
-        const int row = lsvData->selectedRow();
-        // Rows without a selection are like no rows: there is nothing to show.
-        if (row < 0) {
-            session().dialogs.messageBox(
-                {.text = u"データが選択されていません。"_s, .title = titles::SystemOperation});
-            return;
-        }
-        ShowData(session(), lsvData->rows().text(row, IdentifierColumn).toString());
-    });
 }
 
 } // namespace quillon

@@ -45,18 +45,21 @@ void frmMainMenu::buildMenus()
     mnuData = addMenu(u"mnuData"_s, u"データ(&D)"_s);
     QMenu* mnuEntry = addSubmenu(mnuData, u"mnuEntry"_s, u"新規データ登録(&E)"_s);
     entry(mnuEntry, u"mnuEntryMain"_s, u"定義データ(&M)"_s, &frmMainMenu::mnuEntryMain_Click);
-    entry(mnuEntry, u"mnuEntryRefDoc"_s, u"文献データ(&R)"_s);
-    entry(mnuEntry, u"mnuEntryRefFile"_s, u"ファイルデータ(&Ｆ)"_s); // sic: a full-width access key
+    entry(mnuEntry, u"mnuEntryRefDoc"_s, u"文献データ(&R)"_s, &frmMainMenu::mnuEntryRefDoc_Click);
+    // sic: a full-width access key
+    entry(mnuEntry, u"mnuEntryRefFile"_s, u"ファイルデータ(&Ｆ)"_s, &frmMainMenu::mnuEntryRefFile_Click);
     entry(mnuData, u"mnuDataView"_s, u"データ表示(&V)"_s, &frmMainMenu::mnuDataView_Click);
-    entry(mnuData, u"mnuDataCategoryDelete"_s, u"分類を解除(&C)"_s);
+    entry(mnuData, u"mnuDataCategoryDelete"_s, u"分類を解除(&C)"_s,
+          &frmMainMenu::mnuDataCategoryDelete_Click);
     entry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmMainMenu::mnuDataCloseAll_Click);
     addLine(mnuData, u"mnuDataLine"_s);
-    entry(mnuData, u"mnuDataDelete"_s, u"データ削除(&D)"_s);
+    entry(mnuData, u"mnuDataDelete"_s, u"データ削除(&D)"_s, &frmMainMenu::mnuDataDelete_Click);
 
     mnuCategory = addMenu(u"mnuCategory"_s, u"カテゴリ(&C)"_s);
-    entry(mnuCategory, u"mnuCategoryEntry"_s, u"新規カテゴリ登録(&E)"_s);
-    entry(mnuCategory, u"mnuCategoryDelete"_s, u"カテゴリ削除(&D)"_s);
-    entry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s);
+    entry(mnuCategory, u"mnuCategoryEntry"_s, u"新規カテゴリ登録(&E)"_s,
+          &frmMainMenu::mnuCategoryEntry_Click);
+    entry(mnuCategory, u"mnuCategoryDelete"_s, u"カテゴリ削除(&D)"_s, &frmMainMenu::mnuCategoryDelete_Click);
+    entry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s, &frmMainMenu::mnuCategoryRename_Click);
 
     mnuFind = addMenu(u"mnuFind"_s, u"検索(&F)"_s);
     entry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s);
@@ -101,7 +104,8 @@ void frmMainMenu::mnuFileNew_Click()
     dlgDbOpen.fileName = chosen.value_or(dlgDbOpen.fileName);
     if (dlgDbOpen.fileName.isEmpty())
         return;
-    // Even when the dialog has asked about replacing the file already.
+    // Even when the dialog has asked about replacing the file already. Folders and links that lead nowhere count on
+    // purpose: no database can be made under such a name either.
     if (session().files.entryExists(dlgDbOpen.fileName)) {
         session().dialogs.messageBox({.text = u"Quillon ではデータベースの上書き作成を承認できません。"_s,
                                       .title = titles::SystemAudit});
@@ -144,6 +148,16 @@ void frmMainMenu::mnuEnd_Click()
 void frmMainMenu::mnuEntryMain_Click()
 {
     CreateRegisterForm(session(), u"M"_s);
+}
+
+void frmMainMenu::mnuEntryRefDoc_Click()
+{
+    CreateRegisterForm(session(), u"R"_s);
+}
+
+void frmMainMenu::mnuEntryRefFile_Click()
+{
+    CreateRegisterForm(session(), u"F"_s);
 }
 
 void frmMainMenu::mnuDataCloseAll_Click()

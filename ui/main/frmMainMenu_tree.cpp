@@ -1,8 +1,11 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/data_records.h"
+#include "store/record_set.h"
 #include "store/session.h"
+#include "store/write_together.h"
 #include "ui/main/category_tree.h"
+#include "ui/main/fill_progress.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/keyed_tree.h"
@@ -53,6 +56,12 @@ void frmMainMenu::tvwCategory_KeyUp(int key)
         ShowDataList();
         showDataCount();
         break;
+    case Qt::Key_Delete:
+        mnuCategoryDelete_Click();
+        break;
+    case Qt::Key_Insert:
+        mnuCategoryEntry_Click();
+        break;
     default:
         break;
     }
@@ -83,11 +92,25 @@ void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
                       u" ]へ分類してもよろしいですか"_s; // sic: without a full stop
         if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
             return;
-        const QString key = nodeKey(target);
-        for (const int row : lsvData->selectedRows())
-            ClassifyCategory(session(), key, lsvData->rows().text(row, IdentifierColumn).toString());
+        classifySelectedRows(nodeKey(target));
     });
     tvwCategory->setDropHighlight(0);
+}
+
+void frmMainMenu::classifySelectedRows(const QString& categoryKey)
+{
+    const QStringList identifiers = identifiersOf(lsvData->selectedRows());
+    Database& database = required(session().RsCategory).database();
+    const FillProgress::Showing showing(*m_progress, identifiers.size());
+    writeTogether(database, [&] {
+        for (const QString& identifier : identifiers) {
+            ClassifyCategory(session(), categoryKey, identifier);
+            // A full disk undoes everything by itself; going on would fail row by row.
+            if (!database.connection().inTransaction())
+                throw Error(errors::DiskFull);
+            m_progress->advance();
+        }
+    });
 }
 
 void frmMainMenu::tvwCategory_MouseMove()

@@ -1,0 +1,88 @@
+#include "app/base/ports/dialogs.h"
+#include "core/categories.h"
+#include "store/record_set.h"
+#include "store/session.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/keyed_tree.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+void frmMainMenu::mnuCategoryEntry_Click()
+{
+    guarded(session().reporting, u"mnuCategoryEntry_Click"_s, [&] {
+        const int selected = selectedNodeIndex();
+        // Below the data by kind, too, a new category is one of the top level.
+        const bool topLevel = selected <= LastFixedNode;
+        const QString parentKey = topLevel ? u"CATEGORY"_s : nodeKey(selected);
+        const QString question = topLevel ? u"新規にカテゴリを登録しますか。"_s
+                                          : nodeText(selected) + u"の下に新規のカテゴリを登録しますか。"_s;
+        if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
+            return;
+        const QString prompt = u"カテゴリ名を入力してください。"_s;
+        const QString name = session().dialogs.inputBox({.prompt = prompt}).value_or(QString());
+        if (name.isEmpty()) {
+            session().dialogs.messageBox({.text = prompt});
+            return;
+        }
+        const QString identifier = GetNewCategory_ID(parentKey, topLevel);
+        RecordSet& categories = required(session().RsCategoryID);
+        categories.addNew();
+        categories.setField(0, identifier);
+        categories.setField(1, name);
+        categories.update();
+        tvwCategory->nodes().add(parentKey, identifier, name);
+        if (selected > 0)
+            tvwCategory->expandNode(selected);
+    });
+}
+
+void frmMainMenu::mnuCategoryRename_Click()
+{
+    const int selected = selectedNodeIndex();
+    if (selected <= LastFixedNode) {
+        session().dialogs.messageBox({.text = u"指定された項目はカテゴリではありません。"_s});
+        return;
+    }
+    const QString key = nodeKey(selected);
+    const QString text = nodeText(selected);
+    const Answer answer = session().dialogs.messageBox(
+        {.text = u"カテゴリ："_s + text + u"の名称を変更しますか。"_s, .buttons = Buttons::OkCancel});
+    if (answer != Answer::Ok)
+        return;
+    const QString name =
+        session()
+            .dialogs.inputBox({.prompt = u"新しいカテゴリ名を入力して下さい。"_s, .content = text})
+            .value_or(QString());
+    if (name.isEmpty()) {
+        session().dialogs.messageBox({.text = u"カテゴリ名が入力されていません。"_s});
+        return;
+    }
+    RecordSet& categories = required(session().RsCategoryID);
+    categories.findFirst(u"Category_ID ='"_s + key + u"'"_s);
+    categories.edit();
+    categories.setField(0, key);
+    categories.setField(1, name);
+    categories.update();
+    tvwCategory->nodes().setText(selected, name);
+}
+
+void frmMainMenu::mnuCategoryDelete_Click()
+{
+    const int selected = selectedNodeIndex();
+    if (selected <= LastFixedNode) {
+        session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
+        return;
+    }
+    if (tvwCategory->nodes().hasChildren(selected)) {
+        session().dialogs.messageBox(
+            {.text = u"サブカテゴリが存在します。先にサブカテゴリを削除して下さい。"_s});
+        return;
+    }
+    if (DeleteCategory(session(), nodeKey(selected), 1))
+        tvwCategory->nodes().remove(selected);
+}
+
+} // namespace quillon

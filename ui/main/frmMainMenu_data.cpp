@@ -1,0 +1,114 @@
+#include "app/base/ports/dialogs.h"
+#include "core/categories.h"
+#include "core/data_records.h"
+#include "store/session.h"
+#include "ui/main/fill_progress.h"
+#include "ui/main/frmMainMenu.h"
+#include "ui/widgets/report_list.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+QStringList frmMainMenu::identifiersOf(const std::vector<int>& rows) const
+{
+    QStringList identifiers;
+    identifiers.reserve(static_cast<qsizetype>(rows.size()));
+    for (const int row : rows)
+        identifiers << lsvData->rows().text(row, IdentifierColumn).toString();
+    return identifiers;
+}
+
+void frmMainMenu::mnuDataView_Click()
+{
+    guardedBy([this](const Error& error) { showFailure(error); },
+              [&] {
+                  const int row = lsvData->selectedRow();
+                  // Rows without a selection are like no rows: there is nothing to show.
+                  if (row < 0) {
+                      session().dialogs.messageBox(
+                          {.text = u"データが選択されていません。"_s, .title = titles::SystemOperation});
+                      return;
+                  }
+                  ShowData(session(), lsvData->rows().text(row, IdentifierColumn).toString());
+              });
+}
+
+void frmMainMenu::mnuDataDelete_Click()
+{
+    guardedBy(
+        [this](const Error& error) { showFailure(error); },
+        [&] {
+            std::vector<int> rows = lsvData->selectedRows();
+            if (rows.empty()) {
+                session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
+                return;
+            }
+            const QString question =
+                CheckMultiSelect()
+                    ? u"選択された複数のデータを削除しますか。"_s
+                    : u"<"_s + lsvData->rows().text(rows.front(), 0).toString() + u"> を削除しますか。"_s;
+            if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
+                return;
+            std::vector<bool> deleted;
+            {
+                const FillProgress::Showing showing(*m_progress, static_cast<qint64>(rows.size()));
+                deleted = DeleteManyData(session(), identifiersOf(rows), [this] { m_progress->advance(); });
+            }
+            // Only rows whose data are really gone leave the list, and only once that is durable.
+            std::vector<int> gone;
+            for (std::size_t i = 0; i < rows.size(); ++i) {
+                if (deleted[i])
+                    gone.push_back(rows[i]);
+            }
+            lsvData->rows().removeRowsAt(std::move(gone));
+        });
+}
+
+void frmMainMenu::mnuDataCategoryDelete_Click()
+{
+    const int selected = selectedNodeIndex();
+    if (selected <= LastFixedNode) {
+        session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
+        return;
+    }
+    std::vector<int> rows = lsvData->selectedRows();
+    if (rows.empty()) {
+        session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
+        return;
+    }
+    const std::size_t taken = TakeOutOfCategory(session(), nodeKey(selected), identifiersOf(rows));
+    const bool all = taken == rows.size();
+    rows.resize(taken);
+    lsvData->rows().removeRowsAt(std::move(rows));
+    // A datum that is filed nowhere below the category any more ends the work at its row.
+    if (!all)
+        throw Error(errors::NoCurrentRecord);
+}
+
+void frmMainMenu::DeleteSelectedData()
+{
+    const auto onFailure = [this](const Error& error) {
+        session().dialogs.messageBox(
+            {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : DeleteData\r\nEXPLANATION : "_s +
+                     error.description,
+             .title = titles::FailureCountermeasures});
+    };
+    guardedBy(onFailure, [&] {
+        const int row = lsvData->selectedRow();
+        if (row < 0) {
+            session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
+            return;
+        }
+        DeleteData(session(), lsvData->rows().text(row, IdentifierColumn).toString(), 2);
+    });
+}
+
+void frmMainMenu::showFailure(const Error& error)
+{
+    session().dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
+                                  .title = titles::SystemOperation});
+}
+
+} // namespace quillon
