@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/sqlite/connection.h"
+#include "store/text_search.h"
 
 #include <QHash>
 #include <QString>
@@ -20,12 +21,15 @@ public:
     /// Creates a new file without any table. Errors: 3204 there already, 76 no such folder, 3051 may not be written.
     static std::shared_ptr<Database> create(const QString& path);
 
-    /// Runs a data-definition statement as it stands; the type word MEMO becomes a type with text affinity.
+    /// Runs one data-definition statement as it stands; the type MEMO becomes a type with text affinity.
+    /// Error 3075 when it is more or less than one statement.
     void execute(const QString& definition);
     /// Whether a table has exactly this name.
     bool tableExists(const QString& name);
 
     sqlite::Connection& connection() { return m_connection; }
+    /// The fast way of searching names and texts.
+    TextSearch& textSearch() { return m_textSearch; }
     /// The full name of the file.
     const QString& path() const { return m_path; }
 
@@ -39,6 +43,7 @@ private:
 
     QString m_path;
     sqlite::Connection m_connection;
+    TextSearch m_textSearch{m_connection};
     QHash<QString, qint64> m_greatestRows;
 };
 

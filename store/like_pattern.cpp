@@ -64,29 +64,33 @@ LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_compar
         endRun();
         m_elements.push_back({kind, 0, false, {}});
     };
+    // The member of a list at `position`, which moves behind it: a kana and the voice mark after it are one to a reader.
+    const auto nextMember = [&](QStringView list, qsizetype& position) {
+        const qsizetype start = position;
+        nextCharacter(list, position);
+        std::u32string member = comparable(list.sliced(start, position - start));
+        if (position < list.size()) {
+            const std::u32string withMark = comparable(list.sliced(start, position + 1 - start));
+            if (withMark.size() == 1) {
+                ++position;
+                member = withMark;
+            }
+        }
+        return member.front();
+    };
     const auto makeList = [&](QStringView list) {
         Element element{Element::Kind::List, 0, list.startsWith(u'!'), {}};
         if (element.negated)
             list = list.sliced(1);
-        QString singles;
         for (qsizetype position = 0; position < list.size();) {
-            const qsizetype start = position;
-            const char32_t first = nextCharacter(list, position);
-            if (position + 1 >= list.size() || list[position] != u'-') {
-                singles += list.sliced(start, position - start);
-                continue;
-            }
-            const QStringView firstText = list.sliced(start, position - start);
-            const qsizetype lastStart = ++position;
-            const char32_t last = nextCharacter(list, position);
-            if (first > last)
-                continue; // Backwards there is nothing in between.
-            const char32_t from = comparable(firstText).front();
-            const char32_t to = comparable(list.sliced(lastStart, position - lastStart)).front();
-            element.ranges.push_back({std::min(from, to), std::max(from, to)});
+            const char32_t first = nextMember(list, position);
+            char32_t last = first;
+            if (position + 1 < list.size() && list[position] == u'-')
+                last = nextMember(list, ++position);
+            // Backwards there is nothing in between. Which end is the lower one is asked of what a reader compares.
+            if (first <= last)
+                element.ranges.push_back({first, last});
         }
-        for (const char32_t single : comparable(singles))
-            element.ranges.push_back({single, single});
         return element;
     };
 
@@ -115,10 +119,13 @@ LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_compar
     endRun();
 }
 
-bool LikePattern::matches(QStringView original) const
+bool LikePattern::matches(QStringView text) const
 {
-    const QString foldedOriginal = m_comparing == Comparing::AsAReader ? foldedText(original) : QString();
-    const QStringView text = m_comparing == Comparing::AsAReader ? QStringView(foldedOriginal) : original;
+    return m_comparing == Comparing::AsAReader ? matchesComparable(foldedText(text)) : matchesComparable(text);
+}
+
+bool LikePattern::matchesComparable(QStringView text) const
+{
     constexpr std::size_t None = static_cast<std::size_t>(-1);
     std::size_t element = 0;
     qsizetype position = 0;

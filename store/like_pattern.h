@@ -21,6 +21,8 @@ public:
     /// Whether the whole of `text` matches. Linear in the text for patterns of one run of characters between stars;
     /// never exponential.
     bool matches(QStringView text) const;
+    /// The same for a text that is folded already, where the comparison folds at all.
+    bool matchesComparable(QStringView text) const;
 
 private:
     struct Range {

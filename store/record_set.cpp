@@ -197,7 +197,17 @@ void RecordSet::findFirst(const QString& criteria)
 
 std::vector<qint64> RecordSet::matchingRows(const QString& criteria, qsizetype atMost) const
 {
-    const CriteriaSql compiled = compileCriteria(parseCriteria(criteria, m_table), m_table);
+    const Criteria parsed = parseCriteria(criteria, m_table);
+    if (auto rows = m_database->textSearch().rowsFor(parsed, m_table)) {
+        if (m_rows)
+            std::erase_if(*rows, [this](qint64 row) {
+                return !std::binary_search(m_rows->begin(), m_rows->end(), row);
+            });
+        if (static_cast<qsizetype>(rows->size()) > atMost)
+            rows->resize(static_cast<std::size_t>(atMost));
+        return *std::move(rows);
+    }
+    const CriteriaSql compiled = compileCriteria(parsed, m_table);
     QString sql = u"SELECT rowid FROM "_s + quoted(m_table.name) + u" WHERE "_s + compiled.condition +
                   u" ORDER BY rowid"_s;
     // With a limit SQLite prefers an index that finds one row over a walk through the table.
@@ -315,7 +325,9 @@ void RecordSet::insertRow()
             statement.bind(++position, *value);
     }
     statement.run();
-    m_database->noteRow(m_table.name, m_database->connection().lastInsertRowid());
+    const qint64 row = m_database->connection().lastInsertRowid();
+    m_database->noteRow(m_table.name, row);
+    m_database->textSearch().rowWritten(m_table.name, row);
 }
 
 void RecordSet::changeRow()
@@ -338,6 +350,7 @@ void RecordSet::changeRow()
     statement.bind(position + 1, m_editedRow).run();
     if (m_database->connection().changes() == 0)
         throw Error(errors::RecordDeleted);
+    m_database->textSearch().rowWritten(m_table.name, m_editedRow);
 }
 
 void RecordSet::deleteRow()
@@ -347,6 +360,7 @@ void RecordSet::deleteRow()
     if (m_database->connection().changes() == 0)
         throw Error(errors::RecordDeleted);
     m_database->noteRow(m_table.name, m_row);
+    m_database->textSearch().rowWritten(m_table.name, m_row);
     m_position = Position::BetweenRows;
 }
 
@@ -367,13 +381,16 @@ void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
         u"SELECT "_s + selectList(fields) + u", rowid FROM "_s + quoted(m_table.name) + u" ORDER BY rowid"_s);
     while (pass->step()) {
         const qint64 row = pass->number(rowid);
-        if (matches(Row(*pass)) && (!m_rows || std::binary_search(m_rows->begin(), m_rows->end(), row)))
+        const bool ours = !m_rows || std::binary_search(m_rows->begin(), m_rows->end(), row);
+        if (ours && matches(Row(*pass)))
             doomed.push_back(row);
     }
     sqlite::Statement& removal = prepare(u"DELETE FROM "_s + quoted(m_table.name) + u" WHERE rowid = ?"_s);
     for (const qint64 row : doomed) {
         removal.bind(1, row).run();
         m_database->noteRow(m_table.name, row);
+        if (m_database->connection().changes() > 0)
+            m_database->textSearch().rowWritten(m_table.name, row);
     }
 }
 

@@ -104,10 +104,15 @@ bool joinsItsKana(char16_t unit)
 
 QString foldedText(QStringView text)
 {
-    const Table& units = table();
     QString result(text.size(), Qt::Uninitialized);
-    auto* const start = reinterpret_cast<char16_t*>(result.data());
-    char16_t* out = start;
+    result.truncate(foldInto(text, reinterpret_cast<char16_t*>(result.data())));
+    return result;
+}
+
+qsizetype foldInto(QStringView text, char16_t* out)
+{
+    const Table& units = table();
+    char16_t* const start = out;
     for (const QChar character : text) {
         const char16_t unit = units[character.unicode()];
         if ((unit == VoicedMark || unit == HalfVoicedMark) && joinsItsKana(character.unicode()) &&
@@ -120,8 +125,7 @@ QString foldedText(QStringView text)
         }
         *out++ = unit;
     }
-    result.truncate(out - start);
-    return result;
+    return out - start;
 }
 
 } // namespace quillon

@@ -11,4 +11,7 @@ namespace quillon
 /// The pairs on which code page 932 tables disagree (— ―, 〜 ～, ‖ ∥, − －, ¢ ￠, £ ￡, ¬ ￢) become one form too.
 QString foldedText(QStringView text);
 
+/// The same into memory that has room for as many units as `text`; how many there are.
+qsizetype foldInto(QStringView text, char16_t* out);
+
 } // namespace quillon

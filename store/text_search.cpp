@@ -1,0 +1,162 @@
+#include "store/text_search.h"
+
+#include "store/criteria.h"
+#include "store/like_pattern.h"
+#include "store/schema.h"
+#include "store/sqlite/connection.h"
+#include "store/sqlite/statement.h"
+#include "store/text_fold.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int NameField = 0;
+constexpr int TextField = 2;
+
+/// The pattern of criteria of the form Name Like 'p' OR Explanation Like 'p', in either order.
+std::optional<QString> searchedPattern(const Criteria& criteria)
+{
+    const auto* junction = std::get_if<Criteria::Junction>(&criteria.node);
+    if (junction == nullptr || junction->joint != Criteria::Joint::Or)
+        return std::nullopt;
+    const auto* left = std::get_if<Comparison>(&junction->left->node);
+    const auto* right = std::get_if<Comparison>(&junction->right->node);
+    if (left == nullptr || right == nullptr || left->kind != Comparison::Kind::Like ||
+        right->kind != Comparison::Kind::Like || left->text != right->text)
+        return std::nullopt;
+    const bool bothFields = (left->field == NameField && right->field == TextField) ||
+                            (left->field == TextField && right->field == NameField);
+    return bothFields ? std::optional(left->text) : std::nullopt;
+}
+
+/// What a pattern looks for, folded, when it is nothing but a text between two stars.
+std::optional<QString> plainNeedle(const QString& pattern)
+{
+    if (pattern.size() < 3 || !pattern.startsWith(u'*') || !pattern.endsWith(u'*'))
+        return std::nullopt;
+    const QStringView inner = QStringView(pattern).sliced(1, pattern.size() - 2);
+    for (const QChar unit : inner) {
+        if (unit == u'*' || unit == u'?' || unit == u'#' || unit == u'[')
+            return std::nullopt;
+    }
+    const QString needle = foldedText(inner);
+    // Half of a character outside the basic plane is no part of the whole one.
+    if (needle.front().isLowSurrogate() || needle.back().isHighSurrogate())
+        return std::nullopt;
+    return needle;
+}
+
+QString quoted(const QString& name)
+{
+    return u'"' + name + u'"';
+}
+
+QString selection(const TableSchema& table)
+{
+    return u"SELECT rowid, "_s + quoted(table.fields[NameField].name) + u", "_s +
+           quoted(table.fields[TextField].name) + u" FROM "_s + quoted(table.name);
+}
+
+FoldedTexts::Row rowOf(const sqlite::Statement& statement)
+{
+    FoldedTexts::Row row{.number = statement.number(0), .name = std::nullopt, .text = std::nullopt};
+    if (!statement.isNull(1))
+        row.name = statement.text(1);
+    if (!statement.isNull(2))
+        row.text = statement.text(2);
+    return row;
+}
+
+} // namespace
+
+struct TextSearch::Copy {
+    FoldedTexts texts;
+    QSet<qint64> written; // rows to be read again before the next search
+    qint64 dataVersion = 0;
+};
+
+TextSearch::TextSearch(sqlite::Connection& connection) : m_connection(connection) {}
+
+TextSearch::~TextSearch() = default;
+
+std::optional<std::vector<qint64>> TextSearch::rowsFor(const Criteria& criteria, const TableSchema& table)
+{
+    if (table.fields.size() <= TextField)
+        return std::nullopt;
+    const std::optional<QString> pattern = searchedPattern(criteria);
+    // What is written in a transaction may yet be undone, and nobody would tell the copy.
+    if (!pattern || m_connection.inTransaction())
+        return std::nullopt;
+    const FoldedTexts& texts = upToDate(table);
+    if (const std::optional<QString> needle = plainNeedle(*pattern)) {
+        static const ScanWay way = possibleScanWays().front();
+        return texts.holding(way, *needle);
+    }
+    return texts.like(LikePattern(*pattern, LikePattern::Comparing::AsAReader));
+}
+
+void TextSearch::rowWritten(const QString& table, qint64 row)
+{
+    // More changes than this one: a trigger, or a writer that tells nothing.
+    if (++m_changesSeen != m_connection.totalChanges()) {
+        m_copies.clear();
+        m_changesSeen = m_connection.totalChanges();
+    }
+    if (const auto copy = m_copies.constFind(table); copy != m_copies.cend())
+        (*copy)->written.insert(row);
+}
+
+const FoldedTexts* TextSearch::copyOf(const QString& table) const
+{
+    const auto copy = m_copies.constFind(table);
+    return copy != m_copies.cend() ? &(*copy)->texts : nullptr;
+}
+
+FoldedTexts& TextSearch::upToDate(const TableSchema& table)
+{
+    if (m_changesSeen != m_connection.totalChanges()) {
+        m_copies.clear();
+        m_changesSeen = m_connection.totalChanges();
+    }
+    // Asked before reading: what another program writes meanwhile makes the copy too old, never too new.
+    const qint64 version = m_connection.dataVersion();
+    std::shared_ptr<Copy>& copy = m_copies[table.name];
+    constexpr qsizetype ManyRows = 10000;
+    if (copy == nullptr || copy->dataVersion != version || copy->texts.isWasteful() ||
+        copy->written.size() > ManyRows) {
+        m_copies.remove(table.name);
+        auto fresh = std::make_shared<Copy>();
+        fresh->dataVersion = version;
+        readAll(table, fresh->texts);
+        return m_copies.insert(table.name, fresh).value()->texts;
+    }
+    for (const qint64 row : std::as_const(copy->written))
+        readRow(table, row, copy->texts);
+    copy->written.clear(); // only now: a row that could not be read is read the next time
+    return copy->texts;
+}
+
+void TextSearch::readAll(const TableSchema& table, FoldedTexts& texts)
+{
+    const auto statement = m_connection.prepareOwn(selection(table) + u" ORDER BY rowid"_s);
+    while (statement->step())
+        texts.put(rowOf(*statement));
+    texts.shrink();
+}
+
+void TextSearch::readRow(const TableSchema& table, qint64 row, FoldedTexts& texts)
+{
+    sqlite::Statement& statement = m_connection.prepare(selection(table) + u" WHERE rowid = ?"_s);
+    const sqlite::ResetAtEnd reset(statement);
+    if (statement.bind(1, row).step())
+        texts.put(rowOf(statement));
+    else
+        texts.remove(row);
+}
+
+} // namespace quillon
