@@ -4,6 +4,8 @@
 #include "ui/auxiliary/frmCategory.h"
 #include "ui/auxiliary/frmDataSelect.h"
 #include "ui/auxiliary/frmEntryInfo.h"
+#include "ui/auxiliary/frmFind.h"
+#include "ui/auxiliary/frmLinkList.h"
 #include "ui/data/frmMainData.h"
 #include "ui/data/frmRefDoc.h"
 #include "ui/data/frmRefFileEntry.h"
@@ -40,6 +42,8 @@ void Program::registerWindows()
     m_windows.setFactory(u"frmRefFileEntry"_s, [this] { return new frmRefFileEntry(m_session, m_windows); });
     m_windows.setFactory(u"frmDataSelect"_s, [this] { return new frmDataSelect(m_session, m_windows); });
     m_windows.setFactory(u"frmCategory"_s, [this] { return new frmCategory(m_session, m_windows); });
+    m_windows.setFactory(u"frmFind"_s, [this] { return new frmFind(m_session, m_windows); });
+    m_windows.setFactory(u"frmLinkList"_s, [this] { return new frmLinkList(m_session, m_windows); });
     m_windows.setFactory(u"frmEntryInfo"_s, [this] { return new frmEntryInfo(m_session, m_windows); });
     // Opened by its name the splash window is the system information; start-up makes the timed one itself.
     m_windows.setFactory(u"frmSplash"_s, [this] {
