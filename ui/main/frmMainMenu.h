@@ -26,7 +26,8 @@ class ReportList;
 class StatusPanels;
 
 /// The main window: the category tree on the left, the data list on the right, a splitter between them, the status
-/// bar and the menus. The members of one subject stand in one file: frmMainMenu_layout, _menus, _tree, _list.
+/// bar and the menus. The members of one subject stand in one file: frmMainMenu_layout, _menus,
+/// _tree, _list, _categories, _data, _console.
 class frmMainMenu : public FormWindow, public MainWindowPort
 {
     Q_OBJECT
@@ -58,6 +59,11 @@ public:
     /// Deletes the datum of the selected row and tells so, without asking; the list is left as it is.
     void DeleteSelectedData();
 
+    /// Runs a command of the console, given in upper case; an unknown one is refused.
+    void ExecSystemCommand(const QString& command);
+    /// Opens the console at its key chord.
+    void Form_KeyDown(int key, Qt::KeyboardModifiers shift);
+
     // Handlers of the frame. Positions are in twips, relative to the handle.
     void Form_Resize();
     void imgSplitter_MouseDown();
@@ -78,6 +84,8 @@ public:
     void mnuCategoryEntry_Click();
     void mnuCategoryDelete_Click();
     void mnuCategoryRename_Click();
+    void mnuFindName_Click();
+    void mnuInfoLink_Click();
     void mnuInfoEntry_Click();
     void mnuInfoReadme_Click();
     void mnuInfoRef_Click();
@@ -102,6 +110,7 @@ protected:
     bool queryUnload() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     /// The column of the data list that holds the identifier.

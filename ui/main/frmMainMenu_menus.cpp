@@ -4,6 +4,7 @@
 #include "app/base/ports/windows.h"
 #include "core/close_all_form.h"
 #include "core/data_records.h"
+#include "core/links.h"
 #include "store/opening.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
@@ -62,10 +63,11 @@ void frmMainMenu::buildMenus()
     entry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s, &frmMainMenu::mnuCategoryRename_Click);
 
     mnuFind = addMenu(u"mnuFind"_s, u"検索(&F)"_s);
-    entry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s);
+    entry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s, &frmMainMenu::mnuFindName_Click);
 
     mnuInfo = addMenu(u"mnuInfo"_s, u"情報(&I)"_s);
-    mnuInfoLink = entry(mnuInfo, u"mnuInfoLink"_s, u"データリンク状況の表示(&L)"_s);
+    mnuInfoLink =
+        entry(mnuInfo, u"mnuInfoLink"_s, u"データリンク状況の表示(&L)"_s, &frmMainMenu::mnuInfoLink_Click);
     // It has no action and is never enabled.
     entry(mnuInfo, u"mnuInfoCategory"_s, u"データ分類状況の表示(&C)"_s)->setEnabled(false);
     mnuInfoEntry =
@@ -163,6 +165,16 @@ void frmMainMenu::mnuEntryRefFile_Click()
 void frmMainMenu::mnuDataCloseAll_Click()
 {
     CloseAllForm(session());
+}
+
+void frmMainMenu::mnuFindName_Click()
+{
+    session().windows.showAuxiliary(u"frmFind"_s);
+}
+
+void frmMainMenu::mnuInfoLink_Click()
+{
+    SetAllLinkList(session());
 }
 
 void frmMainMenu::mnuInfoEntry_Click()
