@@ -1,0 +1,126 @@
+#include "ui/auxiliary/frmFind.h"
+
+#include "app/base/error.h"
+#include "app/base/ports/data_selection.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
+#include "core/data_selection.h"
+#include "store/filter_result.h"
+#include "store/session.h"
+#include "ui/widgets/described_controls.h"
+#include "ui/widgets/event_edge.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+frmFind::frmFind(Session& session, WindowRegistry& registry) : FormWindow(session, registry, u"frmFind"_s)
+{
+    setWindowTitle(u"全文検索画面"_s);
+    arrange();
+}
+
+void frmFind::arrange()
+{
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+    const auto find = eventSlot(session().reporting, u"cmdFind_Click"_s, [this] { cmdFind_Click(); });
+
+    auto* textRow = new QHBoxLayout;
+    txtFind = new QLineEdit(middle);
+    txtFind->setObjectName(u"txtFind"_s);
+    txtFind->installEventFilter(this);
+    connect(txtFind, &QLineEdit::returnPressed, this, find);
+    textRow->addWidget(plainLabel(u"lblFind"_s, u"検索文字列 ："_s, txtFind, middle));
+    textRow->addWidget(txtFind, 1);
+    rows->addLayout(textRow);
+
+    auto* kinds = new QHBoxLayout;
+    QWidget* before = txtFind;
+    const auto addBox = [&](const QString& name, const QString& caption) {
+        auto* box = new QCheckBox(caption, middle);
+        box->setObjectName(name);
+        kinds->addWidget(box);
+        setTabOrder(before, box);
+        before = box;
+        return box;
+    };
+    chkMain = addBox(u"chkMain"_s, u"定義データ(&M)"_s);
+    chkRefDoc = addBox(u"chkRefDoc"_s, u"文献データ(&R)"_s);
+    chkRefFile = addBox(u"chkRefFile"_s, u"ファイルデータ(&F) "_s); // sic: the blank at the end
+    kinds->addStretch(1);
+    rows->addLayout(kinds);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    auto* cmdFind = new QPushButton(u"検索(&S)"_s, middle);
+    cmdFind->setObjectName(u"cmdFind"_s);
+    connect(cmdFind, &QPushButton::clicked, this, find);
+    buttons->addWidget(cmdFind);
+    setTabOrder(before, cmdFind);
+    rows->addLayout(buttons);
+    rows->addStretch(1);
+
+    setCentralWidget(middle);
+    txtFind->setFocus();
+    resize(sizeHint().expandedTo({440, 0}));
+}
+
+void frmFind::cmdFind_Click()
+{
+    const QString text = txtFind->text();
+    // Taken as it is: wildcards work as wildcards, and a quote is a failure that says so.
+    const QString criteria = u"Name Like '*"_s + text + u"*' OR Explanation Like '*"_s + text + u"*'"_s;
+    const auto refuse = [this](const QString& reason) {
+        session().dialogs.messageBox({.text = reason, .title = titles::SystemAudit});
+    };
+    if (!chkMain->isChecked() && !chkRefDoc->isChecked() && !chkRefFile->isChecked()) {
+        refuse(u"検索するデータの種別が選択されていません。"_s);
+        return;
+    }
+    if (text.isEmpty()) {
+        refuse(u"検索する文字列が入力されていません。"_s);
+        return;
+    }
+    const Kind kinds[] = {{chkMain, &Session::RsMain, titles::DefinitionData},
+                          {chkRefDoc, &Session::RsRefDoc, titles::DocumentData},
+                          {chkRefFile, &Session::RsRefFile, titles::FileData}};
+    for (const Kind& kind : kinds) {
+        if (kind.box->isChecked())
+            listMatches(kind, criteria);
+    }
+    session().windows.dataSelection().setCaption(u"検索結果"_s);
+}
+
+void frmFind::listMatches(const Kind& kind, const QString& criteria)
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto matches = GetFilterResult(session().reporting, session().*kind.table, criteria);
+    QApplication::restoreOverrideCursor();
+    const qint16 result = CreateDataList(session(), matches, SelectionUse::Show, ListFill::Append);
+    // sic: the list builder never answers this; a kind without matches adds no rows, and nobody says so.
+    if (result == errors::NoCurrentRecord)
+        session().dialogs.messageBox(
+            {.text = u"指定されたデータが見つかりませんでした。"_s, .title = kind.title});
+}
+
+bool frmFind::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == txtFind && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        handleEvent(session().reporting, u"txtFind_KeyPress"_s, [this] { unload(); });
+        return true;
+    }
+    return FormWindow::eventFilter(watched, event);
+}
+
+} // namespace quillon

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ui/widgets/form_window.h"
+
+#include <memory>
+
+class QCheckBox;
+class QLineEdit;
+
+namespace quillon
+{
+
+class RecordSet;
+
+/// The window that looks for a text in names and explanations and hands what it finds to the data selection window.
+class frmFind : public FormWindow
+{
+    Q_OBJECT
+
+public:
+    frmFind(Session& session, WindowRegistry& registry);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Kind {
+        QCheckBox* box;
+        std::shared_ptr<RecordSet> Session::*table;
+        QString title; // of the department
+    };
+
+    void arrange();
+    void cmdFind_Click();
+    void listMatches(const Kind& kind, const QString& criteria);
+
+    QLineEdit* txtFind = nullptr;
+    QCheckBox* chkMain = nullptr;
+    QCheckBox* chkRefDoc = nullptr;
+    QCheckBox* chkRefFile = nullptr;
+};
+
+} // namespace quillon

@@ -1,0 +1,183 @@
+#include "ui/auxiliary/frmLinkList.h"
+
+#include "app/base/ports/dialogs.h"
+#include "core/data_records.h"
+#include "core/links.h"
+#include "store/session.h"
+#include "ui/widgets/described_controls.h"
+#include "ui/widgets/event_edge.h"
+#include "ui/widgets/report_list.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace
+{
+
+constexpr int TargetNameColumn = 2;
+constexpr int SourceIdentifierColumn = 4;
+constexpr int TargetIdentifierColumn = 5;
+
+const QString NoLinksCounted = u"現在の情報リンク総数 ：  0"_s;
+
+class RowFill : public LinkRowFill
+{
+public:
+    explicit RowFill(ReportModel& rows) : m_fill(rows) {}
+    void append(const LinkEnd& source, const LinkEnd& target) override
+    {
+        m_fill.append(
+            {source.name, source.kind, target.name, target.kind, source.identifier, target.identifier});
+    }
+
+private:
+    ReportModel::Fill m_fill;
+};
+
+} // namespace
+
+frmLinkList::frmLinkList(Session& session, WindowRegistry& registry)
+    : FormWindow(session, registry, u"frmLinkList"_s)
+{
+    setWindowTitle(u"リンク情報表示画面"_s);
+    buildMenus();
+    arrange();
+}
+
+void frmLinkList::buildMenus()
+{
+    QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
+    const auto entry = [&](const QString& name, const QString& caption, void (frmLinkList::*handler)()) {
+        connect(addEntry(mnuLink, name, caption), &QAction::triggered, this,
+                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
+    };
+    entry(u"mnuLinkShow"_s, u"表示(&S)"_s, &frmLinkList::mnuLinkShow_Click);
+    entry(u"mnuLinkDelete"_s, u"削除(&D)"_s, &frmLinkList::mnuLinkDelete_Click);
+    addLine(mnuLink, u"mnuLinkLine"_s);
+    entry(u"mnuLinkClose"_s, u"閉じる(&C)"_s, &frmLinkList::mnuLinkClose_Click);
+}
+
+void frmLinkList::arrange()
+{
+    auto* middle = new QWidget(this);
+    auto* rows = new QVBoxLayout(middle);
+    lsvLink = new ReportList({{.header = u"リンク元-名称"_s},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"リンク先-名称"_s},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"リンク元-識別符号"_s},
+                              {.header = u"リンク元-識別符号"_s}}, // sic: it holds the target
+                             middle);
+    lsvLink->setObjectName(u"lsvLink"_s);
+    lsvLink->setAccessibleName(u"リンク一覧"_s);
+    lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
+    lsvLink->setColumnCharacters({28, 6, 28, 6, 20, 20});
+    rows->addWidget(lsvLink, 1);
+
+    auto* bottom = new QHBoxLayout;
+    lblCount = plainLabel(u"lblCount"_s, NoLinksCounted, nullptr, middle);
+    bottom->addWidget(lblCount, 1);
+    auto* button = new QPushButton(u"リンク削除(&D)"_s, middle);
+    button->setObjectName(u"cmdLinkDelete"_s);
+    connect(button, &QPushButton::clicked, this,
+            eventSlot(session().reporting, u"cmdLinkDelete_Click"_s, [this] { cmdLinkDelete_Click(); }));
+    bottom->addWidget(button);
+    rows->addLayout(bottom);
+
+    setCentralWidget(middle);
+    setTabOrder(lsvLink, button);
+    for (QWidget* control : {static_cast<QWidget*>(lsvLink), static_cast<QWidget*>(button)})
+        control->installEventFilter(this);
+    lsvLink->setFocus();
+    resize(sizeHint().expandedTo({860, 440}));
+}
+
+void frmLinkList::reset()
+{
+    lsvLink->rows().clear();
+    lblCount->setText(NoLinksCounted);
+}
+
+std::unique_ptr<LinkRowFill> frmLinkList::fillRows()
+{
+    return std::make_unique<RowFill>(lsvLink->rows());
+}
+
+void frmLinkList::setCount(const QString& text)
+{
+    lblCount->setText(text);
+}
+
+QString frmLinkList::cell(int row, int column) const
+{
+    return lsvLink->rows().text(row, column).toString();
+}
+
+void frmLinkList::mnuLinkShow_Click()
+{
+    const int row = lsvLink->selectedRow();
+    if (row < 0)
+        return;
+    const QString target = cell(row, TargetIdentifierColumn);
+    ShowData(session(), cell(row, SourceIdentifierColumn));
+    ShowData(session(), target);
+}
+
+void frmLinkList::mnuLinkDelete_Click()
+{
+    const int row = lsvLink->selectedRow();
+    if (row < 0) {
+        session().dialogs.messageBox({.text = u"リンクが選択されていません。"_s});
+        return;
+    }
+    const QString source = cell(row, SourceIdentifierColumn);
+    const QString target = cell(row, TargetIdentifierColumn);
+    const Answer answer = session().dialogs.messageBox(
+        {.text = u"<"_s + cell(row, 0) + u"> と <"_s + cell(row, TargetNameColumn) +
+                 u">のリンクを削除をしますか。"_s, // sic: を twice
+         .buttons = Buttons::YesNo});
+    if (answer != Answer::Yes)
+        return;
+    DeleteLink(session(), source, target);
+    SetAllLinkList(session());
+}
+
+void frmLinkList::cmdLinkDelete_Click()
+{
+    mnuLinkDelete_Click();
+}
+
+void frmLinkList::mnuLinkClose_Click()
+{
+    unload();
+}
+
+bool frmLinkList::eventFilter(QObject* watched, QEvent* event)
+{
+    // Enter closes the window when it is released, wherever in the window it was pressed; the Enter that has just
+    // answered a question was pressed elsewhere.
+    if (event->type() == QEvent::KeyPress) {
+        m_pressedKeys.press(*static_cast<QKeyEvent*>(event));
+    } else if (event->type() == QEvent::FocusOut) {
+        m_pressedKeys.forget();
+    } else if (event->type() == QEvent::KeyRelease) {
+        const auto& released = *static_cast<QKeyEvent*>(event);
+        const bool pressedHere = m_pressedKeys.release(released);
+        if (pressedHere && (released.key() == Qt::Key_Return || released.key() == Qt::Key_Enter)) {
+            handleEvent(session().reporting, u"Form_KeyUp"_s, [this] { unload(); });
+            return true;
+        }
+    }
+    return FormWindow::eventFilter(watched, event);
+}
+
+} // namespace quillon
