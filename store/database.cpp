@@ -3,11 +3,11 @@
 #include "app/base/error.h"
 #include "app/base/platform.h"
 #include "store/criteria_sql.h"
+#include "store/memo_type.h"
 #include "store/sqlite/statement.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -78,9 +78,7 @@ std::shared_ptr<Database> Database::create(const QString& path)
 void Database::execute(const QString& definition)
 {
     // SQLite would store numbers in a MEMO field and turn the document "0012" into 12.
-    static const QRegularExpression memo(u"\\bMEMO\\b"_s, QRegularExpression::CaseInsensitiveOption);
-    QString sql = definition;
-    m_connection.execute(sql.replace(memo, u"TEXT"_s));
+    m_connection.execute(withTextForMemo(definition));
 }
 
 bool Database::tableExists(const QString& name)

@@ -22,7 +22,12 @@ qint32 numberOfGenericError(QByteArrayView message)
         return errors::UnknownField;
     if (says("already exists") || says("already another table"))
         return errors::TableExists;
-    return errors::CriteriaSyntax;
+    if (says("syntax error") || says("incomplete input") || says("unrecognized token"))
+        return errors::CriteriaSyntax;
+    if (says("unsupported file format"))
+        return errors::NotADatabase;
+    // Everything else asks for something that cannot be done: an unknown function, a transaction inside another.
+    return errors::InvalidArgument;
 }
 
 qint32 numberOf(sqlite3* connection, int code)
@@ -59,8 +64,12 @@ qint32 numberOf(sqlite3* connection, int code)
         return errors::InvalidArgument;
     case SQLITE_ERROR:
         return numberOfGenericError(connection != nullptr ? sqlite3_errmsg(connection) : "");
+    case SQLITE_MISUSE:
+    case SQLITE_RANGE:
+        return errors::InvalidArgument;
     default:
-        return errors::CriteriaSyntax;
+        // Too large a file for the system, and whatever a later version of the engine cannot do with one.
+        return errors::PathFileAccess;
     }
 }
 

@@ -19,11 +19,14 @@ constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
 Statement::Statement(sqlite3* connection, const QString& sql) : m_connection(connection)
 {
     const QByteArray utf8 = sql.toUtf8();
+    const char* tail = nullptr;
     check(connection, sqlite3_prepare_v3(connection, utf8.constData(), static_cast<int>(utf8.size()) + 1, 0,
-                                         &m_statement, nullptr));
-    // A text without any statement gives none and no failure either.
-    if (m_statement == nullptr)
+                                         &m_statement, &tail));
+    // A text without any statement gives none and no failure either; what follows the first one would never run.
+    if (m_statement == nullptr || !QByteArrayView(tail, utf8.cend()).trimmed().isEmpty()) {
+        sqlite3_finalize(m_statement);
         throw Error(errors::CriteriaSyntax);
+    }
 }
 
 Statement::~Statement()

@@ -13,6 +13,7 @@ namespace quillon::sqlite
 class Statement
 {
 public:
+    /// Error 3075 when `sql` is not exactly one statement.
     Statement(sqlite3* connection, const QString& sql);
     ~Statement();
     Statement(const Statement&) = delete;

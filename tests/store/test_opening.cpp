@@ -3,6 +3,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "tests/store/foreign_file.h"
+#include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 
@@ -12,6 +13,12 @@
 #include <QTest>
 
 #include <memory>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 
 using namespace quillon;
 using namespace quillon::testing;
@@ -32,6 +39,37 @@ QStringList allSteps(const QString& name)
            StepsAfterLink +
            QStringList{u"1: データベース ("_s + name + u")が展開されています｡ "_s, u"rebuild tree"_s};
 }
+
+#ifdef Q_OS_UNIX
+/// While it lives, no file of this process can grow beyond a size.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_signalBefore(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        if (getrlimit(RLIMIT_FSIZE, &m_before) != 0)
+            qFatal("cannot read the limit");
+        set({bytes, m_before.rlim_max});
+    }
+    ~FileSizeLimit()
+    {
+        set(m_before);
+        std::signal(SIGXFSZ, m_signalBefore);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    static void set(const rlimit& limit)
+    {
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            qFatal("cannot set the limit");
+    }
+
+    void (*m_signalBefore)(int);
+    rlimit m_before = {};
+};
+#endif
 
 } // namespace
 
@@ -257,14 +295,110 @@ private Q_SLOTS:
         QVERIFY(!m_world->session.OpenDb);
     }
 
+    void aFailingStatementIsReportedByItsNumber_data()
+    {
+        QTest::addColumn<QString>("statement");
+        QTest::addColumn<int>("number");
+        const auto row = [](const char* name, const QString& statement, qint32 number) {
+            QTest::newRow(name) << statement << static_cast<int>(number);
+        };
+        row("table exists", schema::Main().statement, errors::TableExists);
+        row("no such table", u"DROP TABLE Absent"_s, errors::TableNotFound);
+        row("incomplete", u"CREATE TABLE"_s, errors::CriteriaSyntax);
+        row("wrong word", u"CREATE TABEL t (a)"_s, errors::CriteriaSyntax);
+        row("open quote", u"CREATE TABLE t (a DEFAULT 'x)"_s, errors::CriteriaSyntax);
+        row("nothing", QString(), errors::CriteriaSyntax);
+        row("blanks", u" \r\n\t"_s, errors::CriteriaSyntax);
+        row("semicolon alone", u";"_s, errors::CriteriaSyntax);
+        row("two statements", u"CREATE TABLE t (a); CREATE TABLE u (a)"_s, errors::CriteriaSyntax);
+        row("a comment behind", u"CREATE TABLE t (a); -- really"_s, errors::CriteriaSyntax);
+        row("a zero behind", u"CREATE TABLE t (a);\0DROP TABLE Main"_s, errors::CriteriaSyntax);
+        row("blanks behind", u"CREATE TABLE t (a); \r\n"_s, 0);
+        // What is no slip of the pen is not called one.
+        row("no such function", u"CREATE TABLE t (a CHECK (unheard_of(a)))"_s, errors::InvalidArgument);
+        row("no transaction", u"COMMIT"_s, errors::InvalidArgument);
+        row("no such index", u"DROP INDEX absent"_s, errors::InvalidArgument);
+    }
     void aFailingStatementIsReportedByItsNumber()
     {
-        const auto database = Database::create(m_world->folder.filePath(u"new.mdb"_s));
+        QFETCH(QString, statement);
+        QFETCH(int, number);
+        const QString path = m_world->folder.filePath(u"new.mdb"_s);
+        const auto database = Database::create(path);
         database->execute(schema::Main().statement);
-        QCOMPARE(errorOf([&] { database->execute(schema::Main().statement); }), errors::TableExists);
-        QCOMPARE(errorOf([&] { database->execute(u"CREATE TABLE"_s); }), errors::CriteriaSyntax);
-        QCOMPARE(errorOf([&] { database->execute(QString()); }), errors::CriteriaSyntax);
-        QCOMPARE(errorOf([&] { database->execute(u"DROP TABLE Absent"_s); }), errors::TableNotFound);
+        QCOMPARE(errorOf([&] { database->execute(statement); }), number);
+        // Of several statements not even the first one runs.
+        QCOMPARE(tablesOf(path).size(), number == 0 ? 2 : 1);
+    }
+
+    void aTableOfALaterVersionIsNoDatabaseHere()
+    {
+        const QString path = m_world->createDatabase();
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.seek(47)); // the lowest byte of the number of the schema's format
+            QCOMPARE(file.write("\x63", 1), 1);
+        }
+        QCOMPARE(errorOf([&] { Database::open(path); }), errors::NotADatabase);
+    }
+
+    void onlyATypeIsTakenForMemo_data()
+    {
+        QTest::addColumn<QString>("statement");
+        QTest::addColumn<QString>("stored");
+        const auto row = [](const char* name, const QString& statement, const QString& stored) {
+            QTest::newRow(name) << statement << stored;
+        };
+        row("type", u"CREATE TABLE t (a MEMO, b MEMO)"_s, u"CREATE TABLE t (a TEXT, b TEXT)"_s);
+        row("small letters", u"create table t (a memo)"_s, u"CREATE TABLE t (a TEXT)"_s);
+        row("behind a comment", u"CREATE TABLE t (a/* MEMO */MEMO)"_s, u"CREATE TABLE t (a/* MEMO */TEXT)"_s);
+        row("field", u"CREATE TABLE t (Memo TEXT, b TEXT)"_s, u"CREATE TABLE t (Memo TEXT, b TEXT)"_s);
+        row("field without a type", u"CREATE TABLE t (Memo, a)"_s, u"CREATE TABLE t (Memo, a)"_s);
+        row("field and type", u"CREATE TABLE t (Memo MEMO)"_s, u"CREATE TABLE t (Memo TEXT)"_s);
+        row("quoted field", u"CREATE TABLE t (\"a MEMO\" MEMO)"_s, u"CREATE TABLE t (\"a MEMO\" TEXT)"_s);
+        row("field in brackets", u"CREATE TABLE t ([a, MEMO] MEMO)"_s, u"CREATE TABLE t ([a, MEMO] TEXT)"_s);
+        row("Japanese field", u"CREATE TABLE t (メモ MEMO)"_s, u"CREATE TABLE t (メモ TEXT)"_s);
+        row("part of a word", u"CREATE TABLE t (a MEMORANDUM, b_MEMO)"_s,
+            u"CREATE TABLE t (a MEMORANDUM, b_MEMO)"_s);
+        row("value", u"CREATE TABLE t (a TEXT DEFAULT 'is MEMO', b DEFAULT ', c MEMO')"_s,
+            u"CREATE TABLE t (a TEXT DEFAULT 'is MEMO', b DEFAULT ', c MEMO')"_s);
+        row("value with a quote", u"CREATE TABLE t (a DEFAULT 'it''s, b MEMO', c MEMO)"_s,
+            u"CREATE TABLE t (a DEFAULT 'it''s, b MEMO', c TEXT)"_s);
+        row("constraint", u"CREATE TABLE t (a MEMO, CONSTRAINT Memo UNIQUE (a))"_s,
+            u"CREATE TABLE t (a TEXT, CONSTRAINT Memo UNIQUE (a))"_s);
+        row("expression", u"CREATE TABLE t (Memo, CHECK (NOT Memo), UNIQUE (Memo))"_s,
+            u"CREATE TABLE t (Memo, CHECK (NOT Memo), UNIQUE (Memo))"_s);
+        row("table", u"CREATE TABLE Memo (a MEMO)"_s, u"CREATE TABLE Memo (a TEXT)"_s);
+        row("query", u"CREATE VIEW t AS SELECT a FROM (SELECT 1 a, 2 MEMO) MEMO"_s,
+            u"CREATE VIEW t AS SELECT a FROM (SELECT 1 a, 2 MEMO) MEMO"_s);
+        row("the table of documents", schema::RefDoc().statement,
+            u"CREATE TABLE RefDoc (Name TEXT(50), Object_ID TEXT(12), Explanation TEXT, "
+            u"CONSTRAINT RefDoc_Index UNIQUE (Object_ID))"_s);
+    }
+    void onlyATypeIsTakenForMemo()
+    {
+        QFETCH(QString, statement);
+        QFETCH(QString, stored);
+        const QString path = m_world->folder.filePath(u"new.mdb"_s);
+        Database::create(path)->execute(statement);
+        const QStringList found =
+            ForeignFile(path).ask("SELECT sql FROM sqlite_master WHERE sql IS NOT NULL");
+        QCOMPARE(found.size(), 1);
+        QVERIFY(compareText(found.first(), stored));
+    }
+
+    void fieldsThatAreAddedMayBeMemos()
+    {
+        const QString path = m_world->folder.filePath(u"new.mdb"_s);
+        const auto database = Database::create(path);
+        database->execute(u"CREATE TABLE t (a)"_s);
+        database->execute(u"ALTER TABLE t ADD COLUMN b MEMO"_s);
+        database->execute(u"ALTER TABLE t ADD c MEMO"_s);
+        database->execute(u"ALTER TABLE t ADD COLUMN Memo INTEGER"_s);
+        database->execute(u"ALTER TABLE t RENAME COLUMN Memo TO MEMO"_s);
+        QCOMPARE(ForeignFile(path).ask("SELECT name, type FROM pragma_table_info('t')"),
+                 QStringList({u"a|"_s, u"b|TEXT"_s, u"c|TEXT"_s, u"MEMO|INTEGER"_s}));
     }
 
     void aCreationThatStopsHalfwayLeavesTheTablesSoFar()
@@ -282,6 +416,59 @@ private Q_SLOTS:
         // A second attempt under the same name is refused, too: nothing is ever replaced.
         m_world->dialogs.expect(failure(errors::DatabaseExists));
         CreateDbFile(m_world->session, path);
+    }
+
+    void aFullDiskStopsACreationHalfway()
+    {
+        const QString path = m_world->folder.filePath(u"full.mdb"_s);
+        {
+            const auto database = Database::create(path);
+            // One page for the list of tables, two for each table with its index.
+            database->connection().execute(u"PRAGMA max_page_count = 5"_s);
+            database->execute(schema::Main().statement);
+            database->execute(schema::RefDoc().statement);
+            QCOMPARE(errorOf([&] { database->execute(schema::RefFile().statement); }), errors::DiskFull);
+        }
+        QCOMPARE(tablesOf(path), QStringList({u"Main"_s, u"RefDoc"_s}));
+        QCOMPARE(ForeignFile(path).ask("PRAGMA integrity_check"), QStringList(u"ok"_s));
+        QVERIFY(!QFileInfo::exists(path + u"-journal"_s));
+    }
+
+    void aFailingStatementEndsTheCreation()
+    {
+#ifdef Q_OS_UNIX
+        const QString before = m_world->createDatabase();
+        QVERIFY(OpenDbFile(m_world->session, before));
+        m_world->mainWindow.calls.clear();
+        const QString path = m_world->folder.filePath(u"half.mdb"_s);
+        m_world->dialogs.expect(failure(errors::PathFileAccess));
+        {
+            // The file, too, cannot grow beyond five pages; the third table needs the sixth.
+            const FileSizeLimit limit(5 * 4096);
+            CreateDbFile(m_world->session, path);
+        }
+        // Neither the remaining statements nor the opening nor the message of success.
+        QCOMPARE(m_world->dialogs.takeComplaints(), QStringList());
+        QCOMPARE(m_world->eventLog.lines.size(), 1);
+        QVERIFY(m_world->eventLog.lines.first().contains(u"LOCATION : OpenDbFile, ErrorNumber : 75,"_s));
+        QCOMPARE(m_world->mainWindow.calls, QStringList());
+        QCOMPARE(m_world->session.OpenDb->path(), before);
+        QCOMPARE(tablesOf(path), QStringList({u"Main"_s, u"RefDoc"_s}));
+        QCOMPARE(ForeignFile(path).ask("PRAGMA integrity_check"), QStringList(u"ok"_s));
+#else
+        QSKIP("The size of files cannot be limited here.");
+#endif
+    }
+
+    void aDatabaseThatWasMadeIsToldEvenWhenItDoesNotOpen()
+    {
+        const QString path = m_world->folder.filePath(u"new.mdb"_s);
+        m_world->session.setMainWindow(nullptr);
+        m_world->dialogs.expect(failure(errors::ObjectNotSet));
+        m_world->dialogs.expect({.text = u"Quillon 用のデータベースを作成しました。"_s});
+        CreateDbFile(m_world->session, path);
+        QVERIFY(!m_world->session.OpenDb);
+        QCOMPARE(tablesOf(path).size(), 7);
     }
 
     void pathsBelowTheCurrentFolderUseTheSeparatorOfThePlatform()
