@@ -5,6 +5,7 @@
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 
+#include <QFile>
 #include <QTest>
 
 #include <memory>
@@ -292,6 +293,54 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(m_world->session.RsMain), QStringList(u"a|M-991231-001|"_s));
     }
 
+    void aFullDiskRefusesTheRowAndLeavesTheFileAsItWas()
+    {
+        const auto documents = m_world->session.RsRefDoc;
+        TestWorld::addRow(documents, {u"a"_s, u"R-991231-001"_s, u"水"_s});
+        fillDisk();
+        const QByteArray before = fileBytes();
+        const QString large(10000, u'水');
+        QCOMPARE(errorOf([&] {
+                     TestWorld::addRow(documents, {u"b"_s, u"R-991231-002"_s, large});
+                 }),
+                 errors::DiskFull);
+        documents->moveFirst();
+        documents->edit();
+        documents->setField(2, large);
+        QCOMPARE(errorOf([&] { documents->update(); }), errors::DiskFull);
+        QCOMPARE(fileBytes(), before);
+        QVERIFY(!m_world->session.OpenDb->connection().inTransaction());
+        QCOMPARE(TestWorld::rowsOf(documents), QStringList(u"a|R-991231-001|水"_s));
+        // What needs no more room can still be saved, and everything once there is room again.
+        documents->edit();
+        documents->setField(2, u"火"_s);
+        documents->update();
+        QCOMPARE(TestWorld::rowsOf(documents), QStringList(u"a|R-991231-001|火"_s));
+        emptyDisk();
+        TestWorld::addRow(documents, {u"b"_s, u"R-991231-002"_s, large});
+        QCOMPARE(documents->recordCount(), 2);
+    }
+
+    void aDiskThatIsFullInTheMiddleUndoesTheWholeTransaction()
+    {
+        fillDisk();
+        const QByteArray before = fileBytes();
+        {
+            sqlite::Transaction transaction(m_world->session.OpenDb->connection());
+            TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});
+            QCOMPARE(errorOf([&] {
+                         TestWorld::addRow(m_world->session.RsRefDoc,
+                                           {u"b"_s, u"R-991231-001"_s, QString(10000, u'水')});
+                     }),
+                     errors::DiskFull);
+            // Nobody may take this for a success.
+            QCOMPARE(errorOf([&] { transaction.commit(); }), errors::DiskFull);
+        }
+        QCOMPARE(fileBytes(), before);
+        QCOMPARE(m_world->session.RsMain->recordCount(), 0);
+        QCOMPARE(m_world->session.RsRefDoc->recordCount(), 0);
+    }
+
 private:
     std::shared_ptr<RecordSet> setOf(const QString& tableName) const
     {
@@ -300,6 +349,17 @@ private:
                 return RecordSet::openTable(m_world->session.OpenDb, *table);
         }
         return nullptr;
+    }
+
+    /// From now on the file may not grow by a single page.
+    void fillDisk() { m_world->session.OpenDb->connection().execute(u"PRAGMA max_page_count = 1"_s); }
+    void emptyDisk() { m_world->session.OpenDb->connection().execute(u"PRAGMA max_page_count = 1000"_s); }
+    QByteArray fileBytes() const
+    {
+        QFile file(m_world->session.OpenDb->path());
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("cannot read the file");
+        return file.readAll();
     }
 
     std::unique_ptr<TestWorld> m_world;

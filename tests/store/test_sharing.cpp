@@ -145,6 +145,36 @@ private Q_SLOTS:
         QCOMPARE(mine->recordCount(), 3);
     }
 
+    void whatCannotBeFinishedBecauseOfAReaderIsUndone()
+    {
+        const auto mine = m_world->session.RsMain;
+        TestWorld::addRow(mine, {u"a"_s, u"M-991231-001"_s, u""_s});
+        sqlite::Connection& connection = m_world->session.OpenDb->connection();
+        connection.execute(u"PRAGMA busy_timeout = 0"_s); // the reader will not be done in time anyhow
+        const auto other = Database::open(m_path);
+        const auto theirs = RecordSet::openTable(other, schema::Main());
+        other->connection().execute(u"BEGIN"_s);
+        QCOMPARE(theirs->recordCount(), 1); // the reader has begun
+        {
+            sqlite::Transaction writing(connection);
+            TestWorld::addRow(mine, {u"b"_s, u"M-991231-002"_s, u""_s});
+            QCOMPARE(errorOf([&] { writing.commit(); }), errors::Locked);
+        }
+        QVERIFY(!connection.inTransaction());
+        QCOMPARE(TestWorld::rowsOf(mine), QStringList(u"a|M-991231-001|"_s));
+        // A row by itself is a transaction of its own.
+        QCOMPARE(errorOf([&] {
+                     TestWorld::addRow(mine, {u"c"_s, u"M-991231-003"_s, u""_s});
+                 }),
+                 errors::Locked);
+        QVERIFY(!connection.inTransaction());
+        QCOMPARE(theirs->recordCount(), 1);
+        other->connection().execute(u"COMMIT"_s);
+        QCOMPARE(TestWorld::rowsOf(theirs), QStringList(u"a|M-991231-001|"_s));
+        TestWorld::addRow(mine, {u"d"_s, u"M-991231-004"_s, u""_s});
+        QCOMPARE(TestWorld::rowsOf(theirs), QStringList({u"a|M-991231-001|"_s, u"d|M-991231-004|"_s}));
+    }
+
     void aLockedFileCannotBeReadOrOpened()
     {
         const auto other = Database::open(m_path);
