@@ -99,7 +99,27 @@ private Q_SLOTS:
         QTest::newRow("never closed") << u"a[b"_s << u"a[b"_s << true;
         QTest::newRow("never closed at the end") << u"a["_s << u"a["_s << true;
         QTest::newRow("never closed, star after it") << u"[*"_s << u"[xyz"_s << true;
+        // A list without a member stands for nothing, one that excludes nothing for any character.
         QTest::newRow("empty list") << u"a[]b"_s << u"ab"_s << true;
+        QTest::newRow("empty list alone") << u"[]"_s << u""_s << true;
+        QTest::newRow("empty list, text") << u"[]"_s << u"a"_s << false;
+        QTest::newRow("empty list between stars") << u"*[]*"_s << u"abc"_s << true;
+        QTest::newRow("nothing excluded") << u"[!]"_s << u"a"_s << true;
+        QTest::newRow("nothing excluded, exclamation") << u"[!]"_s << u"!"_s << true;
+        QTest::newRow("nothing excluded, pair") << u"[!]"_s << u"😀"_s << true;
+        QTest::newRow("nothing excluded, empty text") << u"[!]"_s << u""_s << false;
+        QTest::newRow("nothing excluded, two") << u"[!]"_s << u"ab"_s << false;
+        QTest::newRow("backwards excluded") << u"[!z-a]"_s << u"m"_s << true;
+        // Identifiers compare to the letter, the ends of ranges included.
+        QTest::newRow("range of both widths backwards") << u"[ｱ-ン]"_s << u"ミ"_s << false;
+        QTest::newRow("range of both widths backwards, end") << u"[ｱ-ン]"_s << u"ン"_s << false;
+        QTest::newRow("range of both cases") << u"[A-z]"_s << u"a"_s << true;
+        QTest::newRow("range of both cases backwards") << u"[a-Z]"_s << u"b"_s << false;
+        QTest::newRow("range from full width") << u"[Ａ-z]"_s << u"b"_s << false;
+        QTest::newRow("range to full width") << u"[a-Ｚ]"_s << u"ン"_s << true;
+        QTest::newRow("marks are members") << u"[ｶﾞ-ｺﾞ]"_s << u"ﾞ"_s << true;
+        QTest::newRow("marks are members, kana") << u"[ｶﾞ-ｺﾞ]"_s << u"ｶ"_s << true;
+        QTest::newRow("marks are members, full width") << u"[ｶﾞ-ｺﾞ]"_s << u"ギ"_s << false;
         QTest::newRow("percent is a letter") << u"%"_s << u"abc"_s << false;
         QTest::newRow("underscore is a letter") << u"_"_s << u"a"_s << false;
         QTest::newRow("full-width star is a letter") << u"＊"_s << u"abc"_s << false;
@@ -133,6 +153,41 @@ private Q_SLOTS:
         QTest::newRow("list of hiragana") << u"[あ-お]"_s << u"ｲ"_s << true;
         QTest::newRow("voiced kana in a list") << u"[ｶﾞ]"_s << u"が"_s << true;
         QTest::newRow("voiced kana in a list, plain") << u"[ｶﾞ]"_s << u"か"_s << false;
+        QTest::newRow("half-width to full-width range") << u"[ｱ-ン]"_s << u"ミ"_s << true;
+        QTest::newRow("half-width to full-width range, hiragana") << u"[ｱ-ン]"_s << u"み"_s << true;
+        QTest::newRow("half-width to full-width range, half width") << u"[ｱ-ン]"_s << u"ﾐ"_s << true;
+        QTest::newRow("half-width to full-width range, first") << u"[ｱ-ン]"_s << u"あ"_s << true;
+        QTest::newRow("half-width to full-width range, last") << u"[ｱ-ン]"_s << u"ﾝ"_s << true;
+        QTest::newRow("half-width to full-width range, kanji") << u"[ｱ-ン]"_s << u"水"_s << false;
+        QTest::newRow("half-width to full-width range, excluded") << u"[!ｱ-ン]"_s << u"ミ"_s << false;
+        QTest::newRow("full-width to half-width range") << u"[Ａ-z]"_s << u"m"_s << true;
+        QTest::newRow("full-width to half-width range, capital") << u"[Ａ-z]"_s << u"Ｍ"_s << true;
+        QTest::newRow("full-width to half-width range, between") << u"[Ａ-z]"_s << u"_"_s << false;
+        QTest::newRow("range of both cases") << u"[a-Z]"_s << u"B"_s << true;
+        QTest::newRow("hiragana to katakana range") << u"[あ-ン]"_s << u"ｲ"_s << true;
+        QTest::newRow("voiced range") << u"[ｶﾞ-ｺﾞ]"_s << u"ギ"_s << true;
+        QTest::newRow("voiced range, hiragana") << u"[ｶﾞ-ｺﾞ]"_s << u"ぐ"_s << true;
+        QTest::newRow("voiced range, half width") << u"[ｶﾞ-ｺﾞ]"_s << u"ｹﾞ"_s << true;
+        QTest::newRow("voiced range, first") << u"[ｶﾞ-ｺﾞ]"_s << u"が"_s << true;
+        QTest::newRow("voiced range, last") << u"[ｶﾞ-ｺﾞ]"_s << u"ゴ"_s << true;
+        QTest::newRow("voiced range, plain within") << u"[ｶﾞ-ｺﾞ]"_s << u"キ"_s << true;
+        QTest::newRow("voiced range, before it") << u"[ｶﾞ-ｺﾞ]"_s << u"カ"_s << false;
+        QTest::newRow("voiced range, behind it") << u"[ｶﾞ-ｺﾞ]"_s << u"サ"_s << false;
+        QTest::newRow("voiced range, the mark") << u"[ｶﾞ-ｺﾞ]"_s << u"ﾞ"_s << false;
+        QTest::newRow("half-voiced range") << u"[ﾊﾟ-ﾎﾟ]"_s << u"ぴ"_s << true;
+        QTest::newRow("combining voiced range") << u"[か\u3099-こ\u3099]"_s << u"ギ"_s << true;
+        QTest::newRow("a mark of its own in a list") << u"[ｱﾞ]"_s << u"ﾞ"_s << true;
+        QTest::newRow("a mark behind a range") << u"[a-bﾞ]"_s << u"ﾞ"_s << true;
+        // Backwards in the eyes of a reader, whatever the code points say.
+        QTest::newRow("range backwards") << u"[z-a]"_s << u"m"_s << false;
+        QTest::newRow("range backwards, end") << u"[z-a]"_s << u"a"_s << false;
+        QTest::newRow("range backwards by its fold") << u"[ン-ｱ]"_s << u"ミ"_s << false;
+        QTest::newRow("range backwards by its case") << u"[Z-a]"_s << u"m"_s << false;
+        QTest::newRow("voiced range backwards") << u"[ｺﾞ-ｶﾞ]"_s << u"ギ"_s << false;
+        QTest::newRow("range backwards excluded") << u"[!ｺﾞ-ｶﾞ]"_s << u"ギ"_s << true;
+        QTest::newRow("full-width hyphen is a member") << u"[a－c]"_s << u"b"_s << false;
+        QTest::newRow("empty list") << u"[]"_s << u""_s << true;
+        QTest::newRow("nothing excluded") << u"[!]"_s << u"ｶﾞ"_s << true;
         QTest::newRow("mark after a wildcard") << u"?ﾞ"_s << u"ｱﾞ"_s << true;
     }
     void patternsMatchAsAReader()
