@@ -12,13 +12,26 @@ namespace quillon
 namespace
 {
 
-/// The position (from 1) of the next occurrence at or after `start` (from 1), 0 when there is none.
-qint16 positionOf(const QString& delimiter, const QString& text, qsizetype start)
+// Positions count from 1 and are 16-bit.
+constexpr qint16 LastPosition = std::numeric_limits<qint16>::max();
+
+/// The position of the next occurrence at or after `start`, 0 when there is none.
+qint16 positionOf(const QString& delimiter, const QString& text, qint16 start)
 {
+    // An empty delimiter stands everywhere, but not behind the text.
+    if (start > text.size())
+        return 0;
     const qsizetype position = text.indexOf(delimiter, start - 1) + 1;
-    if (position > std::numeric_limits<qint16>::max())
+    if (position > LastPosition)
         throw Error(errors::Overflow);
     return static_cast<qint16>(position);
+}
+
+qint16 after(qint16 position)
+{
+    if (position == LastPosition)
+        throw Error(errors::Overflow);
+    return static_cast<qint16>(position + 1);
 }
 
 } // namespace
@@ -34,13 +47,8 @@ QString ExtractString(Reporting& reporting, const QString& text, const QString& 
                  .title = u"特定文字列抽出処理"_s});
             return;
         }
-        // An empty delimiter stands everywhere; the search ends at the end of the text.
-        while (last < text.size()) {
-            const qint16 next = positionOf(delimiter, text, last + 1);
-            if (next == 0)
-                break;
+        while (const qint16 next = positionOf(delimiter, text, after(last)))
             last = next;
-        }
         result = text.mid(last);
     });
     return result;

@@ -28,6 +28,7 @@ class TestExtractString : public QObject
     }
 
 private Q_SLOTS:
+    void init() { eventLog.lines.clear(); }
     void cleanup() { QCOMPARE(dialogs.takeComplaints(), QStringList()); }
 
     void whatFollowsTheLastDelimiterIsReturned_data()
@@ -71,24 +72,40 @@ private Q_SLOTS:
         QCOMPARE(ExtractString(reporting, QString(), u"\\"_s), QString());
     }
 
-    void position32767IsTheLastOne()
+    void delimitersMayStandUpToPosition32766_data()
     {
-        const QString text = QString(32766, u'a') + u"/rest"_s;
-        QCOMPARE(ExtractString(reporting, text, u"/"_s), u"rest"_s);
+        QTest::addColumn<int>("before"); // characters before the delimiter
+        QTest::addColumn<QString>("behind");
+        QTest::newRow("with a rest") << 32765 << u"rest"_s;
+        QTest::newRow("at the end") << 32765 << QString();
     }
 
-    void aDelimiterBeyondPosition32767Overflows()
+    void delimitersMayStandUpToPosition32766()
     {
-        expectOverflow();
-        const QString text = QString(32767, u'a') + u"/rest"_s;
-        QCOMPARE(ExtractString(reporting, text, u"/"_s), QString());
+        QFETCH(int, before);
+        QFETCH(QString, behind);
+        const QString text = QString(before, u'a') + u'/' + behind;
+        QCOMPARE(ExtractString(reporting, text, u"/"_s), behind);
     }
 
-    void aLaterDelimiterBeyondPosition32767Overflows()
+    void laterDelimitersOverflow_data()
     {
+        QTest::addColumn<QString>("text");
+        // The position itself still fits, but not the one from which the search goes on.
+        QTest::newRow("at 32767") << QString(QString(32766, u'a') + u"/rest"_s);
+        QTest::newRow("at 32767, the end") << QString(QString(32766, u'a') + u'/');
+        QTest::newRow("a second one at 32767") << QString(u"/"_s + QString(32765, u'a') + u"/rest"_s);
+        QTest::newRow("at 32768") << QString(QString(32767, u'a') + u"/rest"_s);
+        QTest::newRow("a second one far behind") << QString(u"/"_s + QString(40000, u'a') + u"/rest"_s);
+    }
+
+    void laterDelimitersOverflow()
+    {
+        QFETCH(QString, text);
         expectOverflow();
-        const QString text = u"/"_s + QString(40000, u'a') + u"/rest"_s;
         QCOMPARE(ExtractString(reporting, text, u"/"_s), QString());
+        QCOMPARE(eventLog.lines.size(), 1);
+        QVERIFY(eventLog.lines.first().contains(u"LOCATION : ExtractString, ErrorNumber : 6,"_s));
     }
 
     void aLongTextWithAnEarlyDelimiterIsReturnedWhole()
