@@ -32,7 +32,8 @@ QString standardDescription(qint32 errorNumber)
     case errors::PermissionDenied:
         return u"アクセスが許可されていません。ファイルやフォルダのアクセス権を確認してください。"_s;
     case errors::PathFileAccess:
-        return u"指定されたパスはファイルとして開けません。通常のファイルを指定してください。"_s;
+        return u"ファイルを開けないか、読み書きに失敗しましたので、"
+               u"通常のファイルであることと、ディスクやネットワークの接続を確認してからやり直してください。"_s;
     case errors::PathNotFound:
         return u"フォルダが見つかりません。フォルダの場所と名前を確認してください。"_s;
     case errors::ObjectNotSet:

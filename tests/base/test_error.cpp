@@ -30,6 +30,15 @@ private Q_SLOTS:
         }
     }
 
+    void aFailingDiskIsDescribedAsOne()
+    {
+        // The same number stands for a folder in place of a file and for a stick that was pulled out.
+        const QString sentence = standardDescription(errors::PathFileAccess);
+        QVERIFY2(sentence.contains(u"読み書き"_s), qPrintable(sentence));
+        QVERIFY2(sentence.contains(u"ディスクやネットワークの接続"_s), qPrintable(sentence));
+        QVERIFY2(sentence.contains(u"通常のファイル"_s), qPrintable(sentence));
+    }
+
     void anUnknownNumberNamesItself() { QVERIFY(standardDescription(4711).contains(u"4711"_s)); }
 
     void anErrorCarriesTheStandardSentenceOfItsNumber()
