@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QScreen>
@@ -197,9 +198,39 @@ QString suffixOfFilter(const QString& filter)
     return single ? suffix : QString();
 }
 
+namespace
+{
+
+/// Whether the proposed file lies outside the folder in which the dialog has to start.
+bool proposesFromElsewhere(const FileDialog& dialog)
+{
+    const QFileInfo proposed(QDir::fromNativeSeparators(dialog.fileName));
+    return !dialog.folder.isEmpty() && proposed.isAbsolute() &&
+           proposed.dir() != QDir(QDir::fromNativeSeparators(dialog.folder));
+}
+
+/// Puts the proposed name into a dialog that stands in its folder already.
+void proposeName(QFileDialog& shown, const FileDialog& dialog)
+{
+    auto* nameField = shown.findChild<QLineEdit*>(u"fileNameEdit"_s);
+    if (proposesFromElsewhere(dialog) && nameField != nullptr) {
+        // In full, so that it is this very file that is chosen. Selecting it would make the dialog leave its folder.
+        nameField->setText(QDir::toNativeSeparators(dialog.fileName));
+        return;
+    }
+    const QFileInfo proposed(QDir::fromNativeSeparators(dialog.fileName));
+    if (proposed.isAbsolute() && proposed.dir().exists())
+        shown.setDirectory(proposed.path());
+    shown.selectFile(proposed.fileName());
+}
+
+} // namespace
+
 std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
 {
     auto* shown = new QFileDialog(parentOfBox());
+    // The dialogs of the systems take a proposed name for one in the folder they show.
+    shown->setOption(QFileDialog::DontUseNativeDialog, proposesFromElsewhere(dialog));
     const bool saves = dialog.purpose == FileDialog::Purpose::Save;
     shown->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     // Also for opening: it is the caller who answers a name that does not exist.
@@ -211,12 +242,8 @@ std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
         shown->setDefaultSuffix(suffixOfFilter(dialog.filter));
     if (!dialog.folder.isEmpty())
         shown->setDirectory(QDir::fromNativeSeparators(dialog.folder));
-    if (!dialog.fileName.isEmpty()) {
-        const QFileInfo proposed(QDir::fromNativeSeparators(dialog.fileName));
-        if (proposed.isAbsolute() && proposed.dir().exists())
-            shown->setDirectory(proposed.path());
-        shown->selectFile(proposed.fileName());
-    }
+    if (!dialog.fileName.isEmpty())
+        proposeName(*shown, dialog);
     return run(shown, [](const QFileDialog* asked, int result) -> std::optional<QString> {
         if (asked == nullptr || result != QDialog::Accepted || asked->selectedFiles().isEmpty())
             return std::nullopt;

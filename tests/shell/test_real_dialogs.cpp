@@ -3,6 +3,8 @@
 #include "app/shell/japanese_interface.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
@@ -46,6 +48,14 @@ class TestRealDialogs : public QObject
             texts << button->text();
         texts.sort();
         return texts;
+    }
+
+    static QString makeFile(const QString& path)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("cannot make the file");
+        return path;
     }
 
     int m_shown = 0;
@@ -335,19 +345,59 @@ private Q_SLOTS:
         QCOMPARE(answer.value_or(u"cancelled"_s), folder.filePath(u"知識.mdb"_s));
     }
 
-    void aFileDialogProposesTheFormerName()
+    void aFileDialogProposesTheFormerNameInItsFolder_data()
     {
+        QTest::addColumn<bool>("folderIsGiven");
+        QTest::newRow("no folder given") << false;
+        QTest::newRow("the folder of the file") << true;
+    }
+
+    void aFileDialogProposesTheFormerNameInItsFolder()
+    {
+        QFETCH(bool, folderIsGiven);
+        const QTemporaryDir folder;
+        const QString former = makeFile(folder.filePath(u"前.mdb"_s));
+        whenShown<QFileDialog>([&](QFileDialog& dialog) {
+            QCOMPARE(dialog.directory().path(), folder.path());
+            QCOMPARE(dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(), u"前.mdb"_s);
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+        const auto answer =
+            dialogs.fileDialog({.fileName = former, .folder = folderIsGiven ? folder.path() : QString()});
+        QCOMPARE(m_shown, 1);
+        QCOMPARE(answer.value_or(u"cancelled"_s), former);
+    }
+
+    void aFileDialogStartsInItsFolderWhereverTheFormerFileLies_data()
+    {
+        QTest::addColumn<bool>("fileIsThere");
+        QTest::addColumn<bool>("twinIsThere"); // a file of the same name in the folder of the start
+        QTest::newRow("alone") << true << false;
+        QTest::newRow("beside one of the same name") << true << true;
+        QTest::newRow("gone meanwhile") << false << true;
+    }
+
+    void aFileDialogStartsInItsFolderWhereverTheFormerFileLies()
+    {
+        QFETCH(bool, fileIsThere);
+        QFETCH(bool, twinIsThere);
         const QTemporaryDir folder;
         const QTemporaryDir other;
-        QFile file(folder.filePath(u"前.mdb"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.close();
+        const QString former = other.filePath(u"前 の.mdb"_s);
+        if (fileIsThere)
+            makeFile(former);
+        if (twinIsThere)
+            makeFile(folder.filePath(u"前 の.mdb"_s));
         whenShown<QFileDialog>([&](QFileDialog& dialog) {
-            QCOMPARE(dialog.selectedFiles(), QStringList{folder.filePath(u"前.mdb"_s)});
-            dialog.reject();
+            QCOMPARE(dialog.directory().path(), folder.path());
+            QCOMPARE(dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(),
+                     QDir::toNativeSeparators(former));
+            QMetaObject::invokeMethod(&dialog, "accept");
         });
-        dialogs.fileDialog({.fileName = folder.filePath(u"前.mdb"_s), .folder = other.path()});
+        const auto answer = dialogs.fileDialog(
+            {.filter = u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)|*.mdb"_s, .fileName = former, .folder = folder.path()});
         QCOMPARE(m_shown, 1);
+        QCOMPARE(answer.value_or(u"cancelled"_s), QDir::toNativeSeparators(former));
     }
 };
 
