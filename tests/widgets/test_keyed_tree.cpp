@@ -25,15 +25,13 @@ private Q_SLOTS:
     void cleanup() { m_tree.reset(); }
 
     void selectingByProgramIsNoClick();
-    void aClickOnANodeIsTold();
-    void aClickOnTheArrowOnlyOpens();
-    void aReleaseOnAnotherNodeIsNoClick();
-    void aRightClickSelectsAndAsksForTheMenu();
     void theMenuKeyAsksForTheMenuAtTheNode();
     void movingByKeyboardIsNoClick();
     void keysAreToldWithTheirModifiers();
     void aReleaseWithoutAPressIsNotTold();
-    void aDoubleClickOpensAndIsOneClick();
+    void aHeldKeyIsToldOnce();
+    void aKeyHeldSinceBeforeIsNotTold();
+    void anInputMethodCanTypeAfterTheFocusReturns();
     void rebuildingIsNoClick();
     void theSelectedNodeIsShown();
     void draggedTextHighlightsTheNodeUnderIt();
@@ -49,10 +47,10 @@ private Q_SLOTS:
 
 private:
     QPoint at(int position) const { return m_tree->visualRect(m_tree->nodes().indexOf(position)).center(); }
-    QPoint arrowOf(int position) const
+    void sendRepetition(QEvent::Type type, int key)
     {
-        const QRect item = m_tree->visualRect(m_tree->nodes().indexOf(position));
-        return {item.left() - m_tree->indentation() / 2, item.center().y()};
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(m_tree.get(), &event);
     }
     bool dragTo(const QPoint& position, const QMimeData& data)
     {
@@ -94,57 +92,6 @@ void TestKeyedTree::selectingByProgramIsNoClick()
     QCOMPARE(m_tree->selectedPosition(), 0);
     m_tree->select(2);
     QCOMPARE(m_tree->selectedPosition(), 2);
-    QCOMPARE(clicked.size(), 0);
-}
-
-void TestKeyedTree::aClickOnANodeIsTold()
-{
-    QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, at(2));
-    QCOMPARE(clicked.size(), 1);
-    QCOMPARE(clicked[0][0].toInt(), 2);
-    QCOMPARE(m_tree->selectedPosition(), 2);
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, at(2));
-    QCOMPARE(clicked.size(), 2);
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, QPoint(20, 280));
-    QCOMPARE(clicked.size(), 2);
-}
-
-void TestKeyedTree::aClickOnTheArrowOnlyOpens()
-{
-    const QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
-    m_tree->select(1);
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, arrowOf(4));
-    QVERIFY(m_tree->isExpanded(m_tree->nodes().indexOf(4)));
-    QCOMPARE(m_tree->selectedPosition(), 1);
-    QCOMPARE(clicked.size(), 0);
-}
-
-void TestKeyedTree::aReleaseOnAnotherNodeIsNoClick()
-{
-    const QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
-    QTest::mousePress(m_tree->viewport(), Qt::LeftButton, {}, at(1));
-    QMouseEvent move(QEvent::MouseMove, at(4), m_tree->viewport()->mapToGlobal(at(4)), Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_tree->viewport(), &move);
-    QCOMPARE(m_tree->selectedPosition(), 1);
-    QTest::mouseRelease(m_tree->viewport(), Qt::LeftButton, {}, at(4));
-    QCOMPARE(clicked.size(), 0);
-    QCOMPARE(m_tree->selectedPosition(), 1);
-}
-
-void TestKeyedTree::aRightClickSelectsAndAsksForTheMenu()
-{
-    const QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
-    QSignalSpy menu(m_tree.get(), &KeyedTree::menuRequested);
-    m_tree->select(1);
-    const QPoint global = m_tree->viewport()->mapToGlobal(at(4));
-    QTest::mouseClick(m_tree->viewport(), Qt::RightButton, {}, at(4));
-    QContextMenuEvent event(QContextMenuEvent::Mouse, at(4), global);
-    QCoreApplication::sendEvent(m_tree->viewport(), &event);
-    QCOMPARE(m_tree->selectedPosition(), 4);
-    QCOMPARE(menu.size(), 1);
-    QCOMPARE(menu[0][0].toPoint(), global);
     QCOMPARE(clicked.size(), 0);
 }
 
@@ -204,14 +151,44 @@ void TestKeyedTree::aReleaseWithoutAPressIsNotTold()
     QCOMPARE(released.size(), 1);
 }
 
-void TestKeyedTree::aDoubleClickOpensAndIsOneClick()
+void TestKeyedTree::aHeldKeyIsToldOnce()
 {
-    const QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
-    QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, at(4));
-    QTest::mouseDClick(m_tree->viewport(), Qt::LeftButton, {}, at(4));
-    QTest::mouseRelease(m_tree->viewport(), Qt::LeftButton, {}, at(4));
-    QCOMPARE(clicked.size(), 1);
-    QVERIFY(m_tree->isExpanded(m_tree->nodes().indexOf(4)));
+    const QSignalSpy pressed(m_tree.get(), &KeyedTree::keyPressed);
+    const QSignalSpy released(m_tree.get(), &KeyedTree::keyReleased);
+    QTest::keyPress(m_tree.get(), Qt::Key_Delete);
+    for (int time = 0; time < 3; ++time) {
+        sendRepetition(QEvent::KeyRelease, Qt::Key_Delete);
+        sendRepetition(QEvent::KeyPress, Qt::Key_Delete);
+    }
+    QCOMPARE(pressed.size(), 1);
+    QCOMPARE(released.size(), 0);
+    QTest::keyRelease(m_tree.get(), Qt::Key_Delete);
+    QCOMPARE(released.size(), 1);
+}
+
+void TestKeyedTree::aKeyHeldSinceBeforeIsNotTold()
+{
+    const QSignalSpy pressed(m_tree.get(), &KeyedTree::keyPressed);
+    const QSignalSpy released(m_tree.get(), &KeyedTree::keyReleased);
+    sendRepetition(QEvent::KeyPress, Qt::Key_Delete);
+    QTest::keyRelease(m_tree.get(), Qt::Key_Delete);
+    QCOMPARE(pressed.size(), 0);
+    QCOMPARE(released.size(), 0);
+}
+
+void TestKeyedTree::anInputMethodCanTypeAfterTheFocusReturns()
+{
+    m_tree->select(1);
+    QCoreApplication::processEvents(); // the window becomes the active one
+    m_tree->clearFocus();
+    m_tree->setFocus();
+    QVERIFY(m_tree->hasFocus());
+    QVERIFY(m_tree->testAttribute(Qt::WA_InputMethodEnabled));
+    QInputMethodEvent committed;
+    committed.setCommitString(u"分類"_s);
+    QCoreApplication::sendEvent(m_tree.get(), &committed);
+    QCOMPARE(m_tree->selectedPosition(), 4);
+    QVERIFY(m_tree->testAttribute(Qt::WA_InputMethodEnabled));
 }
 
 void TestKeyedTree::rebuildingIsNoClick()

@@ -9,6 +9,9 @@
 #include <QMimeData>
 #include <QScrollBar>
 
+#include <algorithm>
+#include <utility>
+
 namespace quillon
 {
 
@@ -99,20 +102,41 @@ bool KeyedTree::isOnBranchArrow(const QModelIndex& index, const QPoint& position
     return position.x() < item.left() && position.x() >= item.left() - indentation();
 }
 
+QItemSelectionModel::SelectionFlags KeyedTree::selectionCommand(const QModelIndex& index,
+                                                                const QEvent* event) const
+{
+    // Whether Ctrl is held makes no difference: there is always one selected node, never none.
+    if (!index.isValid() || (event != nullptr && event->type() == QEvent::MouseButtonRelease))
+        return QItemSelectionModel::NoUpdate;
+    return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
 void KeyedTree::mousePressEvent(QMouseEvent* event)
 {
     const QPoint position = event->position().toPoint();
     const QModelIndex index = indexAt(position);
     m_pressedNode = QModelIndex();
+    m_selectedByPress = false;
     if (event->button() == Qt::LeftButton) {
         if (index.isValid() && !isOnBranchArrow(index, position))
             m_pressedNode = index;
+        const int before = selectedPosition();
         QTreeView::mousePressEvent(event);
+        m_selectedByPress = selectedPosition() != before;
         return;
     }
-    if (event->button() == Qt::RightButton && index.isValid())
-        setCurrentIndex(index);
+    if (event->button() == Qt::RightButton)
+        selectForMenu(index);
     event->accept();
+}
+
+void KeyedTree::selectForMenu(const QModelIndex& index)
+{
+    if (!index.isValid() || m_model->position(index) == selectedPosition())
+        return;
+    setCurrentIndex(index);
+    // Before the menu opens: what it acts on must be what is shown for the node.
+    Q_EMIT nodeClicked(m_model->position(index));
 }
 
 void KeyedTree::mouseMoveEvent(QMouseEvent* event)
@@ -129,16 +153,18 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event)
     QTreeView::mouseReleaseEvent(event);
     if (event->button() != Qt::LeftButton)
         return;
-    const QModelIndex pressed = m_pressedNode;
-    m_pressedNode = QModelIndex();
-    if (pressed.isValid() && viewport()->rect().contains(position) && indexAt(position) == pressed)
+    const QModelIndex pressed = std::exchange(m_pressedNode, QPersistentModelIndex());
+    const bool selected = std::exchange(m_selectedByPress, false);
+    const bool clicked = viewport()->rect().contains(position) && indexAt(position) == pressed;
+    if (pressed.isValid() && (clicked || selected))
         Q_EMIT nodeClicked(m_model->position(pressed));
 }
 
 void KeyedTree::keyPressEvent(QKeyEvent* event)
 {
     m_pressedKeys.press(*event);
-    Q_EMIT keyPressed(event->key(), event->modifiers());
+    if (!event->isAutoRepeat())
+        Q_EMIT keyPressed(event->key(), event->modifiers());
     if (typesControlCharacter(*event)) {
         event->ignore();
         return;
@@ -154,6 +180,19 @@ void KeyedTree::keyReleaseEvent(QKeyEvent* event)
         Q_EMIT keyReleased(event->key(), event->modifiers());
 }
 
+void KeyedTree::focusInEvent(QFocusEvent* event)
+{
+    QTreeView::focusInEvent(event);
+    setAttribute(Qt::WA_InputMethodEnabled);
+}
+
+void KeyedTree::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTreeView::currentChanged(current, previous);
+    // Names are Japanese: an input method must be able to type what is searched, although no node can be edited.
+    setAttribute(Qt::WA_InputMethodEnabled);
+}
+
 void KeyedTree::focusOutEvent(QFocusEvent* event)
 {
     m_pressedKeys.forget();
@@ -165,9 +204,7 @@ void KeyedTree::contextMenuEvent(QContextMenuEvent* event)
     event->accept();
     QPoint position = event->globalPos();
     if (event->reason() == QContextMenuEvent::Mouse) {
-        const QModelIndex index = indexAt(event->pos());
-        if (index.isValid() && m_model->position(index) != selectedPosition())
-            setCurrentIndex(index);
+        selectForMenu(indexAt(event->pos()));
     } else {
         QPoint inside(0, 0);
         if (currentIndex().isValid()) {

@@ -11,7 +11,12 @@ namespace quillon
 class PressedKeys
 {
 public:
-    void press(const QKeyEvent& event) { m_keys.insert(event.key()); }
+    /// The repetitions of a held key are no presses: the key may have gone down elsewhere.
+    void press(const QKeyEvent& event)
+    {
+        if (!event.isAutoRepeat())
+            m_keys.insert(event.key());
+    }
     /// Whether this is the real release of a key that was pressed here.
     bool release(const QKeyEvent& event) { return !event.isAutoRepeat() && m_keys.remove(event.key()); }
     void forget() { m_keys.clear(); }
