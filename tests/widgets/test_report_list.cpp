@@ -1,87 +1,32 @@
-#include "ui/widgets/report_list.h"
+// The mouse, the selection, sorting and the looks of a report list.
+#include "tests/widgets/report_list_fixture.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
 #include <QHeaderView>
-#include <QLineEdit>
-#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStyledItemDelegate>
-#include <QVBoxLayout>
-#include <QtTest>
-
-#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace quillon::testing;
 using quillon::ReportList;
 using quillon::ReportModel;
 
-namespace
-{
-
-const std::vector<ReportModel::Column> Columns = {
-    {u"名称"_s, ReportModel::Storage::Text},
-    {u"種別"_s, ReportModel::Storage::Word},
-    {u"ＩＤ"_s, ReportModel::Storage::Text},
-};
-
-void fill(ReportList& list, const QStringList& names)
-{
-    ReportModel::Fill rows(list.rows());
-    int number = 0;
-    for (const QString& name : names)
-        rows.append({name, u"定義", u"M-%1"_s.arg(++number)});
-}
-
-QStringList selectedNames(const ReportList& list)
-{
-    QStringList names;
-    for (const int row : list.selectedRows())
-        names << list.rows().text(row, 0).toString();
-    return names;
-}
-
-/// A window that writes down what its controls did not handle.
-class Window : public QWidget
-{
-public:
-    QList<int> keys;
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override { keys << event->key(); }
-};
-
-} // namespace
-
-class TestReportList : public QObject
+class TestReportList : public ReportListFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { makeList(); }
     void cleanup() { m_window.reset(); }
 
     void aClickSelectsOneRow();
     void controlAndShiftSelectMore();
     void allRowsAreSelectedAtOnce();
     void theSelectedRowIsTheCurrentOneIfSelected();
-    void arrowsMoveByRows();
-    void homeAndEndGoToTheEnds();
-    void pagesMoveByTheHeightOfTheList();
-    void shiftAndArrowsExtendTheSelection();
-    void sidewaysKeysScroll();
-    void theCurrentCellStaysInTheFirstColumn();
-    void typingGoesToTheNextMatchingRow();
-    void typingIgnoresCase();
-    void aComposedTextIsSearched();
-    void enterActivatesOnceAndStopsThere();
-    void enterWithoutRowsActivatesToo();
-    void otherKeysAreToldAndReachTheWindow();
-    void lettersAreNotToldAsKeys();
-    void aReleaseWithoutAPressIsNotTold();
-    void tabLeavesTheList();
     void aDoubleClickOnARowActivates();
     void aDoubleClickElsewhereDoesNot();
+    void aDoubleClickBesideTheRowsIsTold();
     void theMenuSelectsTheRowUnderTheMouse();
     void theMenuKeepsASelectionOfSeveral();
     void theMenuKeyOpensAtTheCurrentRow();
@@ -100,51 +45,7 @@ private Q_SLOTS:
     void removingManyRowsKeepsThePlace();
     void aMillionRowsCanBeSelectedAndSearched();
     void assistiveTechnologyReadsCellsAndHeaders();
-
-private:
-    QPoint at(int row, int column = 0) const
-    {
-        return m_list->visualRect(m_list->rows().index(row, column)).center();
-    }
-    void click(int row, Qt::KeyboardModifiers modifiers = {}, Qt::MouseButton button = Qt::LeftButton)
-    {
-        QTest::mouseClick(m_list->viewport(), button, modifiers, at(row));
-    }
-    /// A key with modifiers that have been down before; keyClick would press them too.
-    void sendKey(int key, Qt::KeyboardModifiers modifiers)
-    {
-        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key, modifiers);
-            QCoreApplication::sendEvent(m_list, &event);
-        }
-    }
-    void moveWithLeftButton(const QPoint& position)
-    {
-        QMouseEvent move(QEvent::MouseMove, position, m_list->viewport()->mapToGlobal(position), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_list->viewport(), &move);
-    }
-
-    std::unique_ptr<Window> m_window;
-    ReportList* m_list = nullptr;
-    QLineEdit* m_other = nullptr;
 };
-
-void TestReportList::init()
-{
-    m_window = std::make_unique<Window>();
-    m_list = new ReportList(Columns);
-    m_other = new QLineEdit;
-    auto* layout = new QVBoxLayout(m_window.get());
-    layout->addWidget(m_list);
-    layout->addWidget(m_other);
-    m_list->setColumnCharacters({20, 10, 14});
-    m_window->resize(600, 400);
-    m_window->show();
-    m_window->activateWindow();
-    m_list->setFocus();
-    fill(*m_list, {u"りんご"_s, u"apple"_s, u"Banana"_s, u"avocado"_s, u"水"_s});
-}
 
 void TestReportList::aClickSelectsOneRow()
 {
@@ -187,189 +88,16 @@ void TestReportList::theSelectedRowIsTheCurrentOneIfSelected()
     QCOMPARE(m_list->selectedRow(), -1);
 }
 
-void TestReportList::arrowsMoveByRows()
-{
-    QTest::keyClick(m_list, Qt::Key_Down);
-    QCOMPARE(m_list->selectedRow(), 0);
-    QTest::keyClick(m_list, Qt::Key_Down);
-    QTest::keyClick(m_list, Qt::Key_Down);
-    QCOMPARE(m_list->selectedRow(), 2);
-    QTest::keyClick(m_list, Qt::Key_Up);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"apple"_s));
-}
-
-void TestReportList::homeAndEndGoToTheEnds()
-{
-    click(2);
-    QTest::keyClick(m_list, Qt::Key_End);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"水"_s));
-    QTest::keyClick(m_list, Qt::Key_Home);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"りんご"_s));
-}
-
-void TestReportList::pagesMoveByTheHeightOfTheList()
-{
-    QStringList names;
-    for (int row = 0; row < 500; ++row)
-        names << QString::number(row);
-    fill(*m_list, names);
-    QTest::keyClick(m_list, Qt::Key_Home);
-    QTest::keyClick(m_list, Qt::Key_PageDown);
-    const int page = m_list->selectedRow();
-    QVERIFY(page > 1 && page < 100);
-    QTest::keyClick(m_list, Qt::Key_PageDown);
-    QCOMPARE(m_list->selectedRow(), 2 * page);
-    QTest::keyClick(m_list, Qt::Key_PageUp);
-    QTest::keyClick(m_list, Qt::Key_PageUp);
-    QTest::keyClick(m_list, Qt::Key_PageUp);
-    QCOMPARE(m_list->selectedRow(), 0);
-}
-
-void TestReportList::shiftAndArrowsExtendTheSelection()
-{
-    click(1);
-    QTest::keyClick(m_list, Qt::Key_Down, Qt::ShiftModifier);
-    QCOMPARE(m_list->selectedRows(), (std::vector<int>{1, 2}));
-    QTest::keyClick(m_list, Qt::Key_End, Qt::ShiftModifier);
-    QCOMPARE(m_list->selectedRows(), (std::vector<int>{1, 2, 3, 4}));
-    QTest::keyClick(m_list, Qt::Key_Home, Qt::ShiftModifier);
-    QCOMPARE(m_list->selectedRows(), (std::vector<int>{0, 1}));
-}
-
-void TestReportList::sidewaysKeysScroll()
-{
-    m_list->setColumnCharacters({100, 100, 100});
-    QCoreApplication::processEvents();
-    click(1);
-    QScrollBar* bar = m_list->horizontalScrollBar();
-    QVERIFY(bar->maximum() > 0);
-    QTest::keyClick(m_list, Qt::Key_Right);
-    const int scrolled = bar->value();
-    QVERIFY(scrolled > 0);
-    QTest::keyClick(m_list, Qt::Key_Down);
-    QCOMPARE(bar->value(), scrolled);
-    QCOMPARE(m_list->selectedRow(), 2);
-    QTest::keyClick(m_list, Qt::Key_Left);
-    QCOMPARE(bar->value(), 0);
-    QCOMPARE(m_list->selectedRow(), 2);
-}
-
-void TestReportList::theCurrentCellStaysInTheFirstColumn()
-{
-    QTest::mouseClick(m_list->viewport(), Qt::LeftButton, {}, at(2, 2));
-    QCOMPARE(m_list->currentIndex(), m_list->rows().index(2, 0));
-}
-
-void TestReportList::typingGoesToTheNextMatchingRow()
-{
-    m_list->keyboardSearch(u"水"_s);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"水"_s));
-    click(0); // ends what was typed
-    QTest::keyClick(m_list, Qt::Key_A);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"apple"_s));
-    click(1);
-    QTest::keyClick(m_list, Qt::Key_A);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"avocado"_s));
-    click(3);
-    QTest::keyClick(m_list, Qt::Key_A);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"apple"_s));
-    click(1);
-    QTest::keyClick(m_list, Qt::Key_Z);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"apple"_s));
-}
-
-void TestReportList::typingIgnoresCase()
-{
-    QTest::keyClick(m_list, Qt::Key_B);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"Banana"_s));
-}
-
-void TestReportList::aComposedTextIsSearched()
-{
-    click(0);
-    QVERIFY(m_list->testAttribute(Qt::WA_InputMethodEnabled));
-    QInputMethodEvent composing(u"みず"_s, {});
-    QCoreApplication::sendEvent(m_list, &composing);
-    QCOMPARE(m_list->selectedRow(), 0);
-    QInputMethodEvent committed;
-    committed.setCommitString(u"水"_s);
-    QCoreApplication::sendEvent(m_list, &committed);
-    QCOMPARE(selectedNames(*m_list), QStringList(u"水"_s));
-}
-
-void TestReportList::enterActivatesOnceAndStopsThere()
-{
-    const QSignalSpy activated(m_list, &ReportList::rowActivated);
-    const QSignalSpy pressed(m_list, &ReportList::keyPressed);
-    const QSignalSpy released(m_list, &ReportList::keyReleased);
-    click(1);
-    QTest::keyClick(m_list, Qt::Key_Return);
-    QCOMPARE(activated.size(), 1);
-    QTest::keyClick(m_list, Qt::Key_Enter, Qt::KeypadModifier);
-    QCOMPARE(activated.size(), 2);
-    QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, true);
-    QCoreApplication::sendEvent(m_list, &repeated);
-    QCOMPARE(activated.size(), 2);
-    QVERIFY(m_window->keys.isEmpty());
-    QCOMPARE(pressed.size(), 0);
-    QCOMPARE(released.size(), 0);
-}
-
-void TestReportList::enterWithoutRowsActivatesToo()
-{
-    m_list->rows().clear();
-    const QSignalSpy activated(m_list, &ReportList::rowActivated);
-    QTest::keyClick(m_list, Qt::Key_Return);
-    QCOMPARE(activated.size(), 1);
-}
-
-void TestReportList::otherKeysAreToldAndReachTheWindow()
-{
-    QSignalSpy pressed(m_list, &ReportList::keyPressed);
-    QSignalSpy released(m_list, &ReportList::keyReleased);
-    sendKey(Qt::Key_Insert, Qt::ShiftModifier);
-    QTest::keyClick(m_list, Qt::Key_Delete);
-    QTest::keyClick(m_list, Qt::Key_F2);
-    QTest::keyClick(m_list, Qt::Key_Escape);
-    QCOMPARE(pressed.size(), 4);
-    QCOMPARE(pressed[0][0].toInt(), static_cast<int>(Qt::Key_Insert));
-    QCOMPARE(pressed[0][1].value<Qt::KeyboardModifiers>(), Qt::ShiftModifier);
-    QCOMPARE(pressed[1][0].toInt(), static_cast<int>(Qt::Key_Delete));
-    QCOMPARE(released.size(), 4);
-    QCOMPARE(released[3][0].toInt(), static_cast<int>(Qt::Key_Escape));
-    for (const int key : {Qt::Key_Insert, Qt::Key_Delete, Qt::Key_F2, Qt::Key_Escape})
-        QCOMPARE(m_window->keys.count(key), 1);
-}
-
-void TestReportList::lettersAreNotToldAsKeys()
-{
-    const QSignalSpy pressed(m_list, &ReportList::keyPressed);
-    QTest::keyClick(m_list, Qt::Key_B);
-    QCOMPARE(pressed.size(), 0);
-    sendKey(Qt::Key_B, Qt::ControlModifier);
-    QCOMPARE(pressed.size(), 1);
-}
-
-void TestReportList::aReleaseWithoutAPressIsNotTold()
-{
-    const QSignalSpy released(m_list, &ReportList::keyReleased);
-    QTest::keyRelease(m_list, Qt::Key_Escape);
-    QCOMPARE(released.size(), 0);
-}
-
-void TestReportList::tabLeavesTheList()
-{
-    m_list->setFocus();
-    QTest::keyClick(m_list, Qt::Key_Tab);
-    QCOMPARE(m_window->focusWidget(), m_other);
-}
-
 void TestReportList::aDoubleClickOnARowActivates()
 {
     const QSignalSpy activated(m_list, &ReportList::rowActivated);
+    const QSignalSpy doubleClicked(m_list, &ReportList::listDoubleClicked);
+    const QSignalSpy entered(m_list, &ReportList::enterPressed);
     click(2);
     QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, at(2));
     QCOMPARE(activated.size(), 1);
+    QCOMPARE(doubleClicked.size(), 1);
+    QCOMPARE(entered.size(), 0);
     QCOMPARE(m_list->selectedRow(), 2);
 }
 
@@ -379,6 +107,18 @@ void TestReportList::aDoubleClickElsewhereDoesNot()
     QTest::mouseDClick(m_list->viewport(), Qt::RightButton, {}, at(2));
     QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, m_list->viewport()->rect().bottomLeft());
     QCOMPARE(activated.size(), 0);
+}
+
+void TestReportList::aDoubleClickBesideTheRowsIsTold()
+{
+    const QSignalSpy doubleClicked(m_list, &ReportList::listDoubleClicked);
+    QTest::mouseDClick(m_list->viewport(), Qt::RightButton, {}, at(2));
+    QCOMPARE(doubleClicked.size(), 0);
+    QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, m_list->viewport()->rect().bottomLeft());
+    QCOMPARE(doubleClicked.size(), 1);
+    m_list->rows().clear();
+    QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+    QCOMPARE(doubleClicked.size(), 2);
 }
 
 void TestReportList::theMenuSelectsTheRowUnderTheMouse()

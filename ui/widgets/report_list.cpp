@@ -192,11 +192,13 @@ void ReportList::keyPressEvent(QKeyEvent* event)
     m_pressedKeys.press(*event);
     if (isEnter(*event)) {
         event->accept();
-        if (!event->isAutoRepeat())
+        if (!event->isAutoRepeat()) {
+            Q_EMIT enterPressed();
             Q_EMIT rowActivated();
+        }
         return;
     }
-    if (!typesText(*event))
+    if (!typesText(*event) && !event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
         horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
@@ -209,7 +211,35 @@ void ReportList::keyPressEvent(QKeyEvent* event)
         event->ignore();
         return;
     }
+    if (selectsCurrentRow(*event)) {
+        setCurrentIndex(currentIndex());
+        scrollTo(currentIndex());
+        event->accept();
+        return;
+    }
     QTableView::keyPressEvent(event);
+}
+
+bool ReportList::selectsCurrentRow(const QKeyEvent& event)
+{
+    // The list that gets the focus has a current row already. Moving on from it would leave it out, and at the ends
+    // of the list it could never be selected.
+    const bool withControl = event.modifiers() & Qt::ControlModifier;
+    if (withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        return true;
+    case Qt::Key_Home:
+        return currentIndex().row() == 0;
+    case Qt::Key_End:
+        return currentIndex().row() == m_model->rowCount() - 1;
+    default:
+        return false;
+    }
 }
 
 void ReportList::keyReleaseEvent(QKeyEvent* event)
@@ -218,6 +248,12 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
     QTableView::keyReleaseEvent(event);
     if (pressedHere && !isEnter(*event))
         Q_EMIT keyReleased(event->key(), event->modifiers());
+}
+
+void ReportList::focusInEvent(QFocusEvent* event)
+{
+    QTableView::focusInEvent(event);
+    setAttribute(Qt::WA_InputMethodEnabled);
 }
 
 void ReportList::focusOutEvent(QFocusEvent* event)
@@ -354,7 +390,10 @@ void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
 {
     const bool onRow = indexAt(event->position().toPoint()).isValid();
     QTableView::mouseDoubleClickEvent(event);
-    if (onRow && event->button() == Qt::LeftButton)
+    if (event->button() != Qt::LeftButton)
+        return;
+    Q_EMIT listDoubleClicked();
+    if (onRow)
         Q_EMIT rowActivated();
 }
 

@@ -41,13 +41,18 @@ public:
 Q_SIGNALS:
     /// A header was clicked; the list has been sorted by that column (from 0).
     void columnClicked(int column);
-    /// A row was double-clicked, or Enter was pressed in the list.
+    /// A row was double-clicked, or Enter was pressed in the list; one of the next two signals tells which.
     void rowActivated();
+    /// The list was double-clicked with the left mouse button, on a row or beside the rows.
+    void listDoubleClicked();
+    /// Enter was pressed in the list, with rows or without.
+    void enterPressed();
     /// The right mouse button was pressed, or the keyboard's menu key; `position` is global.
     void menuRequested(const QPoint& position);
     /// The mouse moved over the list.
     void mouseMoved();
-    /// A key other than Enter and other than text was pressed; the list has not acted on it yet.
+    /// A key other than Enter and other than text was pressed; the list has not acted on it yet. A held key is told
+    /// once.
     void keyPressed(int key, Qt::KeyboardModifiers modifiers);
     /// A key other than Enter that had been pressed in the list was released.
     void keyReleased(int key, Qt::KeyboardModifiers modifiers);
@@ -57,6 +62,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -73,6 +79,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    bool selectsCurrentRow(const QKeyEvent& event);
     void adaptToFont();
     void sortBy(int column);
     void endSorting();
