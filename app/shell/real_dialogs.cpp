@@ -22,13 +22,14 @@ namespace quillon
 namespace
 {
 
-/// The window a box belongs in front of: the one the person works in, else the main window.
+/// The window a box belongs in front of: the one the person works in, else the main window. Always a window on the
+/// screen: one that has just been closed may still count as the active one, and would take the box with it.
 QWidget* parentOfBox()
 {
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal;
-    if (QWidget* active = QApplication::activeWindow())
-        return active;
+    for (QWidget* window : {QApplication::activeModalWidget(), QApplication::activeWindow()}) {
+        if (window != nullptr && window->isVisible())
+            return window;
+    }
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
         if (window->isVisible() && window->objectName() == u"frmMainMenu"_s)

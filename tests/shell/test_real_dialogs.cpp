@@ -223,6 +223,29 @@ private Q_SLOTS:
         QCOMPARE(m_shown, 1);
     }
 
+    void aWindowThatIsClosedIsNoParentOfABox()
+    {
+        QWidget mainWindow;
+        mainWindow.setObjectName(u"frmMainMenu"_s);
+        mainWindow.show();
+        QWidget closed;
+        closed.show();
+        closed.hide();
+        QApplication::setActiveWindow(&closed);
+        QCOMPARE(QApplication::activeWindow(), &closed);
+        whenShown<QMessageBox>([&](QMessageBox& box) {
+            QCOMPARE(box.parentWidget(), &mainWindow);
+            box.accept();
+        });
+        dialogs.messageBox({.text = u"お知らせ"_s});
+        whenShown<QInputDialog>([&](QInputDialog& box) {
+            QCOMPARE(box.parentWidget(), &mainWindow);
+            box.reject();
+        });
+        QVERIFY(!dialogs.inputBox({.prompt = u"名称"_s}));
+        QCOMPARE(m_shown, 2);
+    }
+
     void aBoxSurvivesTheEndOfItsWindow()
     {
         auto* window = new QWidget;
