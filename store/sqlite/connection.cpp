@@ -97,7 +97,7 @@ void Connection::configure()
     check(m_handle, sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
     execute(u"PRAGMA cell_size_check = ON"_s);
     execute(u"PRAGMA synchronous = FULL"_s);
-    execute(u"PRAGMA cache_size = -16384"_s);
+    execute(u"PRAGMA cache_size = -65536"_s); // kibibytes: names are looked up all over the file
     execute(u"PRAGMA temp_store = MEMORY"_s);
 }
 
@@ -226,6 +226,25 @@ void Connection::addPatternTest(const char* name, PatternTest test)
                                                SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
                                                new PatternTest(std::move(test)), runPatternTest, nullptr,
                                                nullptr, deletePatternTest));
+}
+
+ReadSpell::ReadSpell(Connection& connection) : m_connection(connection)
+{
+    if (connection.inTransaction())
+        return;
+    connection.execute(u"BEGIN"_s);
+    m_open = true;
+}
+
+ReadSpell::~ReadSpell()
+{
+    if (!m_open || !m_connection.inTransaction())
+        return;
+    try {
+        m_connection.execute(u"COMMIT"_s);
+    } catch (const Error&) {
+        // Nothing was written that could be lost.
+    }
 }
 
 Transaction::Transaction(Connection& connection) : m_connection(connection)

@@ -58,6 +58,21 @@ private:
     std::unique_ptr<Cache> m_cache;
 };
 
+/// Keeps the file open for reading as long as it lives, so that many small statements read one state and take the lock
+/// once. Other programs cannot write meanwhile: not for longer than it takes to fill a list.
+class ReadSpell
+{
+public:
+    explicit ReadSpell(Connection& connection);
+    ~ReadSpell();
+    ReadSpell(const ReadSpell&) = delete;
+    ReadSpell& operator=(const ReadSpell&) = delete;
+
+private:
+    Connection& m_connection;
+    bool m_open = false;
+};
+
 /// A transaction that is rolled back unless it is committed.
 class Transaction
 {

@@ -10,7 +10,9 @@ namespace quillon
 
 namespace
 {
-constexpr qint64 MillisecondsBetweenPaints = 33;
+// Most lists are there before anybody could read a bar, and painting it takes longer than many rows.
+constexpr qint64 MillisecondsBeforePaint = 250;
+constexpr qint64 MillisecondsBetweenPaints = 100;
 } // namespace
 
 FillProgress::FillProgress(QProgressBar& bar) : m_bar(bar) {}
@@ -24,6 +26,7 @@ void FillProgress::start(qint64 maximum)
 void FillProgress::prepare(qint64 maximum)
 {
     m_done = 0;
+    m_painted = false;
     m_bar.setRange(0, static_cast<int>(std::min<qint64>(maximum, std::numeric_limits<int>::max())));
     m_bar.setValue(0);
     m_sincePaint.start();
@@ -37,8 +40,9 @@ void FillProgress::finish()
 
 void FillProgress::paintNowAndThen()
 {
-    if (m_sincePaint.elapsed() < MillisecondsBetweenPaints)
+    if (m_sincePaint.elapsed() < (m_painted ? MillisecondsBetweenPaints : MillisecondsBeforePaint))
         return;
+    m_painted = true;
     m_sincePaint.restart();
     m_bar.setValue(static_cast<int>(std::min<qint64>(m_done, m_bar.maximum())));
     // Painted at once: the event loop gets no turn while a list is being filled.

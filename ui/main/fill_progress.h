@@ -7,8 +7,8 @@ class QProgressBar;
 namespace quillon
 {
 
-/// A progress bar while something is filled on the one thread: it paints itself, and at most some thirty times a
-/// second, so that a million rows cost no more than their reading.
+/// A progress bar while something is filled on the one thread: it paints itself, and only now and then, so
+/// that a million rows cost no more than their reading.
 class FillProgress
 {
 public:
@@ -45,6 +45,7 @@ private:
     QProgressBar& m_bar;
     QElapsedTimer m_sincePaint;
     qint64 m_done = 0;
+    bool m_painted = false;
 };
 
 } // namespace quillon
