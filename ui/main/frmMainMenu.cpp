@@ -102,7 +102,6 @@ void frmMainMenu::buildControls()
     imgSplitter->setCursor(Qt::SizeHorCursor);
     imgSplitter->resize(pixelsFromTwips(metrics::SplitterWidth), pixelsFromTwips(metrics::SplitterHeight));
     imgSplitter->installEventFilter(this);
-    imgSplitter->lower(); // the panes cover it: the gap between them is what can be grabbed
 
     picSplitter = new QFrame(surface);
     picSplitter->setObjectName(u"picSplitter"_s);

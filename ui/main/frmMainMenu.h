@@ -120,6 +120,8 @@ private:
 
     void buildControls();
     void buildMenus();
+    /// Places the handle at a position in twips.
+    void placeSplitter(double left, int top, int height);
     void splitterEvent(QEvent& event);
     void connectTree();
     void connectList();
@@ -142,6 +144,7 @@ private:
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;
     bool Moving = false;
+    double m_splitterLeft = 0; // where the handle stands, in twips
 
     /// What the file dialog of the File menu remembers between its showings.
     struct {

@@ -42,8 +42,8 @@ void frmMainMenu::Form_Resize()
     place(tvwCategory, metrics::Margin, metrics::Margin, third - metrics::TreeWidthLess, paneHeight);
     place(lsvData, third - metrics::ListLeftLess, metrics::Margin, width / 1.5 - metrics::ListWidthLess,
           paneHeight);
-    imgSplitter->move(pixelsFromTwips(third - metrics::SplitterLeftLess),
-                      pixelsFromTwips(metrics::SplitterTop));
+    placeSplitter(third - metrics::SplitterLeftLess, pixelsFromTwips(metrics::SplitterTop),
+                  imgSplitter->height());
     pgbMain->resize(pixelsFromTwips(width - metrics::ProgressWidthLess), pgbMain->height());
     pgbMain->move(
         pixelsFromTwips(metrics::Margin),
@@ -63,14 +63,24 @@ void frmMainMenu::SizeControls(float& x)
     lsvData->setGeometry(pixelsFromTwips(position + metrics::ListLeftBeyondTree), lsvData->y(),
                          pixelsFromTwips(width - (position + metrics::ListWidthLessTree)),
                          tvwCategory->height());
-    imgSplitter->setGeometry(pixelsFromTwips(position), tvwCategory->y(), imgSplitter->width(),
-                             tvwCategory->height());
+    placeSplitter(position, tvwCategory->y(), tvwCategory->height());
+}
+
+void frmMainMenu::placeSplitter(double left, int top, int height)
+{
+    m_splitterLeft = left;
+    // Of the handle's width only the gap between the panes can be grabbed, and that is a few pixels; so the whole gap
+    // counts and the frames of the panes with it, but nothing of what is in them.
+    const int from = tvwCategory->geometry().right() + 1 - tvwCategory->frameWidth();
+    const int to = lsvData->x() + lsvData->frameWidth();
+    imgSplitter->setGeometry(from, top, to - from, height);
 }
 
 void frmMainMenu::imgSplitter_MouseDown()
 {
     const int handleWidth = static_cast<int>(metrics::SplitterWidth);
-    picSplitter->setGeometry(imgSplitter->x(), imgSplitter->y(), pixelsFromTwips(handleWidth / 2),
+    picSplitter->setGeometry(pixelsFromTwips(m_splitterLeft), imgSplitter->y(),
+                             pixelsFromTwips(handleWidth / 2),
                              imgSplitter->height() - pixelsFromTwips(metrics::SplitterBarHeightLess));
     picSplitter->raise();
     picSplitter->show();
