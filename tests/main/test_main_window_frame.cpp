@@ -250,10 +250,12 @@ private Q_SLOTS:
         QVERIFY(compareText(status->text(1), u"ドラック＆ドロップでデータをカテゴリに登録できます。"));
     }
 
-    void treeAndListAreNamedForScreenReaders()
+    void treeListAndBarAreNamedForScreenReaders()
     {
         QVERIFY(compareText(tree->accessibleName(), u"カテゴリツリー"));
         QVERIFY(compareText(list->accessibleName(), u"データ一覧"));
+        QVERIFY(compareText(WindowWorld::control<QProgressBar>(*window, u"pgbMain"_s)->accessibleName(),
+                            u"一覧の作成の進み具合"));
         QVERIFY(window->accessibleName().isEmpty());
     }
 

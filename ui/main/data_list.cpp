@@ -102,6 +102,8 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
         if (!data.hasRows())
             return;
         RecordSet& memberships = required(m_session.RsCategory);
+        // Without memberships nothing is searched, and there is no progress to speak of.
+        const bool searches = memberships.hasRows();
         // One pass over the memberships instead of one search per datum; no null is equal to any identifier.
         QSet<QString> categorised;
         categorised.reserve(memberships.recordCount());
@@ -109,12 +111,14 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
             if (!row.isNull(0))
                 categorised.insert(row.text(0).toString());
         });
-        m_progress.prepare(data.recordCount());
+        if (searches)
+            m_progress.prepare(data.recordCount());
         QString kind; // of the first row, for all of them
         bool first = true;
         ReportModel::Fill fill(m_rows);
         data.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
-            m_progress.advance();
+            if (searches)
+                m_progress.advance();
             const QString identifier = row.text(1).toString();
             if (first)
                 kind = GetDivName(m_session, identifier, DivName::ShortName);

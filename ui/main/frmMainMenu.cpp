@@ -113,6 +113,7 @@ void frmMainMenu::buildControls()
 
     pgbMain = new QProgressBar(surface);
     pgbMain->setObjectName(u"pgbMain"_s);
+    pgbMain->setAccessibleName(u"一覧の作成の進み具合"_s);
     pgbMain->setTextVisible(false);
     pgbMain->setFixedHeight(pixelsFromTwips(metrics::ProgressHeight));
     pgbMain->hide();
