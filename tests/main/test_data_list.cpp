@@ -10,7 +10,6 @@
 #include "ui/widgets/status_panels.h"
 
 #include <QHeaderView>
-#include <QMenu>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QRandomGenerator>
@@ -334,18 +333,6 @@ private Q_SLOTS:
         list->setFocus();
         QTest::keyClicks(list, u"ab"_s);
         QCOMPARE(list->selectedRow(), 1);
-    }
-
-    void menuShowsOnlyWithADatabase()
-    {
-        WindowWorld other;
-        auto* closed = WindowWorld::control<QMenu>(other.mainWindow(), u"mnuData"_s);
-        other.mainWindow().lsvData_MouseDown(QPoint(5, 5));
-        QVERIFY(!closed->isVisible());
-        auto* menu = WindowWorld::control<QMenu>(*window, u"mnuData"_s);
-        window->lsvData_MouseDown(QPoint(5, 5));
-        QVERIFY(menu->isVisible());
-        menu->close();
     }
 
     void rowsAreDraggedByTheirIdentifier()

@@ -3,6 +3,7 @@
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/key_kinds.h"
 
 #include <QKeyEvent>
 
@@ -63,8 +64,7 @@ void frmMainMenu::Form_KeyDown(int key, Qt::KeyboardModifiers shift)
             {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description});
     };
     guardedBy(onFailure, [&] {
-        const auto counted = shift & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
-        if (key != Qt::Key_Escape || counted != Qt::ShiftModifier)
+        if (key != Qt::Key_Escape || !isShiftAlone(shift))
             return;
         const auto answer = session().dialogs.inputBox(
             {.prompt = u"システムコマンドを入力してください。\r\n本画面は基本的にデバック用の画面です。"

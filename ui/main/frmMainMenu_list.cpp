@@ -4,6 +4,7 @@
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/key_kinds.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
@@ -20,7 +21,10 @@ void frmMainMenu::connectList()
     connect(lsvData, &ReportList::keyPressed, this, [this](int key, Qt::KeyboardModifiers shift) {
         handleEvent(session().reporting, u"lsvData_KeyDown"_s, [&] { lsvData_KeyDown(key, shift); });
     });
-    connect(lsvData, &ReportList::rowActivated, this,
+    connect(lsvData, &ReportList::enterPressed, this,
+            eventSlot(session().reporting, u"lsvData_KeyDown"_s,
+                      [this] { lsvData_KeyDown(Qt::Key_Return, Qt::NoModifier); }));
+    connect(lsvData, &ReportList::listDoubleClicked, this,
             eventSlot(session().reporting, u"lsvData_DblClick"_s, [this] { lsvData_DblClick(); }));
     connect(lsvData, &ReportList::menuRequested, this, [this](const QPoint& position) {
         handleEvent(session().reporting, u"lsvData_MouseDown"_s, [&] { lsvData_MouseDown(position); });
@@ -32,11 +36,12 @@ void frmMainMenu::ShowDataList()
 {
     if (!treeHasNodes())
         return;
-    if (selectedNodeIndex() == 0)
-        throw Error(errors::ObjectNotSet);
     Session& s = session();
-    const QString key = nodeKey(selectedNodeIndex());
-    if (key == u"DIV") {
+    const int selected = selectedNodeIndex();
+    const QString key = selected > 0 ? nodeKey(selected) : QString();
+    if (selected == 0) {
+        lsvData->rows().clear();
+    } else if (key == u"DIV") {
         listAllData();
     } else if (key == u"M_DIV") {
         m_filler->CreateDataListMain(s.RsMain, false, {});
@@ -88,12 +93,12 @@ void frmMainMenu::lsvData_KeyDown(int key, Qt::KeyboardModifiers shift)
 {
     if (!treeHasNodes())
         return;
-    const bool exactlyShift =
-        (shift & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier)) == Qt::ShiftModifier;
-    if (key == Qt::Key_Insert && exactlyShift)
+    if (key == Qt::Key_Insert && isShiftAlone(shift))
         mnuEntryRefDoc_Click();
     else if (key == Qt::Key_Insert)
         mnuEntryMain_Click();
+    else if (key == Qt::Key_Return)
+        mnuDataView_Click();
     else if (key == Qt::Key_Delete)
         mnuDataDelete_Click();
 }
@@ -111,8 +116,7 @@ void frmMainMenu::lsvData_MouseMove()
 
 void frmMainMenu::lsvData_DblClick()
 {
-    if (treeHasNodes())
-        mnuDataView_Click();
+    mnuDataView_Click();
 }
 
 } // namespace quillon

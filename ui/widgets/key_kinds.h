@@ -14,6 +14,12 @@ inline bool typesText(const QKeyEvent& event)
            !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
+/// Whether Shift is held without Ctrl and Alt; what else is held (a key of the number pad, for one) does not count.
+inline bool isShiftAlone(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier)) == Qt::ShiftModifier;
+}
+
 /// Whether a key such as Esc or Delete carries a control character as its text. An item view would search for it
 /// and keep the key from its window.
 inline bool typesControlCharacter(const QKeyEvent& event)
