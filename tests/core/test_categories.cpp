@@ -1,5 +1,6 @@
 #include "core/categories.h"
 #include "store/record_set.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -12,13 +13,6 @@ namespace
 {
 
 const QString Datum = u"M-991231-001"_s;
-
-MessageBox failure(const QString& location, qint32 number)
-{
-    return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
-                    u"\r\nEXPLANATION : "_s + standardDescription(number),
-            .title = u"Quillon 障害対策部"_s};
-}
 
 } // namespace
 
@@ -63,7 +57,7 @@ private Q_SLOTS:
     void nameWithoutDatabaseIsReported()
     {
         world->session.RsCategoryID.reset();
-        world->dialogs.expect(failure(u"GetCategoryName"_s, 91));
+        world->dialogs.expect(failureBox(u"GetCategoryName"_s, 91));
         QCOMPARE(GetCategoryName(world->session, u"A"_s), QString());
     }
 
@@ -98,7 +92,7 @@ private Q_SLOTS:
     {
         addMemberships({u"A'"_s});
         FakeDataWindow window(u"frmMainData"_s);
-        world->dialogs.expect(failure(u"GetCategoryName"_s, 3075));
+        world->dialogs.expect(failureBox(u"GetCategoryName"_s, 3075));
         AddCategory(world->session, window, Datum);
         QCOMPARE(window.categories.size(), 1U);
         QCOMPARE(window.categories[0].name, QString());
@@ -109,8 +103,8 @@ private Q_SLOTS:
         world->session.RsCategory.reset();
         FakeDataWindow window(u"frmMainData"_s);
         window.categories = {{u"古い"_s, u"Q"_s}};
-        world->dialogs.expect(failure(u"GetFilterResult"_s, 91));
-        world->dialogs.expect(failure(u"AddCategory"_s, 91));
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        world->dialogs.expect(failureBox(u"AddCategory"_s, 91));
         AddCategory(world->session, window, Datum);
         QVERIFY(window.categories.empty());
     }
@@ -161,7 +155,7 @@ private Q_SLOTS:
     {
         addMemberships({u"A"_s});
         const QString tooWide = u"A-"_s + QString(50, u'B');
-        world->dialogs.expect(failure(u"ClassifyCategory"_s, 3163));
+        world->dialogs.expect(failureBox(u"ClassifyCategory"_s, 3163));
         ClassifyCategory(world->session, tooWide, Datum);
         QCOMPARE(memberships(), QStringList({u"A|"_s + Datum}));
     }
@@ -169,8 +163,8 @@ private Q_SLOTS:
     void cleaningWithoutDatabaseIsReported()
     {
         world->session.RsCategory.reset();
-        world->dialogs.expect(failure(u"GetFilterResult"_s, 91));
-        world->dialogs.expect(failure(u"DeleteParentCategory"_s, 91));
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 91));
         DeleteParentCategory(world->session, u"A-B"_s, Datum);
         DeleteParentCategory(world->session, u"A"_s, Datum); // no ancestor, nothing to look for
     }

@@ -2,6 +2,7 @@
 #include "core/data_records.h"
 #include "store/record_set.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -9,18 +10,6 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
-
-namespace
-{
-
-MessageBox failure(const QString& location, qint32 number)
-{
-    return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
-                    u"\r\nEXPLANATION : "_s + standardDescription(number),
-            .title = u"Quillon 障害対策部"_s};
-}
-
-} // namespace
 
 class TestDataRecords : public QObject
 {
@@ -71,7 +60,7 @@ private Q_SLOTS:
     void nameWithoutDatabaseIsReported()
     {
         world->session.RsMain.reset();
-        world->dialogs.expect(failure(u"GetDataName"_s, 91));
+        world->dialogs.expect(failureBox(u"GetDataName"_s, 91));
         QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), QString());
         QCOMPARE(world->eventLog.lines.size(), 1);
     }
@@ -171,7 +160,7 @@ private Q_SLOTS:
     void failureToShowIsReported()
     {
         world->session.RsMain.reset();
-        world->dialogs.expect(failure(u"ShowData"_s, 91));
+        world->dialogs.expect(failureBox(u"ShowData"_s, 91));
         ShowData(world->session, u"M-991231-001"_s);
         QCOMPARE(windowCount(), 0U);
     }
@@ -245,7 +234,7 @@ private Q_SLOTS:
 
     void unknownKindOfRegistrationIsReported()
     {
-        world->dialogs.expect(failure(u"CreateRegisterForm"_s, 91));
+        world->dialogs.expect(failureBox(u"CreateRegisterForm"_s, 91));
         CreateRegisterForm(world->session, u"X"_s);
         QCOMPARE(windowCount(), 0U);
     }

@@ -1,6 +1,7 @@
 #include "core/links.h"
 #include "store/record_set.h"
 #include "store/sqlite/connection.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -11,13 +12,6 @@ using namespace quillon::testing;
 
 namespace
 {
-
-MessageBox failure(const QString& location, qint32 number)
-{
-    return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s + location +
-                    u"\r\nEXPLANATION : "_s + standardDescription(number),
-            .title = u"Quillon 障害対策部"_s};
-}
 
 QStringList shown(const FakeDataWindow& window)
 {
@@ -83,7 +77,7 @@ private Q_SLOTS:
     {
         TestWorld::addRow(world->session.RsLink, {u"M-991231-001"_s, u"M'"_s});
         FakeDataWindow window(u"frmMainData"_s);
-        world->dialogs.expect(failure(u"GetDataName"_s, 3075));
+        world->dialogs.expect(failureBox(u"GetDataName"_s, 3075));
         SetLinkList(world->session, window, u"M-991231-001"_s);
         QCOMPARE(shown(window), QStringList({u"定義||M'"_s}));
     }
@@ -92,8 +86,8 @@ private Q_SLOTS:
     {
         world->session.RsLink.reset();
         FakeDataWindow window(u"frmMainData"_s);
-        world->dialogs.expect(failure(u"GetFilterResult"_s, 91));
-        world->dialogs.expect(failure(u"SetLinkList"_s, 91));
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        world->dialogs.expect(failureBox(u"SetLinkList"_s, 91));
         SetLinkList(world->session, window, u"M-991231-001"_s);
     }
 

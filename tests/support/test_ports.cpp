@@ -82,7 +82,7 @@ std::unique_ptr<DataRowFill> FakeDataSelection::fillRows()
         explicit Fill(QStringList& rows) : m_rows(rows) {}
         void append(QStringView name, QStringView kind, QStringView identifier) override
         {
-            m_rows << name + u'|' + kind + u'|' + identifier;
+            m_rows << QStringList({name.toString(), kind.toString(), identifier.toString()}).join(u'|');
         }
 
     private:
@@ -124,8 +124,11 @@ std::unique_ptr<LinkRowFill> FakeLinkList::fillRows()
         explicit Fill(QStringList& rows) : m_rows(rows) {}
         void append(const LinkEnd& source, const LinkEnd& target) override
         {
-            m_rows << source.name + u'|' + source.kind + u'|' + target.name + u'|' + target.kind + u'|' +
-                          source.identifier + u'|' + target.identifier;
+            QStringList cells;
+            for (const QStringView cell :
+                 {source.name, source.kind, target.name, target.kind, source.identifier, target.identifier})
+                cells << cell.toString();
+            m_rows << cells.join(u'|');
         }
 
     private:
