@@ -82,7 +82,8 @@ public:
         const sqlite::Statement& m_statement;
     };
 
-    /// Deletes the rows of which `matches` says so after one pass over all of them. The cursor stays where it is.
+    /// Deletes the rows of this set of which `matches` says so, after one pass over them; it is asked about no other
+    /// row. The cursor stays where it is.
     void deleteRowsIf(std::initializer_list<int> fields, const std::function<bool(const Row&)>& matches);
 
 private:
@@ -144,6 +145,7 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
         }
         return;
     }
+    const sqlite::ReadSpell reading(m_database->connection());
     const auto statement = m_database->connection().prepareOwn(passSql(fields));
     for (const qint64 row : *m_rows) {
         statement->reset();
