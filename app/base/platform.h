@@ -60,6 +60,9 @@ void copyFile(const QString& source, const QString& folder, const QString& name,
 /// Whether this process may create files in `folder`.
 bool mayWriteIn(const QString& folder);
 
+/// Whether this process may read the file at `path`.
+bool mayRead(const QString& path);
+
 /// Whether this process may read and write the file at `path`.
 bool mayReadAndWrite(const QString& path);
 

@@ -12,6 +12,7 @@
 #include <gio/gio.h>
 #include <sys/stat.h>
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucol.h>
 #include <unistd.h>
 
@@ -145,6 +146,17 @@ std::optional<QString> decode(UConverter* converter, QByteArrayView bytes)
     return text;
 }
 
+/// Stands in for bytes that are not valid; called back by the converter.
+void writeMiddleDot(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t,
+                    UConverterCallbackReason reason, UErrorCode* status)
+{
+    if (reason > UCNV_IRREGULAR)
+        return; // the converter is only being reset or closed
+    static const UChar dot = u'・';
+    *status = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(arguments, &dot, 1, 0, status);
+}
+
 } // namespace
 
 std::optional<QString> decode932(QByteArrayView bytes)
@@ -158,8 +170,10 @@ std::optional<QString> decode932(QByteArrayView bytes)
 QString decode932Forgivingly(QByteArrayView bytes)
 {
     const Converter converter = openConverter();
-    // The page itself has no replacement character, so every one in the text stands for something invalid.
-    return decode(converter.get(), bytes).value_or(QString()).replace(QChar::ReplacementCharacter, u'・');
+    // The converter's own substitute would be a control character where a single byte is wrong.
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), writeMiddleDot, nullptr, nullptr, nullptr, &status);
+    return decode(converter.get(), bytes).value_or(QString());
 }
 
 struct Collator::Handle {
@@ -343,8 +357,10 @@ void copyFile(const QString& source, const QString& folder, const QString& name,
     const QByteArray inFolder = QFile::encodeName(folder);
     FileBeside copy(inFolder);
     copyBytes(from, copy.file(), status.st_size, progress);
-    // The copy can be read by whoever could read the file, and be written by its owner.
-    if (fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR) != 0 || fsync(copy.file()) != 0)
+    // The copy can be read by whoever could read the file, and be written by its owner. Where the file system knows no
+    // such permissions, as on many a memory stick, it has its own.
+    static_cast<void>(fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR));
+    if (fsync(copy.file()) != 0)
         throwLastError(errors::PathNotFound);
     copy.keepAs(inFolder + '/' + QFile::encodeName(name));
     const Descriptor entries(open(inFolder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -355,6 +371,11 @@ void copyFile(const QString& source, const QString& folder, const QString& name,
 bool mayWriteIn(const QString& folder)
 {
     return faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+bool mayRead(const QString& path)
+{
+    return faccessat(AT_FDCWD, QFile::encodeName(path).constData(), R_OK, AT_EACCESS) == 0;
 }
 
 bool mayReadAndWrite(const QString& path)

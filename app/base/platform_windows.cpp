@@ -204,6 +204,11 @@ bool mayWriteIn(const QString& folder)
     return mayOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
 }
 
+bool mayRead(const QString& path)
+{
+    return mayOpen(path, GENERIC_READ, 0);
+}
+
 bool mayReadAndWrite(const QString& path)
 {
     return mayOpen(path, GENERIC_READ | GENERIC_WRITE, 0);

@@ -74,8 +74,7 @@ QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const
         throw Error(errors::PathFileAccess);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw Error(file.error() == QFileDevice::PermissionsError ? errors::PermissionDenied
-                                                                  : errors::PathFileAccess);
+        throw Error(platform::mayRead(path) ? errors::PathFileAccess : errors::PermissionDenied);
     // One byte more than wanted tells that there are too many, also when the file grows meanwhile.
     const QByteArray bytes = file.read(atMost + 1);
     if (file.error() != QFileDevice::NoError)

@@ -1,0 +1,388 @@
+#include "app/base/error.h"
+#include "app/base/system_files.h"
+#include "tests/support/errors_of.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
+}
+
+void makeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
+    QCOMPARE(file.write(content), content.size());
+}
+
+#ifdef Q_OS_UNIX
+/// Gives up what only the administrator may, as long as it lives.
+class OrdinaryPerson
+{
+public:
+    OrdinaryPerson() : m_before(geteuid())
+    {
+        constexpr uid_t Nobody = 65534;
+        if (m_before == 0 && seteuid(Nobody) != 0)
+            qFatal("cannot become an ordinary person");
+    }
+    ~OrdinaryPerson()
+    {
+        if (seteuid(m_before) != 0)
+            qFatal("cannot become the administrator again");
+    }
+    OrdinaryPerson(const OrdinaryPerson&) = delete;
+    OrdinaryPerson& operator=(const OrdinaryPerson&) = delete;
+
+private:
+    uid_t m_before;
+};
+
+/// Lets every write beyond a size fail as long as it lives.
+class SizeLimit
+{
+public:
+    explicit SizeLimit(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            qFatal("cannot limit the size of files");
+    }
+    ~SizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+    SizeLimit(const SizeLimit&) = delete;
+    SizeLimit& operator=(const SizeLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+};
+#endif
+
+} // namespace
+
+class TestCopying : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> root; // holds the folder "outside" and the folder "RefFile"
+    SystemFiles files;
+
+    QString source() { return root->filePath(u"outside/資料.txt"_s); }
+    QString folder() { return root->filePath(u"RefFile"_s); }
+    QString inFolder(const QString& name) { return folder() + u'/' + name; }
+    /// Everything in the folder, hidden or not.
+    QStringList entries()
+    {
+        return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                        QDir::NoDotAndDotDot);
+    }
+    void copy(const QString& from, const QString& name) { files.copyInto(from, folder(), name, {}); }
+
+private Q_SLOTS:
+    void init()
+    {
+        root = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(root->path()).mkdir(u"outside"_s) && QDir(root->path()).mkdir(u"RefFile"_s));
+        makeFile(source(), "water\r\n\0ice"_ba);
+    }
+
+    void cleanup() { root.reset(); }
+
+    void copyHasTheSameBytes_data()
+    {
+        QTest::addColumn<qsizetype>("size");
+        for (const qsizetype size : {0, 1, (1 << 20) - 1, 1 << 20, (1 << 20) + 1, 3 * (1 << 20) + 7})
+            QTest::addRow("%d bytes", static_cast<int>(size)) << size;
+    }
+
+    void copyHasTheSameBytes()
+    {
+        QFETCH(qsizetype, size);
+        QByteArray content(size, 'x');
+        for (qsizetype i = 0; i < size; ++i)
+            content[i] = static_cast<char>(i * 7 + i / 251);
+        makeFile(source(), content);
+        qint64 before = 0;
+        files.copyInto(source(), folder(), u"a"_s, [&](qint64 done, qint64 total) {
+            QVERIFY(done > before);
+            QCOMPARE(total, size);
+            // A half copied file never bears the name.
+            QVERIFY(!entries().contains(u"a"_s));
+            before = done;
+        });
+        QCOMPARE(before, size); // the last call tells that everything is done
+        QVERIFY(contentOf(inFolder(u"a"_s)) == content);
+        QVERIFY(contentOf(source()) == content);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void everyBareNameIsTaken_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("Japanese") << u"水の資料（表示）.pdf"_s;
+        QTest::newRow("blanks") << u" 水 の 資料 "_s;
+        QTest::newRow("quotes") << u"'水' \"氷\" `ls`.txt"_s;
+        QTest::newRow("leading dot") << u".profile"_s;
+        QTest::newRow("leading dash") << u"-rf"_s;
+        QTest::newRow("three dots") << u"..."_s;
+        QTest::newRow("as long as can be") << QString(255, u'x');
+        QTest::newRow("as long as can be in Japanese") << QString(85, u'水');
+    }
+
+    void everyBareNameIsTaken()
+    {
+        QFETCH(QString, name);
+        copy(source(), name);
+        QCOMPARE(entries(), QStringList(name));
+        QCOMPARE(contentOf(inFolder(name)), contentOf(source()));
+    }
+
+    void nameThatIsMoreThanANameIsRefused_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const QString& name :
+             {u""_s, u"."_s, u".."_s, u"../a"_s, u"a/b"_s, u"/a"_s, u"a/"_s, u"a\\b"_s, u"C:a"_s, u"a\0b"_s})
+            QTest::addRow("<%s>", qPrintable(name)) << name;
+    }
+
+    void nameThatIsMoreThanANameIsRefused()
+    {
+        QFETCH(QString, name);
+        QCOMPARE(errorOf([&] { copy(source(), name); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList());
+        QCOMPARE(QDir(root->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), 2);
+    }
+
+    void fileOfTheSameNameIsReplaced()
+    {
+        makeFile(inFolder(u"a"_s), QByteArray(5000, 'o'));
+        copy(source(), u"a"_s);
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void fileCopiedOntoItselfStaysAsItIs()
+    {
+        makeFile(inFolder(u"a"_s), "content");
+        copy(inFolder(u"a"_s), u"a"_s);
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "content"_ba);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void missingSourceIsToldAndLeavesTheFolderAsItWas()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        QCOMPARE(errorOf([&] { copy(root->filePath(u"outside/missing"_s), u"a"_s); }), errors::FileNotFound);
+        QCOMPARE(errorOf([&] { copy(source() + u"/below"_s, u"a"_s); }), errors::FileNotFound);
+        QCOMPARE(errorOf([&] { copy(QString(), u"a"_s); }), errors::FileNotFound);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void missingFolderIsTold()
+    {
+        const auto copyTo = [&](const QString& where) {
+            return errorOf([&] { files.copyInto(source(), where, u"a"_s, {}); });
+        };
+        QCOMPARE(copyTo(root->filePath(u"nowhere"_s)), errors::PathNotFound);
+        QCOMPARE(copyTo(source()), errors::PathNotFound); // a plain file in the folder's place
+        QCOMPARE(copyTo(source() + u"/below"_s), errors::PathNotFound);
+        QVERIFY(!QFile::exists(root->filePath(u"nowhere"_s)));
+    }
+
+    void folderIsNoSource()
+    {
+        QCOMPARE(errorOf([&] { copy(root->filePath(u"outside"_s), u"a"_s); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList());
+    }
+
+    void folderInTheTargetsPlaceStays()
+    {
+        QVERIFY(QDir(folder()).mkdir(u"a"_s));
+        QCOMPARE(errorOf([&] { copy(source(), u"a"_s); }), errors::PathFileAccess);
+        makeFile(inFolder(u"a/inner"_s), "inner");
+        QCOMPARE(errorOf([&] { copy(source(), u"a"_s); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a/inner"_s)), "inner"_ba);
+    }
+
+    void nameThatIsTooLongLeavesNothing()
+    {
+        QCOMPARE(errorOf([&] { copy(source(), QString(256, u'x')); }), errors::PathFileAccess);
+        QCOMPARE(errorOf([&] { copy(source(), QString(86, u'水')); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList());
+    }
+
+    void failureWhileCopyingLeavesNothing()
+    {
+        makeFile(source(), QByteArray(3 << 20, 'x'));
+        makeFile(inFolder(u"a"_s), "old");
+        int calls = 0;
+        const auto giveUp = [&](qint64, qint64) {
+            if (++calls == 2)
+                throw Error(errors::OutOfMemory);
+        };
+        QCOMPARE(errorOf([&] { files.copyInto(source(), folder(), u"a"_s, giveUp); }), errors::OutOfMemory);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+#ifdef Q_OS_UNIX
+    void pipesAndDevicesAreNoSourcesAndNobodyWaitsForThem()
+    {
+        const QString pipe = root->filePath(u"outside/pipe"_s);
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        for (const QString& strange : {pipe, u"/dev/null"_s, u"/dev/zero"_s})
+            QCOMPARE(errorOf([&] { copy(strange, u"a"_s); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList());
+    }
+
+    void pipeInTheTargetsPlaceIsReplacedLikeAFile()
+    {
+        QCOMPARE(mkfifo(QFile::encodeName(inFolder(u"a"_s)).constData(), 0600), 0);
+        copy(source(), u"a"_s);
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+    }
+
+    void linkAsSourceIsCopiedAsTheFileItLeadsTo()
+    {
+        const QString link = root->filePath(u"outside/link"_s);
+        QVERIFY(QFile::link(source(), link));
+        copy(link, u"a"_s);
+        QVERIFY(!QFileInfo(inFolder(u"a"_s)).isSymLink());
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        QVERIFY(QFile::link(u"nowhere"_s, root->filePath(u"outside/dangling"_s)));
+        QCOMPARE(errorOf([&] { copy(root->filePath(u"outside/dangling"_s), u"b"_s); }), errors::FileNotFound);
+    }
+
+    void linkInTheTargetsPlaceIsReplacedAndNotFollowed()
+    {
+        makeFile(root->filePath(u"outside/precious"_s), "precious");
+        QVERIFY(QFile::link(u"../outside/precious"_s, inFolder(u"a"_s)));
+        copy(source(), u"a"_s);
+        QVERIFY(!QFileInfo(inFolder(u"a"_s)).isSymLink());
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        QCOMPARE(contentOf(root->filePath(u"outside/precious"_s)), "precious"_ba);
+    }
+
+    void fileCopiedOntoALinkToItselfBecomesAFile()
+    {
+        QVERIFY(QFile::link(source(), inFolder(u"a"_s)));
+        copy(source(), u"a"_s);
+        copy(inFolder(u"a"_s), u"a"_s);
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "water\r\n\0ice"_ba);
+        QCOMPARE(contentOf(source()), "water\r\n\0ice"_ba);
+    }
+
+    void folderMayBeALink()
+    {
+        QVERIFY(QFile::link(u"RefFile"_s, root->filePath(u"link"_s)));
+        files.copyInto(source(), root->filePath(u"link"_s), u"a"_s, {});
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void whoeverCouldReadTheFileCanReadTheCopy_data()
+    {
+        QTest::addColumn<int>("source");
+        QTest::addColumn<int>("copy");
+        QTest::newRow("ordinary") << 0644 << 0644;
+        QTest::newRow("private") << 0600 << 0600;
+        QTest::newRow("read-only") << 0444 << 0644;
+        QTest::newRow("program of the administrator") << 06755 << 0755;
+    }
+
+    void whoeverCouldReadTheFileCanReadTheCopy()
+    {
+        QFETCH(int, source);
+        QFETCH(int, copy);
+        QCOMPARE(chmod(QFile::encodeName(this->source()).constData(), static_cast<mode_t>(source)), 0);
+        // Twice: a copy can be replaced whatever its source was.
+        for (int i = 0; i < 2; ++i)
+            this->copy(this->source(), u"a"_s);
+        struct stat status = {};
+        QCOMPARE(stat(QFile::encodeName(inFolder(u"a"_s)).constData(), &status), 0);
+        QCOMPARE(static_cast<int>(status.st_mode & 07777), copy);
+    }
+
+    void whatMayNotBeReadOrWrittenIsTold()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        const auto open = [&](const QString& path, mode_t mode) {
+            QCOMPARE(chmod(QFile::encodeName(path).constData(), mode), 0);
+        };
+        open(root->path(), 0777);
+        open(root->filePath(u"outside"_s), 0777);
+        open(folder(), 0777);
+        open(source(), 0);
+        {
+            const OrdinaryPerson person;
+            QCOMPARE(errorOf([&] { copy(source(), u"a"_s); }), errors::PermissionDenied);
+        }
+        open(source(), 0644);
+        open(folder(), 0555);
+        {
+            const OrdinaryPerson person;
+            QCOMPARE(errorOf([&] { copy(source(), u"a"_s); }), errors::PermissionDenied);
+        }
+        open(folder(), 0777);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+        {
+            const OrdinaryPerson person;
+            copy(source(), u"a"_s);
+        }
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+    }
+
+    void writingThatFailsHalfWayLeavesNothing()
+    {
+        makeFile(source(), QByteArray(3 << 20, 'x'));
+        makeFile(inFolder(u"a"_s), "old");
+        {
+            const SizeLimit limit((2 << 20) + 100);
+            QCOMPARE(errorOf([&] { copy(source(), u"a"_s); }), errors::PathFileAccess);
+        }
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+#endif
+
+#ifdef Q_OS_LINUX
+    void readingThatFailsLeavesNothing()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        // An ordinary file to look at, but nothing can be read at its beginning.
+        QCOMPARE(errorOf([&] { copy(u"/proc/self/mem"_s, u"a"_s); }), errors::PathFileAccess);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void fileThatIsLongerThanItSaysIsCopiedToItsEnd()
+    {
+        copy(u"/proc/self/status"_s, u"a"_s);
+        QVERIFY(contentOf(inFolder(u"a"_s)).startsWith("Name:"));
+    }
+#endif
+};
+
+QTEST_GUILESS_MAIN(TestCopying)
+#include "test_copying.moc"
