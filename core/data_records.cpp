@@ -16,6 +16,8 @@
 
 #include <QSet>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -54,6 +56,39 @@ void tellNotFound(Session& session)
     session.dialogs.messageBox(
         {.text = u"指定されたデータが見つかりませんでした。"_s, .title = titles::DataResearch});
 }
+
+/// What there is to tell about a durable write. It waits for the end of the write: no box may stand open while the
+/// file is locked for other programs.
+class LateNotices
+{
+public:
+    LateNotices(Session& session, Database& database) : m_session(session), m_database(database) {}
+
+    void add(std::function<void()> notice) { m_notices.push_back(std::move(notice)); }
+    /// Runs a part of the write under its own name: a failure is noted and ends that part.
+    template <class Operation> void trap(const QString& location, Operation&& operation)
+    {
+        const auto onFailure = [&](const Error& error) {
+            // A full disk, for one, undoes everything by itself; then there is no write to go on with.
+            if (!m_database.connection().inTransaction())
+                throw error;
+            add([this, location, number = error.number] {
+                ReportError(m_session.reporting, number, location);
+            });
+        };
+        guardedBy(onFailure, std::forward<Operation>(operation));
+    }
+    void tell() const
+    {
+        for (const auto& notice : m_notices)
+            notice();
+    }
+
+private:
+    Session& m_session;
+    Database& m_database;
+    std::vector<std::function<void()>> m_notices;
+};
 
 DataWindow* windowShowing(Session& session, const ShownKind& kind, const QString& identifier)
 {
@@ -150,30 +185,19 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
                 return;
         }
         RecordSet& rows = tableOf(session, identifier);
-        const auto deleteRow = [&] {
+        if (find(rows, identifier)) {
+            const QString name = rows.field(0);
             rows.deleteRow();
             deleted = true;
-        };
-        // Also for a datum whose row is gone, so that nothing is left that points to it.
-        const auto deleteRelations = [&] {
-            DeleteRelationalLink(session, identifier);
-            DeleteRelationalCategory(session, identifier);
-        };
-        if (!find(rows, identifier)) {
-            tellNotFound(session);
-            writeTogether(rows.database(), deleteRelations);
-        } else if (mode > 1) {
-            const QString name = rows.field(0);
-            deleteRow();
-            session.dialogs.messageBox({.text = u"< "_s + name + u" >を削除しました。"_s,
-                                        .title = GetDivName(session, identifier, DivName::Title)});
-            writeTogether(rows.database(), deleteRelations);
+            if (mode > 1)
+                session.dialogs.messageBox({.text = u"< "_s + name + u" >を削除しました。"_s,
+                                            .title = GetDivName(session, identifier, DivName::Title)});
         } else {
-            writeTogether(rows.database(), [&] {
-                deleteRow();
-                deleteRelations();
-            });
+            tellNotFound(session);
         }
+        // Also for a datum whose row is gone, so that nothing is left that points to it.
+        DeleteRelationalLink(session, identifier);
+        DeleteRelationalCategory(session, identifier);
     });
     return deleted;
 }
@@ -184,40 +208,39 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
     std::vector<bool> deleted;
     deleted.reserve(static_cast<std::size_t>(identifiers.size()));
     Database& database = required(session.RsMain).database();
+    LateNotices notices(session, database);
     writeTogether(database, [&] {
         QSet<QString> gone;
         for (const QString& identifier : identifiers) {
             bool rowDeleted = false;
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
-                guarded(session.reporting, u"DeleteData"_s, [&] {
+                notices.trap(u"DeleteData"_s, [&] {
                     RecordSet& rows = tableOf(session, identifier);
-                    gone.insert(identifier);
                     if (find(rows, identifier)) {
                         rows.deleteRow();
                         rowDeleted = true;
                     } else {
-                        tellNotFound(session);
+                        notices.add([&session] { tellNotFound(session); });
                     }
+                    gone.insert(identifier);
                 });
-                // A full disk, for one, undoes what was done before: then nothing was deleted.
-                if (!database.connection().inTransaction())
-                    throw Error(errors::DiskFull);
             }
             deleted.push_back(rowDeleted);
             advance();
         }
         const auto isGone = [&](QStringView identifier) { return gone.contains(identifier.toString()); };
-        guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
+        notices.trap(u"DeleteRelationalLink"_s, [&] {
             required(session.RsLink).deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
                 return isGone(link.text(0)) || isGone(link.text(1));
             });
         });
-        guarded(session.reporting, u"DeleteRelationalCategory"_s, [&] {
+        notices.trap(u"DeleteRelationalCategory"_s, [&] {
             required(session.RsCategory).deleteRowsIf({1}, [&](const RecordSet::Row& membership) {
                 return isGone(membership.text(0));
             });
         });
     });
+    notices.tell();
     return deleted;
 }
 

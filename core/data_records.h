@@ -28,7 +28,7 @@ void CreateRegisterForm(Session& session, const QString& kind);
 bool DeleteData(Session& session, const QString& identifier, qint16 mode);
 
 /// `DeleteData` without questions and notices for many data, as one durable write. A datum that fails is tried once
-/// more and then passed over. `advance` is called after each.
+/// more and then passed over; the boxes about that come after the write. `advance` is called after each datum.
 /// For each identifier, whether its row was deleted. Throws when nothing could be deleted at all.
 std::vector<bool> DeleteManyData(Session& session, const QStringList& identifiers,
                                  const std::function<void()>& advance);

@@ -81,10 +81,8 @@ bool DeleteLink(Session& session, const QString& a, const QString& b)
                 links.deleteRow();
             }
         };
-        writeTogether(required(session.RsLink).database(), [&] {
-            deleteFirst(required(linksOneWay(session, a, b)));
-            deleteFirst(required(linksOneWay(session, b, a)));
-        });
+        deleteFirst(required(linksOneWay(session, a, b)));
+        deleteFirst(required(linksOneWay(session, b, a)));
         session.dialogs.messageBox({.text = u"<"_s + GetDataName(session, a) + u"> と <"_s +
                                             GetDataName(session, b) + u"> のリンクを削除しました。"_s});
         done = true;

@@ -1,0 +1,134 @@
+#include "core/links.h"
+#include "store/record_set.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+const MessageBox NoLinks{.text = u"リンクは存在しません。"_s, .title = u"Quillon リンク情報管理部"_s};
+
+} // namespace
+
+class TestAllLinks : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestWorld> world;
+
+    Session& session() { return world->session; }
+    FakeLinkList& list() { return world->windows.links; }
+    void addLink(const QString& source, const QString& target)
+    {
+        TestWorld::addRow(session().RsLink, {source, target});
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->openDatabase(world->createDatabase());
+        TestWorld::addRow(session().RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        TestWorld::addRow(session().RsRefDoc, {u"<水の本>"_s, u"R-991231-001"_s, u"…"_s});
+        TestWorld::addRow(session().RsRefFile, {u"水.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void everyLinkIsListedWithItsSourceAndItsTarget()
+    {
+        addLink(u"R-991231-001"_s, u"M-991231-001"_s);
+        addLink(u"M-991231-001"_s, u"F-991231-001"_s);
+        addLink(u"M-991231-001"_s, u"M-991231-001"_s);
+        addLink(u"M-991231-001"_s, u"R-991231-001"_s); // a link back is a row of its own
+        addLink(u"X-991231-001"_s, u"M-991231-009"_s);
+        session().RsLink->moveLast(); // wherever the cursor stands
+        SetAllLinkList(session());
+        QCOMPARE(list().rows, QStringList({u"<水の本>|文献|水|定義|R-991231-001|M-991231-001"_s,
+                                           u"水|定義|水.txt|FILE|M-991231-001|F-991231-001"_s,
+                                           u"水|定義|水|定義|M-991231-001|M-991231-001"_s,
+                                           u"水|定義|<水の本>|文献|M-991231-001|R-991231-001"_s,
+                                           u"不明|不明|不明|定義|X-991231-001|M-991231-009"_s}));
+        QCOMPARE(list().count, u"現在の情報リンク総数 ：  5"_s);
+        QCOMPARE(list().shown, 1);
+    }
+
+    void listIsRebuiltFromScratch()
+    {
+        addLink(u"R-991231-001"_s, u"M-991231-001"_s);
+        SetAllLinkList(session());
+        addLink(u"M-991231-001"_s, u"F-991231-001"_s);
+        SetAllLinkList(session());
+        QCOMPARE(list().rows.size(), 2);
+        QCOMPARE(list().count, u"現在の情報リンク総数 ：  2"_s);
+        QCOMPARE(list().shown, 2);
+    }
+
+    void withoutLinksAClosedWindowStaysClosed()
+    {
+        world->dialogs.expect(NoLinks);
+        SetAllLinkList(session());
+        QVERIFY(!world->windows.linksLoaded);
+        QCOMPARE(world->eventLog.lines, QStringList());
+    }
+
+    void withoutLinksAnOpenWindowIsEmptied()
+    {
+        addLink(u"R-991231-001"_s, u"M-991231-001"_s);
+        SetAllLinkList(session());
+        DeleteRelationalLink(session(), u"M-991231-001"_s);
+        world->dialogs.expect(NoLinks);
+        world->dialogs.meanwhile([&] { QCOMPARE(list().rows, QStringList()); });
+        SetAllLinkList(session());
+        QCOMPARE(list().resets, 1);
+        QCOMPARE(list().rows, QStringList());
+        QCOMPARE(list().count, QString());
+        QCOMPARE(list().shown, 1);
+    }
+
+    void failureIsReportedUnderAnotherName()
+    {
+        session().RsLink.reset();
+        world->dialogs.expect(failureBox(u"CloseAllForm"_s, 91));
+        SetAllLinkList(session());
+        QVERIFY(!world->windows.linksLoaded);
+    }
+
+    void fileThatCannotBeReadIsReportedUnderAnotherName()
+    {
+        addLink(u"R-991231-001"_s, u"M-991231-001"_s);
+        sqlite3_busy_timeout(session().OpenDb->connection().handle(), 0);
+        const auto other = Database::open(session().OpenDb->path());
+        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
+        world->dialogs.expect(failureBox(u"CloseAllForm"_s, 3260));
+        SetAllLinkList(session());
+        QVERIFY(!world->windows.linksLoaded);
+        other->connection().execute(u"ROLLBACK"_s);
+        SetAllLinkList(session());
+        QCOMPARE(list().rows.size(), 1);
+    }
+
+    void identifierThatNoSearchCanNameIsListedWithoutAName()
+    {
+        addLink(u"M'"_s, u"M-991231-001"_s);
+        world->dialogs.expect(failureBox(u"GetDataName"_s, 3075));
+        SetAllLinkList(session());
+        QCOMPARE(list().rows, QStringList(u"|定義|水|定義|M'|M-991231-001"_s));
+        QCOMPARE(list().count, u"現在の情報リンク総数 ：  1"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAllLinks)
+#include "test_all_links.moc"

@@ -1,0 +1,320 @@
+#include "core/categories.h"
+#include "store/record_set.h"
+#include "tests/support/errors_of.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+const QString Water = u"M-991231-001"_s;
+const QString Ice = u"M-991231-002"_s;
+
+const MessageBox Question{
+    .text = u"<自然> を削除しますか。"_s, .title = u"Quillon"_s, .buttons = Buttons::OkCancel};
+const MessageBox Notice{.text = u"カテゴリ：自然を削除しました。"_s, .title = u"Quillon"_s};
+const MessageBox Inconsistency{
+    .text = u"カテゴリ一覧フレームに不整合が確認されました。再度データベースを展開することをお勧めします｡ "_s,
+    .title = u"Quillon"_s};
+
+} // namespace
+
+class TestCategoryDeletion : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestWorld> world;
+    QString path;
+
+    Session& session() { return world->session; }
+    Database& database() { return *world->session.OpenDb; }
+    QStringList categories() { return TestWorld::rowsOf(session().RsCategoryID); }
+    QStringList memberships() { return TestWorld::rowsOf(session().RsCategory); }
+    void executeElsewhere(const QString& sql) { Database::open(path)->connection().execute(sql); }
+
+private Q_SLOTS:
+    /// Two categories and one below the first; water is filed in all, ice in the first.
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        path = world->createDatabase();
+        world->openDatabase(path);
+        TestWorld::addRow(session().RsCategoryID, {u"A"_s, u"自然"_s});
+        TestWorld::addRow(session().RsCategoryID, {u"B"_s, u"人工"_s});
+        TestWorld::addRow(session().RsCategoryID, {u"A-A"_s, u"天気"_s});
+        for (const auto& [category, datum] : {std::pair(u"B"_s, Water), std::pair(u"A"_s, Water),
+                                              std::pair(u"A-A"_s, Water), std::pair(u"A"_s, Ice)})
+            TestWorld::addRow(session().RsCategory, {category, datum});
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void oneMembershipIsTakenAway()
+    {
+        DeleteCategoryEntry(session(), u"A"_s, Water);
+        QCOMPARE(memberships(),
+                 QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
+    }
+
+    void missingMembershipIsAFailureForTheCaller()
+    {
+        QCOMPARE(errorOf([&] { DeleteCategoryEntry(session(), u"B"_s, Ice); }), errors::NoCurrentRecord);
+        QCOMPARE(errorOf([&] { DeleteCategoryEntry(session(), u"a"_s, Water); }), errors::NoCurrentRecord);
+        QCOMPARE(memberships().size(), 4);
+        QCOMPARE(world->eventLog.lines, QStringList());
+    }
+
+    void otherFailuresToTakeAMembershipAwayGoToTheCallerToo()
+    {
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
+        QCOMPARE(errorOf([&] { DeleteCategoryEntry(session(), u"A'"_s, Water); }), errors::ObjectNotSet);
+        {
+            const ForeignLock lock(database(), ForeignLock::Kind::Writing);
+            QCOMPARE(errorOf([&] { DeleteCategoryEntry(session(), u"A"_s, Water); }), errors::Locked);
+        }
+        QCOMPARE(memberships().size(), 4);
+        session().RsCategory.reset();
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        QCOMPARE(errorOf([&] { DeleteCategoryEntry(session(), u"A"_s, Water); }), errors::ObjectNotSet);
+    }
+
+    void everyMembershipOfADatumGoesAsOneDurableWrite()
+    {
+        const WriteCounter writes(database());
+        DeleteRelationalCategory(session(), Water);
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(memberships(), QStringList(u"A|M-991231-002"_s));
+        DeleteRelationalCategory(session(), Water);
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(categories().size(), 3);
+    }
+
+    void takingEveryMembershipAwayFailsUnderItsOwnName()
+    {
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
+        world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 91));
+        DeleteRelationalCategory(session(), u"M'"_s);
+        {
+            const ForeignLock lock(database(), ForeignLock::Kind::Writing);
+            world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 3260));
+            DeleteRelationalCategory(session(), Water);
+        }
+        QCOMPARE(memberships().size(), 4);
+        refuseDeletion(database(), u"Category"_s, u"OLD.Category_ID = 'A-A'"_s);
+        world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 5));
+        DeleteRelationalCategory(session(), Water);
+        QCOMPARE(memberships(), QStringList({u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
+        session().RsCategory.reset();
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 91));
+        DeleteRelationalCategory(session(), Water);
+    }
+
+    void boxesFollowTheMode_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("asks");
+        QTest::addColumn<bool>("tells");
+        QTest::newRow("silent") << 0 << false << false;
+        QTest::newRow("asks") << 1 << true << false;
+        QTest::newRow("tells") << 2 << false << true;
+        QTest::newRow("asks and tells") << 3 << true << true;
+        QTest::newRow("more tells") << 4 << false << true;
+    }
+
+    void boxesFollowTheMode()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, asks);
+        QFETCH(bool, tells);
+        if (asks)
+            world->dialogs.expect(Question);
+        if (tells) {
+            world->dialogs.expect(Notice);
+            world->dialogs.meanwhile([&] {
+                QCOMPARE(categories().size(), 2);
+                QVERIFY(othersMayWrite(path));
+            });
+        }
+        const WriteCounter writes(database());
+        QVERIFY(DeleteCategory(session(), u"A"_s, static_cast<qint16>(mode)));
+        QCOMPARE(writes.count, 1);
+        // The subcategory stays, and so do the memberships in it.
+        QCOMPARE(categories(), QStringList({u"B|人工"_s, u"A-A|天気"_s}));
+        QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s}));
+    }
+
+    void cancelKeepsTheCategory()
+    {
+        const qint64 before = database().connection().totalChanges();
+        for (const qint16 mode : {qint16{1}, qint16{3}}) {
+            world->dialogs.expect(Question, Answer::Cancel);
+            QVERIFY(!DeleteCategory(session(), u"A"_s, mode));
+        }
+        QCOMPARE(database().connection().totalChanges(), before);
+    }
+
+    void dataFallBackToBeingUncategorised()
+    {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u""_s});
+        for (const QString& category : {u"A-A"_s, u"A"_s, u"B"_s})
+            QVERIFY(DeleteCategory(session(), category, 0));
+        QCOMPARE(memberships(), QStringList());
+        QCOMPARE(session().RsMain->recordCount(), 1);
+    }
+
+    void emptyCategoryIsDeleted()
+    {
+        executeElsewhere(u"DELETE FROM Category"_s);
+        QVERIFY(DeleteCategory(session(), u"A"_s, 0));
+        QCOMPARE(categories().size(), 2);
+    }
+
+    void categoryWhoseRowIsMissingLosesItsMembers_data()
+    {
+        QTest::addColumn<int>("mode");
+        for (const int mode : {0, 1, 2, 3})
+            QTest::addRow("mode %d", mode) << mode;
+    }
+
+    void categoryWhoseRowIsMissingLosesItsMembers()
+    {
+        QFETCH(int, mode);
+        executeElsewhere(u"DELETE FROM Category_ID WHERE Category_ID = 'A'"_s);
+        if (mode == 1 || mode == 3)
+            world->dialogs.expect(
+                {.text = u"<不明> を削除しますか。"_s, .title = u"Quillon"_s, .buttons = Buttons::OkCancel});
+        world->dialogs.expect(Inconsistency);
+        QVERIFY(DeleteCategory(session(), u"A"_s, static_cast<qint16>(mode)));
+        QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s}));
+        QCOMPARE(categories().size(), 2);
+    }
+
+    void identifierMustMatchExactly()
+    {
+        world->dialogs.expect(Inconsistency);
+        QVERIFY(DeleteCategory(session(), u"a"_s, 0));
+        QCOMPARE(categories().size(), 3);
+        QCOMPARE(memberships().size(), 4);
+    }
+
+    void refusedMembershipKeepsTheCategory()
+    {
+        refuseDeletion(database(), u"Category"_s, u"OLD.Object_ID = 'M-991231-002'"_s);
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, 5));
+        QVERIFY(!DeleteCategory(session(), u"A"_s, 2));
+        // What was deleted before the failure stays deleted.
+        QCOMPARE(memberships(),
+                 QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
+        QCOMPARE(categories().size(), 3);
+    }
+
+    void refusedCategoryIsLeftWithoutMembers_data()
+    {
+        QTest::addColumn<Refusal>("refusal");
+        QTest::addColumn<int>("members");
+        QTest::newRow("of the statement") << Refusal::OfTheStatement << 2;
+        QTest::newRow("of the transaction") << Refusal::OfTheTransaction << 4;
+    }
+
+    void refusedCategoryIsLeftWithoutMembers()
+    {
+        QFETCH(Refusal, refusal);
+        QFETCH(int, members);
+        refuseDeletion(database(), u"Category_ID"_s, u"1"_s, refusal);
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, 5));
+        QVERIFY(!DeleteCategory(session(), u"A"_s, 2));
+        QCOMPARE(memberships().size(), members);
+        QCOMPARE(categories().size(), 3);
+    }
+
+    void lockedFileKeepsTheCategory_data()
+    {
+        QTest::addColumn<ForeignLock::Kind>("kind");
+        QTest::newRow("written elsewhere") << ForeignLock::Kind::Writing;
+        QTest::newRow("read elsewhere") << ForeignLock::Kind::Reading;
+    }
+
+    void lockedFileKeepsTheCategory()
+    {
+        QFETCH(ForeignLock::Kind, kind);
+        {
+            const ForeignLock lock(database(), kind);
+            world->dialogs.expect(failureBox(u"DeleteCategory"_s, 3260));
+            QVERIFY(!DeleteCategory(session(), u"A"_s, 2));
+        }
+        QCOMPARE(memberships().size(), 4);
+        QCOMPARE(categories().size(), 3);
+    }
+
+    void identifierWithAQuoteIsReported()
+    {
+        world->dialogs.expect(failureBox(u"GetCategoryName"_s, 3075));
+        world->dialogs.expect(
+            {.text = u"<> を削除しますか。"_s, .title = u"Quillon"_s, .buttons = Buttons::OkCancel});
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, 91));
+        QVERIFY(!DeleteCategory(session(), u"A'"_s, 1));
+    }
+
+    void deletingWithoutDatabaseIsReported()
+    {
+        session().RsCategoryID.reset();
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, 91));
+        QVERIFY(!DeleteCategory(session(), u"A"_s, 0));
+        QCOMPARE(memberships().size(), 4);
+        session().RsCategory.reset();
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, 91));
+        QVERIFY(!DeleteCategory(session(), u"A"_s, 0));
+    }
+
+    void dataAreTakenOutOfTheFirstOfACategoryAndItsSubcategories()
+    {
+        // The membership in another category stands before the one that counts.
+        const WriteCounter writes(database());
+        QCOMPARE(TakeOutOfCategory(session(), u"A"_s, {Water, Ice}), 2U);
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s}));
+    }
+
+    void datumNamedTwiceLeavesTwoOfThem()
+    {
+        QCOMPARE(TakeOutOfCategory(session(), u"A"_s, {Water, Water}), 2U);
+        QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A|M-991231-002"_s}));
+    }
+
+    void firstDatumThatIsNotFiledThereEndsTheWork()
+    {
+        QCOMPARE(TakeOutOfCategory(session(), u"B"_s, {Water, Ice, Water}), 1U);
+        QCOMPARE(memberships(),
+                 QStringList({u"A|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
+        QCOMPARE(TakeOutOfCategory(session(), u"B"_s, {}), 0U);
+        QCOMPARE(TakeOutOfCategory(session(), u"Z"_s, {Ice}), 0U);
+        QCOMPARE(memberships().size(), 3);
+    }
+
+    void failuresToTakeDataOutGoToTheCaller()
+    {
+        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A'"_s, {Water}); }), errors::ObjectNotSet);
+        const ForeignLock lock(database(), ForeignLock::Kind::Reading);
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A"_s, {Water}); }), errors::Locked);
+        QCOMPARE(memberships().size(), 4);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCategoryDeletion)
+#include "test_category_deletion.moc"

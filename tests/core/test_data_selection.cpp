@@ -1,0 +1,159 @@
+#include "core/data_selection.h"
+#include "store/record_set.h"
+#include "tests/support/compare_text.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/test_world.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+class TestDataSelection : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestWorld> world;
+
+    Session& session() { return world->session; }
+    FakeDataSelection& window() { return world->windows.selection; }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->openDatabase(world->createDatabase());
+        TestWorld::addRow(session().RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        TestWorld::addRow(session().RsMain, {u"氷"_s, u"M-991231-002"_s, u"固体"_s});
+        TestWorld::addRow(session().RsRefDoc, {u"<水の本>"_s, u"R-991231-001"_s, u"…"_s});
+        TestWorld::addRow(session().RsRefFile, {u"水.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void dataAreListedAndShownModelessly()
+    {
+        QCOMPARE(CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace), 0);
+        QCOMPARE(window().rows, QStringList({u"水|定義|M-991231-001"_s, u"氷|定義|M-991231-002"_s}));
+        QCOMPARE(window().calls,
+                 QStringList({u"clear"_s, u"show"_s, u"1: 表示モード"_s, u"3: 表示データ数：2"_s}));
+        QCOMPARE(window().title, u"データ選択画面"_s);
+    }
+
+    void everyKindHasItsWord()
+    {
+        for (const auto& rows : {session().RsRefDoc, session().RsRefFile})
+            CreateDataList(session(), rows, SelectionUse::Show, ListFill::Append);
+        QCOMPARE(window().rows,
+                 QStringList({u"<水の本>|文献|R-991231-001"_s, u"水.txt|FILE|F-991231-001"_s}));
+    }
+
+    void appendingCountsOnlyTheLastRecordSet()
+    {
+        CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace);
+        window().calls.clear();
+        CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Append);
+        QCOMPARE(window().rows.size(), 3);
+        QCOMPARE(window().calls, QStringList({u"show"_s, u"1: 表示モード"_s, u"3: 表示データ数：1"_s}));
+    }
+
+    void emptyRecordSetListsNothing()
+    {
+        window().rows = QStringList(u"古い"_s);
+        const auto none = session().RsMain->filtered(u"Name = '火'"_s);
+        QCOMPARE(CreateDataList(session(), none, SelectionUse::Show, ListFill::Replace), 0);
+        QCOMPARE(window().rows, QStringList());
+        QCOMPARE(window().calls.last(), u"3: 表示データ数：0"_s);
+    }
+
+    void filteredSetListsOnlyItsRows()
+    {
+        const auto some = session().RsMain->filtered(u"Explanation Like '固*'"_s);
+        CreateDataList(session(), some, SelectionUse::Show, ListFill::Replace);
+        QCOMPARE(window().rows, QStringList(u"氷|定義|M-991231-002"_s));
+    }
+
+    void linkingShowsModallyAndWritesTheStatusAfterwards()
+    {
+        session().LinkSourceMode = true;
+        session().LinkSourceID = u"M-991231-001"_s;
+        window().whileModal = [&] {
+            QVERIFY(compareText(window().title, u"データ選択画面 - リンク先を選択してください。"));
+            QCOMPARE(window().rows.size(), 1);
+            QCOMPARE(window().calls, QStringList({u"clear"_s, u"show modal"_s}));
+            QVERIFY(session().LinkSourceMode);
+        };
+        QCOMPARE(CreateDataList(session(), session().RsRefDoc, SelectionUse::Link, ListFill::Replace), 0);
+        QCOMPARE(window().calls,
+                 QStringList({u"clear"_s, u"show modal"_s, u"1: リンクモード"_s, u"3: 表示データ数：1"_s}));
+        QVERIFY(session().LinkSourceMode);
+    }
+
+    void captionKeepsWhatLinkingAppended()
+    {
+        CreateDataList(session(), session().RsRefDoc, SelectionUse::Link, ListFill::Replace);
+        CreateDataList(session(), session().RsRefDoc, SelectionUse::Link, ListFill::Replace);
+        QVERIFY(compareText(window().title,
+                            u"データ選択画面 - リンク先を選択してください。 - リンク先を選択してください。"));
+        CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Replace);
+        QCOMPARE(window().title.count(u'-'), 2);
+    }
+
+    void showingEndsAPendingLink()
+    {
+        session().LinkSourceMode = true;
+        session().LinkSourceID = u"M-991231-001"_s;
+        session().LinkSourceName = u"水"_s;
+        CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Append);
+        QVERIFY(!session().LinkSourceMode);
+        // The console still shows where it came from.
+        QCOMPARE(session().LinkSourceID, u"M-991231-001"_s);
+        QCOMPARE(session().LinkSourceName, u"水"_s);
+    }
+
+    void missingRecordSetIsReportedAndNothingIsShown()
+    {
+        window().rows = QStringList(u"古い"_s);
+        world->dialogs.expect(failureBox(u"CreateDataList"_s, 91));
+        QCOMPARE(CreateDataList(session(), nullptr, SelectionUse::Link, ListFill::Replace), 0);
+        QCOMPARE(window().calls, QStringList(u"clear"_s));
+        QCOMPARE(world->eventLog.lines.size(), 1);
+    }
+
+    void fileThatCannotBeReadIsReported()
+    {
+        session().OpenDb->connection().execute(u"PRAGMA busy_timeout = 0"_s);
+        const auto other = Database::open(session().OpenDb->path());
+        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
+        world->dialogs.expect(failureBox(u"CreateDataList"_s, 3260));
+        QCOMPARE(CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace), 0);
+        QCOMPARE(window().calls, QStringList(u"clear"_s));
+        other->connection().execute(u"ROLLBACK"_s);
+    }
+
+    void identifierThatNoSearchCanNameIsListedWithoutAName()
+    {
+        TestWorld::addRow(session().RsMain, {u"謎"_s, u"M'"_s, u""_s});
+        world->dialogs.expect(failureBox(u"GetDataName"_s, 3075));
+        CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace);
+        QCOMPARE(window().rows.last(), u"|定義|M'"_s);
+        QCOMPARE(window().calls.last(), u"3: 表示データ数：3"_s);
+    }
+
+    void linesOfAnotherTableOfDataAreNamedAfterTheirKind()
+    {
+        // The name is looked up by the identifier and not read from the row.
+        TestWorld::addRow(session().RsRefDoc, {u"迷子"_s, u"M-991231-002"_s, u""_s});
+        CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Replace);
+        QCOMPARE(window().rows.last(), u"氷|定義|M-991231-002"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDataSelection)
+#include "test_data_selection.moc"
