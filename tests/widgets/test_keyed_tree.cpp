@@ -251,6 +251,8 @@ void TestKeyedTree::aDropTellsTheTextWithTheHighlightStanding()
     connect(m_tree.get(), &KeyedTree::textDropped, this, [&] { highlighted = m_tree->dropHighlight(); });
     QVERIFY(dragTo(at(2), data));
     QVERIFY(dropAt(at(2), data));
+    QCOMPARE(dropped.size(), 0); // the drag is still going on
+    QCoreApplication::processEvents();
     QCOMPARE(dropped.size(), 1);
     QCOMPARE(dropped[0][0].toString(), u"M-991231-001"_s);
     QCOMPARE(highlighted, 2);
@@ -266,6 +268,7 @@ void TestKeyedTree::aDropBesideTheNodesHasNoHighlight()
     const QSignalSpy dropped(m_tree.get(), &KeyedTree::textDropped);
     QVERIFY(dragTo(QPoint(20, 250), data));
     QVERIFY(dropAt(QPoint(20, 250), data));
+    QCoreApplication::processEvents();
     QCOMPARE(dropped.size(), 1);
     QCOMPARE(m_tree->dropHighlight(), 0);
 }
@@ -277,6 +280,7 @@ void TestKeyedTree::whatIsNoTextIsRefused()
     const QSignalSpy dropped(m_tree.get(), &KeyedTree::textDropped);
     QVERIFY(!dragTo(at(2), data));
     QVERIFY(!dropAt(at(2), data));
+    QCoreApplication::processEvents();
     QCOMPARE(m_tree->dropHighlight(), 0);
     QCOMPARE(dropped.size(), 0);
 }

@@ -291,12 +291,9 @@ void KeyedTree::dropEvent(QDropEvent* event)
     hoverAt(event->position().toPoint());
     endHovering();
     const QString text = event->mimeData()->text();
-    // What follows may ask a question; the drag of another control of the program must have ended by then.
-    if (event->source() != nullptr)
-        QMetaObject::invokeMethod(
-            this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
-    else
-        Q_EMIT textDropped(text);
+    // What follows may ask a question; the drag must have ended by then, in this program or in another one.
+    QMetaObject::invokeMethod(
+        this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
 }
 
 } // namespace quillon
