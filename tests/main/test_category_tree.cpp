@@ -9,8 +9,6 @@
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
 
-#include <QApplication>
-#include <QMenu>
 #include <QProgressBar>
 #include <QTest>
 
@@ -248,72 +246,6 @@ private Q_SLOTS:
         WindowWorld::addRow(world->session().RsMain, {u"水"_s, u"M-991231-001"_s, u"H2O"_s});
         tree->select(2);
         QCOMPARE(list->rows().rowCount(), 0);
-    }
-
-    void rightClickShowsTheCategoryMenuOnlyWithADatabase()
-    {
-        auto* menu = WindowWorld::control<QMenu>(*window, u"mnuCategory"_s);
-        window->tvwCategory_MouseDown(QPoint(10, 10));
-        QVERIFY(!menu->isVisible());
-        openWith({u"A|甲"_s});
-        window->tvwCategory_MouseDown(QPoint(10, 10));
-        QVERIFY(menu->isVisible());
-        menu->close();
-    }
-
-    void dropOnAFixedNodeIsRefused()
-    {
-        openWith({u"A|甲"_s});
-        tree->setDropHighlight(2);
-        world->dialogs.expect(MessageBox{.text = u"選択された項目はカテゴリではありません｡"_s});
-        window->tvwCategory_OLEDragDrop(u"M-991231-001"_s);
-        QCOMPARE(tree->dropHighlight(), 0);
-    }
-
-    void dropOfAnotherTextDoesNothing()
-    {
-        openWith({u"A|甲"_s});
-        for (const QString& text : {QString(), u"M-991231-01"_s, u"M-991231-0001"_s}) {
-            tree->setDropHighlight(10);
-            window->tvwCategory_OLEDragDrop(text);
-            QCOMPARE(tree->dropHighlight(), 0);
-        }
-        QCOMPARE(WindowWorld::rowsOf(world->session().RsCategory), QStringList());
-    }
-
-    void dropFilesTheSelectedRow()
-    {
-        openWith({u"A|甲"_s});
-        WindowWorld::addRow(world->session().RsMain, {u"水"_s, u"M-991231-001"_s, u"H2O"_s});
-        click(2);
-        list->selectRow(0);
-        const MessageBox question{.text = u"[ 水 ] を[ 甲 ]へ分類してもよろしいですか"_s,
-                                  .buttons = Buttons::OkCancel};
-        tree->setDropHighlight(10);
-        world->dialogs.expect(question, Answer::Cancel);
-        window->tvwCategory_OLEDragDrop(u"M-991231-001"_s);
-        QCOMPARE(WindowWorld::rowsOf(world->session().RsCategory), QStringList());
-        tree->setDropHighlight(10);
-        world->dialogs.expect(question, Answer::Ok);
-        window->tvwCategory_OLEDragDrop(u"M-991231-001"_s);
-        QCOMPARE(WindowWorld::rowsOf(world->session().RsCategory), QStringList({u"A|M-991231-001"_s}));
-    }
-
-    void dropOfSeveralRowsFilesThemAll()
-    {
-        openWith({u"A|甲"_s});
-        WindowWorld::addRow(world->session().RsMain, {u"水"_s, u"M-991231-001"_s, u"H2O"_s});
-        WindowWorld::addRow(world->session().RsMain, {u"火"_s, u"M-991231-002"_s, u"炎"_s});
-        click(2);
-        list->selectAll();
-        tree->setDropHighlight(10);
-        world->dialogs.expect(
-            MessageBox{.text = u"選択された複数のデータを [ 甲 ] に分類してもよろしいですか。"_s,
-                       .buttons = Buttons::OkCancel},
-            Answer::Ok);
-        window->tvwCategory_OLEDragDrop(u"M-991231-001"_s);
-        QCOMPARE(WindowWorld::rowsOf(world->session().RsCategory),
-                 QStringList({u"A|M-991231-001"_s, u"A|M-991231-002"_s}));
     }
 
     void keysDoNothingBeforeADatabaseIsOpen()

@@ -1,0 +1,251 @@
+// Dropping rows of the data list on categories, with the events of a real drag.
+#include "store/record_set.h"
+#include "tests/main/main_window_fixture.h"
+#include "tests/support/troubled_database.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+class TestMainDropping : public MainWindowFixture
+{
+    Q_OBJECT
+
+    const QString SeveralQuestion = u"選択された複数のデータを [ 乙 ] に分類してもよろしいですか。"_s;
+
+    /// Drags a text over the window to a place of the tree, the way the window system tells it.
+    bool dragTo(const QPoint& place, const QMimeData& data)
+    {
+        const QPoint inWindow = tree->viewport()->mapTo(window, place);
+        QDragEnterEvent enter(inWindow, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window->windowHandle(), &enter);
+        QDragMoveEvent move(inWindow, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window->windowHandle(), &move);
+        return move.isAccepted();
+    }
+    bool release(const QPoint& place, const QMimeData& data)
+    {
+        QDropEvent drop(tree->viewport()->mapTo(window, place), Qt::CopyAction, &data, Qt::LeftButton,
+                        Qt::NoModifier);
+        QCoreApplication::sendEvent(window->windowHandle(), &drop);
+        return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
+    }
+    /// A whole drag and what comes of it.
+    void dropText(const QString& text, const QPoint& place)
+    {
+        QMimeData data;
+        data.setText(text);
+        QVERIFY(dragTo(place, data));
+        QVERIFY(release(place, data));
+        WindowWorld::processEvents();
+        QCOMPARE(tree->dropHighlight(), 0);
+    }
+    QPoint besideTheNodes() const { return tree->viewport()->rect().bottomLeft() + QPoint(20, -5); }
+
+private Q_SLOTS:
+    void init()
+    {
+        makeWindow();
+        openSampleDatabase();
+        chooseNode(u"M_DIV"_s);
+    }
+    void cleanup() { endWorld(); }
+
+    void nodeUnderTheDragIsMarked()
+    {
+        QMimeData data;
+        data.setText(u"M-991231-003"_s);
+        QVERIFY(dragTo(nodeAt(u"B"_s), data));
+        QCOMPARE(tree->dropHighlight(), tree->nodes().position(u"B"_s));
+        QVERIFY(dragTo(nodeAt(u"M_DIV"_s), data));
+        QCOMPARE(tree->dropHighlight(), tree->nodes().position(u"M_DIV"_s));
+        QVERIFY(dragTo(besideTheNodes(), data));
+        QCOMPARE(tree->dropHighlight(), 0);
+        QDragLeaveEvent leave;
+        QVERIFY(dragTo(nodeAt(u"B"_s), data));
+        QCoreApplication::sendEvent(window->windowHandle(), &leave);
+        QCOMPARE(tree->dropHighlight(), 0);
+        QCOMPARE(selectedKey(), u"M_DIV"_s);
+    }
+
+    void oneRowIsFiledAfterTheQuestion()
+    {
+        selectRows({2});
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok); // sic: no full stop
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().size(), 5);
+        QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
+    }
+
+    void questionWaitsForTheEndOfTheDrag()
+    {
+        selectRows({2});
+        QMimeData data;
+        data.setText(u"M-991231-003"_s);
+        QVERIFY(dragTo(nodeAt(u"B"_s), data));
+        QVERIFY(release(nodeAt(u"B"_s), data));
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList()); // no box so far
+        QCOMPARE(tree->dropHighlight(), tree->nodes().position(u"B"_s));
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        WindowWorld::processEvents();
+        QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
+        QCOMPARE(tree->dropHighlight(), 0);
+    }
+
+    void cancelFilesNothing()
+    {
+        const QStringList before = memberships();
+        selectRows({2});
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Cancel);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        selectRows({2, 3});
+        expectQuestion(SeveralQuestion, Answer::Cancel);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships(), before);
+    }
+
+    void severalRowsAreFiledAndTheListStays()
+    {
+        const QStringList listed = rows();
+        selectRows({0, 2, 4});
+        expectQuestion(SeveralQuestion, Answer::Ok);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().mid(4),
+                 QStringList({u"B|M-991231-001"_s, u"B|M-991231-003"_s, u"B|M-991231-005"_s}));
+        QCOMPARE(rows(), listed);
+        QCOMPARE(list->selectedRows(), (std::vector<int>{0, 2, 4}));
+        QCOMPARE(selectedKey(), u"M_DIV"_s);
+    }
+
+    void filingBelowTakesTheDataOutAbove()
+    {
+        selectRows({0, 1});
+        expectQuestion(u"選択された複数のデータを [ 甲の一 ] に分類してもよろしいですか。"_s, Answer::Ok);
+        dropText(u"M-991231-001"_s, nodeAt(u"A-A"_s));
+        QCOMPARE(memberships(),
+                 QStringList({u"A-A|M-991231-001"_s, u"A-B|R-991231-001"_s, u"A-A|M-991231-002"_s}));
+    }
+
+    void datumFiledThereAlreadyIsNotFiledTwice()
+    {
+        const QStringList before = memberships();
+        selectRows({1});
+        expectQuestion(u"[ 火 ] を[ 甲 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        dropText(u"M-991231-002"_s, nodeAt(u"A"_s));
+        QCOMPARE(memberships(), before);
+    }
+
+    void fixedNodesAndBlankSpaceAreRefused()
+    {
+        const QStringList before = memberships();
+        selectRows({2});
+        for (const QString& key : {u"DIV"_s, u"M_DIV"_s, u"CATEGORY"_s}) {
+            expectNotice(u"選択された項目はカテゴリではありません｡"_s); // sic: a half-width full stop
+            dropText(u"M-991231-003"_s, nodeAt(key));
+        }
+        expectNotice(u"選択された項目はカテゴリではありません｡"_s);
+        dropText(u"M-991231-003"_s, besideTheNodes());
+        QCOMPARE(memberships(), before);
+    }
+
+    void textOfAnotherLengthDoesNothing_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("eleven") << u"M-991231-03"_s;
+        QTest::newRow("thirteen") << u"M-991231-0003"_s;
+        QTest::newRow("a line break behind it") << u"M-991231-003\n"_s;
+        QTest::newRow("none") << u""_s;
+    }
+
+    void textOfAnotherLengthDoesNothing()
+    {
+        QFETCH(QString, text);
+        const QStringList before = memberships();
+        selectRows({2});
+        dropText(text, nodeAt(u"B"_s));
+        QCOMPARE(memberships(), before);
+    }
+
+    void withoutASelectionNothingIsFiled()
+    {
+        const QStringList before = memberships();
+        list->clearSelection();
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships(), before);
+    }
+
+    void unknownIdentifierIsAskedAboutAsUnknown()
+    {
+        selectRows({2});
+        expectQuestion(u"[ 不明 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Cancel);
+        dropText(u"123456789012"_s, nodeAt(u"B"_s));
+    }
+
+    void whatIsNoTextIsNotTaken()
+    {
+        QMimeData data;
+        data.setData(u"application/octet-stream"_s, "x");
+        QVERIFY(!dragTo(nodeAt(u"B"_s), data));
+        QVERIFY(!release(nodeAt(u"B"_s), data));
+        WindowWorld::processEvents();
+        QCOMPARE(memberships().size(), 4);
+    }
+
+    void lockedDatabaseIsToldOnceForAllRows_data()
+    {
+        QTest::addColumn<bool>("writing");
+        QTest::newRow("another program writes") << true;
+        QTest::newRow("another program reads") << false;
+    }
+
+    void lockedDatabaseIsToldOnceForAllRows()
+    {
+        QFETCH(bool, writing);
+        const QStringList before = memberships();
+        const QStringList listed = rows();
+        selectRows({2, 3, 4});
+        {
+            const ForeignLock lock(database(),
+                                   writing ? ForeignLock::Kind::Writing : ForeignLock::Kind::Reading);
+            expectQuestion(SeveralQuestion, Answer::Ok);
+            expectFailure(u"DeleteData"_s, errors::Locked); // sic: under the name of deleting
+            dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        }
+        QCOMPARE(memberships(), before);
+        QCOMPARE(rows(), listed);
+    }
+
+    void rowThatCannotBeFiledIsPassedOver()
+    {
+        database().connection().execute(
+            u"CREATE TEMP TRIGGER refusal BEFORE INSERT ON main.Category WHEN NEW.Object_ID = 'M-991231-004' "
+            u"BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+        selectRows({2, 3, 4});
+        expectQuestion(SeveralQuestion, Answer::Ok);
+        expectFailure(u"ClassifyCategory"_s, errors::InvalidArgument);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().mid(4), QStringList({u"B|M-991231-003"_s, u"B|M-991231-005"_s}));
+    }
+
+    void failureThatUndoesEverythingFilesNothing()
+    {
+        const QStringList before = memberships();
+        database().connection().execute(
+            u"CREATE TEMP TRIGGER refusal BEFORE INSERT ON main.Category WHEN NEW.Object_ID = 'M-991231-004' "
+            u"BEGIN SELECT RAISE(ROLLBACK, 'refused'); END"_s);
+        selectRows({2, 3, 4});
+        expectQuestion(SeveralQuestion, Answer::Ok);
+        expectFailure(u"ClassifyCategory"_s, errors::InvalidArgument);
+        expectFailure(u"DeleteData"_s, errors::DiskFull);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships(), before);
+    }
+};
+
+QTEST_MAIN(TestMainDropping)
+#include "test_main_dropping.moc"
