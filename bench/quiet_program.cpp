@@ -1,13 +1,11 @@
 #include "bench/quiet_program.h"
 
-#include "app/base/platform.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QFileInfo>
 
 #include <stdexcept>
 
@@ -60,16 +58,6 @@ std::optional<QString> NoDialogs::inputBox(const InputBox& box)
 std::optional<QString> NoDialogs::fileDialog(const FileDialog&)
 {
     throw std::runtime_error("a file dialog came up");
-}
-
-bool DiskFiles::entryExists(const QString& path) const
-{
-    return QFileInfo::exists(path);
-}
-
-bool DiskFiles::fileExists(const QString& path) const
-{
-    return platform::isOrdinaryFile(path);
 }
 
 QuietProgram::QuietProgram() : m_program({m_dialogs, m_eventLog, clock, m_desktop, m_files}, m_folder.path())

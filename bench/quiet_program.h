@@ -4,7 +4,7 @@
 #include "app/base/ports/desktop.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/event_log.h"
-#include "app/base/ports/files.h"
+#include "app/base/system_files.h"
 #include "app/shell/program.h"
 
 #include <QTemporaryDir>
@@ -51,13 +51,6 @@ public:
     OpenOutcome open(const QString&) override { return OpenOutcome::OtherFailure; }
 };
 
-class DiskFiles : public Files
-{
-public:
-    bool entryExists(const QString& path) const override;
-    bool fileExists(const QString& path) const override;
-};
-
 /// The program with its main window on the screen, as a person has it before choosing a file.
 class QuietProgram
 {
@@ -83,7 +76,7 @@ private:
     NoDialogs m_dialogs;
     NoEventLog m_eventLog;
     NoDesktop m_desktop;
-    DiskFiles m_files;
+    SystemFiles m_files;
     Program m_program;
 };
 

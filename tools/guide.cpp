@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QTextStream>
@@ -104,6 +105,37 @@ Answer GuidedDialogs::messageBox(const MessageBox& box)
             shown->reject();
     });
     return RealDialogs::messageBox(box);
+}
+
+void GuidedDialogs::expectInput(const QString& text, const QString& picture)
+{
+    m_inputs.push_back({text, Answer::Ok, picture});
+}
+
+std::optional<QString> GuidedDialogs::inputBox(const InputBox& box)
+{
+    Step step{{}, Answer::Cancel, {}};
+    if (m_inputs.empty()) {
+        m_guide.complain(u"予定にない入力: "_s + box.prompt);
+    } else {
+        step = m_inputs.front();
+        m_inputs.pop_front();
+    }
+    QTimer::singleShot(100, qApp, [this, step] {
+        auto* shown = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        if (shown == nullptr) {
+            m_guide.complain(u"入力の画面が表示されていません。"_s);
+            return;
+        }
+        shown->setTextValue(step.text);
+        if (!step.picture.isEmpty())
+            m_guide.picture(*shown, step.picture);
+        if (step.answer == Answer::Ok)
+            shown->accept();
+        else
+            shown->reject();
+    });
+    return RealDialogs::inputBox(box);
 }
 
 std::optional<QString> GuidedDialogs::fileDialog(const FileDialog&)

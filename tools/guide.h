@@ -41,10 +41,13 @@ public:
 
     /// The next message box gets this answer; with a picture when `picture` is not empty.
     void expectBox(const QString& text, Answer answer, const QString& picture = {});
+    /// The next input box gets this text; with a picture when `picture` is not empty.
+    void expectInput(const QString& text, const QString& picture = {});
     /// The next file dialog gives this name.
     void expectFile(const QString& path) { m_files.push_back(path); }
 
     Answer messageBox(const MessageBox& box) override;
+    std::optional<QString> inputBox(const InputBox& box) override;
     std::optional<QString> fileDialog(const FileDialog& dialog) override;
 
 private:
@@ -56,6 +59,7 @@ private:
 
     Guide& m_guide;
     std::deque<Step> m_boxes;
+    std::deque<Step> m_inputs;
     std::deque<QString> m_files;
 };
 
