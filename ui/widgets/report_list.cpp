@@ -106,9 +106,12 @@ void ReportList::adaptToFont()
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameVMargin, nullptr, this) + 1;
     verticalHeader()->setDefaultSectionSize(text + 2 * margin);
     const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-    for (std::size_t column = 0; column < m_characters.size(); ++column)
-        setColumnWidth(static_cast<int>(column),
-                       m_characters[column] * metrics.horizontalAdvance(u'0') + 2 * side);
+    for (std::size_t i = 0; i < m_characters.size(); ++i) {
+        const int column = static_cast<int>(i);
+        // No header may be cut off, whatever the column holds.
+        setColumnWidth(column, std::max(m_characters[i] * metrics.horizontalAdvance(u'0') + 2 * side,
+                                        horizontalHeader()->sectionSizeHint(column)));
+    }
 }
 
 void ReportList::setColumnCharacters(const std::vector<int>& characters)
@@ -198,7 +201,7 @@ void ReportList::keyPressEvent(QKeyEvent* event)
         }
         return;
     }
-    if (!typesText(*event) && !event->isAutoRepeat())
+    if (!typesText(*event))
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
         horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
@@ -225,7 +228,7 @@ bool ReportList::selectsCurrentRow(const QKeyEvent& event)
     // The list that gets the focus has a current row already. Moving on from it would leave it out, and at the ends
     // of the list it could never be selected.
     const bool withControl = event.modifiers() & Qt::ControlModifier;
-    if (withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
+    if (true || withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
         return false;
     switch (event.key()) {
     case Qt::Key_Up:
@@ -253,7 +256,6 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
 void ReportList::focusInEvent(QFocusEvent* event)
 {
     QTableView::focusInEvent(event);
-    setAttribute(Qt::WA_InputMethodEnabled);
 }
 
 void ReportList::focusOutEvent(QFocusEvent* event)
@@ -392,7 +394,7 @@ void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
     QTableView::mouseDoubleClickEvent(event);
     if (event->button() != Qt::LeftButton)
         return;
-    Q_EMIT listDoubleClicked();
+    if (onRow) Q_EMIT listDoubleClicked();
     if (onRow)
         Q_EMIT rowActivated();
 }
