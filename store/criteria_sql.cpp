@@ -24,6 +24,27 @@ bool isIdentifier(QStringView field)
     return field.endsWith(u"_ID");
 }
 
+/// Opens a bracket and adds what every text with the pattern's beginning fulfils in any encoding of the file, so that
+/// an index finds the few that are worth testing.
+void appendPrefixRange(const QString& pattern, const QString& field, CriteriaSql& sql)
+{
+    sql.condition += u'(';
+    qsizetype size = 0;
+    while (size < pattern.size() && !u"*?#["_s.contains(pattern[size]))
+        ++size;
+    // The first text behind all those: its last unit is 256 greater, which makes any byte order put it there.
+    constexpr char16_t Beyond = 0x100;
+    constexpr char16_t FirstSurrogate = 0xD800;
+    if (size == 0 || pattern[size - 1].unicode() >= FirstSurrogate - Beyond)
+        return;
+    const QString prefix = pattern.first(size);
+    QString behind = prefix;
+    behind.back() = QChar(static_cast<char16_t>(behind.back().unicode() + Beyond));
+    sql.condition +=
+        u'"' + field + u"\" >= ? COLLATE BINARY AND \""_s + field + u"\" < ? COLLATE BINARY AND "_s;
+    sql.values << prefix << behind;
+}
+
 void append(const Criteria& criteria, const TableSchema& table, CriteriaSql& sql)
 {
     if (const auto* junction = std::get_if<Criteria::Junction>(&criteria.node)) {
@@ -40,8 +61,12 @@ void append(const Criteria& criteria, const TableSchema& table, CriteriaSql& sql
         // Other programs may have made the table with a collation that takes "a" for "A".
         sql.condition += u'"' + name + u"\" = ? COLLATE BINARY"_s;
     } else {
+        if (isIdentifier(name))
+            appendPrefixRange(comparison.text, name, sql);
         sql.condition +=
             QString::fromLatin1(isIdentifier(name) ? ExactTest : ReaderTest) + u"(?, \""_s + name + u"\")"_s;
+        if (isIdentifier(name))
+            sql.condition += u')';
     }
     sql.values << comparison.text;
 }

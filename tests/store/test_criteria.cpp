@@ -2,6 +2,7 @@
 #include "store/criteria.h"
 #include "store/criteria_sql.h"
 #include "store/filter_result.h"
+#include "store/like_pattern.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "tests/support/errors_of.h"
@@ -31,6 +32,55 @@ private Q_SLOTS:
     {
         QCOMPARE(m_world->dialogs.takeComplaints(), QStringList());
         m_world.reset();
+    }
+
+    void patternsOnIdentifiersMatchAsTheyDoOneByOne()
+    {
+        // Beginnings of every kind: letters, the codes after them, other scripts, half characters, wildcards.
+        const QStringList pieces = {u"A"_s,
+                                    u"a"_s,
+                                    u"-"_s,
+                                    u"["_s,
+                                    u"["_s,
+                                    u"]"_s,
+                                    u"*"_s,
+                                    u"?"_s,
+                                    u"#"_s,
+                                    u"1"_s,
+                                    u"漢"_s,
+                                    u"Ā"_s,
+                                    u"𠮷"_s,
+                                    QString(QChar(u'\uD7FF')),
+                                    QString(QChar(u'\uFFFF')),
+                                    QString(QChar(u'\uE000'))};
+        std::mt19937 random(7);
+        const auto text = [&](int most) {
+            QString made;
+            for (auto size = random() % static_cast<unsigned>(most + 1); size > 0; --size)
+                made += pieces[static_cast<qsizetype>(random() % static_cast<unsigned>(pieces.size()))];
+            return made;
+        };
+        QStringList identifiers;
+        for (int i = 0; i < 300; ++i) {
+            identifiers << text(5);
+            TestWorld::addRow(m_world->session.RsCategory, {identifiers.last(), u"M-%1"_s.arg(i)});
+        }
+        int found = 0;
+        for (int round = 0; round < 2000; ++round) {
+            const QString pattern = text(3) + u'*';
+            const LikePattern one(pattern, LikePattern::Comparing::Exactly);
+            QStringList expected;
+            for (qsizetype i = 0; i < identifiers.size(); ++i) {
+                if (one.matches(identifiers[i]))
+                    expected << u"M-%1"_s.arg(i);
+            }
+            QStringList actual;
+            m_world->session.RsCategory->filtered(u"Category_ID Like '"_s + pattern + u"'"_s)
+                ->forEachRow({1}, [&](const RecordSet::Row& row) { actual << row.text(0).toString(); });
+            QCOMPARE(actual, expected);
+            found += static_cast<int>(actual.size());
+        }
+        QVERIFY(found > 2000);
     }
 
     void wrongTextsAreRefused_data()
