@@ -1,14 +1,13 @@
 #include "ui/main/data_list.h"
 
 #include "app/base/reporting.h"
+#include "core/identifier_set.h"
 #include "core/name_lookup.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"
 #include "ui/widgets/report_model.h"
-
-#include <QSet>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -105,11 +104,10 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
         // Without memberships nothing is searched, and there is no progress to speak of.
         const bool searches = memberships.hasRows();
         // One pass over the memberships instead of one search per datum; no null is equal to any identifier.
-        QSet<QString> categorised;
-        categorised.reserve(memberships.recordCount());
+        IdentifierSet categorised(memberships.recordCount());
         memberships.forEachRow({1}, [&](const RecordSet::Row& row) {
             if (!row.isNull(0))
-                categorised.insert(row.text(0).toString());
+                categorised.insert(row.text(0));
         });
         if (searches)
             m_progress.prepare(data.recordCount());
@@ -119,9 +117,9 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
         data.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
             if (searches)
                 m_progress.advance();
-            const QString identifier = row.text(1).toString();
+            const QStringView identifier = row.text(1);
             if (first)
-                kind = GetDivName(m_session, identifier, DivName::ShortName);
+                kind = GetDivName(m_session, identifier.toString(), DivName::ShortName);
             first = false;
             if (!categorised.contains(identifier))
                 fill.append({row.text(0), kind, identifier});
