@@ -1,3 +1,4 @@
+#include "app/base/ports/main_window_port.h"
 #include "bench/bare_database.h"
 #include "bench/corpora.h"
 #include "bench/pair.h"
