@@ -2,9 +2,6 @@
 #include "ui/data/digit_letter_key.h"
 #include "ui/data/window_switch.h"
 
-#include <QInputMethodEvent>
-#include <QPointer>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -12,23 +9,8 @@ using namespace quillon::testing;
 namespace
 {
 
-const QString Water = u"M-991231-001"_s;
-
 const MessageBox Warning{.text = u"名称が最大入力値を超えています。最大入力値は全角127文字です。"_s,
                          .title = u"Quillon システム監査部"_s};
-
-void compose(QWidget& field, const QString& preedit)
-{
-    QInputMethodEvent event(preedit, {});
-    QCoreApplication::sendEvent(&field, &event);
-}
-
-void commit(QWidget& field, const QString& text)
-{
-    QInputMethodEvent event;
-    event.setCommitString(text);
-    QCoreApplication::sendEvent(&field, &event);
-}
 
 } // namespace
 
@@ -51,7 +33,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        QCOMPARE(world->takeComplaints(), QStringList());
         world.reset();
     }
 

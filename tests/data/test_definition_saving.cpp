@@ -1,7 +1,5 @@
-#include "store/sqlite/connection.h"
 #include "tests/data/form_world.h"
-
-#include <QPointer>
+#include "tests/support/troubled_database.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -9,8 +7,6 @@ using namespace quillon::testing;
 
 namespace
 {
-
-const QString Water = u"M-991231-001"_s;
 
 const MessageBox Registered{.text = u"本データを登録しました。"_s};
 const MessageBox Updated{.text = u"本データを更新しました。"_s, .title = u"定義"_s};
@@ -24,12 +20,6 @@ const MessageBox NameTooLong{.text = u"名称が最大入力値を超えてい�
                              .title = u"Quillon システム監査部"_s};
 const MessageBox DefinitionTooLong{.text = u"定義が最大入力値を超えています。最大入力値は全角127文字です。"_s,
                                    .title = u"Quillon システム監査部"_s};
-
-MessageBox untrapped(qint32 number)
-{
-    return {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + standardDescription(number),
-            .title = u"Quillon 障害対策部"_s};
-}
 
 } // namespace
 
@@ -45,28 +35,13 @@ private:
         FormWorld::enter(FormWorld::name(form), name);
         FormWorld::enter(FormWorld::definition(form), definition);
     }
-    /// The untrapped failure that was logged last ran under this handler.
-    bool loggedUnder(const QString& handler, qint32 number)
-    {
-        return !world->eventLog.lines.isEmpty() &&
-               world->eventLog.lines.last().contains(u", LOCATION : "_s + handler + u", ErrorNumber : "_s +
-                                                     QString::number(number) + u","_s);
-    }
-    /// Closes a window as its close box does.
-    bool closes(frmMainData& form)
-    {
-        const QPointer<frmMainData> window(&form);
-        form.close();
-        FormWorld::processEvents();
-        return window.isNull();
-    }
 
 private Q_SLOTS:
     void init() { world = std::make_unique<FormWorld>(); }
 
     void cleanup()
     {
-        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        QCOMPARE(world->takeComplaints(), QStringList());
         world.reset();
     }
 
@@ -78,7 +53,7 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(world->definitions(), QStringList({u"<水>|M-991231-001|一行目\n二行目 ｱ😀"_s}));
         QCOMPARE(form.modeText(), u"表示モード"_s);
-        QVERIFY(closes(form)); // nothing has changed since
+        QVERIFY(FormWorld::closes(form)); // nothing has changed since
     }
 
     void registrationFilesTheDatumAndCleansTheAncestors()
@@ -91,6 +66,20 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(TestWorld::rowsOf(world->session.RsCategory),
                  QStringList({u"A-B|M-991231-001"_s, u"C|M-991231-001"_s}));
+    }
+
+    void nextRegistrationInTheSameWindowTellsNothing()
+    {
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(&world->beginRegistration(), &form); // its texts stay
+        QCOMPARE(form.fieldText(0), u"水"_s);
+        QCOMPARE(form.fieldText(1), Ice);
+        QVERIFY(
+            FormWorld::choose(form, u"mnuDataEntry"_s)); // sic: what was saved before keeps the notice away
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s, u"水|M-991231-002|液体"_s}));
     }
 
     void inputIsChecked_data()
@@ -147,7 +136,7 @@ private Q_SLOTS:
         world->add(u"先客"_s, Water, u"…"_s);
         world->dialogs.expect(untrapped(3022));
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
-        QVERIFY(loggedUnder(u"mnuDataEntry_Click"_s, 3022));
+        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 3022));
         QCOMPARE(form.modeText(), u"登録モード"_s);
         QCOMPARE(form.fieldText(0), u"水"_s);
         QCOMPARE(form.fieldText(2), u"液体"_s);
@@ -171,15 +160,14 @@ private Q_SLOTS:
         frmMainData& form = world->show(Water);
         fill(form, u"水"_s, u"H2O"_s);
         {
-            const auto other = Database::open(world->path);
-            sqlite::Transaction writing(other->connection());
+            const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
             world->dialogs.expect(untrapped(3260));
             QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
-            QVERIFY(loggedUnder(u"mnuDataUpdate_Click"_s, 3260));
+            QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3260));
             QCOMPARE(form.fieldText(2), u"H2O"_s);
             world->dialogs.expect(AskUpdate, Answer::Yes);
             world->dialogs.expect(untrapped(3260));
-            QVERIFY(!closes(form));
+            QVERIFY(!FormWorld::closes(form));
         }
         QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
         world->dialogs.expect(Updated);
@@ -201,7 +189,7 @@ private Q_SLOTS:
                  QStringList({u"お湯|M-991231-001|熱い\n水"_s, u"氷|M-991231-002|固体"_s}));
         QCOMPARE(TestWorld::rowsOf(world->session.RsCategory), QStringList({u"A-B|M-991231-001"_s}));
         QCOMPARE(form.windowTitle(), u"定義画面 - 水"_s); // the caption stays as it was opened
-        QVERIFY(closes(form));
+        QVERIFY(FormWorld::closes(form));
     }
 
     void updateOfRefusedInputWritesNothing()
@@ -225,9 +213,9 @@ private Q_SLOTS:
         world->session.RsMain->moveFirst(); // stands on another row
         world->dialogs.expect(untrapped(3021));
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
-        QVERIFY(loggedUnder(u"mnuDataUpdate_Click"_s, 3021));
+        QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3021));
         QCOMPARE(world->definitions(), QStringList({u"氷|M-991231-002|固体"_s}));
-        QVERIFY(closes(form)); // asks nothing
+        QVERIFY(FormWorld::closes(form)); // asks nothing
     }
 
     void undefinedRegistrationReplacesTheDefinition()
@@ -270,7 +258,7 @@ private Q_SLOTS:
         world->dialogs.expect(AskUndefined, Answer::Ok);
         world->dialogs.expect(untrapped(3022));
         QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
-        QVERIFY(loggedUnder(u"mnuDataNoDef_Click"_s, 3022));
+        QVERIFY(world->loggedUnder(u"mnuDataNoDef_Click"_s, 3022));
         QCOMPARE(form.modeText(), u"登録モード"_s);
     }
 
@@ -290,7 +278,7 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, definition);
         world->add(name, Water, definition);
-        QVERIFY(closes(world->show(Water)));
+        QVERIFY(FormWorld::closes(world->show(Water)));
         QCOMPARE(world->definitions(), QStringList({name + u'|' + Water + u'|' + definition}));
     }
 
@@ -314,7 +302,7 @@ private Q_SLOTS:
         world->dialogs.expect(AskUpdate, static_cast<Answer>(answer));
         if (written)
             world->dialogs.expect(Updated);
-        QTEST(closes(form), "closes");
+        QTEST(FormWorld::closes(form), "closes");
         QCOMPARE(world->definitions(),
                  QStringList({written ? u"水|M-991231-001|x液体"_s : u"水|M-991231-001|液体"_s}));
     }
@@ -344,7 +332,7 @@ private Q_SLOTS:
         world->dialogs.expect(AskRegister, static_cast<Answer>(answer));
         if (written)
             world->dialogs.expect(Registered);
-        QTEST(closes(form), "closes");
+        QTEST(FormWorld::closes(form), "closes");
         QCOMPARE(world->definitions().size(), written ? 1 : 0);
     }
 
@@ -352,7 +340,7 @@ private Q_SLOTS:
     {
         frmMainData& form = world->beginRegistration();
         form.setCategoryRows({{u"川"_s, u"A"_s}}); // a category alone is no input
-        QVERIFY(closes(form));
+        QVERIFY(FormWorld::closes(form));
     }
 
     void refusedRegistrationKeepsTheWindowOpen()
@@ -361,7 +349,7 @@ private Q_SLOTS:
         fill(form, u"水"_s, QString());
         world->dialogs.expect(AskRegister, Answer::Yes);
         world->dialogs.expect(Missing);
-        QVERIFY(!closes(form));
+        QVERIFY(!FormWorld::closes(form));
         QCOMPARE(form.fieldText(0), u"水"_s);
     }
 
@@ -372,7 +360,7 @@ private Q_SLOTS:
         fill(form, QString(), u"液体"_s);
         world->dialogs.expect(AskUpdate, Answer::Yes);
         world->dialogs.expect(Missing);
-        QVERIFY(!closes(form));
+        QVERIFY(!FormWorld::closes(form));
     }
 
     void refusedUpdateAnswersAsTheLastSaveDid_data()
@@ -394,11 +382,11 @@ private Q_SLOTS:
         fill(form, QString(), u"熱い"_s);
         if (cancelledBetween) {
             world->dialogs.expect(AskUpdate, Answer::Cancel);
-            QVERIFY(!closes(form));
+            QVERIFY(!FormWorld::closes(form));
         }
         world->dialogs.expect(AskUpdate, Answer::Yes);
         world->dialogs.expect(Missing);
-        QTEST(closes(form), "closes");
+        QTEST(FormWorld::closes(form), "closes");
         QCOMPARE(world->definitions(), QStringList({u"お湯|M-991231-001|熱い"_s}));
     }
 
@@ -411,11 +399,10 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
         fill(form, u"湯"_s, u"熱い"_s);
         {
-            const auto other = Database::open(world->path);
-            sqlite::Transaction writing(other->connection());
+            const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
             world->dialogs.expect(AskUpdate, Answer::Yes);
             world->dialogs.expect(untrapped(3260));
-            QVERIFY(!closes(form));
+            QVERIFY(!FormWorld::closes(form));
         }
         QCOMPARE(form.fieldText(0), u"湯"_s);
     }
@@ -427,8 +414,8 @@ private Q_SLOTS:
         world->add(u"先客"_s, Water, u"…"_s);
         world->dialogs.expect(AskRegister, Answer::Yes);
         world->dialogs.expect(untrapped(3022));
-        QVERIFY(!closes(form));
-        QVERIFY(loggedUnder(u"mnuDataEntry_Click"_s, 3022));
+        QVERIFY(!FormWorld::closes(form));
+        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 3022));
         QCOMPARE(form.fieldText(0), u"水"_s);
     }
 
@@ -438,9 +425,9 @@ private Q_SLOTS:
         frmMainData& form = world->show(Water);
         const auto table = std::exchange(world->session.RsMain, nullptr);
         world->dialogs.expect(untrapped(91));
-        QVERIFY(!closes(form));
+        QVERIFY(!FormWorld::closes(form));
         world->session.RsMain = table;
-        QVERIFY(closes(form));
+        QVERIFY(FormWorld::closes(form));
     }
 
     void menuClosesTheWindow()

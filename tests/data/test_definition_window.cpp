@@ -2,31 +2,11 @@
 #include "tests/support/compare_text.h"
 #include "ui/data/text_fields.h"
 
-#include <QLabel>
 #include <QMenuBar>
-#include <QMimeData>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
-
-namespace
-{
-
-const QString Water = u"M-991231-001"_s;
-
-/// The entries of a menu as "name caption", disabled ones with a "-" in front.
-QStringList entriesOf(const QMenu& menu)
-{
-    QStringList entries;
-    for (const QAction* entry : menu.actions()) {
-        QString line = entry->objectName() + u' ' + (entry->isSeparator() ? u"|"_s : entry->text());
-        entries << (entry->isEnabled() ? line : u"-"_s + line);
-    }
-    return entries;
-}
-
-} // namespace
 
 class TestDefinitionWindow : public QObject
 {
@@ -40,7 +20,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        QCOMPARE(world->takeComplaints(), QStringList());
         world.reset();
     }
 
@@ -59,10 +39,7 @@ private Q_SLOTS:
     void menusHaveTheirCaptions()
     {
         auto* form = new frmMainData(world->session, world->registry);
-        QStringList bar;
-        for (const QAction* menu : form->menuBar()->actions())
-            bar << menu->text();
-        QCOMPARE(bar, QStringList({u"データ&D)"_s, u"リンク(&L)"_s, u"分類(&C)"_s}));
+        QCOMPARE(menuBarOf(*form->menuBar()), QStringList({u"データ&D)"_s, u"リンク(&L)"_s, u"分類(&C)"_s}));
         QCOMPARE(
             entriesOf(*form->findChild<QMenu*>(u"mnuData"_s)),
             QStringList({u"mnuDataDelete 削除(&D)"_s, u"mnuDataUpdate 更新(&U)"_s,
@@ -131,26 +108,16 @@ private Q_SLOTS:
         QVERIFY(compareText(field->toolTip(), toolTip));
         QCOMPARE(field->accessibleDescription(), toolTip);
         QCOMPARE(field->accessibleName(), QString());
-        QStringList labels;
-        for (const QLabel* candidate : form->findChildren<QLabel*>()) {
-            if (candidate->buddy() == field)
-                labels << candidate->text();
-        }
-        QCOMPARE(labels, QStringList(label));
+        QCOMPARE(labelsOf(*field), QStringList(label));
     }
 
     void listsHaveTheirHeadersNamesAndToolTips()
     {
         auto* form = new frmMainData(world->session, world->registry);
-        const auto headers = [&](const QString& list) {
-            QStringList texts;
-            const ReportModel& model = FormWorld::rows(*form, list);
-            for (int column = 0; column < model.columnCount(); ++column)
-                texts << model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-            return texts;
-        };
-        QCOMPARE(headers(u"lsvLink"_s), QStringList({u"リンク先データ"_s, u"種別"_s, u"識別符号"_s}));
-        QCOMPARE(headers(u"lsvCategory"_s), QStringList({u"分類先カテゴリ"_s, u"識別符号"_s, u"位置"_s}));
+        QCOMPARE(headersOf(FormWorld::rows(*form, u"lsvLink"_s)),
+                 QStringList({u"リンク先データ"_s, u"種別"_s, u"識別符号"_s}));
+        QCOMPARE(headersOf(FormWorld::rows(*form, u"lsvCategory"_s)),
+                 QStringList({u"分類先カテゴリ"_s, u"識別符号"_s, u"位置"_s}));
         const auto* links = form->findChild<ReportList*>(u"lsvLink"_s);
         const auto* categories = form->findChild<ReportList*>(u"lsvCategory"_s);
         QCOMPARE(links->accessibleName(), u"リンク一覧"_s);
@@ -168,23 +135,12 @@ private Q_SLOTS:
         QVERIFY(FormWorld::identifier(*form).focusPolicy() & Qt::TabFocus);
     }
 
-    void tabGoesThroughTheWindowInItsOrder()
+    void tabGoesThroughTheWindowAsTheEyeDoes()
     {
-        auto* form = new frmMainData(world->session, world->registry);
-        QVERIFY(FormWorld::definition(*form).tabChangesFocus());
-        QCOMPARE(form->focusWidget(), &FormWorld::name(*form));
-        QStringList order;
-        const QWidget* widget = &FormWorld::name(*form);
-        const QWidget* const start = widget;
-        const QStringList stops{u"txtFields(0)"_s, u"txtFields(1)"_s, u"txtFields(2)"_s, u"lsvLink"_s,
-                                u"lsvCategory"_s};
-        do {
-            if (stops.contains(widget->objectName()))
-                order << widget->objectName();
-            widget = widget->nextInFocusChain();
-        } while (widget != start);
-        QCOMPARE(order, QStringList({u"txtFields(0)"_s, u"txtFields(2)"_s, u"lsvLink"_s, u"lsvCategory"_s,
-                                     u"txtFields(1)"_s}));
+        frmMainData& form = world->beginRegistration();
+        QCOMPARE(form.focusWidget(), &FormWorld::name(form));
+        QCOMPARE(tabRound(form), QStringList({u"txtFields(0)"_s, u"txtFields(1)"_s, u"txtFields(2)"_s,
+                                              u"lsvLink"_s, u"lsvCategory"_s}));
     }
 
     void shownDefinitionFillsTheWindow()

@@ -6,6 +6,7 @@
 #include "core/categories.h"
 #include "core/close_all_form.h"
 #include "core/data_records.h"
+#include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/data/category_rows.h"
@@ -16,7 +17,7 @@
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
-#include <QInputMethodEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QMenu>
 
@@ -34,7 +35,7 @@ constexpr int NameBytes = 50;    // the remaining count counts down from here
 } // namespace
 
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
-    : FormWindow(session, registry, design.windowName), m_design(design), m_database(session.OpenDb)
+    : FormWindow(session, registry, design.windowName), m_design(design), m_databaseFile(openDatabaseFile())
 {
     setWindowTitle(design.title);
     buildFields();
@@ -47,6 +48,12 @@ DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& des
     setStatusBar(sbStatus);
     arrange();
     connectLists();
+}
+
+DataForm::~DataForm()
+{
+    if (session().LinkSourceForm == this)
+        session().LinkSourceForm = nullptr;
 }
 
 TextField& DataForm::field(int index) const
@@ -119,10 +126,15 @@ RecordSet& DataForm::rows() const
     return required(session().*m_design.table);
 }
 
+QString DataForm::openDatabaseFile() const
+{
+    return session().OpenDb ? session().OpenDb->path() : QString();
+}
+
 bool DataForm::findRow() const
 {
     // A database that was opened later may hold another datum of the same identifier.
-    if (m_database.lock() != session().OpenDb)
+    if (QFileInfo(m_databaseFile) != QFileInfo(openDatabaseFile()))
         return false;
     const QString identifier = fieldText(1);
     rows().findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
@@ -167,7 +179,7 @@ void DataForm::addRow()
     RecordSet& recordSet = rows();
     recordSet.addNew();
     writeFields(recordSet);
-    m_database = session().OpenDb;
+    m_databaseFile = openDatabaseFile();
 }
 
 void DataForm::classifyInListedCategories()
@@ -228,7 +240,8 @@ void DataForm::SwitchDataWindow(const QString& identifier)
 
 void DataForm::mnuDataDelete_Click()
 {
-    if (!DeleteData(session(), fieldText(1), 3))
+    const QPointer<DataForm> self(this);
+    if (!DeleteData(session(), fieldText(1), 3) || !self)
         return;
     m_deleted = true;
     unload();
@@ -279,8 +292,12 @@ QAction* DataForm::addHandledEntry(QMenu* menu, const QString& name, const QStri
 
 bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
 {
-    // While an input method composes, its keys are its own: Esc takes the composition back, letters are no text yet.
-    if (!m_composing) {
+    if (m_composition.takes(event)) {
+        ShowInputCount(static_cast<qint16>(index));
+        return true;
+    }
+    // What is typed into a composition is no text yet.
+    if (!m_composition.isActive()) {
         if (event.key() == Qt::Key_Escape) {
             // A key that is held down closes one window, not one after the other.
             if (event.isAutoRepeat())
@@ -303,7 +320,7 @@ bool DataForm::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyRelease && Form_KeyUp(*static_cast<QKeyEvent*>(event)))
         return true;
-    bool handled = false;
+    bool handled = lsvLink != nullptr && watched == lsvLink->viewport() && lsvLink_DblClick(*event);
     for (int index = 0; index < 3; ++index) {
         if (watched == &field(index).widget())
             handled = fieldEvent(index, *event);
@@ -313,20 +330,17 @@ bool DataForm::eventFilter(QObject* watched, QEvent* event)
 
 bool DataForm::fieldEvent(int index, QEvent& event)
 {
+    m_composition.follow(event);
     bool handled = false;
     switch (event.type()) {
     case QEvent::FocusIn:
         handleEvent(session().reporting, u"txtFields_GotFocus"_s,
                     [&] { ShowInputCount(static_cast<qint16>(index)); });
         break;
-    case QEvent::FocusOut:
-        m_composing = false;
-        break;
     case QEvent::InputMethod:
         // The keys of an input method never arrive here; what it does stands for them, one behind like them.
         handleEvent(session().reporting, u"txtFields_KeyDown"_s,
                     [&] { ShowInputCount(static_cast<qint16>(index)); });
-        m_composing = !static_cast<QInputMethodEvent&>(event).preeditString().isEmpty();
         break;
     case QEvent::KeyPress:
         handleEvent(session().reporting, u"txtFields_KeyDown"_s,
@@ -341,7 +355,7 @@ bool DataForm::fieldEvent(int index, QEvent& event)
 bool DataForm::Form_KeyUp(const QKeyEvent& event)
 {
     // A key held down is released once.
-    if (event.key() != Qt::Key_F2 || event.isAutoRepeat() || m_composing)
+    if (event.key() != Qt::Key_F2 || event.isAutoRepeat() || m_composition.isActive())
         return false;
     handleEvent(session().reporting, u"Form_KeyUp"_s, [&] { SwitchDataWindow(fieldText(1)); });
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
+#include "ui/data/composition.h"
 #include "ui/data/text_fields.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/report_model.h"
@@ -17,7 +18,6 @@ class QKeyEvent;
 namespace quillon
 {
 
-class Database;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -29,6 +29,8 @@ class DataForm : public FormWindow, public DataWindow
     Q_OBJECT
 
 public:
+    ~DataForm() override;
+
     QString fieldText(int index) const override;
     void setFieldText(int index, const QString& text) override;
     void setCaption(const QString& caption) override;
@@ -109,15 +111,17 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
 
-    ReportList* lsvLink;
-    ReportList* lsvCategory;
-    StatusPanels* sbStatus;
+    ReportList* lsvLink = nullptr;
+    ReportList* lsvCategory = nullptr;
+    StatusPanels* sbStatus = nullptr;
     bool m_saveResult = false; // registered or updated, or the last answer of QuerySave
     bool m_deleted = false;    // the datum is gone, closing asks nothing
 
 private:
     TextField& field(int index) const;
     RecordSet& rows() const;
+    /// The full name of the open database file, empty when none is open.
+    QString openDatabaseFile() const;
     /// Goes to the datum's row; false when it is gone.
     bool findRow() const;
     void writeFields(RecordSet& rows) const;
@@ -127,7 +131,7 @@ private:
     /// Notes this window as the one whose datum gets the link that is chosen next.
     void SetLinkSource();
     /// Lets the user choose a datum of a table and links it.
-    void linkToChosen(const std::shared_ptr<RecordSet>& table);
+    void linkToChosen(std::shared_ptr<RecordSet> table);
     void mnuLinkRefFile_Click();
     void mnuLinkView_Click();
     void mnuLinkDelete_Click();
@@ -135,6 +139,8 @@ private:
     void mnuCategoryDelete_Click();
     void lsvLink_OLEDragDrop(const QString& text);
     void connectLists();
+    /// True for a double click on the link list beside its rows, of which the list itself does not tell.
+    bool lsvLink_DblClick(const QEvent& event);
     /// A menu of the window as the context menu of a list; only in display mode.
     void popUp(const QString& menuName, const QPoint& position);
     /// True when the key has been dealt with and must not reach the field.
@@ -144,10 +150,10 @@ private:
     bool Form_KeyUp(const QKeyEvent& event);
 
     const Design m_design;
-    std::weak_ptr<Database> m_database; // where the datum shown lies
+    QString m_databaseFile; // where the datum shown lies
     std::array<TextField*, 3> m_txtFields;
     QHBoxLayout* m_contentLabelRow = nullptr;
-    bool m_composing = false; // an input method holds text that is not confirmed yet
+    Composition m_composition;
 };
 
 } // namespace quillon

@@ -38,6 +38,7 @@ void DataForm::buildLists()
     lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvLink, m_design.linkToolTip);
     lsvLink->installEventFilter(this);
+    lsvLink->viewport()->installEventFilter(this);
 
     lsvCategory = new ReportList(m_design.categoryColumns, this);
     lsvCategory->setObjectName(u"lsvCategory"_s);
@@ -82,10 +83,10 @@ void DataForm::arrange()
     rows->addLayout(lists, 2);
 
     setCentralWidget(middle);
-    setTabOrder(name, content);
+    setTabOrder(name, identifier);
+    setTabOrder(identifier, content);
     setTabOrder(content, lsvLink);
     setTabOrder(lsvLink, lsvCategory);
-    setTabOrder(lsvCategory, identifier);
     name->setFocus();
     // Large fonts ask for more than the usual size.
     resize(sizeHint().expandedTo({640, 480}).boundedTo(screen()->availableSize() - QSize(20, 60)));

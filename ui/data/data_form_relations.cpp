@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QMenu>
+#include <QMouseEvent>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -65,6 +66,17 @@ void DataForm::connectLists()
     });
 }
 
+bool DataForm::lsvLink_DblClick(const QEvent& event)
+{
+    if (event.type() != QEvent::MouseButtonDblClick)
+        return false;
+    const auto& click = static_cast<const QMouseEvent&>(event);
+    if (click.button() != Qt::LeftButton || lsvLink->indexAt(click.position().toPoint()).isValid())
+        return false;
+    handleEvent(session().reporting, u"lsvLink_DblClick"_s, [this] { mnuLinkView_Click(); });
+    return true;
+}
+
 void DataForm::popUp(const QString& menuName, const QPoint& position)
 {
     if (showsDatum())
@@ -79,9 +91,9 @@ void DataForm::SetLinkSource()
     session().LinkSourceForm = this;
 }
 
-void DataForm::linkToChosen(const std::shared_ptr<RecordSet>& table)
+void DataForm::linkToChosen(std::shared_ptr<RecordSet> table)
 {
-    const QPointer<DataForm> self(this);
+    const QPointer<DataForm> self(this); // the choice may take the window with it
     SetLinkSource();
     CreateDataList(session(), table, SelectionUse::Link, ListFill::Replace);
     if (self)
@@ -130,8 +142,10 @@ void DataForm::mnuLinkDelete_Click()
         session().dialogs.messageBox({.text = u"リンクは存在しません。"_s, .title = titles::SystemOperation});
         return;
     }
+    const QPointer<DataForm> self(this);
     DeleteLink(session(), lsvLink->rows().text(row, LinkIdentifierColumn).toString(), fieldText(1));
-    SetLinkList(session(), *this, fieldText(1));
+    if (self)
+        SetLinkList(session(), *this, fieldText(1));
 }
 
 void DataForm::mnuCategoryEntry_Click()
@@ -158,8 +172,10 @@ void DataForm::lsvLink_OLEDragDrop(const QString& text)
 {
     if (text.size() != IdentifierLength)
         return;
+    const QPointer<DataForm> self(this);
     LinkData(session(), fieldText(1), text, 1);
-    SetLinkList(session(), *this, fieldText(1));
+    if (self)
+        SetLinkList(session(), *this, fieldText(1));
 }
 
 } // namespace quillon

@@ -89,7 +89,7 @@ void frmRefDoc::buildSizeButtons()
         int points;
     };
     const Size sizes[] = {{u"12(&L)"_s, 12}, {u"10(&N)"_s, 10}, {u"9(&S)"_s, 9}};
-    QWidget* before = &fieldWidget(0);
+    QWidget* before = &fieldWidget(1);
     for (int i = 0; i < 3; ++i) {
         auto* button = new QPushButton(sizes[i].caption, this);
         button->setObjectName(u"cmdSize(%1)"_s.arg(i));
