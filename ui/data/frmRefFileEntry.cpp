@@ -7,7 +7,7 @@
 #include "app/base/titles.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/sqlite/connection.h"
 #include "ui/data/category_rows.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
@@ -69,6 +69,7 @@ void frmRefFileEntry::arrange()
 
     auto* fields = new QGridLayout;
     QLineEdit* path = addField(0);
+    path->installEventFilter(this);
     describe(path, u"登録するファイルのパス（場所）を入力する。"_s);
     cmdPath = addButton(u"cmdPath"_s, u"参照(&P)"_s, &frmRefFileEntry::cmdPath_Click);
     fields->addWidget(plainLabel(u"lblPath"_s, u"ファイルの指定 :"_s, path, middle), 0, 0);
@@ -181,25 +182,30 @@ void frmRefFileEntry::registerFile()
         return;
     }
     const QString name = copyToFileFolder(path);
+    writeRows(name);
+    session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
+    CloseWithoutAsking = true;
+    unload();
+}
+
+void frmRefFileEntry::writeRows(const QString& fileName)
+{
     RecordSet& files = required(session().RsRefFile);
-    writeTogether(files.database(), [&] {
-        files.addNew();
-        files.setField(0, name);
-        files.setField(1, fieldText(1));
-        files.setField(2, u"未入力"_s);
-        files.update();
-        const auto categories = categoryRows();
-        if (categories.empty())
-            return;
+    // Both rows or none: a failure leaves the copied file, but nothing that names it.
+    sqlite::Transaction transaction(files.database().connection());
+    files.addNew();
+    files.setField(0, fileName);
+    files.setField(1, fieldText(1));
+    files.setField(2, u"未入力"_s);
+    files.update();
+    if (const auto categories = categoryRows(); !categories.empty()) {
         RecordSet& memberships = required(session().RsCategory);
         memberships.addNew();
         memberships.setField(0, categories.front().identifier); // of several only the first
         memberships.setField(1, fieldText(1));
         memberships.update();
-    });
-    session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
-    CloseWithoutAsking = true;
-    unload();
+    }
+    transaction.commit();
 }
 
 QString frmRefFileEntry::copyToFileFolder(const QString& path)
@@ -259,9 +265,24 @@ bool frmRefFileEntry::queryUnload()
     return closes;
 }
 
+bool frmRefFileEntry::eventFilter(QObject* watched, QEvent* event)
+{
+    m_composition.follow(*event);
+    if (event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+        // A key that is held down registers once.
+        if (m_composition.takes(key) || (enter && key.isAutoRepeat()))
+            return true;
+    }
+    return FormWindow::eventFilter(watched, event);
+}
+
 void frmRefFileEntry::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape) {
+        if (event->isAutoRepeat())
+            return;
         handleEvent(session().reporting, u"Form_KeyDown"_s, [this] { unload(); });
         event->accept();
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
+#include "ui/data/composition.h"
 #include "ui/widgets/form_window.h"
 
 class QLineEdit;
@@ -34,6 +35,7 @@ public:
 
 protected:
     bool queryUnload() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -44,7 +46,10 @@ private:
     void cmdCancel_Click();
     /// Registers the file; the steps of `mnuDataEntry_Click` without its answer to failures.
     void registerFile();
+    /// Copies the file among the registered ones; its name there.
     QString copyToFileFolder(const QString& path);
+    /// Adds the file's row and files it in the first listed category.
+    void writeRows(const QString& fileName);
 
     QLineEdit* m_txtFields[2] = {nullptr, nullptr};
     QPushButton* cmdPath = nullptr;
@@ -54,6 +59,7 @@ private:
     QProgressBar* m_progress = nullptr; // of a long copy
     QString m_chosenPath;               // what the file dialog chose last
     bool CloseWithoutAsking = false;
+    Composition m_composition; // in the path
 };
 
 } // namespace quillon

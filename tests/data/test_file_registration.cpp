@@ -1,0 +1,327 @@
+#include "tests/data/form_world.h"
+#include "tests/support/troubled_database.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <sys/stat.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+const MessageBox Missing{.text = u"必須項目が入力されていません。"_s, .title = u"Quillon システム監査部"_s};
+const MessageBox NotFound{.text = u"指定されたファイルが見つかりません。"_s, .title = u"FILE"_s};
+const MessageBox NoFolder{
+    .text = u"カレントフォルダ内に【RefFile】フォルダが見つかりませんでした。"
+            u"ファイルデータをリンク／表示するにはカレントフォルダ内に【RefFile】フォルダが必要です。"_s,
+    .title = u"FILE"_s,
+    .icon = Icon::Information};
+const MessageBox Registered{.text = u"本データを登録しました。"_s, .title = u"FILE"_s};
+const MessageBox AskRegister{.text = u"現在のデータを登録しますか。"_s,
+                             .title = u"Quillon ファイルデータ管理部"_s,
+                             .buttons = Buttons::YesNoCancel};
+
+MessageBox failure(qint32 number)
+{
+    return {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + standardDescription(number),
+            .title = u"Quillon システム監査部"_s};
+}
+
+} // namespace
+
+/// What registering a file copies and writes, and what each failure leaves.
+class TestFileRegistration : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<FormWorld> world;
+    QPointer<frmRefFileEntry> form;
+
+    QString pathOf(const QString& name) const { return world->folder.filePath(name); }
+    QString write(const QString& name, const QByteArray& content) const
+    {
+        QFile file(pathOf(name));
+        if (!QDir().mkpath(QFileInfo(file).path()) || !file.open(QIODevice::WriteOnly) ||
+            file.write(content) != content.size())
+            qFatal("cannot write a test file");
+        return file.fileName();
+    }
+    QByteArray copied(const QString& name) const
+    {
+        QFile file(pathOf(u"RefFile/"_s + name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
+    }
+    QStringList copies() const
+    {
+        return QDir(pathOf(u"RefFile"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+    void begin() { form = &world->beginRegistration<frmRefFileEntry>(); }
+    /// Enters a path and registers it through the menu.
+    void registerPath(const QString& path)
+    {
+        if (form.isNull())
+            begin();
+        FormWorld::enter(FormWorld::name(*form), path);
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        FormWorld::processEvents();
+    }
+    /// The window still stands with its input, and nothing has been written.
+    void verifyNothingHappened(const QString& path) const
+    {
+        QVERIFY(!form.isNull());
+        QCOMPARE(form->fieldText(0), path);
+        QCOMPARE(world->registeredFiles(), QStringList());
+        QCOMPARE(world->memberships(), QStringList());
+        world->dialogs.expect(AskRegister, Answer::No); // closing asks, as before
+        QVERIFY(FormWorld::closes(*form));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<FormWorld>();
+        QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void fileIsCopiedAndItsRowWritten()
+    {
+        const QByteArray content = "one\0two\r\n\xff"_ba;
+        const QString path = write(u"from here/図 1.txt"_s, content);
+        world->dialogs.expect(Registered);
+        registerPath(path);
+        QVERIFY(form.isNull()); // has closed itself without asking
+        QCOMPARE(world->registeredFiles(), QStringList({u"図 1.txt|F-991231-001|未入力"_s}));
+        QCOMPARE(world->memberships(), QStringList());
+        QCOMPARE(copied(u"図 1.txt"_s), content);
+        QCOMPARE(copies(), QStringList({u"図 1.txt"_s}));
+        QVERIFY(QFile::exists(path));
+    }
+
+    void buttonRegistersAsTheMenuDoes()
+    {
+        begin();
+        FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));
+        world->dialogs.expect(Registered);
+        form->findChild<QWidget*>(u"cmdEntry"_s)->setFocus();
+        QTest::keyClick(form->focusWidget(), Qt::Key_Space);
+        FormWorld::processEvents();
+        QVERIFY(form.isNull());
+        QCOMPARE(world->registeredFiles().size(), 1);
+    }
+
+    void onlyTheFirstListedCategoryGetsTheFile()
+    {
+        begin();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture});
+        form->setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        world->dialogs.expect(Registered);
+        registerPath(write(u"a.txt"_s, "a"));
+        // The row is added as it is; no ancestor is left.
+        QCOMPARE(world->memberships(), QStringList({u"A|F-991231-001"_s, u"A-B|F-991231-001"_s}));
+    }
+
+    void secondFileOfAnyNameReplacesTheFirst()
+    {
+        world->dialogs.expect(Registered);
+        registerPath(write(u"one/a.txt"_s, "a long first content"));
+        world->dialogs.expect(Registered);
+        registerPath(write(u"two/a.txt"_s, "second"));
+        QCOMPARE(world->registeredFiles(),
+                 QStringList({u"a.txt|F-991231-001|未入力"_s, u"a.txt|F-991231-002|未入力"_s}));
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("second"));
+        QCOMPARE(copies(), QStringList({u"a.txt"_s}));
+    }
+
+    void fileOfTheFolderItselfCanBeRegistered()
+    {
+        world->dialogs.expect(Registered);
+        registerPath(write(u"RefFile/a.txt"_s, "content"));
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("content"));
+        QCOMPARE(world->registeredFiles().size(), 1);
+    }
+
+    void emptyPathIsRefused()
+    {
+        world->dialogs.expect(Missing);
+        registerPath(QString());
+        QVERIFY(!form.isNull());
+        QVERIFY(form->isVisible());
+        QCOMPARE(world->registeredFiles(), QStringList());
+        QVERIFY(FormWorld::closes(*form)); // an empty path asks nothing
+    }
+
+    void whatIsNoFileIsNotFound_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("missing") << u"missing.txt"_s;
+        QTest::newRow("blank") << u" "_s;
+        QTest::newRow("folder with its separator") << u"folder/"_s;
+        QTest::newRow("folder without it") << u"folder"_s;
+        QTest::newRow("file with a separator") << u"a.txt/"_s;
+        QTest::newRow("pipe") << u"pipe"_s;
+        QTest::newRow("link that leads nowhere") << u"dangling"_s;
+    }
+
+    void whatIsNoFileIsNotFound()
+    {
+        QFETCH(QString, path);
+        QVERIFY(QDir(world->folder.path()).mkdir(u"folder"_s));
+        write(u"a.txt"_s, "a");
+        QVERIFY(QFile::link(pathOf(u"gone"_s), pathOf(u"dangling"_s)));
+        QCOMPARE(mkfifo(pathOf(u"pipe"_s).toLocal8Bit().constData(), 0600), 0);
+        path = pathOf(path);
+        world->dialogs.expect(NotFound);
+        registerPath(path);
+        verifyNothingHappened(path);
+        QCOMPARE(copies(), QStringList());
+    }
+
+    void missingFolderOfFilesIsToldAndNotMade()
+    {
+        QVERIFY(QDir(world->folder.path()).rmdir(u"RefFile"_s));
+        const QString path = write(u"a.txt"_s, "a");
+        world->dialogs.expect(NoFolder);
+        registerPath(path);
+        QVERIFY(!QFile::exists(pathOf(u"RefFile"_s)));
+        verifyNothingHappened(path);
+    }
+
+    void missingFileIsToldBeforeTheMissingFolder()
+    {
+        QVERIFY(QDir(world->folder.path()).rmdir(u"RefFile"_s));
+        world->dialogs.expect(NotFound);
+        registerPath(pathOf(u"missing.txt"_s));
+        verifyNothingHappened(pathOf(u"missing.txt"_s));
+    }
+
+    void failingCopyIsToldAndWritesNothing_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("full disk") << 61;
+        QTest::newRow("no permission") << 70;
+        QTest::newRow("broken disk") << 75;
+    }
+
+    void failingCopyIsToldAndWritesNothing()
+    {
+        QFETCH(int, number);
+        const QString path = write(u"a.txt"_s, "a");
+        world->files.copyFailure = number;
+        world->dialogs.expect(failure(number));
+        registerPath(path);
+        QVERIFY(world->eventLog.lines.isEmpty()); // the window tells by itself
+        QCOMPARE(copies(), QStringList());
+        QVERIFY(form->cursor().shape() != Qt::WaitCursor);
+        verifyNothingHappened(path);
+    }
+
+    void failingCopyCanBeTriedAgain()
+    {
+        const QString path = write(u"a.txt"_s, "a");
+        world->files.copyFailure = 61;
+        world->dialogs.expect(failure(61));
+        registerPath(path);
+        world->files.copyFailure = 0;
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        QCOMPARE(world->registeredFiles().size(), 1);
+    }
+
+    void folderInPlaceOfTheCopyIsAFailure()
+    {
+        QVERIFY(QDir(world->folder.path()).mkpath(u"RefFile/a.txt"_s));
+        const QString path = write(u"a.txt"_s, "a");
+        begin();
+        FormWorld::enter(FormWorld::name(*form), path);
+        world->dialogs.expect(failure(75));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        verifyNothingHappened(path);
+        QCOMPARE(copies(), QStringList({u"a.txt"_s}));
+    }
+
+    void nameThatIsTooLongLeavesItsCopyWithoutARow()
+    {
+        world->giveCategories(1);
+        world->mainWindow.selected = 10;
+        const QString name = QString(47, u'a') + u".txt"_s; // 51 characters
+        const QString path = write(name, "a");
+        world->dialogs.expect(failure(3163));
+        registerPath(path);
+        QCOMPARE(copies(), QStringList({name}));
+        verifyNothingHappened(path);
+    }
+
+    void longestNameIsRegistered()
+    {
+        const QString name = QString(46, u'長') + u".txt"_s; // 50 characters
+        world->dialogs.expect(Registered);
+        registerPath(write(name, "a"));
+        QCOMPARE(world->registeredFiles(), QStringList({name + u"|F-991231-001|未入力"_s}));
+    }
+
+    void identifierThatIsTakenLeavesTheCopyWithoutARow()
+    {
+        begin();
+        world->add(u"先客"_s, Picture, u"未入力"_s);
+        FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));
+        world->dialogs.expect(failure(3022));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        QCOMPARE(world->registeredFiles(), QStringList({u"先客|F-991231-001|未入力"_s}));
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("a"));
+        QVERIFY(!form.isNull());
+    }
+
+    void failingMembershipWritesNoRowEither()
+    {
+        begin();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture}); // it is filed there already
+        form->setCategoryRows({{u"川"_s, u"A"_s}});
+        FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));
+        world->dialogs.expect(failure(3022));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        QCOMPARE(world->registeredFiles(), QStringList());
+        QCOMPARE(world->memberships().size(), 1);
+        QVERIFY(!form.isNull());
+    }
+
+    void lockedDatabaseKeepsTheWindow()
+    {
+        const QString path = write(u"a.txt"_s, "a");
+        begin();
+        {
+            const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
+            world->dialogs.expect(failure(3260));
+            registerPath(path);
+        }
+        verifyNothingHappened(path);
+    }
+
+    void bareNameOfAFileHasNoFolder()
+    {
+        const QString before = QDir::currentPath();
+        write(u"a.txt"_s, "a");
+        QVERIFY(QDir::setCurrent(world->folder.path()));
+        world->dialogs.expect(
+            MessageBox{.text = u"特定文字列の取得に必要な区切文字が見つかりませんでした。"_s,
+                       .title = u"特定文字列抽出処理"_s});
+        world->dialogs.expect(failure(75));
+        registerPath(u"a.txt"_s);
+        QVERIFY(QDir::setCurrent(before));
+        QCOMPARE(copies(), QStringList());
+        verifyNothingHappened(u"a.txt"_s);
+    }
+};
+
+QTEST_MAIN(TestFileRegistration)
+#include "test_file_registration.moc"
