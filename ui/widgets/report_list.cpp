@@ -201,7 +201,7 @@ void ReportList::keyPressEvent(QKeyEvent* event)
         }
         return;
     }
-    if (!typesText(*event))
+    if (!typesText(*event) && !event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
         horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
@@ -228,7 +228,7 @@ bool ReportList::selectsCurrentRow(const QKeyEvent& event)
     // The list that gets the focus has a current row already. Moving on from it would leave it out, and at the ends
     // of the list it could never be selected.
     const bool withControl = event.modifiers() & Qt::ControlModifier;
-    if (true || withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
+    if (withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
         return false;
     switch (event.key()) {
     case Qt::Key_Up:
@@ -256,6 +256,7 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
 void ReportList::focusInEvent(QFocusEvent* event)
 {
     QTableView::focusInEvent(event);
+    setAttribute(Qt::WA_InputMethodEnabled);
 }
 
 void ReportList::focusOutEvent(QFocusEvent* event)
@@ -394,7 +395,7 @@ void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
     QTableView::mouseDoubleClickEvent(event);
     if (event->button() != Qt::LeftButton)
         return;
-    if (onRow) Q_EMIT listDoubleClicked();
+    Q_EMIT listDoubleClicked();
     if (onRow)
         Q_EMIT rowActivated();
 }
