@@ -29,6 +29,9 @@ frmCategory::frmCategory(Session& session, WindowRegistry& registry)
     connect(tvwCategory, &KeyedTree::keyPressed, this, [this](int key) {
         handleEvent(this->session().reporting, u"tvwCategory_KeyDown"_s, [&] { tvwCategory_KeyDown(key); });
     });
+    connect(tvwCategory, &KeyedTree::keyReleased, this, [this](int key) {
+        handleEvent(this->session().reporting, u"tvwCategory_KeyUp"_s, [&] { tvwCategory_KeyUp(key); });
+    });
 }
 
 void frmCategory::arrange()
@@ -85,7 +88,12 @@ void frmCategory::tvwCategory_KeyDown(int key)
 {
     if (key == Qt::Key_Escape)
         cmdCancel_Click();
-    else if (key == Qt::Key_Return || key == Qt::Key_Enter)
+}
+
+void frmCategory::tvwCategory_KeyUp(int key)
+{
+    // On the release: while Enter is held down, a box that it closes would come again and again.
+    if (key == Qt::Key_Return || key == Qt::Key_Enter)
         cmdOK_Click();
 }
 

@@ -22,6 +22,7 @@ public:
 private:
     void arrange();
     void tvwCategory_KeyDown(int key);
+    void tvwCategory_KeyUp(int key);
     void cmdOK_Click();
     void cmdCancel_Click();
 
