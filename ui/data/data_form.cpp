@@ -320,7 +320,7 @@ bool DataForm::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyRelease && Form_KeyUp(*static_cast<QKeyEvent*>(event)))
         return true;
-    bool handled = lsvLink != nullptr && watched == lsvLink->viewport() && lsvLink_DblClick(*event);
+    bool handled = false;
     for (int index = 0; index < 3; ++index) {
         if (watched == &field(index).widget())
             handled = fieldEvent(index, *event);

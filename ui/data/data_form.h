@@ -139,8 +139,6 @@ private:
     void mnuCategoryDelete_Click();
     void lsvLink_OLEDragDrop(const QString& text);
     void connectLists();
-    /// True for a double click on the link list beside its rows, of which the list itself does not tell.
-    bool lsvLink_DblClick(const QEvent& event);
     /// A menu of the window as the context menu of a list; only in display mode.
     void popUp(const QString& menuName, const QPoint& position);
     /// True when the key has been dealt with and must not reach the field.

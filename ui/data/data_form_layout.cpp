@@ -38,7 +38,6 @@ void DataForm::buildLists()
     lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvLink, m_design.linkToolTip);
     lsvLink->installEventFilter(this);
-    lsvLink->viewport()->installEventFilter(this);
 
     lsvCategory = new ReportList(m_design.categoryColumns, this);
     lsvCategory->setObjectName(u"lsvCategory"_s);

@@ -12,7 +12,6 @@
 
 #include <QAction>
 #include <QMenu>
-#include <QMouseEvent>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -52,8 +51,10 @@ void DataForm::addRelationMenus(const RelationEntries& entries)
 
 void DataForm::connectLists()
 {
-    connect(lsvLink, &ReportList::rowActivated, this,
+    connect(lsvLink, &ReportList::listDoubleClicked, this,
             eventSlot(session().reporting, u"lsvLink_DblClick"_s, [this] { mnuLinkView_Click(); }));
+    connect(lsvLink, &ReportList::enterPressed, this,
+            eventSlot(session().reporting, u"lsvLink_KeyPress"_s, [this] { mnuLinkView_Click(); }));
     connect(lsvLink, &ReportList::menuRequested, this,
             [this](const QPoint& position) { popUp(u"mnuLink"_s, position); });
     connect(lsvCategory, &ReportList::menuRequested, this,
@@ -64,17 +65,6 @@ void DataForm::connectLists()
     connect(lsvLink, &ReportList::textDropped, this, [this](const QString& text) {
         handleEvent(session().reporting, u"lsvLink_OLEDragDrop"_s, [&] { lsvLink_OLEDragDrop(text); });
     });
-}
-
-bool DataForm::lsvLink_DblClick(const QEvent& event)
-{
-    if (event.type() != QEvent::MouseButtonDblClick)
-        return false;
-    const auto& click = static_cast<const QMouseEvent&>(event);
-    if (click.button() != Qt::LeftButton || lsvLink->indexAt(click.position().toPoint()).isValid())
-        return false;
-    handleEvent(session().reporting, u"lsvLink_DblClick"_s, [this] { mnuLinkView_Click(); });
-    return true;
 }
 
 void DataForm::popUp(const QString& menuName, const QPoint& position)
