@@ -8,6 +8,7 @@
 #include "ui/main/fill_progress.h"
 #include "ui/widgets/keyed_tree.h"
 
+#include <algorithm>
 #include <limits>
 
 using namespace Qt::Literals::StringLiterals;
@@ -39,6 +40,12 @@ void addCategory(KeyedTreeModel& nodes, const QString& identifier, const QString
     // An identifier that no table of ours could hold is damage; its ancestors alone could fill the memory.
     if (identifier.size() > schema::Category_ID().fields[0].width)
         throw Error(errors::FieldTooSmall);
+    // Mostly the category above is there, and then so is every one above that.
+    const QString above = identifier.left(std::max<qsizetype>(identifier.lastIndexOf(u'-'), 0));
+    if (!above.isEmpty() && GetNodeIndex(nodes, above) != 0) {
+        nodes.add(above, identifier, name);
+        return;
+    }
     QString parent = CategoryKey;
     for (qsizetype step = identifier.indexOf(u'-'); step >= 0; step = identifier.indexOf(u'-', step + 1)) {
         const QString ancestor = identifier.left(step);
