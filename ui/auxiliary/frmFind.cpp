@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -91,6 +92,10 @@ void frmFind::cmdFind_Click()
         refuse(u"検索する文字列が入力されていません。"_s);
         return;
     }
+    // The pointer shows that the program is at work until it waits for the person again, be it in front of a box.
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QMetaObject::invokeMethod(
+        qApp, [] { QApplication::restoreOverrideCursor(); }, Qt::QueuedConnection);
     const Kind kinds[] = {{chkMain, &Session::RsMain, titles::DefinitionData},
                           {chkRefDoc, &Session::RsRefDoc, titles::DocumentData},
                           {chkRefFile, &Session::RsRefFile, titles::FileData}};
@@ -103,9 +108,7 @@ void frmFind::cmdFind_Click()
 
 void frmFind::listMatches(const Kind& kind, const QString& criteria)
 {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
     const auto matches = GetFilterResult(session().reporting, session().*kind.table, criteria);
-    QApplication::restoreOverrideCursor();
     const qint16 result = CreateDataList(session(), matches, SelectionUse::Show, ListFill::Append);
     // sic: the list builder never answers this; a kind without matches adds no rows, and nobody says so.
     if (result == errors::NoCurrentRecord)
@@ -113,14 +116,35 @@ void frmFind::listMatches(const Kind& kind, const QString& criteria)
             {.text = u"指定されたデータが見つかりませんでした。"_s, .title = kind.title});
 }
 
-bool frmFind::eventFilter(QObject* watched, QEvent* event)
+bool frmFind::txtFind_KeyPress(const QKeyEvent& key)
 {
-    if (watched == txtFind && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        handleEvent(session().reporting, u"txtFind_KeyPress"_s, [this] { unload(); });
+    const bool escape = key.key() == Qt::Key_Escape;
+    if (!escape && key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter)
+        return false;
+    if (m_composing) {
+        // Both belong to the composition first: Enter confirms it, Esc takes it back.
+        if (!escape)
+            QGuiApplication::inputMethod()->commit();
         return true;
     }
-    return FormWindow::eventFilter(watched, event);
+    // A key that is held down searches or closes once, and one that has just answered a box does neither.
+    if (key.isAutoRepeat())
+        return true;
+    if (escape)
+        handleEvent(session().reporting, u"txtFind_KeyPress"_s, [this] { unload(); });
+    return escape;
+}
+
+bool frmFind::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != txtFind)
+        return FormWindow::eventFilter(watched, event);
+    if (event->type() == QEvent::InputMethod)
+        m_composing = !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty();
+    else if (event->type() == QEvent::FocusOut)
+        m_composing = false;
+    return (event->type() == QEvent::KeyPress && txtFind_KeyPress(*static_cast<QKeyEvent*>(event))) ||
+           FormWindow::eventFilter(watched, event);
 }
 
 } // namespace quillon

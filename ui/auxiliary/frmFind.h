@@ -5,6 +5,7 @@
 #include <memory>
 
 class QCheckBox;
+class QKeyEvent;
 class QLineEdit;
 
 namespace quillon
@@ -32,12 +33,15 @@ private:
 
     void arrange();
     void cmdFind_Click();
+    /// True when the key is not the text box's own.
+    bool txtFind_KeyPress(const QKeyEvent& key);
     void listMatches(const Kind& kind, const QString& criteria);
 
     QLineEdit* txtFind = nullptr;
     QCheckBox* chkMain = nullptr;
     QCheckBox* chkRefDoc = nullptr;
     QCheckBox* chkRefFile = nullptr;
+    bool m_composing = false; // an input method holds text that is not confirmed yet
 };
 
 } // namespace quillon
