@@ -95,7 +95,9 @@ void frmLinkList::arrange()
 
     setCentralWidget(middle);
     setTabOrder(lsvLink, button);
-    for (QWidget* control : {static_cast<QWidget*>(lsvLink), static_cast<QWidget*>(button)})
+    // The window itself gets the keys when none of its controls has the focus.
+    for (QWidget* control :
+         {static_cast<QWidget*>(this), static_cast<QWidget*>(lsvLink), static_cast<QWidget*>(button)})
         control->installEventFilter(this);
     lsvLink->setFocus();
     resize(sizeHint().expandedTo({860, 440}));
