@@ -1,10 +1,13 @@
 #include "app/base/error.h"
 
+#include "tests/support/compare_text.h"
+
 #include <QSet>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
+using namespace quillon::testing;
 
 class TestError : public QObject
 {
@@ -39,7 +42,54 @@ private Q_SLOTS:
         QVERIFY2(sentence.contains(u"通常のファイル"_s), qPrintable(sentence));
     }
 
-    void anUnknownNumberNamesItself() { QVERIFY(standardDescription(4711).contains(u"4711"_s)); }
+    void numbersHaveTheirSentences_data()
+    {
+        QTest::addColumn<qint32>("number");
+        QTest::addColumn<QString>("sentence");
+        const auto row = [](qint32 number, const QString& sentence) {
+            QTest::addRow("%d", number) << number << sentence;
+        };
+        row(5, u"処理に渡された値が正しくありません。"_s);
+        row(6, u"扱える範囲を超える値になりました。"_s);
+        row(7, u"メモリが不足しています。他のアプリケーションを終了してからやり直してください。"_s);
+        row(13, u"値の型が一致しません。"_s);
+        row(53, u"ファイルが見つかりません。ファイルの場所と名前を確認してください。"_s);
+        row(61, u"ディスクの空き領域が足りません。不要なファイルを削除してからやり直してください。"_s);
+        row(70, u"アクセスが許可されていません。ファイルやフォルダのアクセス権を確認してください。"_s);
+        row(75,
+            u"ファイルを開けないか、読み書きに失敗しましたので、"
+            u"通常のファイルであることと、ディスクやネットワークの接続を確認してからやり直してください。"_s);
+        row(76, u"フォルダが見つかりません。フォルダの場所と名前を確認してください。"_s);
+        row(91, u"処理の対象が用意されていません。データベースを展開してからやり直してください。"_s);
+        row(3010, u"同じ名前のテーブルがデータベースに既に存在します。"_s);
+        row(3021, u"対象となるデータがありません。他の操作で削除されていないか確認してください。"_s);
+        row(3022, u"同じ識別符号または同じ組み合わせのデータが既に存在するため、保存できませんでした。"_s);
+        row(3024, u"データベースファイルが見つかりません。ファイルの場所と名前を確認してください。"_s);
+        row(3051, u"データベースを読み書きできる状態で開けません。"
+                  u"読み取り専用になっていないか、ファイルとフォルダのアクセス権を確認してください。"_s);
+        row(3061, u"データベースに必要な項目がありません。Quillon のデータベースか確認してください。"_s);
+        row(3075,
+            u"検索条件の書き方が正しくありません。文字列に引用符「'」が含まれている場合は取り除いてください。"_s);
+        row(3078, u"データベースに必要なテーブルがありません。Quillon のデータベースか確認してください。"_s);
+        row(3163, u"入力された文字列が長すぎて保存できません。短くしてからやり直してください。"_s);
+        row(3167, u"対象のデータは既に削除されています。一覧を表示し直してください。"_s);
+        row(3204, u"同じ名前のファイルが既に存在します。別の名前を指定してください。"_s);
+        row(3260,
+            u"データベースは他の利用者またはプログラムが使用中です。しばらく待ってからやり直してください。"_s);
+        row(3343,
+            u"ファイルはデータベースではないか、壊れています。別のファイルか、控えのファイルを指定してください。"_s);
+        row(35600, u"一覧にない項目の番号が指定されました。"_s);
+        row(35601, u"一覧に指定された項目が見つかりません。"_s);
+        row(35602, u"一覧の中に同じ識別符号の項目が既に存在します。"_s);
+        row(4711, u"予期しない障害です (番号 4711)。"_s);
+    }
+
+    void numbersHaveTheirSentences()
+    {
+        QFETCH(qint32, number);
+        QFETCH(QString, sentence);
+        QVERIFY(compareText(standardDescription(number), sentence));
+    }
 
     void anErrorCarriesTheStandardSentenceOfItsNumber()
     {
