@@ -8,7 +8,9 @@
 #include <QSet>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,9 +29,8 @@ const QSet<QString> NotShown = {
 };
 
 struct File {
-    QString comment;
+    QString comment; // above the tests
     Source source;
-    std::vector<Declaration> declarations;
 };
 using Files = std::map<QString, File>; // by path
 
@@ -50,7 +51,6 @@ Files filesBelow(const QString& root, const QStringList& folders)
             if (const auto match = comment.match(content); match.hasMatch())
                 file.comment = match.captured(match.lastCapturedIndex()).remove(u"/// "_s).simplified();
             file.source = readSource(content);
-            file.declarations = declarationsOf(file.source);
         }
     }
     return files;
@@ -63,102 +63,114 @@ bool isForPeople(const QString& text)
                        [](QChar c) { return c.isLetter() && c.unicode() >= 0x370; });
 }
 
-/// The tests of one file and what they name in it and in the files of the tests that it includes.
-class TestReader
+using Named = QMultiHash<QString, const Declaration*>;
+
+/// Collects what stands in a file and in the files that it includes, once each.
+void collectNamed(const Files& files, const QString& path, QStringList& included, Named& named)
+{
+    const auto file = files.find(path);
+    if (file == files.end() || included.contains(path))
+        return;
+    included << path;
+    for (const Declaration& declaration : file->second.source.declarations) {
+        // Variables change; functions and constants say the same to whoever names them.
+        if (declaration.function || declaration.constant)
+            named.insert(declaration.name, &declaration);
+    }
+    for (const QString& other : file->second.source.includes)
+        collectNamed(files, other, included, named);
+}
+
+/// What each function and constant says that the tests of one file can name.
+class Sayings
 {
 public:
-    TestReader(const Files& files, const QString& path) : m_files(files), m_own(files.at(path))
+    Sayings(const Files& files, const QString& path)
     {
-        include(path);
-    }
-
-    QStringList behaviours() const
-    {
-        static const QStringList frames = {u"initTestCase"_s, u"init"_s, u"cleanup"_s, u"cleanupTestCase"_s};
-        QStringList names;
-        for (const Declaration& declaration : m_own.declarations) {
-            if (declaration.slot && !declaration.name.endsWith(u"_data"_s) &&
-                !frames.contains(declaration.name))
-                names << declaration.name;
+        QStringList included;
+        Named named;
+        collectNamed(files, path, included, named);
+        for (auto at = named.cbegin(); at != named.cend(); ++at) {
+            Saying& saying = m_sayings[at.key()];
+            saying.texts << at.value()->texts;
+            std::copy_if(at.value()->words.begin(), at.value()->words.end(), std::back_inserter(saying.names),
+                         [&](const QString& word) { return named.contains(word); });
         }
-        return names;
     }
 
-    /// Every text in a behaviour, in its data and in what these call and name.
-    QSet<QString> textsOfBehaviour(const QString& name) const
+    /// Every text in a function or constant and in whatever it names.
+    QSet<QString> textsOf(const QString& name) const
     {
         QSet<QString> texts;
         QSet<QString> seen;
-        collect(name, texts, seen);
-        collect(name + u"_data"_s, texts, seen);
+        QStringList names = {name};
+        while (!names.isEmpty()) {
+            const QString next = names.takeLast();
+            const auto saying = m_sayings.find(next);
+            if (saying == m_sayings.end() || seen.contains(next))
+                continue;
+            seen << next;
+            for (const QString& text : saying->texts)
+                texts << text;
+            names << saying->names;
+        }
         return texts;
     }
 
 private:
-    void include(const QString& path)
-    {
-        const auto file = m_files.find(path);
-        if (file == m_files.end() || m_included.contains(path))
-            return;
-        m_included << path;
-        for (const Declaration& declaration : file->second.declarations) {
-            // Variables change; functions and constants say the same to whoever names them.
-            if (declaration.function || declaration.constant)
-                m_named.insert(declaration.name, &declaration);
-        }
-        for (const QString& other : file->second.source.includes)
-            include(other);
-    }
-
-    void collect(const QString& name, QSet<QString>& texts, QSet<QString>& seen) const
-    {
-        if (seen.contains(name))
-            return;
-        seen << name;
-        for (auto [at, end] = m_named.equal_range(name); at != end; ++at) {
-            const Tokens tokens = (*at)->tokens;
-            for (const QString& text : textsOf(tokens)) {
-                if (isForPeople(text))
-                    texts << text;
-            }
-            for (std::size_t i = 0; i < tokens.size(); ++i) {
-                // The word in `.title = …` is a field, not what is called `title` elsewhere.
-                const bool field = i > 0 && i + 1 < tokens.size() && tokens[i - 1].isSign(u".") &&
-                                   tokens[i + 1].isSign(u"=");
-                if (tokens[i].kind == Token::Kind::Word && !field)
-                    collect(tokens[i].text, texts, seen);
-            }
-        }
-    }
-
-    const Files& m_files;
-    const File& m_own;
-    QStringList m_included;
-    QMultiHash<QString, const Declaration*> m_named;
+    struct Saying {
+        QStringList texts;
+        QStringList names;
+    };
+    QHash<QString, Saying> m_sayings;
 };
+
+/// The names of the test functions of a file.
+QStringList behavioursOf(const Source& source)
+{
+    static const QStringList frames = {u"initTestCase"_s, u"init"_s, u"cleanup"_s, u"cleanupTestCase"_s};
+    QStringList names;
+    for (const Declaration& declaration : source.declarations) {
+        if (declaration.slot && !declaration.name.endsWith(u"_data"_s) && !frames.contains(declaration.name))
+            names << declaration.name;
+    }
+    return names;
+}
 
 /// The files that use a constant of a header as `scope::name`; the header itself when there are none.
 QStringList usersOf(const Files& files, const Declaration& constant, const QString& header)
 {
+    const QString name = constant.scope + u"::"_s + constant.name;
     QStringList users;
     for (const auto& [path, file] : files) {
-        const auto& tokens = file.source.tokens;
-        for (std::size_t i = 2; i < tokens.size() && !users.contains(path); ++i) {
-            if (tokens[i].isWord(constant.name) && tokens[i - 1].isSign(u"::") &&
-                tokens[i - 2].isWord(constant.scope))
-                users << path;
-        }
+        const auto& declarations = file.source.declarations;
+        if (std::any_of(declarations.begin(), declarations.end(),
+                        [&](const Declaration& user) { return user.words.contains(name); }))
+            users << path;
     }
     return users.isEmpty() ? QStringList(header) : users;
+}
+
+/// What a test must fill into the holes of its text so that the message comes out; nothing when it cannot.
+std::optional<QString> filling(QString message, const QString& text)
+{
+    qsizetype from = 0;
+    for (const QString& part : text.split(Hole)) {
+        from = message.indexOf(part, from);
+        if (from < 0)
+            return std::nullopt;
+        message.remove(from, part.size());
+    }
+    return message.remove(Hole);
 }
 
 std::vector<Message> messagesOf(const Files& files)
 {
     std::vector<Message> messages;
     for (const auto& [path, file] : files) {
-        for (const Declaration& declaration : file.declarations) {
+        for (const Declaration& declaration : file.source.declarations) {
             const bool shared = path.endsWith(u".h"_s) && !declaration.function;
-            for (const QString& text : textsOf(declaration.tokens)) {
+            for (const QString& text : declaration.texts) {
                 if (!isForPeople(text) || NotShown.contains(text))
                     continue;
                 auto message = std::find_if(messages.begin(), messages.end(),
@@ -176,24 +188,57 @@ std::vector<Message> messagesOf(const Files& files)
     return messages;
 }
 
+using TestsByText = QHash<QString, QSet<QString>>;
+
+QSet<QString> testsHolding(const QString& message, const QStringList& texts, const TestsByText& testsWith)
+{
+    QSet<QString> held;
+    for (const QString& text : texts) {
+        if (holds(text, message))
+            held += testsWith[text];
+        else if (const auto filled = text.contains(Hole) ? filling(message, text) : std::nullopt)
+            held += testsWith[text] & testsWith[*filled];
+    }
+    return held;
+}
+
+/// The tests that hold every line of a message, wherever it stands in them.
+QSet<QString> testsHoldingLines(const QString& message, const QStringList& texts,
+                                const TestsByText& testsWith)
+{
+    QStringList lines = QString(message).remove(u'\r').split(u'\n');
+    lines.removeIf([](const QString& line) { return !isForPeople(line); });
+    QSet<QString> held = testsHolding(lines.first(), texts, testsWith);
+    for (const QString& line : std::as_const(lines))
+        held &= testsHolding(line, texts, testsWith);
+    return held;
+}
+
 } // namespace
 
 bool holds(const QString& text, const QString& message)
 {
-    const auto isLetter = [](QChar c) { return c.isLetterOrNumber(); };
-    // A text with signs in it is part of no other one, a word may be.
-    const bool word = std::all_of(message.begin(), message.end(), isLetter);
-    const auto standsAlone = [&](qsizetype begin, qsizetype end) {
-        return (begin == 0 || !isLetter(text[begin - 1])) && (end == text.size() || !isLetter(text[end]));
+    const auto letterAt = [&](qsizetype at) { return at < text.size() && text[at].isLetterOrNumber(); };
+    const auto begins = [&](qsizetype at) { return at == 0 || !letterAt(at - 1) || !letterAt(at); };
+    // A caption is another one with its key in brackets.
+    const auto ends = [&](qsizetype at) {
+        return !letterAt(at - 1) || !(letterAt(at) || text.mid(at, 2) == u"(&");
     };
+    // What ends openly is made for standing in the middle of a text.
+    const bool open = message.endsWith(u' ') || message.endsWith(u'-');
+    const QStringList parts = message.split(Hole);
     qsizetype from = 0;
-    for (const QString& part : message.split(Hole)) {
-        qsizetype at = text.indexOf(part, from);
-        while (at >= 0 && word && !standsAlone(at, at + part.size()))
-            at = text.indexOf(part, at + 1);
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        const qsizetype size = parts[i].size();
+        const auto fits = [&](qsizetype at) {
+            return open || size == 0 || ((i > 0 || begins(at)) && (i + 1 < parts.size() || ends(at + size)));
+        };
+        qsizetype at = text.indexOf(parts[i], from);
+        while (at >= 0 && !fits(at))
+            at = text.indexOf(parts[i], at + 1);
         if (at < 0)
             return false;
-        from = at + part.size();
+        from = at + size;
     }
     return true;
 }
@@ -201,27 +246,34 @@ bool holds(const QString& text, const QString& message)
 Findings findingsIn(const QString& root)
 {
     Findings findings;
-    QHash<QString, QStringList> testsWith; // by text
+    TestsByText testsWith;
     const Files tests = filesBelow(root, {u"tests"_s});
     for (const auto& [path, file] : tests) {
-        const TestReader reader(tests, path);
-        const QString program = path.section(u'/', -1).section(u'.', 0, 0);
-        const Subject subject{path, file.comment, reader.behaviours()};
+        const Sayings sayings(tests, path);
+        const QString program = path.section(u'/', 1).section(u'.', 0, 0);
+        const Subject subject{path, file.comment, behavioursOf(file.source)};
         for (const QString& name : subject.behaviours) {
-            for (const QString& text : reader.textsOfBehaviour(name))
+            for (const QString& text : sayings.textsOf(name) + sayings.textsOf(name + u"_data"_s))
                 testsWith[text] << program + u": "_s + name;
         }
         if (!subject.behaviours.isEmpty())
             findings.subjects.push_back(subject);
     }
     findings.messages = messagesOf(filesBelow(root, {u"app"_s, u"core"_s, u"store"_s, u"ui"_s}));
+    QStringList texts = testsWith.keys();
+    texts.removeIf([](const QString& text) { return !isForPeople(text); });
     for (Message& message : findings.messages) {
-        for (auto text = testsWith.cbegin(); text != testsWith.cend(); ++text) {
-            if (holds(text.key(), message.text))
-                message.heldBy << text.value();
-        }
-        message.heldBy.removeDuplicates();
+        QSet<QString> held = testsHolding(message.text, texts, testsWith);
+        if (held.isEmpty())
+            held = testsHoldingLines(message.text, texts, testsWith);
+        message.heldBy = QStringList(held.begin(), held.end());
         message.heldBy.sort();
+        // First the tests of the floor that shows the message.
+        std::stable_partition(message.heldBy.begin(), message.heldBy.end(), [&](const QString& test) {
+            const QString folder = u'/' + test.section(u'/', 0, 0) + u'/';
+            return std::any_of(message.shownBy.begin(), message.shownBy.end(),
+                               [&](const QString& path) { return (u'/' + path).contains(folder); });
+        });
     }
     return findings;
 }

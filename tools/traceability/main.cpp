@@ -12,15 +12,15 @@ using namespace quillon::traceability;
 namespace
 {
 
-/// Tells the lines of one document that another one lacks.
+/// Tells the first lines of one document that another one lacks.
 void tellLines(const QString& document, const QString& other, QChar sign)
 {
     const QStringList present = other.split(u'\n');
     const QSet<QString> known(present.begin(), present.end());
-    for (const QString& line : document.split(u'\n')) {
-        if (!known.contains(line))
-            std::fprintf(stderr, "%s\n", qUtf8Printable(sign + line));
-    }
+    QStringList lines = document.split(u'\n');
+    lines.removeIf([&](const QString& line) { return known.contains(line); });
+    for (const QString& line : lines.first(std::min<qsizetype>(lines.size(), 20)))
+        std::fprintf(stderr, "%s\n", qUtf8Printable(sign + line));
 }
 
 } // namespace

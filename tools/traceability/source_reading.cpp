@@ -1,6 +1,9 @@
 #include "tools/traceability/source_reading.h"
 
 #include <QRegularExpression>
+#include <QSet>
+
+#include <span>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -9,6 +12,17 @@ namespace quillon::traceability
 
 namespace
 {
+
+/// A word or a sign, or a text without its quotes and escapes; adjacent texts are one.
+struct Token {
+    enum class Kind { Word, Text, Sign };
+    Kind kind = Kind::Sign;
+    QString text;
+
+    bool isWord(QStringView word) const { return kind == Kind::Word && text == word; }
+    bool isSign(QStringView sign) const { return kind == Kind::Sign && text == sign; }
+};
+using Tokens = std::span<const Token>;
 
 bool isSignOf(const Token& token, const QStringList& signs)
 {
@@ -53,6 +67,58 @@ QString withoutEscapes(QString text)
         match = escape.match(text, match.capturedStart() + meant.size());
     }
     return text;
+}
+
+/// The end of the summand that begins at `at`.
+std::size_t behindSummand(Tokens tokens, std::size_t at)
+{
+    static const QStringList ends = {u"+"_s,  u","_s,  u";"_s,  u"?"_s,  u":"_s,
+                                     u"<<"_s, u"=="_s, u"!="_s, u"&&"_s, u"||"_s};
+    while (at < tokens.size() && step(tokens[at]) >= 0 && !isSignOf(tokens[at], ends))
+        at = step(tokens[at]) > 0 ? behindBrackets(tokens, at) : at + 1;
+    return at;
+}
+
+/// The texts in the order of the source, those added up with `+` as one.
+QStringList textsOf(Tokens tokens)
+{
+    static const QRegularExpression holes(u"(?:%\\d|\uFFFC)+"_s);
+    QStringList texts;
+    std::vector<bool> taken(tokens.size());
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i].kind != Token::Kind::Text || taken[i])
+            continue;
+        QString text;
+        if (i > 0 && tokens[i - 1].isSign(u"+"))
+            text += Hole;
+        for (std::size_t at = i;; ++at) {
+            const bool given = at < tokens.size() && tokens[at].kind == Token::Kind::Text;
+            text += given ? tokens[at].text : QString(Hole);
+            if (given)
+                taken[at] = true;
+            at = behindSummand(tokens, at);
+            if (at >= tokens.size() || !tokens[at].isSign(u"+"))
+                break;
+        }
+        texts << text.replace(holes, QString(Hole));
+    }
+    return texts;
+}
+
+QStringList wordsOf(Tokens tokens)
+{
+    QSet<QString> words;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        // The word in `.title = …` is a field, not what is called `title` elsewhere.
+        const bool field =
+            i > 0 && i + 1 < tokens.size() && tokens[i - 1].isSign(u".") && tokens[i + 1].isSign(u"=");
+        if (tokens[i].kind != Token::Kind::Word || field)
+            continue;
+        words << tokens[i].text;
+        if (i > 1 && tokens[i - 1].isSign(u"::"))
+            words << tokens[i - 2].text + u"::"_s + tokens[i].text;
+    }
+    return words.values();
 }
 
 /// Walks once through the tokens of a source.
@@ -106,7 +172,7 @@ private:
         if (atWord(u"template"))
             skipTemplateParameters();
         const std::size_t begin = m_at;
-        Declaration made{.scope = scope, .name = {}, .tokens = {}};
+        Declaration made{.scope = scope, .name = {}, .texts = {}, .words = {}};
         QString word; // the last one, which is the name when a bracket or a value follows
         bool holds = false;
         bool assigned = false;
@@ -138,9 +204,12 @@ private:
         if (at(u";"))
             ++m_at;
         made.slot = inSlots && made.function;
-        made.tokens = m_tokens.subspan(begin, m_at - begin);
-        if (!made.name.isEmpty())
-            m_found.push_back(made);
+        if (made.name.isEmpty())
+            return;
+        const Tokens tokens = m_tokens.subspan(begin, m_at - begin);
+        made.texts = textsOf(tokens);
+        made.words = wordsOf(tokens);
+        m_found.push_back(made);
     }
 
     Tokens m_tokens;
@@ -148,28 +217,18 @@ private:
     std::vector<Declaration> m_found;
 };
 
-/// The end of the summand that begins at `at`.
-std::size_t behindSummand(Tokens tokens, std::size_t at)
-{
-    static const QStringList ends = {u"+"_s,  u","_s,  u";"_s,  u"?"_s,  u":"_s,
-                                     u"<<"_s, u"=="_s, u"!="_s, u"&&"_s, u"||"_s};
-    while (at < tokens.size() && step(tokens[at]) >= 0 && !isSignOf(tokens[at], ends))
-        at = step(tokens[at]) > 0 ? behindBrackets(tokens, at) : at + 1;
-    return at;
-}
-
 } // namespace
 
 Source readSource(const QString& content)
 {
     static const QRegularExpression piece(
-        u"\\s+|//[^\\n]*|/\\*.*?\\*/|#(?:\\s*include\\s+\"([^\"]+)\"|\\\\\\n|[^\\n])*+"
+        u"(?:\\s++|//[^\\n]*+|/\\*.*?\\*/)*+(?:#(?:\\s*include\\s+\"([^\"]+)\"|\\\\\\n|[^\\n])*+"
         u"|(?:u8|[uUL])?(?:R\"([^(\\s]*)\\((.*?)\\)\\2\"|\"((?:[^\"\\\\]++|\\\\.)*+)\")\\w*"
-        u"|(?<number>\\d[\\w']*)|(?<character>(?:u8|[uUL])?'(?:[^'\\\\]|\\\\.)+')|(?<word>\\w+)"
-        u"|(?<sign>::|->|<<|[=!]=|&&|\\|\\||\\+[+=]|.)"_s,
-        QRegularExpression::DotMatchesEverythingOption | QRegularExpression::UseUnicodePropertiesOption);
+        u"|(\\d[\\w']*)|((?:u8|[uUL])?'(?:[^'\\\\]|\\\\.)+')|(\\w+)"
+        u"|(::|->|<<|[=!]=|&&|\\|\\||\\+[+=]|.)|\\z)"_s,
+        QRegularExpression::DotMatchesEverythingOption);
     Source source;
-    auto& tokens = source.tokens;
+    std::vector<Token> tokens;
     const auto addText = [&](const QString& text) {
         if (!tokens.empty() && tokens.back().kind == Token::Kind::Text)
             tokens.back().text += text;
@@ -196,37 +255,8 @@ Source readSource(const QString& content)
             addText(text);
         }
     }
+    source.declarations = DeclarationReader(tokens).read();
     return source;
-}
-
-std::vector<Declaration> declarationsOf(const Source& source)
-{
-    return DeclarationReader(source.tokens).read();
-}
-
-QStringList textsOf(Tokens tokens)
-{
-    static const QRegularExpression holes(u"(?:%\\d|\uFFFC)+"_s);
-    QStringList texts;
-    std::vector<bool> taken(tokens.size());
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens[i].kind != Token::Kind::Text || taken[i])
-            continue;
-        QString text;
-        if (i > 0 && tokens[i - 1].isSign(u"+"))
-            text += Hole;
-        for (std::size_t at = i;; ++at) {
-            const bool given = at < tokens.size() && tokens[at].kind == Token::Kind::Text;
-            text += given ? tokens[at].text : QString(Hole);
-            if (given)
-                taken[at] = true;
-            at = behindSummand(tokens, at);
-            if (at >= tokens.size() || !tokens[at].isSign(u"+"))
-                break;
-        }
-        texts << text.replace(holes, QString(Hole));
-    }
-    return texts;
 }
 
 } // namespace quillon::traceability

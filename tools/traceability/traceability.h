@@ -20,7 +20,7 @@ struct Subject {
 struct Message {
     QString text;
     QStringList shownBy; // files
-    QStringList heldBy;  // "program: test"
+    QStringList heldBy;  // "folder/program: test"
 };
 
 struct Findings {
@@ -31,7 +31,7 @@ struct Findings {
 /// Reads the program and its tests below the folder `root`.
 Findings findingsIn(const QString& root);
 
-/// Whether a text of a test contains all of a message, and not as a part of a word.
+/// Whether a text of a test contains all of a message, and not as a part of another word or caption.
 bool holds(const QString& text, const QString& message);
 
 /// A name in camel case as the sentence it is: "cancelKeepsTheRow" becomes "Cancel keeps the row".
