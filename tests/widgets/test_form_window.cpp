@@ -1,6 +1,7 @@
 #include "app/base/error.h"
 #include "app/base/ports/data_window.h"
 #include "store/session.h"
+#include "tests/support/errors_of.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "ui/widgets/form_window.h"
@@ -121,7 +122,8 @@ private Q_SLOTS:
     void aWindowThatWasNeverShownCanBeUnloaded();
     void theCloseBoxAsksToo();
     void aRefusedCloseKeepsTheWindow();
-    void aFailingQuestionKeepsTheWindowAndIsShown();
+    void aQuestionThatFailsAtTheCloseBoxKeepsTheWindowAndIsShown();
+    void aQuestionThatFailsInAnUnloadingKeepsTheWindowAndIsTheCallersAffair();
     void closingAgainDuringTheQuestionIsRefused();
     void aWindowDeletedDuringItsQuestionIsGone();
     void unloadingTwiceAsksOnce();
@@ -197,16 +199,34 @@ void TestFormWindow::aRefusedCloseKeepsTheWindow()
     QCOMPARE(m_world->loadedNames(), QStringList(u"a"_s));
 }
 
-void TestFormWindow::aFailingQuestionKeepsTheWindowAndIsShown()
+void TestFormWindow::aQuestionThatFailsAtTheCloseBoxKeepsTheWindowAndIsShown()
 {
     PlainWindow* window = m_world->window(u"a"_s);
+    window->showModeless();
     window->question = []() -> bool { throw Error(errors::NoCurrentRecord, u"行がありません。"_s); };
     m_world->dialogs.expect({.text = u"対処不能なエラーが発生しました。\r\n説明：行がありません。"_s,
                              .title = u"Quillon 障害対策部"_s});
-    QVERIFY(!window->unload());
+    QVERIFY(!window->close());
     QCOMPARE(m_world->loadedNames(), QStringList(u"a"_s));
     QCOMPARE(m_world->log.lines.size(), 1);
     QVERIFY(m_world->log.lines.first().contains(u"Form_Unload"_s));
+}
+
+void TestFormWindow::aQuestionThatFailsInAnUnloadingKeepsTheWindowAndIsTheCallersAffair()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    bool fails = true;
+    window->question = [&fails] {
+        if (fails)
+            throw Error(errors::Locked);
+        return true;
+    };
+    // Closing all windows stops there and reports under its own name.
+    QCOMPARE(errorOf([&] { window->unload(); }), errors::Locked);
+    QCOMPARE(m_world->loadedNames(), QStringList(u"a"_s));
+    QCOMPARE(m_world->log.lines.size(), 0);
+    fails = false;
+    QVERIFY(window->unload());
 }
 
 void TestFormWindow::closingAgainDuringTheQuestionIsRefused()
