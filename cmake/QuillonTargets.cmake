@@ -21,7 +21,7 @@ else()
   target_compile_options(quillon_rules INTERFACE -pthread)
   target_link_options(quillon_rules INTERFACE -pthread)
 endif()
-# Forty test programs are linked; the quick linker spares minutes.
+# Some ninety test programs are linked; the quick linker spares minutes.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=lld QUILLON_HAVE_LLD)
 if(QUILLON_HAVE_LLD)
