@@ -35,25 +35,25 @@ void addFixedNodes(KeyedTreeModel& nodes)
     nodes.add({}, CategoryKey, u"分類別"_s);
 }
 
-void addCategory(KeyedTreeModel& nodes, const QString& identifier, const QString& name)
+void addCategory(KeyedTreeModel& nodes, QStringView identifier, QStringView name)
 {
     // An identifier that no table of ours could hold is damage; its ancestors alone could fill the memory.
     if (identifier.size() > schema::Category_ID().fields[0].width)
         throw Error(errors::FieldTooSmall);
     // Mostly the category above is there, and then so is every one above that.
-    const QString above = identifier.left(std::max<qsizetype>(identifier.lastIndexOf(u'-'), 0));
+    const QStringView above = identifier.first(std::max<qsizetype>(identifier.lastIndexOf(u'-'), 0));
     if (!above.isEmpty() && GetNodeIndex(nodes, above) != 0) {
         nodes.add(above, identifier, name);
         return;
     }
-    QString parent = CategoryKey;
+    QStringView parent = CategoryKey;
     for (qsizetype step = identifier.indexOf(u'-'); step >= 0; step = identifier.indexOf(u'-', step + 1)) {
-        const QString ancestor = identifier.left(step);
+        const QStringView ancestor = identifier.first(step);
         if (GetNodeIndex(nodes, ancestor) == 0)
             nodes.add(parent, ancestor, name); // sic: the missing ancestor takes the descendant's name
         parent = ancestor;
     }
-    nodes.add(parent.isEmpty() ? CategoryKey : parent, identifier, name);
+    nodes.add(parent.isEmpty() ? QStringView(CategoryKey) : parent, identifier, name);
 }
 
 } // namespace
@@ -64,15 +64,17 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
     guarded(session.reporting, u"OpenDbFile"_s, [&] {
         KeyedTreeModel& nodes = tree.nodes();
         {
-            const KeyedTreeModel::Rebuild rebuild(nodes);
+            KeyedTreeModel::Rebuild rebuild(nodes);
             nodes.clear();
             addFixedNodes(nodes);
             RecordSet& categories = required(session.RsCategoryID);
             if (categories.hasRows()) {
-                progress.start(categories.recordCount());
+                const qsizetype count = categories.recordCount();
+                rebuild.expect(count);
+                progress.start(count);
                 categories.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
                     progress.advance();
-                    addCategory(nodes, row.text(0).toString(), row.text(1).toString());
+                    addCategory(nodes, row.text(0), row.text(1));
                 });
             }
         }
@@ -83,7 +85,7 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
     });
 }
 
-int GetNodeIndex(const KeyedTreeModel& nodes, const QString& key)
+int GetNodeIndex(const KeyedTreeModel& nodes, QStringView key)
 {
     return nodes.position(key);
 }

@@ -3,22 +3,64 @@
 #include "app/base/error.h"
 
 #include <algorithm>
-#include <iterator>
+#include <deque>
+#include <utility>
 
 namespace quillon
 {
 
 struct KeyedTreeModel::Node {
-    QString key;
-    QString text;
+    QStringView key;
+    QStringView text;
     Node* parent = nullptr;
-    std::vector<Node*> children;
-    int row = 0;      // among its siblings
-    int position = 0; // right as long as it is before the first stale one
+    std::unique_ptr<std::vector<Node*>> children; // most have none
+    int row = 0;                                  // among its siblings
+    int position = 0;                             // right as long as it is before the first stale one
     bool removed = false;
 };
 
-KeyedTreeModel::KeyedTreeModel(QObject* parent) : QAbstractItemModel(parent) {}
+namespace
+{
+
+/// Keeps keys and names one behind the other: with tens of thousands of them, each in a place of its own, most of the
+/// time would go into finding them in memory again.
+class Texts
+{
+public:
+    QStringView keep(QStringView text)
+    {
+        constexpr qsizetype BlockSize = 32 * 1024; // UTF-16 code units
+        if (text.isEmpty())
+            return {};
+        if (m_size - m_used < text.size()) {
+            m_size = std::max(BlockSize, text.size());
+            m_blocks.push_back(std::make_unique_for_overwrite<char16_t[]>(static_cast<std::size_t>(m_size)));
+            m_used = 0;
+        }
+        char16_t* place = m_blocks.back().get() + m_used;
+        std::copy_n(text.utf16(), text.size(), place);
+        m_used += text.size();
+        return {place, text.size()};
+    }
+
+private:
+    std::vector<std::unique_ptr<char16_t[]>> m_blocks;
+    qsizetype m_used = 0; // of the last block
+    qsizetype m_size = 0;
+};
+
+} // namespace
+
+/// What a tree is made of; everything stays where it is as long as a view may look at it.
+struct KeyedTreeModel::Stock {
+    std::deque<Node> nodes; // removed ones, too
+    Texts texts;
+};
+
+KeyedTreeModel::KeyedTreeModel(QObject* parent)
+    : QAbstractItemModel(parent), m_stock(std::make_unique<Stock>())
+{
+}
 
 KeyedTreeModel::~KeyedTreeModel() = default;
 
@@ -31,7 +73,7 @@ KeyedTreeModel::Node* KeyedTreeModel::nodeAt(int position) const
 {
     if (position < 1 || position > nodeCount())
         throw Error(errors::IndexOutOfBounds);
-    return m_nodes[static_cast<std::size_t>(position) - 1].get();
+    return m_nodes[static_cast<std::size_t>(position) - 1];
 }
 
 QModelIndex KeyedTreeModel::indexFor(Node* node) const
@@ -39,12 +81,19 @@ QModelIndex KeyedTreeModel::indexFor(Node* node) const
     return node == nullptr ? QModelIndex() : createIndex(node->row, 0, node);
 }
 
+const std::vector<KeyedTreeModel::Node*>& KeyedTreeModel::childrenOf(const Node* node) const
+{
+    static const std::vector<Node*> none;
+    if (node == nullptr)
+        return m_roots;
+    return node->children ? *node->children : none;
+}
+
 QModelIndex KeyedTreeModel::index(int row, int column, const QModelIndex& parent) const
 {
     if (row < 0 || column != 0 || row >= rowCount(parent))
         return {};
-    const Node* above = nodeOf(parent);
-    return createIndex(row, 0, (above != nullptr ? above->children : m_roots)[static_cast<std::size_t>(row)]);
+    return createIndex(row, 0, childrenOf(nodeOf(parent))[static_cast<std::size_t>(row)]);
 }
 
 QModelIndex KeyedTreeModel::parent(const QModelIndex& child) const
@@ -55,8 +104,7 @@ QModelIndex KeyedTreeModel::parent(const QModelIndex& child) const
 
 int KeyedTreeModel::rowCount(const QModelIndex& parent) const
 {
-    const Node* node = nodeOf(parent);
-    return static_cast<int>((node != nullptr ? node->children : m_roots).size());
+    return static_cast<int>(childrenOf(nodeOf(parent)).size());
 }
 
 int KeyedTreeModel::columnCount(const QModelIndex& /*parent*/) const
@@ -69,7 +117,7 @@ QVariant KeyedTreeModel::data(const QModelIndex& index, int role) const
     const Node* node = nodeOf(index);
     if (node == nullptr || role != Qt::DisplayRole)
         return {};
-    return node->text;
+    return node->text.toString();
 }
 
 Qt::ItemFlags KeyedTreeModel::flags(const QModelIndex& index) const
@@ -94,13 +142,20 @@ int KeyedTreeModel::positionOf(const Node* node) const
     return node->position;
 }
 
-int KeyedTreeModel::position(const QString& key) const
+KeyedTreeModel::Node* KeyedTreeModel::find(QStringView key) const
+{
+    if (m_lastFound == nullptr || m_lastFound->key != key)
+        m_lastFound = m_byKey.value(key, nullptr);
+    return m_lastFound;
+}
+
+int KeyedTreeModel::position(QStringView key) const
 {
     if (!key.isEmpty())
-        return positionOf(m_byKey.value(key, nullptr));
-    for (const std::unique_ptr<Node>& node : m_nodes) {
+        return positionOf(find(key));
+    for (const Node* node : m_nodes) {
         if (node->key.isEmpty())
-            return positionOf(node.get());
+            return positionOf(node);
     }
     return 0;
 }
@@ -112,12 +167,12 @@ int KeyedTreeModel::position(const QModelIndex& index) const
 
 QString KeyedTreeModel::key(int position) const
 {
-    return nodeAt(position)->key;
+    return nodeAt(position)->key.toString();
 }
 
 QString KeyedTreeModel::text(int position) const
 {
-    return nodeAt(position)->text;
+    return nodeAt(position)->text.toString();
 }
 
 int KeyedTreeModel::parentPosition(int position) const
@@ -127,7 +182,7 @@ int KeyedTreeModel::parentPosition(int position) const
 
 bool KeyedTreeModel::hasChildren(int position) const
 {
-    return !nodeAt(position)->children.empty();
+    return !childrenOf(nodeAt(position)).empty();
 }
 
 QModelIndex KeyedTreeModel::indexOf(int position) const
@@ -138,48 +193,50 @@ QModelIndex KeyedTreeModel::indexOf(int position) const
 void KeyedTreeModel::clear()
 {
     const Rebuild rebuild(*this);
-    for (std::unique_ptr<Node>& node : m_nodes) {
+    for (Node* node : m_nodes)
         node->removed = true;
-        m_retired.push_back(std::move(node));
-    }
+    m_retired.push_back(std::exchange(m_stock, std::make_unique<Stock>()));
     m_nodes.clear();
     m_roots.clear();
     m_byKey.clear();
+    m_lastFound = nullptr;
     m_numbered = 0;
 }
 
-void KeyedTreeModel::add(const QString& parentKey, const QString& key, const QString& text)
+void KeyedTreeModel::add(QStringView parentKey, QStringView key, QStringView text)
 {
     Node* parent = nullptr;
     if (!parentKey.isEmpty()) {
-        parent = m_byKey.value(parentKey, nullptr);
+        parent = find(parentKey);
         if (parent == nullptr)
             throw Error(errors::ElementNotFound);
     }
     if (!key.isEmpty() && m_byKey.contains(key))
         throw Error(errors::KeyNotUnique);
 
-    std::vector<Node*>& siblings = parent != nullptr ? parent->children : m_roots;
-    const auto row = static_cast<int>(siblings.size());
-    auto node = std::make_unique<Node>();
-    node->key = key;
-    node->text = text;
-    node->parent = parent;
-    node->row = row;
+    const auto row = static_cast<int>(childrenOf(parent).size());
+    const QStringView ownKey = m_stock->texts.keep(key);
+    const QStringView ownText = m_stock->texts.keep(text);
     if (m_rebuilding == 0)
         beginInsertRows(indexFor(parent), row, row);
-    siblings.push_back(node.get());
+    Node& node = m_stock->nodes.emplace_back(
+        Node{.key = ownKey, .text = ownText, .parent = parent, .children = nullptr, .row = row});
+    if (parent != nullptr && !parent->children)
+        parent->children = std::make_unique<std::vector<Node*>>();
+    (parent != nullptr ? *parent->children : m_roots).push_back(&node);
     if (!key.isEmpty())
-        m_byKey.insert(key, node.get());
-    m_nodes.push_back(std::move(node));
+        m_byKey.insert(ownKey, &node);
+    m_nodes.push_back(&node);
+    if (m_numbered == nodeCount() - 1)
+        node.position = ++m_numbered;
     if (m_rebuilding == 0)
         endInsertRows();
 }
 
-void KeyedTreeModel::setText(int position, const QString& text)
+void KeyedTreeModel::setText(int position, QStringView text)
 {
     Node* node = nodeAt(position);
-    node->text = text;
+    node->text = m_stock->texts.keep(text);
     if (m_rebuilding == 0)
         Q_EMIT dataChanged(indexFor(node), indexFor(node), {Qt::DisplayRole});
 }
@@ -189,7 +246,7 @@ void KeyedTreeModel::remove(int position)
     Node* node = nodeAt(position);
     if (m_rebuilding == 0)
         beginRemoveRows(indexFor(node->parent), node->row, node->row);
-    std::vector<Node*>& siblings = node->parent != nullptr ? node->parent->children : m_roots;
+    std::vector<Node*>& siblings = node->parent != nullptr ? *node->parent->children : m_roots;
     siblings.erase(siblings.begin() + node->row);
     for (auto row = static_cast<std::size_t>(node->row); row < siblings.size(); ++row)
         siblings[row]->row = static_cast<int>(row);
@@ -201,28 +258,30 @@ void KeyedTreeModel::remove(int position)
         gone->removed = true;
         if (!gone->key.isEmpty())
             m_byKey.remove(gone->key);
-        pending.insert(pending.end(), gone->children.begin(), gone->children.end());
+        const std::vector<Node*>& below = childrenOf(gone);
+        pending.insert(pending.end(), below.begin(), below.end());
     }
+    m_lastFound = nullptr;
     // A node is younger than everything above it, so the first of those that go is the node itself.
     const auto first = m_nodes.begin() + (position - 1);
-    const auto kept =
-        node->children.empty()
-            ? std::rotate(first, first + 1, m_nodes.end())
-            : std::stable_partition(first, m_nodes.end(), [](const auto& other) { return !other->removed; });
-    std::move(kept, m_nodes.end(), std::back_inserter(m_retired));
-    m_nodes.erase(kept, m_nodes.end());
+    m_nodes.erase(std::remove_if(first, m_nodes.end(), [](const Node* other) { return other->removed; }),
+                  m_nodes.end());
     m_numbered = std::min(m_numbered, position - 1);
 
-    if (m_rebuilding == 0) {
+    if (m_rebuilding == 0)
         endRemoveRows();
-        m_retired.clear();
-    }
 }
 
 KeyedTreeModel::Rebuild::Rebuild(KeyedTreeModel& model) : m_model(model)
 {
     if (m_model.m_rebuilding++ == 0)
         m_model.beginResetModel();
+}
+
+void KeyedTreeModel::Rebuild::expect(qsizetype nodes)
+{
+    m_model.m_byKey.reserve(m_model.m_byKey.size() + nodes);
+    m_model.m_nodes.reserve(m_model.m_nodes.size() + static_cast<std::size_t>(nodes));
 }
 
 KeyedTreeModel::Rebuild::~Rebuild()

@@ -3,6 +3,7 @@
 #include <QAbstractItemModel>
 #include <QHash>
 #include <QString>
+#include <QStringView>
 
 #include <memory>
 #include <vector>
@@ -29,7 +30,7 @@ public:
 
     int nodeCount() const;
     /// The position of the first node with this key, 0 when there is none.
-    int position(const QString& key) const;
+    int position(QStringView key) const;
     /// The position of a model index, 0 for an invalid one.
     int position(const QModelIndex& index) const;
     /// Key, text, position of the parent (0: root). Error 35600 for a position outside the tree.
@@ -43,8 +44,8 @@ public:
     void clear();
     /// Adds a node as the last child of the node with `parentKey` (an empty one: a root node).
     /// Errors: 35601 no such parent, 35602 the key is taken.
-    void add(const QString& parentKey, const QString& key, const QString& text);
-    void setText(int position, const QString& text);
+    void add(QStringView parentKey, QStringView key, QStringView text);
+    void setText(int position, QStringView text);
     /// Removes a node with everything below it.
     void remove(int position);
 
@@ -58,23 +59,31 @@ public:
         Rebuild(const Rebuild&) = delete;
         Rebuild& operator=(const Rebuild&) = delete;
 
+        /// Makes room for so many more nodes beforehand.
+        void expect(qsizetype nodes);
+
     private:
         KeyedTreeModel& m_model;
     };
 
 private:
     struct Node;
+    struct Stock;
 
+    Node* find(QStringView key) const;
     Node* nodeAt(int position) const;
     Node* nodeOf(const QModelIndex& index) const;
     QModelIndex indexFor(Node* node) const;
     int positionOf(const Node* node) const;
+    const std::vector<Node*>& childrenOf(const Node* node) const;
 
-    std::vector<std::unique_ptr<Node>> m_nodes;   // in the order of creation
-    std::vector<std::unique_ptr<Node>> m_retired; // removed ones that a view may still look at
+    std::unique_ptr<Stock> m_stock;
+    std::vector<std::unique_ptr<Stock>> m_retired; // emptied while views are not told yet
+    std::vector<Node*> m_nodes;                    // in the order of creation
     std::vector<Node*> m_roots;
-    QHash<QString, Node*> m_byKey; // nodes without a key are not in it
-    mutable int m_numbered = 0;    // the nodes up to this position know it
+    QHash<QStringView, Node*> m_byKey;   // nodes without a key are not in it
+    mutable Node* m_lastFound = nullptr; // neighbours mostly share what is above them
+    mutable int m_numbered = 0;          // the nodes up to this position know it
     int m_rebuilding = 0;
 };
 
