@@ -45,6 +45,10 @@ private:
     std::unique_ptr<Handle> m_handle;
 };
 
+/// Lets the process keep what a long list gives back, for the next one: otherwise every list that is shown asks the
+/// system for its memory again, page by page. To be called once, when the program starts.
+void keepFreedMemory();
+
 /// Opens a file with its associated application without waiting and without a shell.
 OpenOutcome openWithAssociatedApplication(const QString& path);
 

@@ -10,6 +10,7 @@
 // GIO names members "signals", which is why the project is built without Qt's keywords.
 #include <fcntl.h>
 #include <gio/gio.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -213,6 +214,17 @@ void Collator::appendKey(QStringView text, std::string& keys) const
     }
     // The key ends in a zero byte that no key contains; without it keys still compare alike.
     keys.resize(start + static_cast<std::size_t>(std::max(needed - 1, 0)));
+}
+
+void keepFreedMemory()
+{
+#ifdef __GLIBC__
+    constexpr int Kept = 512 * 1024 * 1024; // bytes at the end of the heap
+    constexpr int Step = 16 * 1024 * 1024;
+    mallopt(M_MMAP_MAX, 0); // large blocks, too, come from the heap
+    mallopt(M_TRIM_THRESHOLD, Kept);
+    mallopt(M_TOP_PAD, Step);
+#endif
 }
 
 OpenOutcome openWithAssociatedApplication(const QString& path)

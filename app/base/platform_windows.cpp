@@ -131,6 +131,8 @@ void Collator::appendKey(QStringView text, std::string& keys) const
         keys.pop_back(); // the closing zero
 }
 
+void keepFreedMemory() {} // the process heap does so by itself
+
 OpenOutcome openWithAssociatedApplication(const QString& path)
 {
     const QString native = QDir::toNativeSeparators(path);

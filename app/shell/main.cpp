@@ -21,6 +21,7 @@ int main(int argc, char** argv)
     if (commandLine.request != CommandLine::Request::Run)
         return answerOnTerminal(commandLine);
 
+    platform::keepFreedMemory();
     // The toolkit gets the program's name only: a file may be named like one of its options.
     int toolkitCount = 1;
     QApplication application(toolkitCount, argv);
