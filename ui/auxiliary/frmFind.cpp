@@ -13,7 +13,6 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCheckBox>
-#include <QInputMethod>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -121,12 +120,8 @@ bool frmFind::txtFind_KeyPress(const QKeyEvent& key)
     const bool escape = key.key() == Qt::Key_Escape;
     if (!escape && key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter)
         return false;
-    if (m_composing) {
-        // Both belong to the composition first: Enter confirms it, Esc takes it back.
-        if (!escape)
-            QGuiApplication::inputMethod()->commit();
+    if (m_composition.takes(key))
         return true;
-    }
     // A key that is held down searches or closes once, and one that has just answered a box does neither.
     if (key.isAutoRepeat())
         return true;
@@ -139,10 +134,7 @@ bool frmFind::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched != txtFind)
         return FormWindow::eventFilter(watched, event);
-    if (event->type() == QEvent::InputMethod)
-        m_composing = !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty();
-    else if (event->type() == QEvent::FocusOut)
-        m_composing = false;
+    m_composition.follow(*event);
     return (event->type() == QEvent::KeyPress && txtFind_KeyPress(*static_cast<QKeyEvent*>(event))) ||
            FormWindow::eventFilter(watched, event);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
 #include <memory>
@@ -41,7 +42,7 @@ private:
     QCheckBox* chkMain = nullptr;
     QCheckBox* chkRefDoc = nullptr;
     QCheckBox* chkRefFile = nullptr;
-    bool m_composing = false; // an input method holds text that is not confirmed yet
+    Composition m_composition;
 };
 
 } // namespace quillon

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
-#include "ui/data/composition.h"
 #include "ui/data/text_fields.h"
+#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/report_model.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
-#include "ui/data/composition.h"
+#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
 class QLineEdit;
