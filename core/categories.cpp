@@ -6,6 +6,7 @@
 #include "app/base/ports/main_window_port.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/late_notices.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/record_set.h"
@@ -18,6 +19,40 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+namespace
+{
+
+void fileIn(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    const auto present = GetFilterResult(session.reporting, session.RsCategory,
+                                         u"Category_ID ='"_s + categoryIdentifier + u"' AND Object_ID = '"_s +
+                                             identifier + u"'"_s);
+    if (required(present).recordCount() > 0)
+        return;
+    RecordSet& memberships = required(session.RsCategory);
+    memberships.addNew();
+    memberships.setField(0, categoryIdentifier);
+    memberships.setField(1, identifier);
+    memberships.update();
+}
+
+void takeOutOfAncestors(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    for (auto hyphen = categoryIdentifier.indexOf(u'-'); hyphen >= 0;
+         hyphen = categoryIdentifier.indexOf(u'-', hyphen + 1)) {
+        const QString ancestor = categoryIdentifier.first(hyphen);
+        const auto memberships =
+            GetFilterResult(session.reporting, session.RsCategory,
+                            u"Category_ID = '"_s + ancestor + u"' AND Object_ID = '"_s + identifier + u"'"_s);
+        if (required(memberships).recordCount() > 0) {
+            memberships->moveFirst();
+            memberships->deleteRow();
+        }
+    }
+}
+
+} // namespace
 
 QString GetCategoryName(Session& session, const QString& categoryIdentifier)
 {
@@ -50,35 +85,33 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
 {
     guarded(session.reporting, u"ClassifyCategory"_s, [&] {
-        const auto present = GetFilterResult(session.reporting, session.RsCategory,
-                                             u"Category_ID ='"_s + categoryIdentifier +
-                                                 u"' AND Object_ID = '"_s + identifier + u"'"_s);
-        if (required(present).recordCount() == 0) {
-            RecordSet& memberships = required(session.RsCategory);
-            memberships.addNew();
-            memberships.setField(0, categoryIdentifier);
-            memberships.setField(1, identifier);
-            memberships.update();
-        }
+        fileIn(session, categoryIdentifier, identifier);
         DeleteParentCategory(session, categoryIdentifier, identifier);
     });
 }
 
-void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
+void ClassifyManyData(Session& session, const QString& categoryIdentifier, const QStringList& identifiers,
+                      const std::function<void()>& advance)
 {
-    guarded(session.reporting, u"DeleteParentCategory"_s, [&] {
-        for (auto hyphen = categoryIdentifier.indexOf(u'-'); hyphen >= 0;
-             hyphen = categoryIdentifier.indexOf(u'-', hyphen + 1)) {
-            const QString ancestor = categoryIdentifier.first(hyphen);
-            const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
-                                                     u"Category_ID = '"_s + ancestor +
-                                                         u"' AND Object_ID = '"_s + identifier + u"'"_s);
-            if (required(memberships).recordCount() > 0) {
-                memberships->moveFirst();
-                memberships->deleteRow();
-            }
+    Database& database = required(session.RsCategory).database();
+    LateNotices notices(session, database);
+    writeTogether(database, [&] {
+        for (const QString& identifier : identifiers) {
+            notices.trap(u"ClassifyCategory"_s, [&] {
+                fileIn(session, categoryIdentifier, identifier);
+                notices.trap(u"DeleteParentCategory"_s,
+                             [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
+            });
+            advance();
         }
     });
+    notices.tell();
+}
+
+void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    guarded(session.reporting, u"DeleteParentCategory"_s,
+            [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
 }
 
 void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier)

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace quillon
 {
 
@@ -18,6 +20,12 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 /// Files a datum in a category and takes it out of the category's ancestors. A datum already filed there is not
 /// filed twice. Failures are reported as "ClassifyCategory".
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier);
+
+/// Files many data in a category, each as ClassifyCategory does, as one durable write. Failures of single ones are
+/// reported when all have had their turn; a failure that undoes everything is not trapped.
+/// `advance` is called once for each of `identifiers`.
+void ClassifyManyData(Session& session, const QString& categoryIdentifier, const QStringList& identifiers,
+                      const std::function<void()>& advance);
 
 /// Takes a datum out of every ancestor of a category, outermost first. Failures are reported as
 /// "DeleteParentCategory".

@@ -1,9 +1,7 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/data_records.h"
-#include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/fill_progress.h"
 #include "ui/main/frmMainMenu.h"
@@ -100,17 +98,8 @@ void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
 void frmMainMenu::classifySelectedRows(const QString& categoryKey)
 {
     const QStringList identifiers = identifiersOf(lsvData->selectedRows());
-    Database& database = required(session().RsCategory).database();
     const FillProgress::Showing showing(*m_progress, identifiers.size());
-    writeTogether(database, [&] {
-        for (const QString& identifier : identifiers) {
-            ClassifyCategory(session(), categoryKey, identifier);
-            // A full disk undoes everything by itself; going on would fail row by row.
-            if (!database.connection().inTransaction())
-                throw Error(errors::DiskFull);
-            m_progress->advance();
-        }
-    });
+    ClassifyManyData(session(), categoryKey, identifiers, [this] { m_progress->advance(); });
 }
 
 void frmMainMenu::tvwCategory_MouseMove()
