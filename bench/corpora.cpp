@@ -56,21 +56,51 @@ corpus::Options optionsOf(Corpus corpus)
     return {};
 }
 
+QString nameOf(const corpus::Options& options)
+{
+    return u"corpus-v%1-%2-%3-%4-%5-%6-%7-%8-%9.mdb"_s.arg(MakerVersion)
+        .arg(options.definitions)
+        .arg(options.documents)
+        .arg(options.documentMegabytes)
+        .arg(options.files)
+        .arg(options.categories)
+        .arg(options.links)
+        .arg(options.memberships)
+        .arg(options.seed);
+}
+
 } // namespace
 
 QString corpusPath(Corpus corpus)
 {
-    const corpus::Options options = optionsOf(corpus);
-    const QString name = u"corpus-v%1-%2-%3-%4-%5-%6-%7-%8-%9.mdb"_s.arg(MakerVersion)
-                             .arg(options.definitions)
-                             .arg(options.documents)
-                             .arg(options.documentMegabytes)
-                             .arg(options.files)
-                             .arg(options.categories)
-                             .arg(options.links)
-                             .arg(options.memberships)
-                             .arg(options.seed);
-    return QDir(corpusFolder()).absoluteFilePath(name);
+    return QDir(corpusFolder()).absoluteFilePath(nameOf(optionsOf(corpus)));
+}
+
+corpus::Options growingCorpus(int items)
+{
+    const int twoPercent = items / 50;
+    return {.definitions = items - 2 * twoPercent,
+            .documents = twoPercent,
+            .documentMegabytes = 0,
+            .files = twoPercent,
+            .categories = items / 50,
+            .links = items,
+            .memberships = items};
+}
+
+QString keptCorpus(const QString& folder, const corpus::Options& options)
+{
+    const QString path = QDir(folder).absoluteFilePath(nameOf(options));
+    if (QFile::exists(path))
+        return path;
+    std::fprintf(stderr, "making %s\n", qPrintable(path));
+    // A maker that was interrupted leaves nothing that looks finished.
+    const QString unfinished = path + u".unfinished"_s;
+    for (const QString& rest : {unfinished, unfinished + u"-journal"_s})
+        QFile::remove(rest);
+    corpus::writeCorpus(options, unfinished);
+    QFile::rename(unfinished, path);
+    return path;
 }
 
 void prepareCorpora(const QString& folder)
@@ -78,18 +108,8 @@ void prepareCorpora(const QString& folder)
     QDir().mkpath(folder);
     corpusFolder() = folder;
     for (const Corpus corpus :
-         {Corpus::Default, Corpus::Million, Corpus::Categories5000, Corpus::Categories50000}) {
-        const QString path = corpusPath(corpus);
-        if (QFile::exists(path))
-            continue;
-        std::fprintf(stderr, "making %s\n", qPrintable(path));
-        // A maker that was interrupted leaves nothing that looks finished.
-        const QString unfinished = path + u".unfinished"_s;
-        for (const QString& rest : {unfinished, unfinished + u"-journal"_s})
-            QFile::remove(rest);
-        corpus::writeCorpus(optionsOf(corpus), unfinished);
-        QFile::rename(unfinished, path);
-    }
+         {Corpus::Default, Corpus::Million, Corpus::Categories5000, Corpus::Categories50000})
+        keptCorpus(folder, optionsOf(corpus));
 }
 
 } // namespace quillon::bench

@@ -1,13 +1,14 @@
 #include "bench/quiet_program.h"
 
+#include "bench/paint_watch.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
 #include <QCoreApplication>
-#include <QEvent>
 
 #include <stdexcept>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,24 +17,6 @@ namespace quillon::bench
 
 namespace
 {
-
-/// Tells whether a widget has been painted.
-class PaintWatch : public QObject
-{
-public:
-    explicit PaintWatch(QObject& widget) { widget.installEventFilter(this); }
-    bool painted() const { return m_painted; }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        m_painted = m_painted || event->type() == QEvent::Paint;
-        return false;
-    }
-
-private:
-    bool m_painted = false;
-};
 
 template <class Control> Control& control(frmMainMenu& window, const QString& name)
 {
@@ -47,6 +30,8 @@ template <class Control> Control& control(frmMainMenu& window, const QString& na
 
 Answer NoDialogs::messageBox(const MessageBox& box)
 {
+    if (!m_announced.isNull() && std::exchange(m_announced, {}) == box.text)
+        return Answer::Ok;
     throw std::runtime_error("a box came up: " + box.text.toStdString());
 }
 
@@ -91,6 +76,16 @@ void QuietProgram::clickNode(const QString& key)
 {
     tree().select(tree().nodes().position(key));
     mainWindow().tvwCategory_NodeClick();
+}
+
+void QuietProgram::closeOtherWindows()
+{
+    for (LoadedWindow* loaded : session().windows.loaded()) {
+        if (loaded != &mainWindow() && !loaded->unload())
+            throw std::runtime_error("a window stayed open");
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
 }
 
 } // namespace quillon::bench

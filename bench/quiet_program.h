@@ -19,13 +19,19 @@ class frmMainMenu;
 namespace quillon::bench
 {
 
-/// Nobody sits at the screen: a box means that what is measured has failed, and throws.
+/// Nobody sits at the screen: a box that was not announced means that what is measured has failed, and throws.
 class NoDialogs : public Dialogs
 {
 public:
+    /// The next box has this text and is answered with OK.
+    void announceBox(const QString& text) { m_announced = text; }
+
     Answer messageBox(const MessageBox& box) override;
     std::optional<QString> inputBox(const InputBox& box) override;
     std::optional<QString> fileDialog(const FileDialog& dialog) override;
+
+private:
+    QString m_announced;
 };
 
 class NoEventLog : public EventLog
@@ -59,6 +65,7 @@ public:
     ~QuietProgram();
 
     Session& session() { return m_program.session(); }
+    NoDialogs& dialogs() { return m_dialogs; }
     frmMainMenu& mainWindow() { return m_program.mainWindow(); }
     ReportList& list();
     KeyedTree& tree();
@@ -68,6 +75,8 @@ public:
     void open(const QString& path, bool expectRows = true);
     /// Clicks the node with this key, as far as it fills the list.
     void clickNode(const QString& key);
+    /// Leaves the main window alone on the screen. Throws when a window does not close.
+    void closeOtherWindows();
 
     SetClock clock;
 
