@@ -21,10 +21,8 @@ void FoldedTexts::Block::append(const Row& row)
     const auto add = [&](const std::optional<QStringView>& text, quint32& size) {
         if (!text)
             return;
-        const std::size_t start = units.size();
-        units.resize(start + static_cast<std::size_t>(text->size()));
-        size = static_cast<quint32>(foldInto(*text, units.data() + start));
-        units.resize(start + size);
+        size = static_cast<quint32>(foldInto(*text, units.roomFor(static_cast<std::size_t>(text->size()))));
+        units.added(size);
     };
     add(row.name, place.nameSize);
     add(row.text, place.textSize);
@@ -89,7 +87,7 @@ void FoldedTexts::shrink()
     for (Block& block : m_blocks) {
         // Moving a nearly full block would cost more than it gives back.
         if (block.units.size() < block.units.capacity() / 8 * 7)
-            block.units.shrink_to_fit();
+            block.units.shrink();
         block.places.shrink_to_fit();
     }
 }

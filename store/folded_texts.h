@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/text_scan.h"
+#include "store/unit_store.h"
 
 #include <QHash>
 #include <QStringView>
@@ -63,7 +64,7 @@ private:
     };
     /// Some megabytes of rows: small enough to grow without copying, large enough to be scanned in one go.
     struct Block {
-        std::vector<char16_t> units;
+        UnitStore units;
         std::vector<Place> places;
 
         void append(const Row& row);

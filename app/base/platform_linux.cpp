@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <malloc.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -19,9 +20,11 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -225,6 +228,27 @@ void keepFreedMemory()
     mallopt(M_TRIM_THRESHOLD, Kept);
     mallopt(M_TOP_PAD, Step);
 #endif
+}
+
+void LargeMemoryReturner::operator()(void* memory) const
+{
+    std::free(memory);
+}
+
+LargeMemory largeMemory(std::size_t bytes)
+{
+    // From the heap, which keeps what is given back: memory that is new to the process costs more than filling it.
+    void* const memory = std::malloc(bytes);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (start + page - 1) / page * page;
+    const std::uintptr_t end = (start + bytes) / page * page;
+    // Where the system refuses, or too little is asked for, small pages do.
+    if (first < end)
+        madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    return LargeMemory(memory, {bytes});
 }
 
 OpenOutcome openWithAssociatedApplication(const QString& path)

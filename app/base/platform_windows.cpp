@@ -10,6 +10,7 @@
 #include <shellapi.h>
 
 #include <array>
+#include <new>
 #include <string>
 
 using namespace Qt::Literals::StringLiterals;
@@ -132,6 +133,20 @@ void Collator::appendKey(QStringView text, std::string& keys) const
 }
 
 void keepFreedMemory() {} // the process heap does so by itself
+
+void LargeMemoryReturner::operator()(void* memory) const
+{
+    VirtualFree(memory, 0, MEM_RELEASE);
+}
+
+LargeMemory largeMemory(std::size_t bytes)
+{
+    // Large pages would need a privilege that ordinary users do not have.
+    void* const memory = VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return LargeMemory(memory, {bytes});
+}
 
 OpenOutcome openWithAssociatedApplication(const QString& path)
 {
