@@ -4,6 +4,7 @@
 #include "app/base/platform.h"
 #include "store/criteria_sql.h"
 #include "store/memo_type.h"
+#include "store/schema.h"
 #include "store/sqlite/statement.h"
 
 #include <QDir>
@@ -88,6 +89,20 @@ bool Database::tableExists(const QString& name)
         u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE BINARY AND rootpage > 0"_s);
     const sqlite::ResetAtEnd reset(statement);
     return statement.bind(1, name).step();
+}
+
+bool Database::isAsDeclared(const TableSchema& table)
+{
+    sqlite::Statement& statement = m_connection.prepare(
+        u"SELECT sql FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE BINARY"_s);
+    const sqlite::ResetAtEnd reset(statement);
+    if (!statement.bind(1, table.name).step())
+        return false;
+    // SQLite keeps the statement without what ends it.
+    QString declared = withTextForMemo(table.statement).trimmed();
+    if (declared.endsWith(u';'))
+        declared.chop(1);
+    return statement.text(0) == declared;
 }
 
 qint64 Database::greatestRow(const QString& table) const

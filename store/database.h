@@ -11,6 +11,8 @@
 namespace quillon
 {
 
+struct TableSchema;
+
 /// An open database file. Kept alive by the record sets that stand on it.
 class Database
 {
@@ -26,6 +28,9 @@ public:
     void execute(const QString& definition);
     /// Whether a table has exactly this name.
     bool tableExists(const QString& name);
+
+    /// Whether a table was made by the statement of its schema, so that what this says about it holds.
+    bool isAsDeclared(const TableSchema& table);
 
     sqlite::Connection& connection() { return m_connection; }
     /// The fast way of searching names and texts.

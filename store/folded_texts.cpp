@@ -17,7 +17,14 @@ constexpr std::size_t BlockUnits = std::size_t{4} << 20;
 
 void FoldedTexts::Block::append(const Row& row)
 {
-    Place place{row.number, static_cast<quint32>(units.size()), Nothing, Nothing};
+    const QStringView name = row.name.value_or(QStringView());
+    Place place{.number = row.number,
+                .start = static_cast<quint32>(units.size()),
+                .nameSize = Nothing,
+                .textSize = Nothing,
+                .storedStart = static_cast<quint32>(stored.size()),
+                .storedNameSize = static_cast<quint32>(name.size()),
+                .identifierSize = static_cast<quint32>(row.identifier.size())};
     const auto add = [&](const std::optional<QStringView>& text, quint32& size) {
         if (!text)
             return;
@@ -26,7 +33,17 @@ void FoldedTexts::Block::append(const Row& row)
     };
     add(row.name, place.nameSize);
     add(row.text, place.textSize);
+    stored.insert(stored.end(), name.utf16(), name.utf16() + name.size());
+    stored.insert(stored.end(), row.identifier.utf16(), row.identifier.utf16() + row.identifier.size());
     places.push_back(place);
+}
+
+void FoldedTexts::Block::visitName(const Place& place, const VisitName& visit) const
+{
+    if (place.storedStart == Nothing)
+        return;
+    const char16_t* const name = stored.data() + place.storedStart;
+    visit({name, place.storedNameSize}, {name + place.storedNameSize, place.identifierSize});
 }
 
 FoldedTexts::Place* FoldedTexts::find(qint64 number)
@@ -54,6 +71,7 @@ void FoldedTexts::remove(qint64 number)
     m_goneUnits += place->end() - place->start;
     place->nameSize = Nothing;
     place->textSize = Nothing;
+    place->storedStart = Nothing;
     m_laterPlaces.remove(number);
 }
 
@@ -88,6 +106,7 @@ void FoldedTexts::shrink()
         // Moving a nearly full block would cost more than it gives back.
         if (block.units.size() < block.units.capacity() / 8 * 7)
             block.units.shrink();
+        block.stored.shrink_to_fit();
         block.places.shrink_to_fit();
     }
 }
@@ -154,10 +173,41 @@ std::vector<qint64> FoldedTexts::like(const LikePattern& pattern) const
     return collect([&](const Block& block, std::vector<qint64>& rows) { collectLike(block, pattern, rows); });
 }
 
+void FoldedTexts::forEachName(const std::vector<qint64>& rows, const VisitName& visit) const
+{
+    auto block = m_blocks.begin();
+    std::size_t next = 0; // the first place of the block that has not been passed
+    for (const qint64 row : rows) {
+        if (const auto later = m_laterPlaces.constFind(row); later != m_laterPlaces.cend()) {
+            m_later.visitName(m_later.places[*later], visit);
+            continue;
+        }
+        for (; block != m_blocks.end() && block->places.back().number < row; ++block)
+            next = 0;
+        if (block == m_blocks.end())
+            continue;
+        // Rows that are looked for together mostly stand near each other: steps that double reach the next one soon.
+        const std::vector<Place>& places = block->places;
+        std::size_t step = 1;
+        while (next + step < places.size() && places[next + step].number <= row) {
+            next += step;
+            step *= 2;
+        }
+        const auto end = places.begin() + static_cast<std::ptrdiff_t>(std::min(next + step, places.size()));
+        const auto place =
+            std::partition_point(places.begin() + static_cast<std::ptrdiff_t>(next), end,
+                                 [row](const Place& candidate) { return candidate.number < row; });
+        next = static_cast<std::size_t>(place - places.begin());
+        if (place != places.end() && place->number == row)
+            block->visitName(*place, visit);
+    }
+}
+
 qsizetype FoldedTexts::bytesHeld() const
 {
     const auto bytesOf = [](const Block& block) {
-        return block.units.capacity() * sizeof(char16_t) + block.places.capacity() * sizeof(Place);
+        return (block.units.capacity() + block.stored.capacity()) * sizeof(char16_t) +
+               block.places.capacity() * sizeof(Place);
     };
     std::size_t bytes =
         bytesOf(m_later) + static_cast<std::size_t>(m_laterPlaces.capacity()) * 2 * sizeof(qint64);

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QStringView>
 
+#include <functional>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -15,16 +16,19 @@ namespace quillon
 
 class LikePattern;
 
-/// The names and texts of one table in memory, folded as a reader compares them, in the order of their rows.
+/// The names and texts of one table in memory, folded as a reader compares them, in the order of their rows. Names and
+/// identifiers are there as they are stored, too, so that hits can be listed.
 class FoldedTexts
 {
 public:
-    /// A row's two texts as they are stored. A field that holds nothing at all matches no pattern, not even "*".
+    /// A row as it is stored. A field that holds nothing at all matches no pattern, not even "*".
     struct Row {
         qint64 number = 0;
         std::optional<QStringView> name;
         std::optional<QStringView> text;
+        QStringView identifier = {};
     };
+    using VisitName = std::function<void(QStringView name, QStringView identifier)>;
 
     /// Adds a row, or replaces the one of this number.
     void put(const Row& row);
@@ -38,6 +42,10 @@ public:
     std::vector<qint64> holding(ScanWay way, QStringView needle) const;
     /// The rows, ascending, whose name or text matches.
     std::vector<qint64> like(const LikePattern& pattern) const;
+
+    /// Visits these rows (ascending) with their names and identifiers as they are stored; those that are not there are
+    /// passed over.
+    void forEachName(const std::vector<qint64>& rows, const VisitName& visit) const;
 
     /// Whether so much belongs to rows that were replaced or taken out that reading all of it anew pays.
     bool isWasteful() const { return m_goneUnits > m_units / 4; }
@@ -58,6 +66,10 @@ private:
         quint32 start; // of the name, in units; the text follows it
         quint32 nameSize;
         quint32 textSize;
+        quint32
+            storedStart; // of the name as it is stored; the identifier follows it. Nothing: the row is gone
+        quint32 storedNameSize;
+        quint32 identifierSize;
 
         quint32 textStart() const { return start + (nameSize == Nothing ? 0 : nameSize); }
         quint32 end() const { return textStart() + (textSize == Nothing ? 0 : textSize); }
@@ -65,10 +77,12 @@ private:
     /// Some megabytes of rows: small enough to grow without copying, large enough to be scanned in one go.
     struct Block {
         UnitStore units;
+        std::vector<char16_t> stored;
         std::vector<Place> places;
 
         void append(const Row& row);
         QStringView at(quint32 start, quint32 size) const { return QStringView(units.data() + start, size); }
+        void visitName(const Place& place, const VisitName& visit) const;
     };
 
     Place* find(qint64 number);

@@ -262,6 +262,15 @@ QString RecordSet::passSql(std::initializer_list<int> fields) const
            (m_rows ? u" WHERE rowid = ?"_s : u" ORDER BY rowid"_s);
 }
 
+void RecordSet::forEachName(const std::function<void(QStringView name, QStringView identifier)>& visit) const
+{
+    const auto found = m_rows ? m_database->textSearch().copyInStep(m_table.name) : nullptr;
+    if (found)
+        found->forEachName(*m_rows, visit);
+    else
+        forEachRow({0, 1}, [&](const Row& row) { visit(row.text(0), row.text(1)); });
+}
+
 void RecordSet::addNew()
 {
     m_values.assign(m_table.fields.size(), std::nullopt);

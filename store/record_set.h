@@ -68,6 +68,10 @@ public:
     /// bool, false ends the pass.
     template <class Visit> void forEachRow(std::initializer_list<int> fields, Visit&& visit) const;
 
+    /// The same for the first two fields of a data table, name and identifier; the rows that a search has found come
+    /// from memory. `visit` must neither search nor write.
+    void forEachName(const std::function<void(QStringView name, QStringView identifier)>& visit) const;
+
     /// A row of a pass; the views are valid during the visit only.
     class Row
     {

@@ -16,6 +16,7 @@ namespace
 {
 
 constexpr int NameField = 0;
+constexpr int IdentifierField = 1;
 constexpr int TextField = 2;
 
 /// The pattern of criteria of the form Name Like 'p' OR Explanation Like 'p', in either order.
@@ -59,12 +60,16 @@ QString quoted(const QString& name)
 QString selection(const TableSchema& table)
 {
     return u"SELECT rowid, "_s + quoted(table.fields[NameField].name) + u", "_s +
-           quoted(table.fields[TextField].name) + u" FROM "_s + quoted(table.name);
+           quoted(table.fields[TextField].name) + u", "_s + quoted(table.fields[IdentifierField].name) +
+           u" FROM "_s + quoted(table.name);
 }
 
 FoldedTexts::Row rowOf(const sqlite::Statement& statement)
 {
-    FoldedTexts::Row row{.number = statement.number(0), .name = std::nullopt, .text = std::nullopt};
+    FoldedTexts::Row row{.number = statement.number(0),
+                         .name = std::nullopt,
+                         .text = std::nullopt,
+                         .identifier = statement.text(3)};
     if (!statement.isNull(1))
         row.name = statement.text(1);
     if (!statement.isNull(2))
@@ -109,6 +114,18 @@ void TextSearch::rowWritten(const QString& table, qint64 row)
     }
     if (const auto copy = m_copies.constFind(table); copy != m_copies.cend())
         (*copy)->written.insert(row);
+}
+
+std::shared_ptr<const FoldedTexts> TextSearch::copyInStep(const QString& table)
+{
+    const auto known = m_copies.constFind(table);
+    if (known == m_copies.cend() || m_changesSeen != m_connection.totalChanges() ||
+        m_connection.inTransaction())
+        return nullptr;
+    const std::shared_ptr<Copy>& copy = *known;
+    if (!copy->written.isEmpty() || copy->dataVersion != m_connection.dataVersion())
+        return nullptr;
+    return {copy, &copy->texts};
 }
 
 const FoldedTexts* TextSearch::copyOf(const QString& table) const

@@ -39,6 +39,9 @@ public:
     /// To be told after every single row that a record set has added, changed or deleted.
     void rowWritten(const QString& table, qint64 row);
 
+    /// The copy of a table when it is there and in step with the file, else null. It lives as long as it is held, but
+    /// the next search or write may change it.
+    std::shared_ptr<const FoldedTexts> copyInStep(const QString& table);
     /// The copy of a table as it stands; null before the first search. For tests and benchmarks.
     const FoldedTexts* copyOf(const QString& table) const;
 

@@ -63,6 +63,15 @@ QStringList identifiersOf(const std::shared_ptr<RecordSet>& rows)
     return identifiers;
 }
 
+QStringList namesOf(const std::shared_ptr<RecordSet>& rows)
+{
+    QStringList names;
+    rows->forEachName([&](QStringView name, QStringView identifier) {
+        names << name.toString() + u' ' + identifier.toString();
+    });
+    return names;
+}
+
 QString criteriaFor(const QString& text)
 {
     return u"Name Like '*"_s + text + u"*' OR Explanation Like '*"_s + text + u"*'"_s;
@@ -113,6 +122,45 @@ private Q_SLOTS:
             }
         }
         QVERIFY(found > 10000);
+    }
+
+    void namesAndIdentifiersComeBackAsTheyAreStored()
+    {
+        TextMaker maker(5);
+        for (int world = 0; world < 500; ++world) {
+            FoldedTexts texts;
+            std::map<qint64, Pair> rows; // name and identifier
+            for (int i = maker.number(60); i >= 0; --i) {
+                const qint64 number = maker.number(100) - 5;
+                if (maker.number(5) == 0) {
+                    texts.remove(number);
+                    rows.erase(number);
+                    continue;
+                }
+                const Pair row{maker.text(6), maker.text(3)};
+                const QString text = maker.text(10);
+                texts.put({.number = number,
+                           .name = QStringView(row.first),
+                           .text = QStringView(text),
+                           .identifier = row.second});
+                rows[number] = row;
+            }
+            // Some of the rows, and some that are not there.
+            std::vector<qint64> asked;
+            std::vector<Pair> expected;
+            for (qint64 number = -10; number < 110; ++number) {
+                if (maker.number(3) == 0)
+                    continue;
+                asked.push_back(number);
+                if (const auto row = rows.find(number); row != rows.end())
+                    expected.push_back(row->second);
+            }
+            std::vector<Pair> actual;
+            texts.forEachName(asked, [&](QStringView name, QStringView identifier) {
+                actual.emplace_back(name.toString(), identifier.toString());
+            });
+            QCOMPARE(actual, expected);
+        }
     }
 
     void searchesStayTrueWhileTheDataChange()
@@ -180,6 +228,31 @@ private Q_SLOTS:
             const auto ordinary = main->filtered(criteriaFor(text) + u" OR Object_ID = 'none'"_s);
             QCOMPARE(identifiersOf(fast), identifiersOf(ordinary));
         }
+    }
+
+    void hitsAreNamedAsTheyStandInTheFileAtThatMoment()
+    {
+        TestWorld world;
+        const QString path = world.createDatabase();
+        world.openDatabase(path);
+        const auto& main = world.session.RsMain;
+        for (int i = 1; i <= 3; ++i)
+            TestWorld::addRow(main, {u"水"_s, u"M-%1"_s.arg(i), u"飲む"_s});
+        const auto hits = main->filtered(criteriaFor(u"水"_s));
+        QCOMPARE(namesOf(hits), QStringList({u"水 M-1"_s, u"水 M-2"_s, u"水 M-3"_s}));
+        main->findFirst(u"Object_ID ='M-2'"_s);
+        main->edit();
+        main->setField(0, u"湯"_s);
+        main->update();
+        QCOMPARE(namesOf(hits), QStringList({u"水 M-1"_s, u"湯 M-2"_s, u"水 M-3"_s}));
+        const auto other = RecordSet::openTable(Database::open(path), schema::Main());
+        other->findFirst(u"Object_ID ='M-3'"_s);
+        other->deleteRow();
+        QCOMPARE(namesOf(hits), QStringList({u"水 M-1"_s, u"湯 M-2"_s}));
+        const sqlite::Transaction undone(world.session.OpenDb->connection());
+        main->findFirst(u"Object_ID ='M-1'"_s);
+        main->deleteRow();
+        QCOMPARE(namesOf(hits), QStringList(u"湯 M-2"_s));
     }
 
     void hitsComeInTheOrderOfTheRowsAfterAnEdit()
