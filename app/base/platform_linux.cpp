@@ -241,13 +241,15 @@ LargeMemory largeMemory(std::size_t bytes)
     void* const memory = std::malloc(bytes);
     if (memory == nullptr)
         throw std::bad_alloc();
-    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto start = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (start + page - 1) / page * page;
-    const std::uintptr_t end = (start + bytes) / page * page;
-    // Where the system refuses, or too little is asked for, small pages do.
-    if (first < end)
+    constexpr std::size_t LargePage = std::size_t{2} << 20;
+    if (bytes >= LargePage) {
+        const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+        const auto start = reinterpret_cast<std::uintptr_t>(memory);
+        const std::uintptr_t first = (start + page - 1) / page * page;
+        const std::uintptr_t end = (start + bytes) / page * page;
+        // Where the system refuses, small pages do.
         madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    }
     return LargeMemory(memory, {bytes});
 }
 
