@@ -28,7 +28,7 @@ void fileIn(Session& session, const QString& categoryIdentifier, const QString& 
     const auto present = GetFilterResult(session.reporting, session.RsCategory,
                                          u"Category_ID ='"_s + categoryIdentifier + u"' AND Object_ID = '"_s +
                                              identifier + u"'"_s);
-    if (required(present).recordCount() > 0)
+    if (required(present).hasRows())
         return;
     RecordSet& memberships = required(session.RsCategory);
     memberships.addNew();
@@ -45,7 +45,7 @@ void takeOutOfAncestors(Session& session, const QString& categoryIdentifier, con
         const auto memberships =
             GetFilterResult(session.reporting, session.RsCategory,
                             u"Category_ID = '"_s + ancestor + u"' AND Object_ID = '"_s + identifier + u"'"_s);
-        if (required(memberships).recordCount() > 0) {
+        if (required(memberships).hasRows()) {
             memberships->moveFirst();
             memberships->deleteRow();
         }

@@ -8,13 +8,13 @@
 #include "core/categories.h"
 #include "core/file_data.h"
 #include "core/form_mode.h"
+#include "core/identifier_set.h"
+#include "core/late_notices.h"
 #include "core/links.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_together.h"
-
-#include <QSet>
 
 #include <utility>
 
@@ -56,39 +56,6 @@ void tellNotFound(Session& session)
     session.dialogs.messageBox(
         {.text = u"指定されたデータが見つかりませんでした。"_s, .title = titles::DataResearch});
 }
-
-/// What there is to tell about a durable write. It waits for the end of the write: no box may stand open while the
-/// file is locked for other programs.
-class LateNotices
-{
-public:
-    LateNotices(Session& session, Database& database) : m_session(session), m_database(database) {}
-
-    void add(std::function<void()> notice) { m_notices.push_back(std::move(notice)); }
-    /// Runs a part of the write under its own name: a failure is noted and ends that part.
-    template <class Operation> void trap(const QString& location, Operation&& operation)
-    {
-        const auto onFailure = [&](const Error& error) {
-            // A full disk, for one, undoes everything by itself; then there is no write to go on with.
-            if (!m_database.connection().inTransaction())
-                throw error;
-            add([this, location, number = error.number] {
-                ReportError(m_session.reporting, number, location);
-            });
-        };
-        guardedBy(onFailure, std::forward<Operation>(operation));
-    }
-    void tell() const
-    {
-        for (const auto& notice : m_notices)
-            notice();
-    }
-
-private:
-    Session& m_session;
-    Database& m_database;
-    std::vector<std::function<void()>> m_notices;
-};
 
 DataWindow* windowShowing(Session& session, const ShownKind& kind, const QString& identifier)
 {
@@ -210,7 +177,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
     Database& database = required(session.RsMain).database();
     LateNotices notices(session, database);
     writeTogether(database, [&] {
-        QSet<QString> gone;
+        IdentifierSet gone(identifiers.size());
         for (const QString& identifier : identifiers) {
             bool rowDeleted = false;
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
@@ -228,7 +195,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
             deleted.push_back(rowDeleted);
             advance();
         }
-        const auto isGone = [&](QStringView identifier) { return gone.contains(identifier.toString()); };
+        const auto isGone = [&](QStringView identifier) { return gone.contains(identifier); };
         notices.trap(u"DeleteRelationalLink"_s, [&] {
             required(session.RsLink).deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
                 return isGone(link.text(0)) || isGone(link.text(1));

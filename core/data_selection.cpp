@@ -4,7 +4,6 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/name_lookup.h"
-#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 
@@ -12,6 +11,42 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+namespace
+{
+
+/// Knows for which identifiers `GetDataName` answers the name of the very row that is listed, so that it need not be
+/// asked: those of the row's own table, where no two rows have the same one.
+class OwnNames
+{
+public:
+    OwnNames(const Session& session, const RecordSet& data)
+        : m_unique(data.database().isAsDeclared(data.table())), m_main(isOf(session.RsMain, data)),
+          m_refDoc(isOf(session.RsRefDoc, data)), m_refFile(isOf(session.RsRefFile, data))
+    {
+    }
+
+    bool isFor(QStringView identifier) const
+    {
+        // Nothing is equal to a field that holds nothing, and no criteria text can hold a quote.
+        if (!m_unique || identifier.isEmpty() || identifier.contains(u'\''))
+            return false;
+        return identifier.startsWith(u'F') ? m_refFile : identifier.startsWith(u'R') ? m_refDoc : m_main;
+    }
+
+private:
+    static bool isOf(const std::shared_ptr<RecordSet>& table, const RecordSet& data)
+    {
+        return table && &table->table() == &data.table() && &table->database() == &data.database();
+    }
+
+    bool m_unique;
+    bool m_main;
+    bool m_refDoc;
+    bool m_refFile;
+};
+
+} // namespace
 
 qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& recordSet, SelectionUse use,
                       ListFill fill)
@@ -26,12 +61,14 @@ qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& record
         RecordSet& data = required(recordSet);
         if (data.recordCount() > 0) {
             const auto rows = window.fillRows();
+            const OwnNames ownNames(session, data);
             DataNameLookup names(session);
-            data.forEachRow({1}, [&](const RecordSet::Row& row) {
-                const QString identifier = row.text(0).toString();
-                const QString name = names.name(identifier);
-                const QString kind = GetDivName(session, identifier, DivName::ShortName);
-                rows->append(name, kind, identifier);
+            KindWords kinds(session);
+            data.forEachName([&](QStringView name, QStringView identifier) {
+                if (ownNames.isFor(identifier))
+                    rows->append(name, kinds.of(identifier), identifier);
+                else
+                    rows->append(names.name(identifier), kinds.of(identifier), identifier);
             });
         }
         if (use == SelectionUse::Show) {

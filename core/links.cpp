@@ -134,15 +134,14 @@ void SetAllLinkList(Session& session)
         qint64 count = 0;
         {
             const auto rows = window.fillRows();
-            DataNameLookup names(session);
+            DataNameLookup names(session, 2 * links.recordCount());
+            KindWords kinds(session);
             links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
-                const QString source = link.text(0).toString();
-                const QString target = link.text(1).toString();
+                const QStringView source = link.text(0);
+                const QStringView target = link.text(1);
                 const QString sourceName = names.name(source);
                 const QString targetName = names.name(target);
-                const QString sourceKind = GetDivName(session, source, DivName::ShortName);
-                const QString targetKind = GetDivName(session, target, DivName::ShortName);
-                rows->append({sourceName, sourceKind, source}, {targetName, targetKind, target});
+                rows->append({sourceName, kinds.of(source), source}, {targetName, kinds.of(target), target});
                 ++count;
             });
         }

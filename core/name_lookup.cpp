@@ -3,8 +3,11 @@
 #include "app/base/titles.h"
 #include "core/categories.h"
 #include "core/data_records.h"
+#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,30 +26,76 @@ NameLookup::NameLookup(const std::shared_ptr<RecordSet>& recordSet, int nameFiel
         quoted(identifierField) + u" = ? ORDER BY rowid LIMIT 1"_s);
 }
 
-bool NameLookup::canLookUp(const QString& identifier) const
+bool NameLookup::canLookUp(QStringView identifier) const
 {
     return m_statement != nullptr && !identifier.contains(u'\'');
 }
 
-QString NameLookup::name(const QString& identifier)
+QString NameLookup::name(QStringView identifier)
 {
     const sqlite::ResetAtEnd reset(*m_statement);
     m_statement->bind(1, identifier);
     return m_statement->step() ? m_statement->text(0).toString() : titles::Unknown;
 }
 
-DataNameLookup::DataNameLookup(Session& session)
-    : m_session(session), m_main(session.RsMain, 0, 1), m_refDoc(session.RsRefDoc, 0, 1),
-      m_refFile(session.RsRefFile, 0, 1)
+TableNames::TableNames(const RecordSet& recordSet) : m_names(static_cast<qsizetype>(recordSet.recordCount()))
 {
+    recordSet.forEachRow({0, 1}, [this](const RecordSet::Row& row) {
+        const QStringView identifier = row.text(1);
+        // Nothing at all is equal to no identifier, and some can stand in no criteria text.
+        const bool isNothing = identifier.isEmpty() && row.isNull(1);
+        if (!isNothing && !identifier.contains(u'\''))
+            m_names.insert(identifier, kept(row.text(0)));
+    });
 }
 
-QString DataNameLookup::name(const QString& identifier)
+QStringView TableNames::kept(QStringView name)
 {
-    NameLookup& names = identifier.startsWith(u'F')   ? m_refFile
-                        : identifier.startsWith(u'R') ? m_refDoc
-                                                      : m_main;
-    return names.canLookUp(identifier) ? names.name(identifier) : GetDataName(m_session, identifier);
+    constexpr qsizetype ChunkUnits = 65536;
+    if (name.size() > m_free) {
+        m_free = std::max(name.size(), ChunkUnits);
+        m_chunks.push_back(std::make_unique_for_overwrite<char16_t[]>(static_cast<std::size_t>(m_free)));
+        m_next = m_chunks.back().get();
+    }
+    char16_t* const start = m_next;
+    std::copy_n(name.utf16(), name.size(), start);
+    m_next += name.size();
+    m_free -= name.size();
+    return {start, name.size()};
+}
+
+DataNameLookup::DataNameLookup(Session& session, qint64 lookUps)
+    : m_session(session), m_main{NameLookup(session.RsMain, 0, 1), {}},
+      m_refDoc{NameLookup(session.RsRefDoc, 0, 1), {}}, m_refFile{NameLookup(session.RsRefFile, 0, 1), {}}
+{
+    // Finding one row anywhere in the file takes as long as reading so many one after the other.
+    constexpr qint64 RowsPerLookUp = 4;
+    const auto readAll = [&](const std::shared_ptr<RecordSet>& recordSet, Table& table) {
+        if (recordSet && recordSet->recordCount() < lookUps * RowsPerLookUp)
+            table.all.emplace(*recordSet);
+    };
+    if (lookUps == 0)
+        return;
+    readAll(session.RsMain, m_main);
+    readAll(session.RsRefDoc, m_refDoc);
+    readAll(session.RsRefFile, m_refFile);
+}
+
+QString DataNameLookup::name(QStringView identifier)
+{
+    return name(identifier.startsWith(u'F')   ? m_refFile
+                : identifier.startsWith(u'R') ? m_refDoc
+                                              : m_main,
+                identifier);
+}
+
+QString DataNameLookup::name(Table& table, QStringView identifier)
+{
+    if (const QStringView* known = table.all ? table.all->find(identifier) : nullptr)
+        return QString::fromRawData(known->data(), known->size());
+    if (!table.single.canLookUp(identifier))
+        return GetDataName(m_session, identifier.toString());
+    return table.all ? titles::Unknown : table.single.name(identifier);
 }
 
 CategoryNameLookup::CategoryNameLookup(Session& session)
@@ -58,6 +107,17 @@ QString CategoryNameLookup::name(const QString& categoryIdentifier)
 {
     return m_categories.canLookUp(categoryIdentifier) ? m_categories.name(categoryIdentifier)
                                                       : GetCategoryName(m_session, categoryIdentifier);
+}
+
+QStringView KindWords::of(QStringView identifier)
+{
+    const char16_t letter = identifier.isEmpty() ? u'\0' : identifier.front().unicode();
+    const auto known = std::find_if(m_known.begin(), m_known.end(),
+                                    [letter](const Kind& kind) { return kind.letter == letter; });
+    if (known != m_known.end())
+        return known->word;
+    m_known.push_back({letter, GetDivName(m_session, identifier.toString(), DivName::ShortName)});
+    return m_known.back().word;
 }
 
 } // namespace quillon

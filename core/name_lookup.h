@@ -1,10 +1,14 @@
 #pragma once
 
+#include "core/identifier_table.h"
 #include "store/sqlite/statement.h"
 
 #include <QString>
+#include <QStringView>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace quillon
 {
@@ -22,26 +26,54 @@ public:
 
     /// Whether this way of looking up is open: not without a table, and not for an identifier that no criteria text
     /// can hold. The caller then takes the ordinary way with its ordinary failure.
-    bool canLookUp(const QString& identifier) const;
+    bool canLookUp(QStringView identifier) const;
     /// The name, "不明" when there is no such row.
-    QString name(const QString& identifier);
+    QString name(QStringView identifier);
 
 private:
     std::unique_ptr<sqlite::Statement> m_statement;
+};
+
+/// The names of a whole data table by identifier, read in one pass; those of identifiers that no criteria text can
+/// hold are left out.
+class TableNames
+{
+public:
+    explicit TableNames(const RecordSet& recordSet);
+
+    /// The name of the first row with this identifier, or null. It lives as long as this.
+    const QStringView* find(QStringView identifier) const { return m_names.find(identifier); }
+
+private:
+    QStringView kept(QStringView name);
+
+    IdentifierTable<QStringView> m_names;
+    std::vector<std::unique_ptr<char16_t[]>> m_chunks;
+    char16_t* m_next = nullptr; // the first free unit of the last chunk
+    qsizetype m_free = 0;       // how many of them there are
 };
 
 /// `GetDataName` for many identifiers.
 class DataNameLookup
 {
 public:
-    explicit DataNameLookup(Session& session);
-    QString name(const QString& identifier);
+    /// `lookUps`: about how many there will be, if there may be many of them.
+    explicit DataNameLookup(Session& session, qint64 lookUps = 0);
+    /// The name, valid as long as this lives.
+    QString name(QStringView identifier);
 
 private:
+    /// One of the data tables; its names are read all at once where this takes less time than looking them up.
+    struct Table {
+        NameLookup single;
+        std::optional<TableNames> all;
+    };
+    QString name(Table& table, QStringView identifier);
+
     Session& m_session;
-    NameLookup m_main;
-    NameLookup m_refDoc;
-    NameLookup m_refFile;
+    Table m_main;
+    Table m_refDoc;
+    Table m_refFile;
 };
 
 /// `GetCategoryName` for many identifiers.
@@ -54,6 +86,23 @@ public:
 private:
     Session& m_session;
     NameLookup m_categories;
+};
+
+/// The short kind words of many identifiers.
+class KindWords
+{
+public:
+    explicit KindWords(Session& session) : m_session(session) {}
+    /// `GetDivName` of an identifier, valid as long as this lives.
+    QStringView of(QStringView identifier);
+
+private:
+    struct Kind {
+        char16_t letter; // decides alone; 0 for an identifier without any
+        QString word;
+    };
+    Session& m_session;
+    std::vector<Kind> m_known;
 };
 
 } // namespace quillon

@@ -1,4 +1,6 @@
+#include "core/data_records.h"
 #include "core/links.h"
+#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
@@ -63,6 +65,44 @@ private Q_SLOTS:
                                            u"不明|不明|不明|定義|X-991231-001|M-991231-009"_s}));
         QCOMPARE(list().count, u"現在の情報リンク総数 ：  5"_s);
         QCOMPARE(list().shown, 1);
+    }
+
+    void namesAreThoseOfEachDatum_data()
+    {
+        QTest::addColumn<int>("data");
+        QTest::addColumn<int>("links");
+        // Names are looked up one by one or read all at once, whatever is quicker.
+        QTest::newRow("few links, many data") << 300 << 5;
+        QTest::newRow("many links, few data") << 20 << 300;
+    }
+
+    void namesAreThoseOfEachDatum()
+    {
+        QFETCH(int, data);
+        QFETCH(int, links);
+        const auto identifier = [](int number) {
+            return u"%1-991230-%2"_s.arg(QChar(u"MRF"[number % 3])).arg(number, 3, 10, QChar(u'0'));
+        };
+        QStringList expected;
+        sqlite::Transaction transaction(session().OpenDb->connection());
+        for (int i = 0; i < data; i += 2) { // every other one is missing
+            const auto table = i % 3 == 0   ? session().RsMain
+                               : i % 3 == 1 ? session().RsRefDoc
+                                            : session().RsRefFile;
+            TestWorld::addRow(table, {u"語"_s.repeated(i % 40) + QString::number(i), identifier(i), u"…"_s});
+        }
+        for (int i = 0; i < links; ++i) {
+            const QString source = identifier(i % data);
+            const QString target = i % 7 == 0 ? u"odd %1"_s.arg(i) : identifier((i * 5 + i / data) % data);
+            addLink(source, target);
+            expected << GetDataName(session(), source) + u'|' +
+                            GetDivName(session(), source, DivName::ShortName) + u'|' +
+                            GetDataName(session(), target) + u'|' +
+                            GetDivName(session(), target, DivName::ShortName) + u'|' + source + u'|' + target;
+        }
+        transaction.commit();
+        SetAllLinkList(session());
+        QCOMPARE(list().rows, expected);
     }
 
     void listIsRebuiltFromScratch()

@@ -148,10 +148,46 @@ private Q_SLOTS:
 
     void linesOfAnotherTableOfDataAreNamedAfterTheirKind()
     {
-        // The name is looked up by the identifier and not read from the row.
+        // The name is that of the identifier, not that of the row.
         TestWorld::addRow(session().RsRefDoc, {u"迷子"_s, u"M-991231-002"_s, u""_s});
         CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Replace);
         QCOMPARE(window().rows.last(), u"氷|定義|M-991231-002"_s);
+    }
+
+    void theFirstOfTwoRowsWithOneIdentifierGivesTheName()
+    {
+        session().OpenDb->execute(u"DROP TABLE Main"_s);
+        session().OpenDb->execute(u"CREATE TABLE Main (Name TEXT, Object_ID TEXT, Explanation TEXT)"_s);
+        session().RsMain = RecordSet::openTable(session().OpenDb, schema::Main());
+        TestWorld::addRow(session().RsMain, {u"水"_s, u"M-1"_s, u"液体"_s});
+        TestWorld::addRow(session().RsMain, {u"氷"_s, u"M-1"_s, u"固体"_s});
+        const auto hits = session().RsMain->filtered(u"Name Like '*体*' OR Explanation Like '*体*'"_s);
+        CreateDataList(session(), hits, SelectionUse::Show, ListFill::Replace);
+        QCOMPARE(window().rows, QStringList({u"水|定義|M-1"_s, u"水|定義|M-1"_s}));
+    }
+
+    void hitsOfASearchAreListedAsTheyStandInTheFile()
+    {
+        const QString criteria = u"Name Like '*体*' OR Explanation Like '*体*'"_s;
+        TestWorld::addRow(session().RsMain, {u"ﾃﾞｰﾀの体系"_s, u""_s, u""_s});
+        TestWorld::addRow(session().RsMain, {u"全体"_s, u"F-991231-001"_s, u""_s});
+        for (int round = 0; round < 2; ++round) {
+            CreateDataList(session(), session().RsMain->filtered(criteria), SelectionUse::Show,
+                           ListFill::Replace);
+            QCOMPARE(window().rows, QStringList({u"水|定義|M-991231-001"_s, u"氷|定義|M-991231-002"_s,
+                                                 u"ﾃﾞｰﾀの体系|不明|"_s, u"水.txt|FILE|F-991231-001"_s}));
+        }
+    }
+
+    void tablesOfThisProgramAreAsDeclaredAndOthersAreNot()
+    {
+        Database& database = *session().OpenDb;
+        for (const TableSchema* table : schema::all())
+            QVERIFY2(database.isAsDeclared(*table), qPrintable(table->name));
+        database.execute(u"DROP TABLE RefDoc"_s);
+        QVERIFY(!database.isAsDeclared(schema::RefDoc()));
+        database.execute(u"CREATE TABLE RefDoc (Name TEXT(50), Object_ID TEXT(12), Explanation MEMO)"_s);
+        QVERIFY(!database.isAsDeclared(schema::RefDoc()));
     }
 };
 

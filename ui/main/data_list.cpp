@@ -19,30 +19,6 @@ namespace
 
 const QString Location = u"CreateDataListMain"_s;
 
-/// The kind words of identifiers; a run of one kind asks once.
-class KindWords
-{
-public:
-    explicit KindWords(Session& session) : m_session(session) {}
-
-    QStringView of(QStringView identifier)
-    {
-        const QStringView letter = identifier.left(1);
-        if (!m_known || letter != m_letter) {
-            m_letter = letter.toString();
-            m_word = GetDivName(m_session, m_letter, DivName::ShortName);
-            m_known = true;
-        }
-        return m_word;
-    }
-
-private:
-    Session& m_session;
-    QString m_letter;
-    QString m_word;
-    bool m_known = false;
-};
-
 } // namespace
 
 DataListFiller::DataListFiller(Session& session, ReportModel& rows, FillProgress& progress)
