@@ -1,7 +1,11 @@
+#include "app/base/platform.h"
 #include "tests/data/form_world.h"
 #include "ui/data/text_fields.h"
 
 #include <QPushButton>
+
+#include <algorithm>
+#include <random>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -265,24 +269,61 @@ private Q_SLOTS:
         QCOMPARE(QApplication::activeWindow(), &water);
     }
 
-    void textIsConvertedOnceForEachChange()
+    void keysAreCountedWithoutReadingTheWholeText()
     {
         CountingArea area;
-        area.load(u"内容"_s);
+        area.load(u"内容\r\n"_s.repeated(1000));
         area.asked = 0;
-        QCOMPARE(area.byteLength(), 4);
-        QCOMPARE(area.byteLength(), 4); // the check and the count of one key
-        QCOMPARE(area.asked, 1);
+        QCOMPARE(area.byteLength(), 6000);
         area.moveCursor(QTextCursor::End);
-        QCOMPARE(area.byteLength(), 4);
-        QCOMPARE(area.asked, 1);
         QTest::keyClick(&area, Qt::Key_A);
-        QCOMPARE(area.byteLength(), 5);
-        QCOMPARE(area.byteLength(), 5);
-        QCOMPARE(area.asked, 2);
-        area.load(u"内"_s);
-        QCOMPARE(area.byteLength(), 2);
+        QCOMPARE(area.byteLength(), 6001);
+        QTest::keyClick(&area, Qt::Key_Return);
+        QCOMPARE(area.byteLength(), 6003); // a line break as the loaded text has them
         area.undo();
+        area.selectAll();
+        QTest::keyClick(&area, Qt::Key_Delete);
+        QCOMPARE(area.byteLength(), 0);
+        QCOMPARE(area.asked, 0);
+    }
+
+    void countIsThatOfTheText_data()
+    {
+        QTest::addColumn<QString>("loaded");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("line feeds") << u"水は液体。\nａbｃ\n\nｱｲｳ"_s;
+        QTest::newRow("carriage returns and line feeds") << u"水\r\n氷\r\n"_s;
+        QTest::newRow("mixed line breaks") << u"水\r\n氷\n雪\r霜"_s;
+        QTest::newRow("odd characters") << u"水\u2028氷\u2029雪\u00A0霜\U0001F4A7"_s;
+    }
+
+    void countIsThatOfTheText()
+    {
+        QFETCH(QString, loaded);
+        TextArea area;
+        const auto counted = [&area] { return platform::byteLength932(area.content()); };
+        area.load(loaded);
+        QCOMPARE(area.byteLength(), counted());
+        std::mt19937 random(5);
+        const QStringList pieces = {u"a"_s, u"水"_s, u"水\n氷"_s, u"\n\n"_s, u"ｱ\U0001F4A7"_s, u""_s};
+        for (int round = 0; round < 300; ++round) {
+            QTextCursor cursor = area.textCursor();
+            const auto place = [&] {
+                return static_cast<int>(random() % static_cast<unsigned>(area.document()->characterCount()));
+            };
+            cursor.setPosition(place());
+            if (random() % 2 == 0)
+                cursor.setPosition(std::min(cursor.position() + 5, place()), QTextCursor::KeepAnchor);
+            if (random() % 4 == 0)
+                area.undo();
+            else if (random() % 8 == 0)
+                area.redo();
+            else
+                cursor.insertText(pieces[static_cast<qsizetype>(random() % 6)]);
+            QCOMPARE(area.byteLength(), counted());
+        }
+        area.load(loaded);
+        QCOMPARE(area.byteLength(), counted());
         area.clear();
         QCOMPARE(area.byteLength(), 0);
     }

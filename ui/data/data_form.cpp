@@ -29,6 +29,7 @@ namespace quillon
 namespace
 {
 
+constexpr int IdentifierField = 1;
 constexpr double NameLimit = 25; // full-width characters
 constexpr int NameBytes = 50;    // the remaining count counts down from here
 
@@ -134,7 +135,8 @@ QString DataForm::openDatabaseFile() const
 bool DataForm::findRow() const
 {
     // A database that was opened later may hold another datum of the same identifier.
-    if (QFileInfo(m_databaseFile) != QFileInfo(openDatabaseFile()))
+    const QString open = openDatabaseFile();
+    if (m_databaseFile != open && QFileInfo(m_databaseFile) != QFileInfo(open))
         return false;
     const QString identifier = fieldText(1);
     rows().findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
@@ -167,19 +169,26 @@ bool DataForm::CheckInput()
     return contentFits && contentFilled;
 }
 
-void DataForm::writeFields(RecordSet& recordSet) const
-{
-    for (int i = 0; i <= session().MainLastFieldIndex; ++i)
-        recordSet.setField(i, fieldText(i));
-    recordSet.update();
-}
-
 void DataForm::addRow()
 {
     RecordSet& recordSet = rows();
     recordSet.addNew();
-    writeFields(recordSet);
+    for (int i = 0; i <= session().MainLastFieldIndex; ++i)
+        recordSet.setField(i, fieldText(i));
+    recordSet.update();
     m_databaseFile = openDatabaseFile();
+}
+
+void DataForm::changeRow()
+{
+    RecordSet& recordSet = rows();
+    recordSet.edit();
+    for (int i = 0; i <= session().MainLastFieldIndex; ++i) {
+        // The row was found by its identifier. Saving that again would write its index again, too.
+        if (i != IdentifierField)
+            recordSet.setField(i, fieldText(i));
+    }
+    recordSet.update();
 }
 
 void DataForm::classifyInListedCategories()
@@ -258,9 +267,7 @@ void DataForm::mnuDataUpdate_Click()
         return;
     if (!findRow())
         throw Error(errors::NoCurrentRecord);
-    RecordSet& recordSet = rows();
-    recordSet.edit();
-    writeFields(recordSet);
+    changeRow();
     if (m_design.updateClassifies)
         classifyInListedCategories();
     session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});

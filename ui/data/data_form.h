@@ -124,7 +124,8 @@ private:
     QString openDatabaseFile() const;
     /// Goes to the datum's row; false when it is gone.
     bool findRow() const;
-    void writeFields(RecordSet& rows) const;
+    /// Saves the fields to the row that was found.
+    void changeRow();
     void buildFields();
     void buildLists();
     void arrange();

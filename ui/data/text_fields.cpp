@@ -7,10 +7,35 @@
 #include <QStyle>
 #include <QTextBlock>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+namespace
+{
+
+/// How many bytes a line takes, as a part of a sum that forgets the line when the document does. The sum is shared,
+/// because a document may outlive its field by a moment.
+class LineBytes : public QTextBlockUserData
+{
+public:
+    LineBytes(std::shared_ptr<qsizetype> sum, qsizetype bytes) : m_sum(std::move(sum)), m_bytes(bytes)
+    {
+        *m_sum += m_bytes;
+    }
+    ~LineBytes() override { *m_sum -= m_bytes; }
+    LineBytes(const LineBytes&) = delete;
+    LineBytes& operator=(const LineBytes&) = delete;
+
+private:
+    std::shared_ptr<qsizetype> m_sum;
+    qsizetype m_bytes;
+};
+
+} // namespace
 
 void KeptText::keep(const QString& loaded, const QString& asShown)
 {
@@ -21,8 +46,13 @@ void KeptText::keep(const QString& loaded, const QString& asShown)
 qsizetype TextField::byteLength() const
 {
     if (m_bytes == Unknown)
-        m_bytes = platform::byteLength932(content());
+        m_bytes = countBytes();
     return m_bytes;
+}
+
+qsizetype TextField::countBytes() const
+{
+    return platform::byteLength932(content());
 }
 
 TextLine::TextLine(QWidget* parent) : QLineEdit(parent)
@@ -46,6 +76,9 @@ QString TextLine::content() const
 TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
 {
     setTabChangesFocus(true);
+    // A key changes a line or two of thousands.
+    connect(document(), &QTextDocument::contentsChange, this,
+            [this](int from, int, int added) { countLines(from, added); });
     connect(document(), &QTextDocument::contentsChanged, this, [this] { textHasChanged(); });
 }
 
@@ -55,6 +88,7 @@ void TextArea::load(const QString& text)
     m_kept.keep(text, shown());
     textHasChanged();
     m_carriageReturns = text.contains(u"\r\n"_s);
+    m_loadedAsShown = bytesShown() == platform::byteLength932(text);
 }
 
 QString TextArea::content() const
@@ -70,6 +104,24 @@ QString TextArea::shown() const
     // Not toPlainText(): that turns no-break spaces and line separators into others.
     QString text = document()->toRawText();
     return text.replace(QChar(QChar::ParagraphSeparator), u'\n');
+}
+
+void TextArea::countLines(int from, int added)
+{
+    for (QTextBlock line = document()->findBlock(from); line.isValid() && line.position() <= from + added;
+         line = line.next())
+        line.setUserData(new LineBytes(m_bytesOfLines, platform::byteLength932(line.text())));
+}
+
+qsizetype TextArea::bytesShown() const
+{
+    const qsizetype lineBreaks = document()->blockCount() - 1;
+    return *m_bytesOfLines + lineBreaks * (m_carriageReturns ? 2 : 1);
+}
+
+qsizetype TextArea::countBytes() const
+{
+    return m_loadedAsShown ? bytesShown() : TextField::countBytes();
 }
 
 QSize TextArea::sizeHint() const

@@ -4,6 +4,8 @@
 #include <QPlainTextEdit>
 #include <QString>
 
+#include <memory>
+
 namespace quillon
 {
 
@@ -37,6 +39,7 @@ public:
     qsizetype byteLength() const;
 
 protected:
+    virtual qsizetype countBytes() const;
     /// To be called whenever the text has changed.
     void textHasChanged() { m_bytes = Unknown; }
 
@@ -77,14 +80,20 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    qsizetype countBytes() const override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QString shown() const;
     QSize sizeOf(int characters, int lines) const;
+    /// Counts the bytes of the lines of `added` characters from `from` on.
+    void countLines(int from, int added);
+    qsizetype bytesShown() const;
 
     KeptText m_kept;
     bool m_carriageReturns = false; // the loaded text ends its lines with CR LF
+    std::shared_ptr<qsizetype> m_bytesOfLines = std::make_shared<qsizetype>(0);
+    bool m_loadedAsShown = true; // what was loaded has as many bytes as what is shown of it
 };
 
 } // namespace quillon
