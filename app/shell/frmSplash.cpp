@@ -35,8 +35,10 @@ QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, con
     label->setTextFormat(Qt::PlainText); // runs of blanks stay as they stand
     label->setAlignment(Qt::AlignCenter);
     QFont font = label->font();
+    // The font itself may be given in pixels. Asked of the one that is loaded anyway: each further one takes time.
+    const double points = QFontInfo(font).pointSizeF();
     font.setFamilies(families + font.families());
-    font.setPointSizeF(QFontInfo(font).pointSizeF() * scale); // the font itself may be given in pixels
+    font.setPointSizeF(points * scale);
     font.setBold(bold);
     label->setFont(font);
     return label;
