@@ -60,9 +60,10 @@ Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_uniqu
     if (mode == Mode::CreateNew)
         createEmptyFile(path);
     // Never with the right to create: a file that vanishes in between must not come back empty.
-    const int code =
-        sqlite3_open_v2(path.toUtf8().constData(), &m_handle,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE, nullptr);
+    const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_handle,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE |
+                                         SQLITE_OPEN_EXRESCODE,
+                                     nullptr);
     try {
         check(m_handle, code);
         configure();
@@ -97,7 +98,7 @@ void Connection::configure()
     check(m_handle, sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
     execute(u"PRAGMA cell_size_check = ON"_s);
     execute(u"PRAGMA synchronous = FULL"_s);
-    execute(u"PRAGMA cache_size = -65536"_s); // kibibytes: names are looked up all over the file
+    execute(u"PRAGMA cache_size = -8192"_s); // kibibytes: names are looked up all over the file
     execute(u"PRAGMA temp_store = MEMORY"_s);
 }
 
