@@ -1,5 +1,6 @@
 #include "bench/bare_database.h"
 #include "bench/corpora.h"
+#include "bench/heap.h"
 #include "bench/pair.h"
 #include "bench/quiet_program.h"
 #include "store/session.h"
@@ -8,8 +9,6 @@
 #include "ui/widgets/report_list.h"
 
 #include <QProgressBar>
-
-#include <malloc.h>
 
 #include <memory>
 
@@ -81,12 +80,6 @@ void startAndOpen125000(benchmark::State& state)
              .floor = [&] { readAllData(path); }});
 }
 BENCHMARK(startAndOpen125000)->UseManualTime()->Iterations(9);
-
-double heapInUse()
-{
-    const struct mallinfo2 heap = mallinfo2();
-    return static_cast<double>(heap.uordblks + heap.hblkhd);
-}
 
 /// A list of a million rows as the program fills it, without a view.
 class MillionRows

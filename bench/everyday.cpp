@@ -2,22 +2,15 @@
 
 #include "app/base/ports/data_window.h"
 #include "app/base/ports/main_window_port.h"
-#include "app/base/titles.h"
-#include "core/data_records.h"
 #include "store/record_set.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
-#include <QAction>
-#include <QCheckBox>
 #include <QCoreApplication>
-#include <QEvent>
 #include <QHeaderView>
-#include <QKeyEvent>
-#include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
+#include <QProgressBar>
 
 #include <stdexcept>
 
@@ -25,29 +18,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::bench
 {
-
-namespace
-{
-
-// About one datum in a thousand has it.
-const QString SearchedText = u"蒸留水"_s;
-const QString Definition = u"水を熱して得た蒸気を冷やし、再び液体にしたもの。不純物をほとんど含まない。\n"_s;
-
-void require(bool holds, const char* what)
-{
-    if (!holds)
-        throw std::runtime_error(what);
-}
-
-void press(QWidget& widget, int key, const QString& text)
-{
-    QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
-    QCoreApplication::sendEvent(&widget, &down);
-    QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
-    QCoreApplication::sendEvent(&widget, &up);
-}
-
-} // namespace
 
 Everyday::Everyday(const QString& path) : m_path(path), m_program(std::make_unique<QuietProgram>())
 {
@@ -74,11 +44,15 @@ DataWindow& Everyday::definitionWindow()
     return dynamic_cast<DataWindow&>(window(u"frmMainData"_s));
 }
 
-template <class Control> Control& Everyday::control(const QString& windowName, const QString& name)
+QPlainTextEdit& Everyday::contentField()
 {
-    auto* found = window(windowName).findChild<Control*>(name);
-    require(found != nullptr, "a control is missing");
-    return *found;
+    return control<QPlainTextEdit>(u"frmMainData"_s, u"txtFields(2)"_s);
+}
+
+void Everyday::require(bool holds, const char* what)
+{
+    if (!holds)
+        throw std::runtime_error(what);
 }
 
 void Everyday::requireList(const ReportList& list, const char* what)
@@ -86,16 +60,39 @@ void Everyday::requireList(const ReportList& list, const char* what)
     require(list.rows().rowCount() > 0 && m_painted.contains(list), what);
 }
 
+void Everyday::settle()
+{
+    // What one event puts off, such as laying out and then painting a list, comes with the next turns.
+    constexpr int Turns = 10;
+    for (int turn = 0; turn < Turns; ++turn)
+        QCoreApplication::processEvents();
+    m_painted.forget();
+}
+
+void Everyday::awaitPainting(const QWidget& widget)
+{
+    constexpr int MostTurns = 100;
+    for (int turn = 0; turn < MostTurns && !m_painted.contains(widget); ++turn)
+        QCoreApplication::processEvents();
+}
+
 void Everyday::closeOtherWindows()
 {
     m_program->closeOtherWindows();
-    m_painted.forget();
+    settle();
 }
 
 void Everyday::listEverything()
 {
     m_program->clickNode(u"DIV"_s);
     closeOtherWindows();
+}
+
+void Everyday::hideProgress()
+{
+    if (auto* bar = m_program->mainWindow().findChild<QProgressBar*>(u"pgbMain"_s))
+        bar->setParent(&m_hidden);
+    settle();
 }
 
 Task Everyday::openingAndListing()
@@ -105,9 +102,13 @@ Task Everyday::openingAndListing()
                 [this] {
                     m_program.reset();
                     m_program = std::make_unique<QuietProgram>();
-                    m_painted.forget();
+                    settle();
                 },
-            .work = [this] { m_program->open(m_path); },
+            .work =
+                [this] {
+                    m_program->open(m_path);
+                    awaitPainting(m_program->list());
+                },
             .check = [this] { requireList(m_program->list(), "the list was not painted"); }};
 }
 
@@ -118,7 +119,7 @@ Task Everyday::sorting()
             .work =
                 [this] {
                     Q_EMIT m_program->list().horizontalHeader()->sectionClicked(0);
-                    QCoreApplication::processEvents();
+                    awaitPainting(m_program->list());
                 },
             .check = [this] { requireList(m_program->list(), "the sorted list was not painted"); }};
 }
@@ -130,7 +131,7 @@ Task Everyday::buildingTree()
             .work =
                 [this] {
                     m_program->mainWindow().rebuildCategoryTree();
-                    QCoreApplication::processEvents();
+                    awaitPainting(m_program->tree());
                 },
             .check =
                 [this] {
@@ -148,7 +149,7 @@ Task Everyday::listingUncategorised()
             .work =
                 [this] {
                     m_program->clickNode(u"M_DIV_NOCATEGORY"_s);
-                    QCoreApplication::processEvents();
+                    awaitPainting(m_program->list());
                 },
             .check = [this] { requireList(m_program->list(), "the uncategorised were not listed"); }};
 }
@@ -160,144 +161,9 @@ Task Everyday::listingNode()
             .work =
                 [this] {
                     m_program->clickNode(u"A"_s);
-                    QCoreApplication::processEvents();
+                    awaitPainting(m_program->list());
                 },
             .check = [this] { requireList(m_program->list(), "the members were not listed"); }};
-}
-
-void Everyday::prepareSearch()
-{
-    closeOtherWindows();
-    m_program->mainWindow().mnuFindName_Click();
-    control<QLineEdit>(u"frmFind"_s, u"txtFind"_s).setText(SearchedText);
-    for (const QString& kind : {u"chkMain"_s, u"chkRefDoc"_s, u"chkRefFile"_s})
-        control<QCheckBox>(u"frmFind"_s, kind).setChecked(true);
-    QCoreApplication::processEvents();
-    m_painted.forget();
-}
-
-void Everyday::search()
-{
-    control<QPushButton>(u"frmFind"_s, u"cmdFind"_s).click();
-    QCoreApplication::processEvents();
-}
-
-void Everyday::checkFound()
-{
-    requireList(control<ReportList>(u"frmDataSelect"_s, u"lsvData"_s), "nothing was found");
-}
-
-Task Everyday::firstSearch()
-{
-    return {.name = u"First search"_s,
-            .prepare =
-                [this] {
-                    m_program->open(m_path); // what earlier searches hold in memory goes with the file
-                    prepareSearch();
-                },
-            .work = [this] { search(); },
-            .check = [this] { checkFound(); }};
-}
-
-Task Everyday::furtherSearch()
-{
-    return {.name = u"Search after the first"_s,
-            .prepare = [this] { prepareSearch(); },
-            .work = [this] { search(); },
-            .check = [this] { checkFound(); }};
-}
-
-Task Everyday::listingLinks()
-{
-    return {.name = u"Link list window"_s,
-            .prepare = [this] { closeOtherWindows(); },
-            .work =
-                [this] {
-                    m_program->mainWindow().mnuInfoLink_Click();
-                    QCoreApplication::processEvents();
-                },
-            .check =
-                [this] {
-                    const auto& links = control<ReportList>(u"frmLinkList"_s, u"lsvLink"_s);
-                    requireList(links, "the links were not listed");
-                    require(links.rows().rowCount() == session().RsLink->recordCount(), "links are missing");
-                }};
-}
-
-Task Everyday::openingItem()
-{
-    return {.name = u"Opening an item"_s,
-            .prepare =
-                [this] {
-                    closeOtherWindows();
-                    m_nextItem = (m_nextItem + 1) % m_items.size();
-                },
-            .work =
-                [this] {
-                    ShowData(session(), m_items[m_nextItem]);
-                    QCoreApplication::processEvents();
-                },
-            .check =
-                [this] {
-                    require(definitionWindow().fieldText(1) == m_items[m_nextItem],
-                            "another item was opened");
-                    require(m_painted.contains(control<QLineEdit>(u"frmMainData"_s, u"txtFields(0)"_s)),
-                            "the item was not painted");
-                }};
-}
-
-Task Everyday::registeringItem()
-{
-    // From the menu entry that opens the window to the notice that the item has been registered.
-    return {.name = u"Registering an item"_s,
-            .prepare =
-                [this] {
-                    closeOtherWindows();
-                    m_program->dialogs().announceBox(u"本データを登録しました。"_s);
-                },
-            .work =
-                [this] {
-                    m_program->mainWindow().mnuEntryMain_Click();
-                    QCoreApplication::processEvents();
-                    DataWindow& datum = definitionWindow();
-                    datum.setFieldText(0, u"蒸留水の製法"_s);
-                    datum.setFieldText(2, Definition);
-                    control<QAction>(u"frmMainData"_s, u"mnuDataEntry"_s).trigger();
-                    QCoreApplication::processEvents();
-                },
-            .check =
-                [this] {
-                    require(definitionWindow().modeText() == titles::DisplayMode,
-                            "the item was not registered");
-                    require(m_painted.contains(control<QLineEdit>(u"frmMainData"_s, u"txtFields(0)"_s)),
-                            "the item was not painted");
-                }};
-}
-
-Task Everyday::typingKey()
-{
-    return {.name = u"Typing a key into a definition"_s,
-            .prepare =
-                [this] {
-                    closeOtherWindows();
-                    m_program->mainWindow().mnuEntryMain_Click();
-                    definitionWindow().setFieldText(2, Definition);
-                    control<QPlainTextEdit>(u"frmMainData"_s, u"txtFields(2)"_s).setFocus();
-                    QCoreApplication::processEvents();
-                    m_painted.forget();
-                },
-            .work =
-                [this] {
-                    press(control<QPlainTextEdit>(u"frmMainData"_s, u"txtFields(2)"_s), Qt::Key_A, u"a"_s);
-                    QCoreApplication::processEvents();
-                },
-            .check =
-                [this] {
-                    const auto& field = control<QPlainTextEdit>(u"frmMainData"_s, u"txtFields(2)"_s);
-                    require(field.toPlainText().size() == Definition.size() + 1 && m_painted.contains(field),
-                            "the key was not taken");
-                    definitionWindow().setFieldText(2, {}); // an empty window closes without a question
-                }};
 }
 
 } // namespace quillon::bench

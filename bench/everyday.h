@@ -4,11 +4,12 @@
 #include "bench/quiet_program.h"
 
 #include <QStringList>
+#include <QWidget>
 
 #include <functional>
 #include <memory>
 
-class QWidget;
+class QPlainTextEdit;
 
 namespace quillon
 {
@@ -34,6 +35,10 @@ public:
     /// `path`: a database of the corpus maker. Registering writes to it.
     explicit Everyday(const QString& path);
 
+    /// Puts the progress bar of the main window into one that is not shown, as the last step before a task: it paints
+    /// itself by the clock, which no count of instructions can repeat.
+    void hideProgress();
+
     Task openingAndListing();
     Task sorting();
     Task buildingTree();
@@ -47,9 +52,13 @@ public:
     Task typingKey();
 
 private:
+    /// Lets everything that waits to be done or painted happen.
+    void settle();
+    /// Lets events happen until a widget has been painted since everything was settled.
+    void awaitPainting(const QWidget& widget);
     /// Back to the main window alone.
     void closeOtherWindows();
-    /// The main window alone, with all data listed and nothing else to be painted.
+    /// The main window alone, with all data listed.
     void listEverything();
     void prepareSearch();
     void search();
@@ -57,13 +66,21 @@ private:
     /// The only window of this name. Throws when there is none.
     QWidget& window(const QString& name);
     DataWindow& definitionWindow();
-    template <class Control> Control& control(const QString& windowName, const QString& name);
+    QPlainTextEdit& contentField(); // of that window
+    template <class Control> Control& control(const QString& windowName, const QString& name)
+    {
+        auto* found = window(windowName).findChild<Control*>(name);
+        require(found != nullptr, "a control is missing");
+        return *found;
+    }
     Session& session() { return m_program->session(); }
+    static void require(bool holds, const char* what);
     /// Throws unless the list has rows and has been painted.
     void requireList(const ReportList& list, const char* what);
 
     QString m_path;
     Painted m_painted;
+    QWidget m_hidden; // outlives the program, which holds on to its progress bar
     std::unique_ptr<QuietProgram> m_program;
     QStringList m_items; // some definitions from all over the table
     qsizetype m_nextItem = 0;

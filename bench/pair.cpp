@@ -6,7 +6,6 @@
 #include <chrono>
 #include <exception>
 #include <string>
-#include <vector>
 
 namespace quillon::bench
 {
@@ -14,10 +13,17 @@ namespace quillon::bench
 namespace
 {
 
-double secondsFor(const std::function<void()>& prepare, const std::function<void()>& work)
+double preparedSecondsFor(const std::function<void()>& prepare, const std::function<void()>& work)
 {
     if (prepare)
         prepare();
+    return secondsFor(work);
+}
+
+} // namespace
+
+double secondsFor(const std::function<void()>& work)
+{
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -30,7 +36,39 @@ double median(std::vector<double> values)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-void report(benchmark::State& state, const RowText& text, double operation, double floor)
+void reportFailures(benchmark::State& state, const std::function<void()>& benchmark)
+{
+    try {
+        benchmark();
+    } catch (const Error& error) {
+        state.SkipWithError(qPrintable(error.description));
+    } catch (const std::exception& error) {
+        state.SkipWithError(error.what());
+    }
+}
+
+void measure(benchmark::State& state, const RowText& text, const Pair& pair)
+{
+    reportFailures(state, [&] {
+        std::vector<double> operations;
+        std::vector<double> floors;
+        // The first round fills the caches of both sides and does not count.
+        preparedSecondsFor(pair.prepareFloor, pair.floor);
+        preparedSecondsFor(pair.prepare, pair.operation);
+        for ([[maybe_unused]] auto round : state) {
+            const bool floorFirst = operations.size() % 2 == 1;
+            if (floorFirst)
+                floors.push_back(preparedSecondsFor(pair.prepareFloor, pair.floor));
+            operations.push_back(preparedSecondsFor(pair.prepare, pair.operation));
+            if (!floorFirst)
+                floors.push_back(preparedSecondsFor(pair.prepareFloor, pair.floor));
+            state.SetIterationTime(operations.back());
+        }
+        reportTimes(state, text, median(operations), median(floors));
+    });
+}
+
+void reportTimes(benchmark::State& state, const RowText& text, double operation, double floor)
 {
     state.SetLabel(std::string(text.operation) + '|' + text.floor);
     state.counters["operation"] = operation;
@@ -39,40 +77,11 @@ void report(benchmark::State& state, const RowText& text, double operation, doub
     state.counters["figure"] = text.figure;
 }
 
-} // namespace
-
-void measure(benchmark::State& state, const RowText& text, const Pair& pair)
-{
-    std::vector<double> operations;
-    std::vector<double> floors;
-    try {
-        // The first round fills the caches of both sides and does not count.
-        secondsFor(pair.prepareFloor, pair.floor);
-        secondsFor(pair.prepare, pair.operation);
-        for ([[maybe_unused]] auto round : state) {
-            const bool floorFirst = operations.size() % 2 == 1;
-            if (floorFirst)
-                floors.push_back(secondsFor(pair.prepareFloor, pair.floor));
-            operations.push_back(secondsFor(pair.prepare, pair.operation));
-            if (!floorFirst)
-                floors.push_back(secondsFor(pair.prepareFloor, pair.floor));
-            state.SetIterationTime(operations.back());
-        }
-    } catch (const Error& error) {
-        state.SkipWithError(qPrintable(error.description));
-        return;
-    } catch (const std::exception& error) {
-        state.SkipWithError(error.what());
-        return;
-    }
-    report(state, text, median(operations), median(floors));
-}
-
 void reportBytes(benchmark::State& state, const RowText& text, double operation, double floor)
 {
     for ([[maybe_unused]] auto round : state)
         state.SetIterationTime(0);
-    report(state, text, operation, floor);
+    reportTimes(state, text, operation, floor);
     state.counters["bytes"] = 1;
 }
 

@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
+#include <vector>
 
 namespace quillon::bench
 {
@@ -25,6 +26,14 @@ struct RowText {
 /// Measures both sides in turn, each going first every other time, and reports the medians and their ratio.
 /// An exception ends the benchmark as a failed one.
 void measure(benchmark::State& state, const RowText& text, const Pair& pair);
+
+/// Seconds that `work` takes.
+double secondsFor(const std::function<void()>& work);
+double median(std::vector<double> values);
+/// Reports two times that were measured otherwise, such as medians over several searches.
+void reportTimes(benchmark::State& state, const RowText& text, double operation, double floor);
+/// Runs a benchmark that measures by itself; an exception ends it as a failed one.
+void reportFailures(benchmark::State& state, const std::function<void()>& benchmark);
 
 /// Reports a ratio that needs no repetition, such as that of two sizes in bytes.
 void reportBytes(benchmark::State& state, const RowText& text, double operation, double floor);

@@ -13,8 +13,8 @@ for group in "$@"; do
             packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
         asan) # what the sanitizers link
             packages="$packages libclang-rt-14-dev" ;;
-        bench) # what the benchmarks are built with
-            packages="$packages libbenchmark-dev" ;;
+        bench) # what the benchmarks are built with, and what they are compared with
+            packages="$packages libbenchmark-dev valgrind ripgrep" ;;
         run) # what the running program finds: a good Japanese font and the types of files
             packages="$packages fonts-noto-cjk shared-mime-info" ;;
         display) # a screen in memory with a window manager
