@@ -1,6 +1,3 @@
-#include <sys/resource.h>
-#include <malloc.h>
-#include <cstdio>
 #include "bench/bare_database.h"
 #include "bench/corpora.h"
 #include "bench/heap.h"
@@ -81,7 +78,7 @@ void firstSearch(benchmark::State& state)
     std::optional<BareDatabase> database;
     measure(state, {"The first search after opening", "reading all names and texts once through SQLite", 3},
             {.prepare = [&] { corpus.openAgain(); },
-             .operation = [&] { rusage a; getrusage(RUSAGE_SELF,&a); double t=secondsFor([&]{corpus.search(searchStrings().front().text);}); rusage b; getrusage(RUSAGE_SELF,&b); auto d=[](timeval x,timeval y){return (y.tv_sec-x.tv_sec)*1e3+(y.tv_usec-x.tv_usec)/1e3;}; struct mallinfo2 h=mallinfo2(); std::printf("op %.0f user %.0f sys %.0f flt %ld arena %.1f free %.1f top %.1f\n",t*1e3,d(a.ru_utime,b.ru_utime),d(a.ru_stime,b.ru_stime),b.ru_minflt-a.ru_minflt,h.arena/1e6,h.fordblks/1e6,h.keepcost/1e6); },
+             .operation = [&] { corpus.search(searchStrings().front().text); },
              .prepareFloor = [&] { database.emplace(corpusPath(Corpus::Default)); },
              .floor =
                  [&] {
