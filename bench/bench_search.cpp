@@ -88,7 +88,7 @@ void firstSearch(benchmark::State& state)
                      }
                  }});
 }
-BENCHMARK(firstSearch)->UseManualTime()->Iterations(7);
+BENCHMARK(firstSearch)->UseManualTime()->Iterations(15);
 
 double bytesInUtf8()
 {
