@@ -23,13 +23,15 @@ struct RowText {
     double figure = 0; // what the ratio has to stay at or below; 0: nothing is asked
 };
 
-/// Measures both sides in turn, each going first every other time, and reports the medians and their ratio.
-/// An exception ends the benchmark as a failed one.
+/// Measures both sides in turn, each going first every other time, and reports the fastest round of each and their
+/// ratio, as well as the ratio of the medians. An exception ends the benchmark as a failed one.
 void measure(benchmark::State& state, const RowText& text, const Pair& pair);
 
 /// Seconds that `work` takes.
 double secondsFor(const std::function<void()>& work);
 double median(std::vector<double> values);
+/// The least of several times of the same work: what else goes on in the computer can only add to a time.
+double fastest(const std::vector<double>& times);
 /// Reports two times that were measured otherwise, such as medians over several searches.
 void reportTimes(benchmark::State& state, const RowText& text, double operation, double floor);
 /// Runs a benchmark that measures by itself; an exception ends it as a failed one.

@@ -12,6 +12,11 @@ namespace quillon::bench
 namespace
 {
 
+QString ratioText(double ratio)
+{
+    return QString::number(ratio, 'f', ratio < 0.1 ? 3 : 2);
+}
+
 QString amount(double value, bool bytes)
 {
     if (bytes)
@@ -52,15 +57,16 @@ void ResultTable::ReportRuns(const std::vector<Run>& runs)
         const QString goal = figure > 0 ? QString::number(figure) : u"–"_s;
         const QString operation = label.section(u'|', 0, 0);
         const QString floor = label.section(u'|', 1, 1);
-        const QString measured = u"%1"_s.arg(ratio, 0, 'f', ratio < 0.1 ? 3 : 2);
-        std::printf("%-4s  ratio %7s  to reach %-4s  %s: %s, against %s: %s\n", qPrintable(verdict),
-                    qPrintable(measured), qPrintable(goal), qPrintable(operation),
+        const QString measured = ratioText(ratio);
+        const QString medians = counter("medians") > 0 ? ratioText(counter("medians")) : u"–"_s;
+        std::printf("%-4s  ratio %7s (medians %7s)  to reach %-4s  %s: %s, against %s: %s\n", qPrintable(verdict),
+                    qPrintable(measured), qPrintable(medians), qPrintable(goal), qPrintable(operation),
                     qPrintable(amount(counter("operation"), bytes)), qPrintable(floor),
                     qPrintable(amount(counter("floor"), bytes)));
         std::fflush(stdout);
-        m_rows.push_back(u"| %1 | %2 | %3 | %4 | %5 | %6 | %7 |"_s.arg(
+        m_rows.push_back(u"| %1 | %2 | %3 | %4 | %5 | %6 | %7 | %8 |"_s.arg(
             operation, amount(counter("operation"), bytes), floor, amount(counter("floor"), bytes), measured,
-            goal, verdict));
+            medians, goal, verdict));
     }
 }
 
@@ -69,8 +75,8 @@ bool ResultTable::write(const QString& path) const
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;
-    QString text = u"| Operation | Median | Floor | Median | Ratio | To reach | |\n"
-                   u"|---|---:|---|---:|---:|---:|---|\n"_s;
+    QString text = u"| Operation | Measured | Floor | Measured | Ratio | Of medians | To reach | |\n"
+                   u"|---|---:|---|---:|---:|---:|---:|---|\n"_s;
     for (const QString& row : m_rows)
         text += row + u'\n';
     return file.write(text.toUtf8()) >= 0;

@@ -58,7 +58,7 @@ private:
     QuietProgram m_program;
 };
 
-/// By string, the medians of the times that a search and its rival take.
+/// By string, the fastest of the times that a search and its rival take.
 struct SearchTimes {
     std::vector<double> searches;
     std::vector<double> rivals;
