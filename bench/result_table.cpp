@@ -59,9 +59,9 @@ void ResultTable::ReportRuns(const std::vector<Run>& runs)
         const QString floor = label.section(u'|', 1, 1);
         const QString measured = ratioText(ratio);
         const QString medians = counter("medians") > 0 ? ratioText(counter("medians")) : u"–"_s;
-        std::printf("%-4s  ratio %7s (medians %7s)  to reach %-4s  %s: %s, against %s: %s\n", qPrintable(verdict),
-                    qPrintable(measured), qPrintable(medians), qPrintable(goal), qPrintable(operation),
-                    qPrintable(amount(counter("operation"), bytes)), qPrintable(floor),
+        std::printf("%-4s  ratio %7s (medians %7s)  to reach %-4s  %s: %s, against %s: %s\n",
+                    qPrintable(verdict), qPrintable(measured), qPrintable(medians), qPrintable(goal),
+                    qPrintable(operation), qPrintable(amount(counter("operation"), bytes)), qPrintable(floor),
                     qPrintable(amount(counter("floor"), bytes)));
         std::fflush(stdout);
         m_rows.push_back(u"| %1 | %2 | %3 | %4 | %5 | %6 | %7 | %8 |"_s.arg(

@@ -2,6 +2,10 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <QPen>
+#include <QTextLayout>
+
+#include <utility>
 
 namespace quillon
 {
@@ -12,17 +16,29 @@ namespace
 // No window is so wide; laying out a whole document in a cell would only cost time.
 constexpr qsizetype LongestShown = 1000;
 
-constexpr int TextsKept = 2000; // those of a few screens
-
 bool breaksTheLine(QChar unit)
 {
     return unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
            unit == QChar::ParagraphSeparator;
 }
 
+bool hasMoreThanText(const QStyleOptionViewItem& item)
+{
+    return (item.state & (QStyle::State_Selected | QStyle::State_MouseOver)) != 0;
+}
+
+QColor textColor(const QStyleOptionViewItem& item)
+{
+    const auto group = (item.state & QStyle::State_Enabled) == 0  ? QPalette::Disabled
+                       : (item.state & QStyle::State_Active) == 0 ? QPalette::Inactive
+                                                                  : QPalette::Active;
+    const bool selected = (item.state & QStyle::State_Selected) != 0;
+    return item.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+}
+
 } // namespace
 
-OneLineDelegate::OneLineDelegate(QObject* parent) : QStyledItemDelegate(parent), m_laidOut(TextsKept) {}
+OneLineDelegate::OneLineDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
 QString OneLineDelegate::displayText(const QVariant& value, const QLocale& /*locale*/) const
 {
@@ -34,65 +50,64 @@ QString OneLineDelegate::displayText(const QVariant& value, const QLocale& /*loc
     return text;
 }
 
+void OneLineDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
+{
+    option->index = index;
+    option->features |= QStyleOptionViewItem::HasDisplay;
+    option->text = displayText(index.data(), option->locale);
+}
+
 void OneLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const
 {
     const QStyle& style = option.widget != nullptr ? *option.widget->style() : *QApplication::style();
-    // Other styles draw texts in ways of their own.
-    if (!style.inherits("QFusionStyle")) {
+    // Other styles draw texts in ways of their own, and the mark of the focus covers its text.
+    const bool plainly = style.inherits("QFusionStyle") && option.direction == Qt::LeftToRight &&
+                         (option.state & QStyle::State_HasFocus) == 0;
+    if (!plainly) {
         QStyledItemDelegate::paint(painter, option, index);
         return;
     }
     QStyleOptionViewItem item = option;
     initStyleOption(&item, index);
-    // The style lays every text out three times to draw it; it draws the rest.
-    QStyleOptionViewItem background = item;
-    background.text.clear();
-    style.drawControl(QStyle::CE_ItemViewItem, &background, painter, item.widget);
-    paintText(*painter, item);
+    const QString text = std::exchange(item.text, {});
+    // The style lays every text out three times to draw it; it draws the rest, where there is any.
+    if (hasMoreThanText(item))
+        style.drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
+    paintText(*painter, item, text);
 }
 
-void OneLineDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& option) const
+void OneLineDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& option,
+                                const QString& text) const
 {
     const QStyle& style = option.widget != nullptr ? *option.widget->style() : *QApplication::style();
     const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
     const QRect place = option.rect.adjusted(margin, 0, -margin, 0);
-    if (option.text.isEmpty() || place.width() <= 0)
+    if (text.isEmpty() || place.width() <= 0)
         return;
-    const QStaticText* line = &laidOut(option.text, option.font);
-    if (line->size().width() > place.width())
-        line = &laidOut(option.fontMetrics.elidedText(option.text, option.textElideMode, place.width()),
-                        option.font);
-    const auto group = (option.state & QStyle::State_Enabled) == 0  ? QPalette::Disabled
-                       : (option.state & QStyle::State_Active) == 0 ? QPalette::Inactive
-                                                                    : QPalette::Active;
-    const bool selected = (option.state & QStyle::State_Selected) != 0;
-    painter.save();
-    painter.setClipRect(option.rect, Qt::IntersectClip);
-    painter.setFont(option.font);
-    painter.setPen(option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
-    const qreal height = option.fontMetrics.height();
-    const qreal left =
-        option.direction == Qt::RightToLeft ? place.right() + 1 - line->size().width() : place.left();
-    painter.drawStaticText(QPointF(left, place.top() + (place.height() - height) / 2), *line);
-    painter.restore();
-}
-
-const QStaticText& OneLineDelegate::laidOut(const QString& text, const QFont& font) const
-{
-    if (font != m_font) {
-        m_laidOut.clear();
-        m_font = font;
+    LaidOutLine* line = &m_lines.line(text, option.font);
+    const int top =
+        place.top() + place.height() / 2 - int(line->height) / 2; // a whole pixel, as the style has it
+    if (line->width > place.width()) {
+        if (line->shortenedTo != place.width()) {
+            line->shortened = option.fontMetrics.elidedText(text, option.textElideMode, place.width());
+            line->shortenedTo = place.width();
+        }
+        line = &m_lines.line(line->shortened, option.font);
     }
-    QStaticText* line = m_laidOut.object(text);
-    if (line == nullptr) {
-        line = new QStaticText(text);
-        line->setTextFormat(Qt::PlainText);
-        line->setPerformanceHint(QStaticText::ModerateCaching);
-        line->prepare({}, font);
-        m_laidOut.insert(text, line);
+    const QRectF glyphs(place.left(), top, line->width, line->height);
+    // Saving a painter and clipping cost as much as the glyphs of a short text.
+    const bool fits = line->compact && QRectF(option.rect).contains(glyphs);
+    if (!fits) {
+        painter.save();
+        painter.setClipRect(option.rect, Qt::IntersectClip);
     }
-    return *line;
+    const QPen penBefore = painter.pen();
+    painter.setPen(textColor(option));
+    line->layout->draw(&painter, glyphs.topLeft());
+    painter.setPen(penBefore);
+    if (!fits)
+        painter.restore();
 }
 
 } // namespace quillon

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QCache>
-#include <QFont>
-#include <QStaticText>
+#include "ui/widgets/laid_out_lines.h"
+
 #include <QStyledItemDelegate>
 
 namespace quillon
@@ -18,13 +17,14 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
 
-private:
-    void paintText(QPainter& painter, const QStyleOptionViewItem& option) const;
-    const QStaticText& laidOut(const QString& text, const QFont& font) const;
+protected:
+    /// The models shown here know texts alone: nothing else is asked for.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 
-    // Texts whose glyphs have been found and placed, which costs more than drawing them.
-    mutable QCache<QString, QStaticText> m_laidOut;
-    mutable QFont m_font; // of all of them
+private:
+    void paintText(QPainter& painter, const QStyleOptionViewItem& option, const QString& text) const;
+
+    mutable LaidOutLines m_lines;
 };
 
 } // namespace quillon

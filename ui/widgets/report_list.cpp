@@ -55,6 +55,8 @@ ReportList::ReportList(const std::vector<ReportModel::Column>& columns, QWidget*
     setModel(m_model);
     delete selectionModel();
     setSelectionModel(new RowSelectionModel(m_model, this));
+    // The header has nothing to show of a selection, but would look at all rows of it whenever it is painted.
+    horizontalHeader()->setSelectionModel(new QItemSelectionModel(m_model, horizontalHeader()));
     setItemDelegate(new OneLineDelegate(this));
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);

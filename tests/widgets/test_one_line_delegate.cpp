@@ -1,0 +1,187 @@
+// Texts of lists and trees are drawn in a way of their own, for speed: they must look as the style draws them.
+#include "tests/widgets/report_list_fixture.h"
+
+#include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/laid_out_lines.h"
+#include "ui/widgets/one_line_delegate.h"
+
+#include <QRandomGenerator>
+#include <QScrollBar>
+#include <QStyleFactory>
+#include <QStyledItemDelegate>
+#include <QTextLayout>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon::testing;
+using quillon::KeyedTree;
+using quillon::LaidOutLine;
+using quillon::LaidOutLines;
+using quillon::OneLineDelegate;
+using quillon::ReportList;
+
+namespace
+{
+
+/// Lets the style draw the same texts.
+class PlainDelegate : public QStyledItemDelegate
+{
+public:
+    QString displayText(const QVariant& value, const QLocale& locale) const override
+    {
+        return OneLineDelegate().displayText(value, locale);
+    }
+};
+
+QImage imageOf(QWidget& view)
+{
+    view.grab(); // a first painting may still lay out the view
+    QCoreApplication::processEvents();
+    return view.grab().toImage();
+}
+
+QString randomName(QRandomGenerator& random)
+{
+    static const QString Units =
+        u"あいがぱーアイガｱｲｶﾞ漢字龍𠮷,.ABCWAVTomi fi0123456789-「」、。…éÄ\u3099\u0300\u05d0\u05d1\u0627\u0644😀"_s;
+    QString name;
+    const int length = random.bounded(1, 40);
+    while (name.size() < length)
+        name += Units[random.bounded(Units.size())];
+    return name;
+}
+
+} // namespace
+
+class TestOneLineDelegate : public ReportListFixture
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+        makeList();
+        m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+        QRandomGenerator random(7);
+        QStringList names{u"りんご"_s, u"apple"_s, u""_s, u"二行\nの名称\tと\x01"_s, u"長"_s.repeated(3000)};
+        while (names.size() < 400)
+            names << randomName(random);
+        fill(*m_list, names);
+    }
+    void cleanup() { m_window.reset(); }
+
+    void listsLookAsTheStyleDrawsThem_data();
+    void listsLookAsTheStyleDrawsThem();
+    void disabledAndInactiveListsDoToo();
+    void listsFromRightToLeftDoToo();
+    void treesDoToo();
+    void otherStylesDrawTheirOwnTexts();
+    void aTextLooksTheSameWhenDrawnAgainInAnotherWidthAndFont();
+    void onlyLinesDrawnLatelyAreKept();
+
+private:
+    void compareLists()
+    {
+        PlainDelegate plain;
+        QAbstractItemDelegate* own = m_list->itemDelegate();
+        const QImage ours = imageOf(*m_list);
+        m_list->setItemDelegate(&plain);
+        const QImage theirs = imageOf(*m_list);
+        m_list->setItemDelegate(own);
+        QCOMPARE(ours, theirs);
+        QCOMPARE(imageOf(*m_list), ours);
+    }
+};
+
+void TestOneLineDelegate::listsLookAsTheStyleDrawsThem_data()
+{
+    QTest::addColumn<int>("firstRow");
+    for (int row = 0; row < 400; row += 12)
+        QTest::addRow("from row %d", row) << row;
+}
+
+void TestOneLineDelegate::listsLookAsTheStyleDrawsThem()
+{
+    QFETCH(const int, firstRow);
+    m_list->verticalScrollBar()->setValue(firstRow);
+    compareLists();
+    m_list->setCurrentIndex(m_list->rows().index(firstRow + 1, 0));
+    compareLists();
+}
+
+void TestOneLineDelegate::disabledAndInactiveListsDoToo()
+{
+    m_list->selectAll();
+    compareLists();
+    m_list->setEnabled(false);
+    compareLists();
+    m_list->setEnabled(true);
+    m_other->setFocus();
+    compareLists();
+}
+
+void TestOneLineDelegate::listsFromRightToLeftDoToo()
+{
+    m_list->setLayoutDirection(Qt::RightToLeft);
+    compareLists();
+    m_list->verticalScrollBar()->setValue(30);
+    compareLists();
+}
+
+void TestOneLineDelegate::treesDoToo()
+{
+    KeyedTree tree;
+    tree.resize(200, 400);
+    QRandomGenerator random(8);
+    for (int i = 0; i < 40; ++i)
+        tree.nodes().add(0, u"K%1"_s.arg(i), randomName(random));
+    tree.show();
+    tree.select(3);
+    PlainDelegate plain;
+    const QImage ours = imageOf(tree);
+    tree.setItemDelegate(&plain);
+    QCOMPARE(ours, imageOf(tree));
+}
+
+void TestOneLineDelegate::otherStylesDrawTheirOwnTexts()
+{
+    const std::unique_ptr<QStyle> windows(QStyleFactory::create(u"Windows"_s));
+    QVERIFY(windows != nullptr);
+    m_list->setStyle(windows.get());
+    m_list->setCurrentIndex(m_list->rows().index(1, 0));
+    compareLists();
+    m_list->setStyle(nullptr);
+}
+
+void TestOneLineDelegate::aTextLooksTheSameWhenDrawnAgainInAnotherWidthAndFont()
+{
+    const QImage before = imageOf(*m_list);
+    m_list->setColumnCharacters({5, 2, 3});
+    compareLists();
+    m_list->setColumnCharacters({50, 10, 14});
+    compareLists();
+    const QFont font = m_list->font();
+    QFont large = font;
+    large.setPointSize(font.pointSize() * 2);
+    m_list->setFont(large);
+    compareLists();
+    m_list->setFont(font);
+    m_list->setColumnCharacters({20, 10, 14});
+    QCOMPARE(imageOf(*m_list), before);
+}
+
+void TestOneLineDelegate::onlyLinesDrawnLatelyAreKept()
+{
+    LaidOutLines lines;
+    const QFont font;
+    const QTextLayout* often = lines.line(u"いつも"_s, font).layout.get();
+    for (int i = 0; i < 10'000; ++i) {
+        lines.line(QString::number(i), font);
+        QCOMPARE(lines.line(u"いつも"_s, font).layout.get(), often);
+        QVERIFY(lines.count() <= 2'000);
+    }
+    QCOMPARE(lines.line(u"9999"_s, font).layout->text(), u"9999"_s);
+}
+
+QTEST_MAIN(TestOneLineDelegate)
+#include "test_one_line_delegate.moc"
