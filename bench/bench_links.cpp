@@ -54,7 +54,7 @@ void linkList(benchmark::State& state)
                      readAll(names, 2);
                  }});
 }
-BENCHMARK(linkList)->UseManualTime()->Iterations(15);
+BENCHMARK(linkList)->UseManualTime()->Iterations(31);
 
 } // namespace
 

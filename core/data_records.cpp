@@ -177,7 +177,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
     Database& database = required(session.RsMain).database();
     LateNotices notices(session, database);
     writeTogether(database, [&] {
-        IdentifierSet gone(identifiers.size());
+        IdentifierSet gone;
         for (const QString& identifier : identifiers) {
             bool rowDeleted = false;
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {

@@ -1,8 +1,12 @@
 #pragma once
 
-#include "core/identifier_table.h"
+#include "core/identifier_pages.h"
 
+#include <QSet>
+#include <QString>
 #include <QStringView>
+
+#include <vector>
 
 namespace quillon
 {
@@ -11,16 +15,35 @@ namespace quillon
 class IdentifierSet
 {
 public:
-    /// `expected`: about how many there will be.
-    explicit IdentifierSet(qsizetype expected) : m_table(expected) {}
-
-    void insert(QStringView identifier) { m_table.insert(identifier, {}); }
-    bool contains(QStringView identifier) const { return m_table.find(identifier) != nullptr; }
+    void insert(QStringView identifier)
+    {
+        const std::optional<quint64> number = identifierNumber(identifier);
+        if (!number) {
+            m_others.insert(identifier.toString());
+            return;
+        }
+        const quint32 position = m_index.findOrAdd(*number);
+        if (position == m_pages.size())
+            m_pages.push_back(0);
+        m_pages[position] |= bitOf(*number);
+    }
+    bool contains(QStringView identifier) const
+    {
+        if (const std::optional<quint64> number = identifierNumber(identifier)) {
+            const quint32 position = m_index.find(*number);
+            return position != Index::NoPage && (m_pages[position] & bitOf(*number)) != 0;
+        }
+        return !m_others.isEmpty() && m_others.contains(identifier.toString());
+    }
 
 private:
-    struct Nothing {
-    };
-    IdentifierTable<Nothing> m_table;
+    using Index = IdentifierPages<6>;
+
+    static quint64 bitOf(quint64 number) { return quint64(1) << Index::placeIn(number); }
+
+    Index m_index;
+    std::vector<quint64> m_pages; // a bit for each identifier
+    QSet<QString> m_others;
 };
 
 } // namespace quillon

@@ -1,5 +1,6 @@
 #include "core/name_lookup.h"
 
+#include "app/base/error.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
 #include "core/data_records.h"
@@ -8,11 +9,20 @@
 #include "store/session.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+namespace
+{
+
+constexpr qsizetype LengthUnits = sizeof(quint32) / sizeof(char16_t);
+
+} // namespace
 
 NameLookup::NameLookup(const std::shared_ptr<RecordSet>& recordSet, int nameField, int identifierField)
 {
@@ -38,30 +48,39 @@ QString NameLookup::name(QStringView identifier)
     return m_statement->step() ? m_statement->text(0).toString() : titles::Unknown;
 }
 
-TableNames::TableNames(const RecordSet& recordSet) : m_names(static_cast<qsizetype>(recordSet.recordCount()))
+TableNames::TableNames(const RecordSet& recordSet)
 {
     recordSet.forEachRow({0, 1}, [this](const RecordSet::Row& row) {
         const QStringView identifier = row.text(1);
         // Nothing at all is equal to no identifier, and some can stand in no criteria text.
         const bool isNothing = identifier.isEmpty() && row.isNull(1);
         if (!isNothing && !identifier.contains(u'\''))
-            m_names.insert(identifier, kept(row.text(0)));
+            m_places.insert(identifier, kept(row.text(0)));
     });
 }
 
-QStringView TableNames::kept(QStringView name)
+quint32 TableNames::kept(QStringView name)
 {
-    constexpr qsizetype ChunkUnits = 65536;
-    if (name.size() > m_free) {
-        m_free = std::max(name.size(), ChunkUnits);
-        m_chunks.push_back(std::make_unique_for_overwrite<char16_t[]>(static_cast<std::size_t>(m_free)));
-        m_next = m_chunks.back().get();
-    }
-    char16_t* const start = m_next;
-    std::copy_n(name.utf16(), name.size(), start);
-    m_next += name.size();
-    m_free -= name.size();
-    return {start, name.size()};
+    const std::size_t place = m_texts.size();
+    if (place + static_cast<std::size_t>(LengthUnits + name.size()) > std::numeric_limits<quint32>::max())
+        throw Error(errors::OutOfMemory);
+    char16_t* const start = m_texts.roomFor(static_cast<std::size_t>(LengthUnits + name.size()));
+    const auto length = static_cast<quint32>(name.size());
+    std::memcpy(start, &length, sizeof length);
+    std::copy_n(name.utf16(), name.size(), start + LengthUnits);
+    m_texts.added(static_cast<std::size_t>(LengthUnits + name.size()));
+    return static_cast<quint32>(place);
+}
+
+std::optional<QStringView> TableNames::find(QStringView identifier) const
+{
+    const quint32* const place = m_places.find(identifier);
+    if (place == nullptr)
+        return std::nullopt;
+    const char16_t* const start = m_texts.data() + *place;
+    quint32 length = 0;
+    std::memcpy(&length, start, sizeof length);
+    return QStringView(start + LengthUnits, static_cast<qsizetype>(length));
 }
 
 DataNameLookup::DataNameLookup(Session& session, qint64 lookUps)
@@ -91,7 +110,7 @@ QString DataNameLookup::name(QStringView identifier)
 
 QString DataNameLookup::name(Table& table, QStringView identifier)
 {
-    if (const QStringView* known = table.all ? table.all->find(identifier) : nullptr)
+    if (const std::optional<QStringView> known = table.all ? table.all->find(identifier) : std::nullopt)
         return QString::fromRawData(known->data(), known->size());
     if (!table.single.canLookUp(identifier))
         return GetDataName(m_session, identifier.toString());

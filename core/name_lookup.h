@@ -2,6 +2,7 @@
 
 #include "core/identifier_table.h"
 #include "store/sqlite/statement.h"
+#include "store/unit_store.h"
 
 #include <QString>
 #include <QStringView>
@@ -41,16 +42,15 @@ class TableNames
 public:
     explicit TableNames(const RecordSet& recordSet);
 
-    /// The name of the first row with this identifier, or null. It lives as long as this.
-    const QStringView* find(QStringView identifier) const { return m_names.find(identifier); }
+    /// The name of the first row with this identifier. It lives as long as this.
+    std::optional<QStringView> find(QStringView identifier) const;
 
 private:
-    QStringView kept(QStringView name);
+    quint32 kept(QStringView name);
 
-    IdentifierTable<QStringView> m_names;
-    std::vector<std::unique_ptr<char16_t[]>> m_chunks;
-    char16_t* m_next = nullptr; // the first free unit of the last chunk
-    qsizetype m_free = 0;       // how many of them there are
+    // Of each name its length, in `LengthUnits`, and then its text; by identifier, where this begins.
+    UnitStore m_texts;
+    IdentifierTable<quint32> m_places;
 };
 
 /// `GetDataName` for many identifiers.

@@ -1,5 +1,7 @@
 #include "core/identifier_set.h"
 
+#include "core/identifier_table.h"
+
 #include <QTest>
 
 #include <random>
@@ -33,7 +35,7 @@ private Q_SLOTS:
                 .arg(number(40), 3, 10, QChar(u'0'));
         };
         for (int round = 0; round < 30; ++round) {
-            IdentifierSet set(static_cast<qsizetype>(number(100)));
+            IdentifierSet set;
             QSet<QString> plain;
             for (int i = 0; i < 1000; ++i) {
                 const QString one = identifier();
@@ -47,9 +49,46 @@ private Q_SLOTS:
         }
     }
 
+    void aTableKeepsTheFirstValueOfEachIdentifier()
+    {
+        std::mt19937 random(12);
+        const auto number = [&](unsigned below) { return random() % below; };
+        // Days with few and with many data, neighbours and strangers, and what is no usual identifier at all.
+        const auto identifier = [&] {
+            if (number(10) == 0)
+                return QString(static_cast<qsizetype>(number(14)), QChar(u'0'));
+            return u"%1-%2-%3"_s.arg(QChar(u"MRF"[number(3)]))
+                .arg(number(2) == 0 ? 991231 : number(1'000'000), 6, 10, QChar(u'0'))
+                .arg(number(1000), 3, 10, QChar(u'0'));
+        };
+        for (int round = 0; round < 10; ++round) {
+            IdentifierTable<int> table;
+            QHash<QString, int> plain;
+            QStringList put;
+            for (int i = 0; i < 5000; ++i) {
+                const QString one = number(3) == 0 && !put.isEmpty()
+                                        ? put[static_cast<qsizetype>(number(static_cast<unsigned>(put.size())))]
+                                        : identifier();
+                table.insert(one, i);
+                if (!plain.contains(one))
+                    plain.insert(one, i);
+                put << one;
+            }
+            for (const QString& one : put)
+                QCOMPARE(*table.find(one), plain.value(one));
+            for (int i = 0; i < 5000; ++i) {
+                const QString one = identifier();
+                const int* const found = table.find(one);
+                QCOMPARE(found != nullptr, plain.contains(one));
+                if (found != nullptr)
+                    QCOMPARE(*found, plain.value(one));
+            }
+        }
+    }
+
     void lettersAndDigitsAreNotMixedUp()
     {
-        IdentifierSet set(4);
+        IdentifierSet set;
         set.insert(u"M-991231-001");
         QVERIFY(set.contains(u"M-991231-001"));
         QVERIFY(!set.contains(u"N-991231-001"));

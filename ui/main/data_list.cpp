@@ -80,7 +80,7 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
         // Without memberships nothing is searched, and there is no progress to speak of.
         const bool searches = memberships.hasRows();
         // One pass over the memberships instead of one search per datum; no null is equal to any identifier.
-        IdentifierSet categorised(memberships.recordCount());
+        IdentifierSet categorised;
         memberships.forEachRow({1}, [&](const RecordSet::Row& row) {
             if (!row.isNull(0))
                 categorised.insert(row.text(0));

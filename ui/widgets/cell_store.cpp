@@ -134,6 +134,12 @@ quint16 WordColumn::numberOf(QStringView word)
 {
     if (m_last < m_words.size() && m_words[m_last] == word)
         return m_last;
+    constexpr std::size_t Few = 8; // found faster by comparing them all than by a hash
+    const auto among = m_words.begin() + static_cast<std::ptrdiff_t>(std::min(m_words.size(), Few));
+    if (const auto found = std::find(m_words.begin(), among, word); found != among) {
+        m_last = static_cast<quint16>(found - m_words.begin());
+        return m_last;
+    }
     const auto known = m_numbers.constFind(QString::fromRawData(word.data(), word.size()));
     if (known != m_numbers.constEnd()) {
         m_last = *known;
