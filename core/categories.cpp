@@ -90,6 +90,16 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
     });
 }
 
+void ClassifyDatum(Session& session, LateNotices& notices, const QString& categoryIdentifier,
+                   const QString& identifier)
+{
+    notices.trap(u"ClassifyCategory"_s, [&] {
+        fileIn(session, categoryIdentifier, identifier);
+        notices.trap(u"DeleteParentCategory"_s,
+                     [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
+    });
+}
+
 void ClassifyManyData(Session& session, const QString& categoryIdentifier, const QStringList& identifiers,
                       const std::function<void()>& advance)
 {
@@ -97,11 +107,7 @@ void ClassifyManyData(Session& session, const QString& categoryIdentifier, const
     LateNotices notices(session, database);
     writeTogether(database, [&] {
         for (const QString& identifier : identifiers) {
-            notices.trap(u"ClassifyCategory"_s, [&] {
-                fileIn(session, categoryIdentifier, identifier);
-                notices.trap(u"DeleteParentCategory"_s,
-                             [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
-            });
+            ClassifyDatum(session, notices, categoryIdentifier, identifier);
             advance();
         }
     });

@@ -9,6 +9,7 @@ namespace quillon
 {
 
 class DataWindow;
+class LateNotices;
 class Session;
 
 /// The name of a category, "不明" when there is no such category.
@@ -20,6 +21,10 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 /// Files a datum in a category and takes it out of the category's ancestors. A datum already filed there is not
 /// filed twice. Failures are reported as "ClassifyCategory".
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier);
+
+/// The same inside a durable write: what there is to report waits in `notices`.
+void ClassifyDatum(Session& session, LateNotices& notices, const QString& categoryIdentifier,
+                   const QString& identifier);
 
 /// Files many data in a category, each as ClassifyCategory does, as one durable write. Failures of single ones are
 /// reported when all have had their turn; a failure that undoes everything is not trapped.

@@ -19,6 +19,8 @@ class LateNotices
 {
 public:
     LateNotices(Session& session, Database& database) : m_session(session), m_database(database) {}
+    LateNotices(const LateNotices&) = delete;
+    LateNotices& operator=(const LateNotices&) = delete;
 
     void add(std::function<void()> notice) { m_notices.push_back(std::move(notice)); }
     /// Runs a part of the write under its own name: a failure is noted and ends that part.

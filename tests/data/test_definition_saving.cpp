@@ -1,4 +1,5 @@
 #include "tests/data/form_world.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/troubled_database.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -66,6 +67,62 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(TestWorld::rowsOf(world->session.RsCategory),
                  QStringList({u"A-B|M-991231-001"_s, u"C|M-991231-001"_s}));
+    }
+
+    void datumAndMembershipsAreWrittenAtOnce()
+    {
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        const WriteCounter writes(*world->session.OpenDb);
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(world->memberships().size(), 2);
+        fill(form, u"水"_s, u"H2O"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}, {u"湖"_s, u"D"_s}});
+        world->dialogs.expect(Updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(writes.count, 2);
+        QCOMPARE(world->memberships().size(), 3);
+    }
+
+    void failedFilingIsToldAfterTheWriteAndLeavesTheRest()
+    {
+        frmMainData& form = world->beginRegistration();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QCOMPARE(world->memberships(),
+                 QStringList({u"A|M-991231-001"_s, u"A-B|M-991231-001"_s, u"C|M-991231-001"_s}));
+        QVERIFY(othersMayWrite(world->path));
+    }
+
+    void failureThatUndoesEverythingKeepsTheInput()
+    {
+        frmMainData& form = world->beginRegistration();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
+                       Refusal::OfTheTransaction);
+        world->dialogs.expect(untrapped(5));
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 5));
+        QCOMPARE(world->definitions(), QStringList());
+        QCOMPARE(world->memberships(), QStringList({u"A|M-991231-001"_s}));
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        QCOMPARE(form.fieldText(2), u"液体"_s);
+        allowDeletion(*world->session.OpenDb, u"Category"_s);
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QCOMPARE(world->memberships(), QStringList({u"A-B|M-991231-001"_s}));
     }
 
     void nextRegistrationInTheSameWindowTellsNothing()

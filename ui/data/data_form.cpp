@@ -6,9 +6,11 @@
 #include "core/categories.h"
 #include "core/close_all_form.h"
 #include "core/data_records.h"
+#include "core/late_notices.h"
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/write_together.h"
 #include "ui/data/category_rows.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
@@ -93,9 +95,7 @@ void DataForm::setModeText(const QString& text)
 
 void DataForm::setMenuEnabled(const QString& menuName, bool enabled)
 {
-    if (const auto* menu = findChild<QMenu*>(menuName))
-        menu->menuAction()->setEnabled(enabled);
-    else if (auto* entry = findChild<QAction*>(menuName))
+    if (QAction* entry = action(menuName))
         entry->setEnabled(enabled);
 }
 
@@ -169,6 +169,15 @@ bool DataForm::CheckInput()
     return contentFits && contentFilled;
 }
 
+void DataForm::addDatum(LateNotices& notices)
+{
+    writeTogether(rows().database(), [&] {
+        addRow();
+        classifyInListedCategories(notices);
+    });
+    m_databaseFile = openDatabaseFile();
+}
+
 void DataForm::addRow()
 {
     RecordSet& recordSet = rows();
@@ -176,7 +185,6 @@ void DataForm::addRow()
     for (int i = 0; i <= session().MainLastFieldIndex; ++i)
         recordSet.setField(i, fieldText(i));
     recordSet.update();
-    m_databaseFile = openDatabaseFile();
 }
 
 void DataForm::changeRow()
@@ -191,10 +199,10 @@ void DataForm::changeRow()
     recordSet.update();
 }
 
-void DataForm::classifyInListedCategories()
+void DataForm::classifyInListedCategories(LateNotices& notices)
 {
     for (const CategoryRow& category : categoryRows())
-        ClassifyCategory(session(), category.identifier, fieldText(1));
+        ClassifyDatum(session(), notices, category.identifier, fieldText(1));
 }
 
 bool DataForm::QuerySave()
@@ -265,11 +273,15 @@ void DataForm::mnuDataUpdate_Click()
 {
     if (!CheckInput())
         return;
-    if (!findRow())
-        throw Error(errors::NoCurrentRecord);
-    changeRow();
-    if (m_design.updateClassifies)
-        classifyInListedCategories();
+    LateNotices notices(session(), rows().database());
+    writeTogether(rows().database(), [&] {
+        if (!findRow())
+            throw Error(errors::NoCurrentRecord);
+        changeRow();
+        if (m_design.updateClassifies)
+            classifyInListedCategories(notices);
+    });
+    notices.tell();
     session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});
     m_saveResult = true;
 }

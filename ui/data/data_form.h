@@ -18,6 +18,7 @@ class QKeyEvent;
 namespace quillon
 {
 
+class LateNotices;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -77,10 +78,11 @@ protected:
 
     /// Whether name and content are filled and short enough; tells the user when they are not.
     bool CheckInput();
-    /// Adds a row of the fields to the window's table.
-    void addRow();
-    /// Files the datum in every category of the category list.
-    void classifyInListedCategories();
+    /// The window's table.
+    RecordSet& rows() const;
+    /// Adds a row of the fields to the window's table and files the datum in every category of the category list, as
+    /// one durable write. What went wrong in filing is told in `notices`.
+    void addDatum(LateNotices& notices);
     /// The question before closing; true lets the window close.
     bool QuerySave();
     bool showsDatum() const; // display mode
@@ -119,13 +121,15 @@ protected:
 
 private:
     TextField& field(int index) const;
-    RecordSet& rows() const;
     /// The full name of the open database file, empty when none is open.
     QString openDatabaseFile() const;
     /// Goes to the datum's row; false when it is gone.
     bool findRow() const;
+    void addRow();
     /// Saves the fields to the row that was found.
     void changeRow();
+    /// Files the datum in every category of the category list, inside a durable write.
+    void classifyInListedCategories(LateNotices& notices);
     void buildFields();
     void buildLists();
     void arrange();

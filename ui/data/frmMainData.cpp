@@ -3,6 +3,8 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/form_mode.h"
+#include "core/late_notices.h"
+#include "store/record_set.h"
 #include "store/session.h"
 #include "ui/data/digit_letter_key.h"
 
@@ -77,8 +79,9 @@ void frmMainData::RegisterData()
         m_saveResult = false;
         return;
     }
-    addRow();
-    classifyInListedCategories();
+    LateNotices notices(session(), rows().database());
+    addDatum(notices);
+    notices.tell();
     SetFormMode(*this, DisplayFormMode);
     if (!m_saveResult)
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s});

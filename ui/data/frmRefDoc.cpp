@@ -7,6 +7,8 @@
 #include "app/base/titles.h"
 #include "app/base/twips.h"
 #include "core/form_mode.h"
+#include "core/late_notices.h"
+#include "store/record_set.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
 
@@ -115,10 +117,11 @@ void frmRefDoc::RegisterData()
         m_saveResult = false;
         return;
     }
-    addRow();
+    LateNotices notices(session(), rows().database());
+    addDatum(notices);
     m_saveResult = true;
     SetFormMode(*this, DisplayFormMode);
-    classifyInListedCategories();
+    notices.tell();
 }
 
 void frmRefDoc::mnuDataLoadText_Click()

@@ -129,7 +129,7 @@ void frmRefFileEntry::setFieldText(int index, const QString& text)
 
 void frmRefFileEntry::setMenuEnabled(const QString& menuName, bool enabled)
 {
-    if (auto* entry = findChild<QAction*>(menuName))
+    if (QAction* entry = action(menuName))
         entry->setEnabled(enabled);
 }
 

@@ -6,6 +6,7 @@
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
+#include <QActionEvent>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
@@ -16,10 +17,46 @@
 #include <QPushButton>
 #include <QWindow>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+namespace
+{
+
+/// A menu bar that lays its menus out again only when a caption or what is visible has changed: the base class does it
+/// for every menu that is enabled or disabled, too, and that takes longer than all else in a change of mode.
+class MenuBar : public QMenuBar
+{
+public:
+    using QMenuBar::QMenuBar;
+
+protected:
+    void actionEvent(QActionEvent* event) override
+    {
+        const QAction* menu = event->action();
+        const Look look{menu->text(), menu->isVisible()};
+        if (event->type() == QEvent::ActionChanged && m_looks.value(menu) == look) {
+            update();
+            return;
+        }
+        if (event->type() == QEvent::ActionRemoved)
+            m_looks.remove(menu);
+        else
+            m_looks.insert(menu, look);
+        QMenuBar::actionEvent(event);
+    }
+
+private:
+    using Look = std::pair<QString, bool>;
+
+    QHash<const QAction*, Look> m_looks;
+};
+
+} // namespace
 
 FormWindow::FormWindow(Session& session, WindowRegistry& registry, const QString& windowName)
     : m_session(session), m_registry(registry)
@@ -163,16 +200,21 @@ QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& c
     // Some desktops move entries to other menus by what their caption looks like.
     entry->setMenuRole(QAction::NoRole);
     menu->addAction(entry);
+    m_actions.insert(name, entry);
     return entry;
 }
 
 QMenu* FormWindow::addMenu(const QString& name, const QString& caption)
 {
-    // Always inside the window, also on desktops with one menu bar for all.
-    menuBar()->setNativeMenuBar(false);
+    if (m_actions.isEmpty()) {
+        setMenuBar(new MenuBar(this));
+        // Always inside the window, also on desktops with one menu bar for all.
+        menuBar()->setNativeMenuBar(false);
+    }
     QMenu* menu = menuBar()->addMenu(caption);
     menu->setObjectName(name);
     menu->menuAction()->setObjectName(name);
+    m_actions.insert(name, menu->menuAction());
     return menu;
 }
 
@@ -181,6 +223,7 @@ QMenu* FormWindow::addSubmenu(QMenu* menu, const QString& name, const QString& c
     QMenu* submenu = menu->addMenu(caption);
     submenu->setObjectName(name);
     submenu->menuAction()->setObjectName(name);
+    m_actions.insert(name, submenu->menuAction());
     return submenu;
 }
 

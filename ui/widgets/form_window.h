@@ -2,6 +2,7 @@
 
 #include "app/base/ports/windows.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QSizeF>
 #include <QString>
@@ -58,6 +59,8 @@ protected:
     QMenu* addMenu(const QString& name, const QString& caption);
     QMenu* addSubmenu(QMenu* menu, const QString& name, const QString& caption);
     QAction* addLine(QMenu* menu, const QString& name);
+    /// A menu or an entry by its design name, null if there is none.
+    QAction* action(const QString& name) const { return m_actions.value(name); }
 
 private:
     bool tryUnload();
@@ -65,6 +68,7 @@ private:
 
     Session& m_session;
     WindowRegistry& m_registry;
+    QHash<QString, QAction*> m_actions;
     bool m_asking = false; // a closing question is on the screen
     bool m_unloaded = false;
     QSizeF m_leastFrame; // twips; empty for none
