@@ -134,7 +134,7 @@ void SetAllLinkList(Session& session)
         qint64 count = 0;
         {
             const auto rows = window.fillRows();
-            DataNameLookup names(session, 2 * links.recordCount());
+            DataNameLookup names(session, 2 * links.roughCount());
             KindWords kinds(session);
             links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
                 const QStringView source = link.text(0);

@@ -87,6 +87,16 @@ qint64 RecordSet::recordCount() const
     return std::count_if(m_rows->begin(), m_rows->end(), [this](qint64 row) { return rowExists(row); });
 }
 
+qint64 RecordSet::roughCount() const
+{
+    if (m_rows)
+        return static_cast<qint64>(m_rows->size());
+    constexpr qint64 Many =
+        qint64(1) << 40; // row numbers may be anything; what is reckoned with them must not overflow
+    return std::min(firstNumber(prepare(u"SELECT max(rowid) FROM "_s + quoted(m_table.name))).value_or(0),
+                    Many);
+}
+
 bool RecordSet::hasRows() const
 {
     return firstRow().has_value();

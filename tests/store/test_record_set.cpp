@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <functional>
+#include <limits>
 #include <memory>
 
 using namespace quillon;
@@ -45,6 +46,17 @@ private Q_SLOTS:
         QCOMPARE(m_rows->field(0), u"b"_s);
         m_rows->moveFirst();
         QCOMPARE(m_rows->field(0), u"c"_s);
+    }
+
+    void roughCountsAreFoundWithoutCounting()
+    {
+        QCOMPARE(m_rows->roughCount(), 0);
+        for (const QString& name : {u"a"_s, u"b"_s, u"c"_s})
+            add(name);
+        QCOMPARE(m_rows->roughCount(), 3);
+        m_world->session.OpenDb->execute(u"UPDATE Main SET rowid = 9223372036854775807 WHERE Name = 'c'"_s);
+        QVERIFY(m_rows->roughCount() >= 3);
+        QVERIFY(m_rows->roughCount() < std::numeric_limits<qint64>::max() / 1000);
     }
 
     void aNewSetStandsOnNoRow()

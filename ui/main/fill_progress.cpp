@@ -34,8 +34,11 @@ void FillProgress::prepare(qint64 maximum)
 
 void FillProgress::finish()
 {
+    // A visible bar paints itself at every change, and the window around it with it; this one disappears anyway.
+    m_bar.setUpdatesEnabled(false);
     m_bar.setValue(m_bar.maximum());
     m_bar.hide();
+    m_bar.setUpdatesEnabled(true);
 }
 
 void FillProgress::paintNowAndThen()
