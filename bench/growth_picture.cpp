@@ -13,7 +13,7 @@ namespace quillon::bench
 namespace
 {
 
-constexpr double Width = 770;
+constexpr double Width = 850;
 constexpr double Height = 580;
 constexpr double Left = 84;
 constexpr double Right = 560;
