@@ -58,3 +58,8 @@ echo "Installing the missing packages:$missing"
     $as_root env DEBIAN_FRONTEND=noninteractive apt-get update -q
     $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing
 }
+
+# New packages may bring new versions of headers that are older by their date than what was compiled from them: the
+# build would take its precompiled headers for up to date, and the compiler would refuse them.
+build=$(dirname -- "$0")/../build
+[ ! -d "$build" ] || find "$build" -name '*.pch' -delete
