@@ -320,19 +320,19 @@ private:
     int m_descriptor;
 };
 
-/// A file that is removed again unless it is kept.
+/// A file that is gone again unless it is kept. Where the file system can, it has no name until then, so that not even
+/// the end of the program leaves it behind.
 class FileBeside
 {
 public:
-    explicit FileBeside(const QByteArray& folder)
-        : m_name(folder + "/.quillon-XXXXXX"), m_file(mkostemp(m_name.data(), O_CLOEXEC))
+    explicit FileBeside(const QByteArray& folder) : m_pattern(folder + "/.quillon-XXXXXX"), m_file(make())
     {
         if (m_file < 0)
             throwLastError(errors::PathNotFound);
     }
     ~FileBeside()
     {
-        if (!m_kept)
+        if (!m_name.isEmpty())
             unlink(m_name.constData());
     }
     FileBeside(const FileBeside&) = delete;
@@ -342,15 +342,61 @@ public:
     /// Gives the file its name, in place of a file that has it.
     void keepAs(const QByteArray& name)
     {
+        if (m_name.isEmpty()) {
+            if (giveName(name))
+                return;
+            nameBeside();
+        }
         if (rename(m_name.constData(), name.constData()) != 0)
             throwLastError(errors::PathNotFound);
-        m_kept = true;
+        m_name.clear();
     }
 
 private:
-    QByteArray m_name;
+    int make()
+    {
+        const QByteArray folder = m_pattern.first(m_pattern.lastIndexOf('/') + 1);
+        // Only the process's own list of files leads from a file without a name to one with a name.
+        if (access("/proc/self/fd", X_OK) == 0) {
+            const int nameless = open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+            if (nameless >= 0)
+                return nameless;
+        }
+        m_name = m_pattern;
+        const int named = mkostemp(m_name.data(), O_CLOEXEC);
+        if (named < 0)
+            m_name.clear();
+        return named;
+    }
+    /// Names the nameless file; false when something has this name.
+    bool giveName(const QByteArray& name) const
+    {
+        const QByteArray self = "/proc/self/fd/" + QByteArray::number(int(m_file));
+        if (linkat(AT_FDCWD, self.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0)
+            return true;
+        if (errno != EEXIST)
+            throwLastError(errors::PathNotFound);
+        return false;
+    }
+    /// Names the nameless file in a way that nothing else is named, for the moment before it replaces another.
+    void nameBeside()
+    {
+        for (;;) {
+            QByteArray free = m_pattern;
+            const Descriptor placeholder(mkostemp(free.data(), O_CLOEXEC));
+            if (placeholder < 0)
+                throwLastError(errors::PathNotFound);
+            unlink(free.constData());
+            if (giveName(free)) {
+                m_name = free;
+                return;
+            }
+        }
+    }
+
+    QByteArray m_pattern;
+    QByteArray m_name; // as long as it is a name for the time being
     Descriptor m_file;
-    bool m_kept = false;
 };
 
 void copyBytes(int from, int to, qint64 total, const Files::Progress& progress)

@@ -6,8 +6,10 @@
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -245,6 +247,60 @@ private Q_SLOTS:
         QCOMPARE(entries(), QStringList(u"a"_s));
         QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
     }
+
+#ifdef Q_OS_LINUX
+    void programThatEndsWhileCopyingLeavesNothing()
+    {
+        makeFile(source(), QByteArray(3 << 20, 'x'));
+        makeFile(inFolder(u"a"_s), "old");
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            // The bytes are on their way: what a crash or a power failure does.
+            files.copyInto(source(), folder(), u"a"_s, [](qint64, qint64) { _exit(17); });
+            _exit(0);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), 17);
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+        QStringList left = entries();
+        const int nameless =
+            open(QFile::encodeName(folder()).constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+        if (nameless < 0) // a file system where every file has a name
+            left.removeIf([](const QString& entry) { return entry.startsWith(u".quillon-"); });
+        else
+            close(nameless);
+        QCOMPARE(left, QStringList(u"a"_s));
+    }
+
+    void copyReplacesWhateverHasItsName_data()
+    {
+        QTest::addColumn<QString>("present");
+        QTest::newRow("nothing") << QString();
+        QTest::newRow("file") << u"file"_s;
+        QTest::newRow("link to a file") << u"link"_s;
+        QTest::newRow("link to nothing") << u"dangling"_s;
+    }
+
+    void copyReplacesWhateverHasItsName()
+    {
+        QFETCH(QString, present);
+        const QString elsewhere = root->filePath(u"elsewhere"_s);
+        makeFile(elsewhere, "mine");
+        if (present == u"file")
+            makeFile(inFolder(u"a"_s), "old");
+        else if (!present.isEmpty())
+            QVERIFY(
+                QFile::link(present == u"link" ? elsewhere : root->filePath(u"nothing"_s), inFolder(u"a"_s)));
+        copy(source(), u"a"_s);
+        QVERIFY(!QFileInfo(inFolder(u"a"_s)).isSymLink());
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        QCOMPARE(contentOf(elsewhere), "mine"_ba);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+#endif
 
 #ifdef Q_OS_UNIX
     void pipesAndDevicesAreNoSourcesAndNobodyWaitsForThem()
