@@ -15,6 +15,8 @@
 
 #include <QHash>
 
+#include <functional>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -23,11 +25,31 @@ namespace quillon
 namespace
 {
 
-void fileIn(Session& session, const QString& categoryIdentifier, const QString& identifier)
+/// Answers the memberships that meet a criteria text, null after a failure, which has been told or noted.
+using FindMemberships = std::function<std::shared_ptr<RecordSet>(const QString& criteria)>;
+
+FindMemberships tellingFailures(Session& session)
 {
-    const auto present = GetFilterResult(session.reporting, session.RsCategory,
-                                         u"Category_ID ='"_s + categoryIdentifier + u"' AND Object_ID = '"_s +
-                                             identifier + u"'"_s);
+    return [&session](const QString& criteria) {
+        return GetFilterResult(session.reporting, session.RsCategory, criteria);
+    };
+}
+
+/// The same inside a durable write.
+FindMemberships notingFailures(Session& session, LateNotices& notices)
+{
+    return [&session, &notices](const QString& criteria) {
+        std::shared_ptr<RecordSet> result;
+        notices.trap(u"GetFilterResult"_s, [&] { result = required(session.RsCategory).filtered(criteria); });
+        return result;
+    };
+}
+
+void fileIn(Session& session, const FindMemberships& find, const QString& categoryIdentifier,
+            const QString& identifier)
+{
+    const auto present =
+        find(u"Category_ID ='"_s + categoryIdentifier + u"' AND Object_ID = '"_s + identifier + u"'"_s);
     if (required(present).hasRows())
         return;
     RecordSet& memberships = required(session.RsCategory);
@@ -37,14 +59,14 @@ void fileIn(Session& session, const QString& categoryIdentifier, const QString& 
     memberships.update();
 }
 
-void takeOutOfAncestors(Session& session, const QString& categoryIdentifier, const QString& identifier)
+void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIdentifier,
+                        const QString& identifier)
 {
     for (auto hyphen = categoryIdentifier.indexOf(u'-'); hyphen >= 0;
          hyphen = categoryIdentifier.indexOf(u'-', hyphen + 1)) {
         const QString ancestor = categoryIdentifier.first(hyphen);
         const auto memberships =
-            GetFilterResult(session.reporting, session.RsCategory,
-                            u"Category_ID = '"_s + ancestor + u"' AND Object_ID = '"_s + identifier + u"'"_s);
+            find(u"Category_ID = '"_s + ancestor + u"' AND Object_ID = '"_s + identifier + u"'"_s);
         if (required(memberships).hasRows()) {
             memberships->moveFirst();
             memberships->deleteRow();
@@ -85,7 +107,7 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
 {
     guarded(session.reporting, u"ClassifyCategory"_s, [&] {
-        fileIn(session, categoryIdentifier, identifier);
+        fileIn(session, tellingFailures(session), categoryIdentifier, identifier);
         DeleteParentCategory(session, categoryIdentifier, identifier);
     });
 }
@@ -93,10 +115,11 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
 void ClassifyDatum(Session& session, LateNotices& notices, const QString& categoryIdentifier,
                    const QString& identifier)
 {
+    const FindMemberships find = notingFailures(session, notices);
     notices.trap(u"ClassifyCategory"_s, [&] {
-        fileIn(session, categoryIdentifier, identifier);
+        fileIn(session, find, categoryIdentifier, identifier);
         notices.trap(u"DeleteParentCategory"_s,
-                     [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
+                     [&] { takeOutOfAncestors(find, categoryIdentifier, identifier); });
     });
 }
 
@@ -117,7 +140,7 @@ void ClassifyManyData(Session& session, const QString& categoryIdentifier, const
 void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
 {
     guarded(session.reporting, u"DeleteParentCategory"_s,
-            [&] { takeOutOfAncestors(session, categoryIdentifier, identifier); });
+            [&] { takeOutOfAncestors(tellingFailures(session), categoryIdentifier, identifier); });
 }
 
 void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier)

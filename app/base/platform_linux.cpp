@@ -355,10 +355,8 @@ public:
 private:
     int make()
     {
-        const QByteArray folder = m_pattern.first(m_pattern.lastIndexOf('/') + 1);
-        // Only the process's own list of files leads from a file without a name to one with a name.
-        if (access("/proc/self/fd", X_OK) == 0) {
-            const int nameless = open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        if (canNameLater()) {
+            const int nameless = makeNameless();
             if (nameless >= 0)
                 return nameless;
         }
@@ -368,29 +366,58 @@ private:
             m_name.clear();
         return named;
     }
+    int makeNameless() const
+    {
+        const QByteArray folder = m_pattern.first(m_pattern.lastIndexOf('/') + 1);
+        return open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    }
+    /// Tries it with an empty file: some systems make nameless files and refuse to name them, which would be known
+    /// only after everything has been copied.
+    bool canNameLater() const
+    {
+        const Descriptor trial(makeNameless());
+        if (trial < 0)
+            return false;
+        const QByteArray name = freeName();
+        const bool named = !name.isEmpty() && link(trial, name);
+        if (named)
+            unlink(name.constData());
+        return named;
+    }
+    /// Only the process's own list of files leads from a file without a name to one with a name.
+    static bool link(int file, const QByteArray& name)
+    {
+        const QByteArray self = "/proc/self/fd/" + QByteArray::number(file);
+        return linkat(AT_FDCWD, self.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0;
+    }
+    /// A name in the folder that nothing has; empty after a failure.
+    QByteArray freeName() const
+    {
+        QByteArray name = m_pattern;
+        const Descriptor placeholder(mkostemp(name.data(), O_CLOEXEC));
+        if (placeholder < 0)
+            return {};
+        unlink(name.constData());
+        return name;
+    }
     /// Names the nameless file; false when something has this name.
     bool giveName(const QByteArray& name) const
     {
-        const QByteArray self = "/proc/self/fd/" + QByteArray::number(int(m_file));
-        if (linkat(AT_FDCWD, self.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0)
+        if (link(m_file, name))
             return true;
         if (errno != EEXIST)
             throwLastError(errors::PathNotFound);
         return false;
     }
-    /// Names the nameless file in a way that nothing else is named, for the moment before it replaces another.
+    /// Names the nameless file for the moment before it replaces another.
     void nameBeside()
     {
-        for (;;) {
-            QByteArray free = m_pattern;
-            const Descriptor placeholder(mkostemp(free.data(), O_CLOEXEC));
-            if (placeholder < 0)
+        while (m_name.isEmpty()) {
+            const QByteArray name = freeName();
+            if (name.isEmpty())
                 throwLastError(errors::PathNotFound);
-            unlink(free.constData());
-            if (giveName(free)) {
-                m_name = free;
-                return;
-            }
+            if (giveName(name))
+                m_name = name;
         }
     }
 

@@ -105,6 +105,38 @@ private Q_SLOTS:
         QCOMPARE(list().rows, expected);
     }
 
+    void rowNumbersOfAnySizeGiveTheSameNames_data()
+    {
+        QTest::addColumn<QString>("number");
+        QTest::addColumn<QString>("table");
+        for (const QString& table : {u"Link"_s, u"Main"_s}) {
+            for (const QString& number : {u"-9223372036854775808"_s, u"-5"_s, u"0"_s, u"1000000"_s,
+                                          u"4611686018427387904"_s, u"9223372036854775807"_s})
+                QTest::addRow("%s %s", qPrintable(table), qPrintable(number)) << number << table;
+        }
+    }
+
+    void rowNumbersOfAnySizeGiveTheSameNames()
+    {
+        QFETCH(QString, number);
+        QFETCH(QString, table);
+        for (const QString& target : {u"R-991231-001"_s, u"F-991231-001"_s, u"M-991231-002"_s})
+            addLink(u"M-991231-001"_s, target);
+        SetAllLinkList(session());
+        const QStringList expected = list().rows;
+        QCOMPARE(expected.size(), 3);
+        session().OpenDb->execute(
+            u"UPDATE %1 SET rowid = %2 WHERE rowid = (SELECT max(rowid) FROM %1)"_s.arg(table, number));
+        SetAllLinkList(session());
+        QStringList rows = list().rows;
+        rows.sort(); // a low number comes first
+        QCOMPARE(rows, [&] {
+            QStringList sorted = expected;
+            sorted.sort();
+            return sorted;
+        }());
+    }
+
     void listIsRebuiltFromScratch()
     {
         addLink(u"R-991231-001"_s, u"M-991231-001"_s);

@@ -95,12 +95,90 @@ private Q_SLOTS:
         form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
         refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
         world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        world->dialogs.meanwhile([&] {
+            QVERIFY(othersMayWrite(world->path));
+            QCOMPARE(world->memberships().size(), 3);
+            QCOMPARE(form.modeText(), u"登録モード"_s); // filing comes before the change of mode
+        });
         world->dialogs.expect(Registered);
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
         QCOMPARE(world->memberships(),
                  QStringList({u"A|M-991231-001"_s, u"A-B|M-991231-001"_s, u"C|M-991231-001"_s}));
-        QVERIFY(othersMayWrite(world->path));
+        fill(form, u"水"_s, u"H2O"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        world->dialogs.meanwhile([&] { QVERIFY(othersMayWrite(world->path)); });
+        world->dialogs.expect(Updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
+    }
+
+    void categoriesThatNoSearchCanNameAreToldAfterTheWrite()
+    {
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({{u"川"_s, u"A'B"_s}, {u"海"_s, u"C"_s}, {u"湖"_s, u"D'E"_s}});
+        const auto nobodyWaits = [&] {
+            QVERIFY(othersMayWrite(world->path));
+            QCOMPARE(world->definitions().size(), 1);
+        };
+        for (int category = 0; category < 2; ++category) {
+            world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
+            world->dialogs.meanwhile(nobodyWaits);
+            world->dialogs.expect(failureBox(u"ClassifyCategory"_s, 91));
+            world->dialogs.meanwhile(nobodyWaits);
+        }
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->memberships(), QStringList({u"C|M-991231-001"_s}));
+    }
+
+    void commitThatFailsKeepsTheInput()
+    {
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({{u"海"_s, u"C"_s}});
+        {
+            const ForeignLock reader(*world->session.OpenDb, ForeignLock::Kind::Reading);
+            world->dialogs.expect(untrapped(3260));
+            QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        }
+        QCOMPARE(world->definitions(), QStringList());
+        QCOMPARE(world->memberships(), QStringList());
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        QCOMPARE(form.fieldText(0), u"水"_s);
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QCOMPARE(world->memberships(), QStringList({u"C|M-991231-001"_s}));
+    }
+
+    void updateThatIsUndoneKeepsWhatWasTyped()
+    {
+        world->add(u"水"_s, Water, u"液体"_s);
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        frmMainData& form = world->show(Water);
+        fill(form, u"水"_s, u"H2O"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
+                       Refusal::OfTheTransaction);
+        world->dialogs.expect(untrapped(5));
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 5));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QCOMPARE(world->memberships(), QStringList({u"A|M-991231-001"_s}));
+        QCOMPARE(form.fieldText(2), u"H2O"_s);
+    }
+
+    void updateOfADeletedDatumIsReportedAsThatWhoeverWrites()
+    {
+        world->add(u"水"_s, Water, u"液体"_s);
+        frmMainData& form = world->show(Water);
+        fill(form, u"お湯"_s, u"熱い"_s);
+        world->deleteElsewhere(Water);
+        const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
+        world->dialogs.expect(untrapped(3021));
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
     }
 
     void failureThatUndoesEverythingKeepsTheInput()

@@ -1,4 +1,5 @@
 #include "tests/data/form_world.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/troubled_database.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -66,6 +67,53 @@ private Q_SLOTS:
         form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(world->memberships(), QStringList({u"A-B|R-991231-001"_s, u"C|R-991231-001"_s}));
+    }
+
+    void documentAndMembershipsAreWrittenAtOnce()
+    {
+        auto& form = world->beginRegistration<frmRefDoc>();
+        fill(form, u"本"_s, u"内容"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        const WriteCounter writes(*world->session.OpenDb);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(world->memberships().size(), 2);
+    }
+
+    void failedFilingIsToldAfterTheChangeOfMode()
+    {
+        auto& form = world->beginRegistration<frmRefDoc>();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Book});
+        fill(form, u"本"_s, u"内容"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        world->dialogs.meanwhile([&] {
+            QVERIFY(othersMayWrite(world->path));
+            QCOMPARE(form.modeText(), u"表示モード"_s);
+            QCOMPARE(world->documents().size(), 1);
+        });
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->memberships(),
+                 QStringList({u"A|R-991231-001"_s, u"A-B|R-991231-001"_s, u"C|R-991231-001"_s}));
+        QVERIFY(FormWorld::closes(form));
+    }
+
+    void failureThatUndoesEverythingKeepsTheInput()
+    {
+        auto& form = world->beginRegistration<frmRefDoc>();
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Book});
+        fill(form, u"本"_s, u"内容"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
+                       Refusal::OfTheTransaction);
+        world->dialogs.expect(untrapped(5));
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->documents(), QStringList());
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        QCOMPARE(form.fieldText(2), u"内容"_s);
+        world->dialogs.expect(AskRegister, Answer::No);
+        QVERIFY(FormWorld::closes(form)); // nothing counts as saved
     }
 
     void inputIsChecked_data()

@@ -139,13 +139,19 @@ private Q_SLOTS:
         {
             const auto database = Database::open(path);
             auto& connection = database->connection();
+            // Usual identifiers, close together and far apart, and unusual ones.
+            const auto identifier = [](int i) {
+                return i % 3 == 0   ? u"M-%1"_s.arg(i)
+                       : i % 3 == 1 ? u"M-991231-%1"_s.arg(i, 3, 10, QChar(u'0'))
+                                    : u"M-%1-001"_s.arg(100'000 + 1999 * i);
+            };
             for (int i = 0; i < 300; ++i)
-                connection.execute(u"INSERT INTO Main VALUES ('n%1', 'M-%2', '')"_s.arg(i).arg(i));
+                connection.execute(u"INSERT INTO Main VALUES ('n%1', '%2', '')"_s.arg(i).arg(identifier(i)));
             connection.execute(u"INSERT INTO Main VALUES ('null', NULL, '')"_s);
             connection.execute(u"INSERT INTO Category VALUES ('Z', NULL)"_s);
             for (int i = 0; i < 200; ++i)
-                connection.execute(
-                    u"INSERT OR IGNORE INTO Category VALUES ('A', 'M-%1')"_s.arg(random.bounded(400)));
+                connection.execute(u"INSERT OR IGNORE INTO Category VALUES ('A', '%1')"_s.arg(
+                    identifier(random.bounded(400))));
         }
         world->open(path);
         QStringList expected;

@@ -3,6 +3,7 @@
 #include "ui/main/fill_progress.h"
 
 #include <QProgressBar>
+#include <QScreen>
 
 #include <limits>
 
@@ -73,6 +74,30 @@ private Q_SLOTS:
         progress.finish();
         QVERIFY(!shown.isVisible());
         QCOMPARE(shown.value(), 1000);
+    }
+
+    void barLeavesNothingOnTheScreen()
+    {
+        QWidget window;
+        window.resize(200, 50);
+        QProgressBar shown(&window);
+        shown.setTextVisible(false);
+        shown.setGeometry(0, 0, 200, 50);
+        shown.hide();
+        window.show();
+        const auto onScreen = [&] {
+            QCoreApplication::processEvents();
+            return window.screen()->grabWindow(window.winId()).toImage().pixelColor(20, 25);
+        };
+        const QColor before = onScreen();
+        FillProgress progress(shown);
+        progress.start(1024);
+        QTest::qSleep(300); // until a bar is worth painting
+        for (int row = 0; row < 1023; ++row)
+            progress.advance();
+        QVERIFY(onScreen() != before);
+        progress.finish();
+        QCOMPARE(onScreen(), before);
     }
 
     void preparingDoesNotShowTheBar()

@@ -134,6 +134,7 @@ private Q_SLOTS:
     void aVisibleWindowBecomesModal();
     void menusAreFoundByTheirNames();
     void captionsStandAsGiven();
+    void menuBarShowsWhatHasChanged();
     void everyNewDataWindowIsFresh();
     void theRegistrationWindowIsShared();
     void anUnloadedSharedWindowIsMadeAnew();
@@ -350,6 +351,47 @@ void TestFormWindow::captionsStandAsGiven()
     QCOMPARE(menu->title(), u"データ&D)"_s);
     QCOMPARE(window->addEntry(menu, u"x"_s, u"画面の切り替え(&F2)"_s)->text(), u"画面の切り替え(&F2)"_s);
     QVERIFY(!menu->toolTipsVisible());
+}
+
+void TestFormWindow::menuBarShowsWhatHasChanged()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QMainWindow plainWindow; // with the same changes, as the toolkit has it
+    QMenuBar& plain = *plainWindow.menuBar();
+    plain.setNativeMenuBar(false);
+    QMenu* menus[2];
+    QAction* entries[2];
+    for (int i = 0; i < 2; ++i) {
+        const QString name = u"mnu%1"_s.arg(i);
+        menus[i] = window->addMenu(name, u"データ(&%1)"_s.arg(i));
+        entries[i] = plain.addMenu(u"データ(&%1)"_s.arg(i))->menuAction();
+    }
+    for (QMainWindow* shown : {static_cast<QMainWindow*>(window), &plainWindow}) {
+        shown->resize(400, 200);
+        shown->show();
+    }
+    const auto bothLookAlike = [&] {
+        QCoreApplication::processEvents();
+        QCOMPARE(window->menuBar()->grab().toImage(), plain.grab().toImage());
+        for (int i = 0; i < 2; ++i)
+            QCOMPARE(window->menuBar()->actionGeometry(menus[i]->menuAction()),
+                     plain.actionGeometry(entries[i]));
+    };
+    bothLookAlike();
+    for (const bool enabled : {false, true, false}) {
+        menus[0]->menuAction()->setEnabled(enabled);
+        entries[0]->setEnabled(enabled);
+        bothLookAlike();
+    }
+    menus[0]->setTitle(u"とても長い名前(&L)"_s);
+    entries[0]->setText(u"とても長い名前(&L)"_s);
+    bothLookAlike();
+    menus[1]->menuAction()->setVisible(false);
+    entries[1]->setVisible(false);
+    bothLookAlike();
+    menus[1]->menuAction()->setVisible(true);
+    entries[1]->setVisible(true);
+    bothLookAlike();
 }
 
 void TestFormWindow::everyNewDataWindowIsFresh()

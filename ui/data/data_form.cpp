@@ -273,10 +273,14 @@ void DataForm::mnuDataUpdate_Click()
 {
     if (!CheckInput())
         return;
-    LateNotices notices(session(), rows().database());
-    writeTogether(rows().database(), [&] {
+    const auto goToRow = [this] {
         if (!findRow())
             throw Error(errors::NoCurrentRecord);
+    };
+    goToRow(); // a datum that is gone is reported as that, whoever may be writing
+    LateNotices notices(session(), rows().database());
+    writeTogether(rows().database(), [&] {
+        goToRow();
         changeRow();
         if (m_design.updateClassifies)
             classifyInListedCategories(notices);

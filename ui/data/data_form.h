@@ -81,7 +81,7 @@ protected:
     /// The window's table.
     RecordSet& rows() const;
     /// Adds a row of the fields to the window's table and files the datum in every category of the category list, as
-    /// one durable write. What went wrong in filing is told in `notices`.
+    /// one durable write. What went wrong in filing waits in `notices`.
     void addDatum(LateNotices& notices);
     /// The question before closing; true lets the window close.
     bool QuerySave();

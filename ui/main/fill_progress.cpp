@@ -37,8 +37,8 @@ void FillProgress::finish()
     // A visible bar paints itself at every change, and the window around it with it; this one disappears anyway.
     m_bar.setUpdatesEnabled(false);
     m_bar.setValue(m_bar.maximum());
+    m_bar.setUpdatesEnabled(true); // what it covered is painted again only if it may be painted itself
     m_bar.hide();
-    m_bar.setUpdatesEnabled(true);
 }
 
 void FillProgress::paintNowAndThen()
