@@ -25,7 +25,7 @@ struct MessageBox {
 struct InputBox {
     QString prompt;
     QString title = titles::Application;
-    QString content; // what the field holds at first
+    QString content = {}; // what the field holds at first
 };
 
 /// A question for the name of a file.
@@ -33,9 +33,9 @@ struct FileDialog {
     enum class Purpose { Open, Save };
 
     Purpose purpose = Purpose::Open;
-    QString filter;   // "description (*.ext)|*.ext"; empty for all files
-    QString fileName; // full name or empty; what the dialog proposes
-    QString folder;   // where the dialog starts; empty for its own default
+    QString filter = {};   // "description (*.ext)|*.ext"; empty for all files
+    QString fileName = {}; // full name or empty; what the dialog proposes
+    QString folder = {};   // where the dialog starts; empty for its own default
     bool promptBeforeOverwriting = false;
 };
 
