@@ -78,16 +78,16 @@ private Q_SLOTS:
 
     void barLeavesNothingOnTheScreen()
     {
-        QWidget window;
-        window.resize(200, 50);
-        QProgressBar shown(&window);
+        QWidget around;
+        around.resize(200, 50);
+        QProgressBar shown(&around);
         shown.setTextVisible(false);
         shown.setGeometry(0, 0, 200, 50);
         shown.hide();
-        window.show();
+        around.show();
         const auto onScreen = [&] {
             QCoreApplication::processEvents();
-            return window.screen()->grabWindow(window.winId()).toImage().pixelColor(20, 25);
+            return around.screen()->grabWindow(around.winId()).toImage().pixelColor(20, 25);
         };
         const QColor before = onScreen();
         FillProgress progress(shown);

@@ -117,8 +117,8 @@ class TestMainMenuWalk : public MainWindowFixture
                                   const QString& title = u"Quillon"_s) {
             return WalkedEntry{name, true, [this, text, title] { expectNotice(text, title); }};
         };
-        const auto opens = [](const QString& name, const QString& window) {
-            return WalkedEntry{name, true, {}, QStringList({Main, window})};
+        const auto opens = [](const QString& name, const QString& opened) {
+            return WalkedEntry{name, true, {}, QStringList({Main, opened})};
         };
         return fileMenu(true) + entries({u"mnuData"_s, u"mnuEntry"_s}, true) +
                std::vector<WalkedEntry>{
@@ -146,8 +146,8 @@ class TestMainMenuWalk : public MainWindowFixture
 
     std::vector<WalkedEntry> withSelection()
     {
-        const auto opens = [](const QString& name, const QString& window) {
-            return WalkedEntry{name, true, {}, QStringList({Main, u"frmSplash"_s, window})};
+        const auto opens = [](const QString& name, const QString& opened) {
+            return WalkedEntry{name, true, {}, QStringList({Main, u"frmSplash"_s, opened})};
         };
         const auto asks = [this](const QString& name, const QString& question) {
             return WalkedEntry{name, true, [this, question] { expectQuestion(question, Answer::Cancel); }};
