@@ -81,7 +81,7 @@ void tree50000(benchmark::State& state)
     buildTree(state, {"Building the category tree, 50,000 categories", "reading their rows", 10},
               Corpus::Categories50000, 50'000);
 }
-BENCHMARK(tree50000)->UseManualTime()->Iterations(11);
+BENCHMARK(tree50000)->UseManualTime()->Iterations(21);
 
 void treeGrowth(benchmark::State& state)
 {
@@ -93,7 +93,7 @@ void treeGrowth(benchmark::State& state)
              .prepareFloor = {},
              .floor = [&] { small.run(); }});
 }
-BENCHMARK(treeGrowth)->UseManualTime()->Iterations(11);
+BENCHMARK(treeGrowth)->UseManualTime()->Iterations(31);
 
 } // namespace
 

@@ -23,7 +23,7 @@ namespace quillon::bench
 namespace
 {
 
-constexpr int Keys = 201;
+constexpr int Keys = 1001;
 
 /// The beginnings of the corpus's documents, together as long as a document can be.
 QString longDocument()

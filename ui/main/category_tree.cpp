@@ -42,7 +42,7 @@ void addCategory(KeyedTreeModel& nodes, QStringView identifier, QStringView name
         throw Error(errors::FieldTooSmall);
     // Mostly the category above is there, and then so is every one above that.
     const QStringView above = identifier.first(std::max<qsizetype>(identifier.lastIndexOf(u'-'), 0));
-    if (!above.isEmpty() && GetNodeIndex(nodes, above) != 0) {
+    if (nodes.contains(above)) {
         nodes.add(above, identifier, name);
         return;
     }

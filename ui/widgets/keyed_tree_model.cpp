@@ -3,20 +3,29 @@
 #include "app/base/error.h"
 
 #include <algorithm>
-#include <deque>
+#include <memory>
 #include <utility>
 
 namespace quillon
 {
 
-struct KeyedTreeModel::Node {
+// With tens of thousands of nodes most of the time goes into finding them in memory: what is looked at in finding a node
+// and in adding one below it stands in one cache line.
+struct alignas(64) KeyedTreeModel::Node {
+    static constexpr qsizetype ShortKey = 12; // characters of a category six levels deep
+
     QStringView key;
+    char16_t shortKey[ShortKey]; // what `key` shows unless it is longer
+    Node* youngest = nullptr;    // child
+    int childCount = 0;
+    int position = 0; // right as long as it is before the first stale one
+    int row = 0;      // among its siblings
+    bool removed = false;
+
     QStringView text;
     Node* parent = nullptr;
-    std::unique_ptr<std::vector<Node*>> children; // most have none
-    int row = 0;                                  // among its siblings
-    int position = 0;                             // right as long as it is before the first stale one
-    bool removed = false;
+    Node* older = nullptr; // the sibling that was the youngest child when this one came
+    std::unique_ptr<std::vector<Node*>> children; // by row, up to those that nobody has asked for yet
 };
 
 namespace
@@ -53,12 +62,29 @@ private:
 
 /// What a tree is made of; everything stays where it is as long as a view may look at it.
 struct KeyedTreeModel::Stock {
-    std::deque<Node> nodes; // removed ones, too
+    static constexpr quint32 BlockSize = 1024;
+
+    /// A further node; its number is that of the nodes made so far, removed ones included.
+    Node& make()
+    {
+        if (count % BlockSize == 0)
+            blocks.push_back(std::make_unique<Node[]>(BlockSize));
+        return node(++count);
+    }
+    Node& node(quint32 number) const { return blocks[(number - 1) / BlockSize][(number - 1) % BlockSize]; }
+
+    std::vector<std::unique_ptr<Node[]>> blocks;
+    quint32 count = 0;
     Texts texts;
 };
 
+QStringView KeyedTreeModel::KeyOfNode::operator()(quint32 number) const
+{
+    return model->m_stock->node(number).key;
+}
+
 KeyedTreeModel::KeyedTreeModel(QObject* parent)
-    : QAbstractItemModel(parent), m_stock(std::make_unique<Stock>())
+    : QAbstractItemModel(parent), m_stock(std::make_unique<Stock>()), m_byKey(KeyOfNode{this})
 {
 }
 
@@ -67,6 +93,11 @@ KeyedTreeModel::~KeyedTreeModel() = default;
 KeyedTreeModel::Node* KeyedTreeModel::nodeOf(const QModelIndex& index) const
 {
     return index.isValid() ? static_cast<Node*>(index.internalPointer()) : nullptr;
+}
+
+KeyedTreeModel::Node* KeyedTreeModel::nodeOf(quint32 number) const
+{
+    return number == 0 ? nullptr : &m_stock->node(number);
 }
 
 KeyedTreeModel::Node* KeyedTreeModel::nodeAt(int position) const
@@ -81,12 +112,24 @@ QModelIndex KeyedTreeModel::indexFor(Node* node) const
     return node == nullptr ? QModelIndex() : createIndex(node->row, 0, node);
 }
 
-const std::vector<KeyedTreeModel::Node*>& KeyedTreeModel::childrenOf(const Node* node) const
+const std::vector<KeyedTreeModel::Node*>& KeyedTreeModel::childrenOf(Node* node) const
 {
-    static const std::vector<Node*> none;
     if (node == nullptr)
         return m_roots;
-    return node->children ? *node->children : none;
+    // Made when they are first shown: most branches never are, and adding to a list of each takes longer than all else.
+    if (!node->children)
+        node->children = std::make_unique<std::vector<Node*>>();
+    std::vector<Node*>& children = *node->children;
+    const auto known = static_cast<int>(children.size());
+    children.resize(static_cast<std::size_t>(node->childCount));
+    for (Node* child = node->youngest; child != nullptr && child->row >= known; child = child->older)
+        children[static_cast<std::size_t>(child->row)] = child;
+    return children;
+}
+
+int KeyedTreeModel::childCountOf(const Node* node) const
+{
+    return node != nullptr ? node->childCount : static_cast<int>(m_roots.size());
 }
 
 QModelIndex KeyedTreeModel::index(int row, int column, const QModelIndex& parent) const
@@ -104,7 +147,7 @@ QModelIndex KeyedTreeModel::parent(const QModelIndex& child) const
 
 int KeyedTreeModel::rowCount(const QModelIndex& parent) const
 {
-    return static_cast<int>(childrenOf(nodeOf(parent)).size());
+    return childCountOf(nodeOf(parent));
 }
 
 int KeyedTreeModel::columnCount(const QModelIndex& /*parent*/) const
@@ -139,13 +182,20 @@ int KeyedTreeModel::positionOf(const Node* node) const
             m_nodes[static_cast<std::size_t>(number) - 1]->position = number;
         m_numbered = nodeCount();
     }
-    return node->position;
+    // While the tree is made anew a view may still ask for a node that it had before.
+    const auto place = static_cast<std::size_t>(node->position) - 1;
+    return place < m_nodes.size() && m_nodes[place] == node ? node->position : 0;
+}
+
+bool KeyedTreeModel::contains(QStringView key) const
+{
+    return !key.isEmpty() && find(key) != nullptr;
 }
 
 KeyedTreeModel::Node* KeyedTreeModel::find(QStringView key) const
 {
     if (m_lastFound == nullptr || m_lastFound->key != key)
-        m_lastFound = m_byKey.value(key, nullptr);
+        m_lastFound = nodeOf(m_byKey.find(key));
     return m_lastFound;
 }
 
@@ -182,7 +232,7 @@ int KeyedTreeModel::parentPosition(int position) const
 
 bool KeyedTreeModel::hasChildren(int position) const
 {
-    return !childrenOf(nodeAt(position)).empty();
+    return childCountOf(nodeAt(position)) > 0;
 }
 
 QModelIndex KeyedTreeModel::indexOf(int position) const
@@ -193,8 +243,6 @@ QModelIndex KeyedTreeModel::indexOf(int position) const
 void KeyedTreeModel::clear()
 {
     const Rebuild rebuild(*this);
-    for (Node* node : m_nodes)
-        node->removed = true;
     m_retired.push_back(std::exchange(m_stock, std::make_unique<Stock>()));
     m_nodes.clear();
     m_roots.clear();
@@ -211,21 +259,29 @@ void KeyedTreeModel::add(QStringView parentKey, QStringView key, QStringView tex
         if (parent == nullptr)
             throw Error(errors::ElementNotFound);
     }
-    if (!key.isEmpty() && m_byKey.contains(key))
+    if (!key.isEmpty() && m_byKey.find(key) != 0)
         throw Error(errors::KeyNotUnique);
 
-    const auto row = static_cast<int>(childrenOf(parent).size());
-    const QStringView ownKey = m_stock->texts.keep(key);
+    const int row = childCountOf(parent);
     const QStringView ownText = m_stock->texts.keep(text);
     if (m_rebuilding == 0)
         beginInsertRows(indexFor(parent), row, row);
-    Node& node = m_stock->nodes.emplace_back(
-        Node{.key = ownKey, .text = ownText, .parent = parent, .children = nullptr, .row = row});
-    if (parent != nullptr && !parent->children)
-        parent->children = std::make_unique<std::vector<Node*>>();
-    (parent != nullptr ? *parent->children : m_roots).push_back(&node);
+    Node& node = m_stock->make();
+    node.key =
+        key.size() <= Node::ShortKey
+            ? QStringView(node.shortKey, std::copy(key.utf16(), key.utf16() + key.size(), node.shortKey))
+            : m_stock->texts.keep(key);
+    node.text = ownText;
+    node.parent = parent;
+    node.row = row;
+    if (parent != nullptr) {
+        node.older = std::exchange(parent->youngest, &node);
+        ++parent->childCount;
+    } else {
+        m_roots.push_back(&node);
+    }
     if (!key.isEmpty())
-        m_byKey.insert(ownKey, &node);
+        m_byKey.insert(m_stock->count);
     m_nodes.push_back(&node);
     if (m_numbered == nodeCount() - 1)
         node.position = ++m_numbered;
@@ -246,10 +302,15 @@ void KeyedTreeModel::remove(int position)
     Node* node = nodeAt(position);
     if (m_rebuilding == 0)
         beginRemoveRows(indexFor(node->parent), node->row, node->row);
+    childrenOf(node->parent); // all of them are listed from now on
     std::vector<Node*>& siblings = node->parent != nullptr ? *node->parent->children : m_roots;
     siblings.erase(siblings.begin() + node->row);
     for (auto row = static_cast<std::size_t>(node->row); row < siblings.size(); ++row)
         siblings[row]->row = static_cast<int>(row);
+    if (node->parent != nullptr) {
+        --node->parent->childCount;
+        node->parent->youngest = siblings.empty() ? nullptr : siblings.back();
+    }
 
     std::vector<Node*> pending{node};
     while (!pending.empty()) {
@@ -280,7 +341,7 @@ KeyedTreeModel::Rebuild::Rebuild(KeyedTreeModel& model) : m_model(model)
 
 void KeyedTreeModel::Rebuild::expect(qsizetype nodes)
 {
-    m_model.m_byKey.reserve(m_model.m_byKey.size() + nodes);
+    m_model.m_byKey.reserve(m_model.m_byKey.size() + static_cast<std::size_t>(nodes));
     m_model.m_nodes.reserve(m_model.m_nodes.size() + static_cast<std::size_t>(nodes));
 }
 

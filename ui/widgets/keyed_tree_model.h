@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ui/widgets/key_index.h"
 #include <QAbstractItemModel>
-#include <QHash>
 #include <QString>
 #include <QStringView>
 
@@ -31,6 +31,8 @@ public:
     int nodeCount() const;
     /// The position of the first node with this key, 0 when there is none.
     int position(QStringView key) const;
+    /// Whether a node has this key; none has an empty one.
+    bool contains(QStringView key) const;
     /// The position of a model index, 0 for an invalid one.
     int position(const QModelIndex& index) const;
     /// Key, text, position of the parent (0: root). Error 35600 for a position outside the tree.
@@ -69,19 +71,26 @@ public:
 private:
     struct Node;
     struct Stock;
+    struct KeyOfNode {
+        const KeyedTreeModel* model;
+        QStringView operator()(quint32 number) const;
+    };
 
     Node* find(QStringView key) const;
+    Node* nodeOf(quint32 number) const; // null for 0
     Node* nodeAt(int position) const;
     Node* nodeOf(const QModelIndex& index) const;
     QModelIndex indexFor(Node* node) const;
     int positionOf(const Node* node) const;
-    const std::vector<Node*>& childrenOf(const Node* node) const;
+    /// All children of a node, or the top nodes, by row.
+    const std::vector<Node*>& childrenOf(Node* node) const;
+    int childCountOf(const Node* node) const;
 
     std::unique_ptr<Stock> m_stock;
     std::vector<std::unique_ptr<Stock>> m_retired; // emptied while views are not told yet
     std::vector<Node*> m_nodes;                    // in the order of creation
     std::vector<Node*> m_roots;
-    QHash<QStringView, Node*> m_byKey;   // nodes without a key are not in it
+    KeyIndex<KeyOfNode> m_byKey;         // nodes without a key are not in it
     mutable Node* m_lastFound = nullptr; // neighbours mostly share what is above them
     mutable int m_numbered = 0;          // the nodes up to this position know it
     int m_rebuilding = 0;
