@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <utility>
 
@@ -24,8 +25,8 @@ struct alignas(64) KeyedTreeModel::Node {
 
     QStringView text;
     Node* parent = nullptr;
-    Node* older = nullptr; // the sibling that was the youngest child when this one came
-    std::unique_ptr<std::vector<Node*>> children; // by row, up to those that nobody has asked for yet
+    Node* older = nullptr;                  // the sibling that was the youngest child when this one came
+    std::vector<Node*>* children = nullptr; // by row, up to those that nobody has asked for yet
 };
 
 namespace
@@ -75,6 +76,7 @@ struct KeyedTreeModel::Stock {
 
     std::vector<std::unique_ptr<Node[]>> blocks;
     quint32 count = 0;
+    std::deque<std::vector<Node*>> lists; // of children; not the nodes' own, which can so be dropped unseen
     Texts texts;
 };
 
@@ -117,8 +119,8 @@ const std::vector<KeyedTreeModel::Node*>& KeyedTreeModel::childrenOf(Node* node)
     if (node == nullptr)
         return m_roots;
     // Made when they are first shown: most branches never are, and adding to a list of each takes longer than all else.
-    if (!node->children)
-        node->children = std::make_unique<std::vector<Node*>>();
+    if (node->children == nullptr)
+        node->children = &m_stock->lists.emplace_back();
     std::vector<Node*>& children = *node->children;
     const auto known = static_cast<int>(children.size());
     children.resize(static_cast<std::size_t>(node->childCount));
