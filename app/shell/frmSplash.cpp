@@ -16,6 +16,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <optional>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -26,6 +29,18 @@ namespace
 
 constexpr int TickMilliseconds = 100;
 constexpr qint16 LastTick = 30;
+
+/// The font without the toolkit's search for substitutes, which takes longer than loading it; nothing where it lacks a
+/// character of the text.
+std::optional<QFont> withoutSubstitutes(QFont font, const QString& text)
+{
+    font.setStyleStrategy(QFont::NoFontMerging);
+    const QFontMetrics metrics(font);
+    const QList<uint> characters = text.toUcs4();
+    if (std::all_of(characters.begin(), characters.end(), [&](uint one) { return metrics.inFontUcs4(one); }))
+        return font;
+    return std::nullopt;
+}
 
 QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, const QStringList& families,
                   double scale, bool bold)
@@ -40,6 +55,9 @@ QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, con
     font.setFamilies(families + font.families());
     font.setPointSizeF(points * scale);
     font.setBold(bold);
+    // The labels with families of their own keep their texts.
+    if (!families.isEmpty())
+        font = withoutSubstitutes(font, text).value_or(font);
     label->setFont(font);
     return label;
 }
