@@ -99,6 +99,39 @@ private Q_SLOTS:
         QVERIFY(FormWorld::closes(form));
     }
 
+    void fullDiskKeepsTheInput()
+    {
+        auto& form = world->beginRegistration<frmRefDoc>();
+        const QString content = QString(20'000, u'内');
+        fill(form, u"本"_s, content);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1"_s); // the file may not grow any more
+        world->dialogs.expect(untrapped(61));
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 61));
+        QCOMPARE(world->documents(), QStringList());
+        QCOMPARE(world->memberships(), QStringList());
+        QVERIFY(othersMayWrite(world->path));
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        QCOMPARE(form.fieldText(2), content);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1000000"_s);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + content));
+        QCOMPARE(world->memberships(), QStringList(u"A-B|R-991231-001"_s));
+        // An update that no longer fits leaves the old text.
+        const QString longer = QString(31'000, u'長');
+        fill(form, u"本"_s, longer);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1"_s);
+        world->dialogs.expect(untrapped(61));
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + content));
+        QCOMPARE(form.fieldText(2), longer);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1000000"_s);
+        world->dialogs.expect(Updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + longer));
+    }
+
     void failureThatUndoesEverythingKeepsTheInput()
     {
         auto& form = world->beginRegistration<frmRefDoc>();
