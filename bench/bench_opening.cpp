@@ -87,9 +87,9 @@ class MillionRows
 public:
     MillionRows()
         : m_rows({{u"名称"_s, ReportModel::Storage::Text},
-                  {u"種別"_s, ReportModel::Storage::Word},
+                  {u"種別"_s, ReportModel::Storage::Dictionary},
                   {u"ＩＤ"_s, ReportModel::Storage::Text},
-                  {u"下位分類"_s, ReportModel::Storage::Word}})
+                  {u"下位分類"_s, ReportModel::Storage::Dictionary}})
     {
         m_program.open(corpusPath(Corpus::Million));
         fill(); // once for what stays allocated besides the rows

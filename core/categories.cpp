@@ -6,12 +6,12 @@
 #include "app/base/ports/main_window_port.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
-#include "core/late_notices.h"
+#include "core/deferred_messages.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 
 #include <QHash>
 
@@ -36,11 +36,12 @@ FindMemberships tellingFailures(Session& session)
 }
 
 /// The same inside a durable write.
-FindMemberships notingFailures(Session& session, LateNotices& notices)
+FindMemberships deferringFailures(Session& session, DeferredMessages& messages)
 {
-    return [&session, &notices](const QString& criteria) {
+    return [&session, &messages](const QString& criteria) {
         std::shared_ptr<RecordSet> result;
-        notices.trap(u"GetFilterResult"_s, [&] { result = required(session.RsCategory).filtered(criteria); });
+        messages.trap(u"GetFilterResult"_s,
+                      [&] { result = required(session.RsCategory).filtered(criteria); });
         return result;
     };
 }
@@ -112,14 +113,14 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
     });
 }
 
-void ClassifyDatum(Session& session, LateNotices& notices, const QString& categoryIdentifier,
+void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& categoryIdentifier,
                    const QString& identifier)
 {
-    const FindMemberships find = notingFailures(session, notices);
-    notices.trap(u"ClassifyCategory"_s, [&] {
+    const FindMemberships find = deferringFailures(session, messages);
+    messages.trap(u"ClassifyCategory"_s, [&] {
         fileIn(session, find, categoryIdentifier, identifier);
-        notices.trap(u"DeleteParentCategory"_s,
-                     [&] { takeOutOfAncestors(find, categoryIdentifier, identifier); });
+        messages.trap(u"DeleteParentCategory"_s,
+                      [&] { takeOutOfAncestors(find, categoryIdentifier, identifier); });
     });
 }
 
@@ -127,14 +128,14 @@ void ClassifyManyData(Session& session, const QString& categoryIdentifier, const
                       const std::function<void()>& advance)
 {
     Database& database = required(session.RsCategory).database();
-    LateNotices notices(session, database);
-    writeTogether(database, [&] {
+    DeferredMessages messages(session, database);
+    inWriteTransaction(database, [&] {
         for (const QString& identifier : identifiers) {
-            ClassifyDatum(session, notices, categoryIdentifier, identifier);
+            ClassifyDatum(session, messages, categoryIdentifier, identifier);
             advance();
         }
     });
-    notices.tell();
+    messages.show();
 }
 
 void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
@@ -170,7 +171,7 @@ std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifie
         ++wanted[identifier];
         ++taken;
     }
-    writeTogether(memberships->database(), [&] {
+    inWriteTransaction(memberships->database(), [&] {
         memberships->deleteRowsIf({1}, [&](const RecordSet::Row& row) {
             const auto left = wanted.find(row.text(0).toString());
             if (left == wanted.end() || *left == 0)
@@ -188,7 +189,7 @@ void DeleteRelationalCategory(Session& session, const QString& identifier)
         const auto memberships =
             GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s);
         if (required(memberships).recordCount() > 0)
-            writeTogether(memberships->database(), [&] { memberships->deleteEveryRow(); });
+            inWriteTransaction(memberships->database(), [&] { memberships->deleteEveryRow(); });
     });
 }
 
@@ -208,7 +209,7 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
         RecordSet& categories = required(session.RsCategoryID);
         bool found = false;
         // The memberships first: should anything go wrong, a category without members is left at worst.
-        writeTogether(required(memberships).database(), [&] {
+        inWriteTransaction(required(memberships).database(), [&] {
             memberships->deleteEveryRow();
             categories.findFirst(criteria);
             found = categories.hasCurrentRow() && categories.field(0) == categoryIdentifier;

@@ -9,7 +9,7 @@ namespace quillon
 {
 
 class DataWindow;
-class LateNotices;
+class DeferredMessages;
 class Session;
 
 /// The name of a category, "不明" when there is no such category.
@@ -22,8 +22,8 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 /// filed twice. Failures are reported as "ClassifyCategory".
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier);
 
-/// The same inside a durable write: what there is to report waits in `notices`.
-void ClassifyDatum(Session& session, LateNotices& notices, const QString& categoryIdentifier,
+/// The same inside a durable write: what there is to report waits in `messages`.
+void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& categoryIdentifier,
                    const QString& identifier);
 
 /// Files many data in a category, each as ClassifyCategory does, as one durable write. Failures of single ones are

@@ -6,15 +6,15 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
+#include "core/deferred_messages.h"
 #include "core/file_data.h"
 #include "core/form_mode.h"
 #include "core/identifier_set.h"
-#include "core/late_notices.h"
 #include "core/links.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 
 #include <utility>
 
@@ -175,19 +175,19 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
     std::vector<bool> deleted;
     deleted.reserve(static_cast<std::size_t>(identifiers.size()));
     Database& database = required(session.RsMain).database();
-    LateNotices notices(session, database);
-    writeTogether(database, [&] {
+    DeferredMessages messages(session, database);
+    inWriteTransaction(database, [&] {
         IdentifierSet gone;
         for (const QString& identifier : identifiers) {
             bool rowDeleted = false;
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
-                notices.trap(u"DeleteData"_s, [&] {
+                messages.trap(u"DeleteData"_s, [&] {
                     RecordSet& rows = tableOf(session, identifier);
                     if (find(rows, identifier)) {
                         rows.deleteRow();
                         rowDeleted = true;
                     } else {
-                        notices.add([&session] { tellNotFound(session); });
+                        messages.add([&session] { tellNotFound(session); });
                     }
                     gone.insert(identifier);
                 });
@@ -196,18 +196,18 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
             advance();
         }
         const auto isGone = [&](QStringView identifier) { return gone.contains(identifier); };
-        notices.trap(u"DeleteRelationalLink"_s, [&] {
+        messages.trap(u"DeleteRelationalLink"_s, [&] {
             required(session.RsLink).deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
                 return isGone(link.text(0)) || isGone(link.text(1));
             });
         });
-        notices.trap(u"DeleteRelationalCategory"_s, [&] {
+        messages.trap(u"DeleteRelationalCategory"_s, [&] {
             required(session.RsCategory).deleteRowsIf({1}, [&](const RecordSet::Row& membership) {
                 return isGone(membership.text(0));
             });
         });
     });
-    notices.tell();
+    messages.show();
     return deleted;
 }
 

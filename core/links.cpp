@@ -11,7 +11,7 @@
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -95,7 +95,7 @@ void DeleteRelationalLink(Session& session, const QString& identifier)
     guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
         const auto links = linksOf(session, identifier);
         if (required(links).recordCount() > 0)
-            writeTogether(links->database(), [&] { links->deleteEveryRow(); });
+            inWriteTransaction(links->database(), [&] { links->deleteEveryRow(); });
     });
 }
 

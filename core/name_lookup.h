@@ -2,7 +2,7 @@
 
 #include "core/identifier_table.h"
 #include "store/sqlite/statement.h"
-#include "store/unit_store.h"
+#include "store/text_buffer.h"
 
 #include <QString>
 #include <QStringView>
@@ -49,7 +49,7 @@ private:
     quint32 kept(QStringView name);
 
     // Of each name its length, in `LengthUnits`, and then its text; by identifier, where this begins.
-    UnitStore m_texts;
+    TextBuffer m_texts;
     IdentifierTable<quint32> m_places;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "store/text_buffer.h"
 #include "store/text_scan.h"
-#include "store/unit_store.h"
 
 #include <QHash>
 #include <QStringView>
@@ -39,7 +39,7 @@ public:
     void shrink();
 
     /// The rows, ascending, in whose name or text `needle` (folded, at least one unit) stands.
-    std::vector<qint64> holding(ScanWay way, QStringView needle) const;
+    std::vector<qint64> holding(ScanKernel kernel, QStringView needle) const;
     /// The rows, ascending, whose name or text matches.
     std::vector<qint64> like(const LikePattern& pattern) const;
 
@@ -76,7 +76,7 @@ private:
     };
     /// Some megabytes of rows: small enough to grow without copying, large enough to be scanned in one go.
     struct Block {
-        UnitStore units;
+        TextBuffer units;
         std::vector<char16_t> stored;
         std::vector<Place> places;
 
@@ -86,7 +86,7 @@ private:
     };
 
     Place* find(qint64 number);
-    static void collectHolding(const Block& block, ScanWay way, QStringView needle,
+    static void collectHolding(const Block& block, ScanKernel kernel, QStringView needle,
                                std::vector<qint64>& rows);
     static void collectLike(const Block& block, const LikePattern& pattern, std::vector<qint64>& rows);
     template <class Collect> std::vector<qint64> collect(Collect&& collectFrom) const;

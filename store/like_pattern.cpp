@@ -121,7 +121,8 @@ LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_compar
 
 bool LikePattern::matches(QStringView text) const
 {
-    return m_comparing == Comparing::AsAReader ? matchesComparable(foldedText(text)) : matchesComparable(text);
+    return m_comparing == Comparing::AsAReader ? matchesComparable(foldedText(text))
+                                               : matchesComparable(text);
 }
 
 bool LikePattern::matchesComparable(QStringView text) const

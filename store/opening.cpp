@@ -7,7 +7,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 
 #include <QDir>
 
@@ -88,7 +88,7 @@ void CreateCategoryTables(Session& session)
         if (!session.OpenDb)
             throw Error(errors::ObjectNotSet);
         // Both or, when the program ends in between, none: only the absence of the first makes a later opening convert.
-        writeTogether(*session.OpenDb, [&] {
+        inWriteTransaction(*session.OpenDb, [&] {
             session.OpenDb->execute(schema::Category_ID().statement);
             session.OpenDb->execute(schema::Category().statement);
         });

@@ -151,7 +151,7 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
         }
         return;
     }
-    const sqlite::ReadSpell reading(m_database->connection());
+    const sqlite::ReadTransaction reading(m_database->connection());
     const auto statement = m_database->connection().prepareOwn(passSql(fields));
     for (const qint64 row : *m_rows) {
         statement->reset();

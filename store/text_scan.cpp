@@ -149,35 +149,35 @@ const char16_t* findWithNeon(const char16_t* begin, const char16_t* end, const N
 
 } // namespace
 
-std::vector<ScanWay> possibleScanWays()
+std::vector<ScanKernel> availableScanKernels()
 {
-    std::vector<ScanWay> ways;
+    std::vector<ScanKernel> kernels;
 #ifdef QUILLON_SCAN_X86
     __builtin_cpu_init();
     if (__builtin_cpu_supports("avx2"))
-        ways.push_back(ScanWay::Avx2);
+        kernels.push_back(ScanKernel::Avx2);
     if (__builtin_cpu_supports("sse2"))
-        ways.push_back(ScanWay::Sse2);
+        kernels.push_back(ScanKernel::Sse2);
 #endif
 #ifdef QUILLON_SCAN_NEON
-    ways.push_back(ScanWay::Neon);
+    kernels.push_back(ScanKernel::Neon);
 #endif
-    ways.push_back(ScanWay::Plain);
-    return ways;
+    kernels.push_back(ScanKernel::Plain);
+    return kernels;
 }
 
-const char16_t* findUnits(ScanWay way, const char16_t* begin, const char16_t* end, QStringView text)
+const char16_t* findUnits(ScanKernel kernel, const char16_t* begin, const char16_t* end, QStringView text)
 {
     const Needle needle(text);
-    switch (way) {
+    switch (kernel) {
 #ifdef QUILLON_SCAN_X86
-    case ScanWay::Avx2:
+    case ScanKernel::Avx2:
         return findWithAvx2(begin, end, needle);
-    case ScanWay::Sse2:
+    case ScanKernel::Sse2:
         return findWithSse2(begin, end, needle);
 #endif
 #ifdef QUILLON_SCAN_NEON
-    case ScanWay::Neon:
+    case ScanKernel::Neon:
         return findWithNeon(begin, end, needle);
 #endif
     default:

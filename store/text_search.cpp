@@ -99,8 +99,8 @@ std::optional<std::vector<qint64>> TextSearch::rowsFor(const Criteria& criteria,
         return std::nullopt;
     const FoldedTexts& texts = upToDate(table);
     if (const std::optional<QString> needle = plainNeedle(*pattern)) {
-        static const ScanWay way = possibleScanWays().front();
-        return texts.holding(way, *needle);
+        static const ScanKernel kernel = availableScanKernels().front();
+        return texts.holding(kernel, *needle);
     }
     return texts.like(LikePattern(*pattern, LikePattern::Comparing::AsAReader));
 }

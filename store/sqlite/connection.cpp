@@ -229,7 +229,7 @@ void Connection::addPatternTest(const char* name, PatternTest test)
                                                nullptr, deletePatternTest));
 }
 
-ReadSpell::ReadSpell(Connection& connection) : m_connection(connection)
+ReadTransaction::ReadTransaction(Connection& connection) : m_connection(connection)
 {
     if (connection.inTransaction())
         return;
@@ -237,7 +237,7 @@ ReadSpell::ReadSpell(Connection& connection) : m_connection(connection)
     m_open = true;
 }
 
-ReadSpell::~ReadSpell()
+ReadTransaction::~ReadTransaction()
 {
     if (!m_open || !m_connection.inTransaction())
         return;

@@ -60,13 +60,13 @@ private:
 
 /// Keeps the file open for reading as long as it lives, so that many small statements read one state and take the lock
 /// once. Other programs cannot write meanwhile: not for longer than it takes to fill a list.
-class ReadSpell
+class ReadTransaction
 {
 public:
-    explicit ReadSpell(Connection& connection);
-    ~ReadSpell();
-    ReadSpell(const ReadSpell&) = delete;
-    ReadSpell& operator=(const ReadSpell&) = delete;
+    explicit ReadTransaction(Connection& connection);
+    ~ReadTransaction();
+    ReadTransaction(const ReadTransaction&) = delete;
+    ReadTransaction& operator=(const ReadTransaction&) = delete;
 
 private:
     Connection& m_connection;

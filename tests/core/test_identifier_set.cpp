@@ -66,9 +66,10 @@ private Q_SLOTS:
             QHash<QString, int> plain;
             QStringList put;
             for (int i = 0; i < 5000; ++i) {
-                const QString one = number(3) == 0 && !put.isEmpty()
-                                        ? put[static_cast<qsizetype>(number(static_cast<unsigned>(put.size())))]
-                                        : identifier();
+                const QString one =
+                    number(3) == 0 && !put.isEmpty()
+                        ? put[static_cast<qsizetype>(number(static_cast<unsigned>(put.size())))]
+                        : identifier();
                 table.insert(one, i);
                 if (!plain.contains(one))
                     plain.insert(one, i);

@@ -1,6 +1,6 @@
 #include "store/record_set.h"
 #include "store/schema.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 #include "tests/support/troubled_database.h"
@@ -98,10 +98,11 @@ private Q_SLOTS:
         const auto deleteAll = [&] { rows()->deleteEveryRow(); };
         QCOMPARE(errorOf(deleteAll), errors::InvalidArgument);
         QCOMPARE(left(), u"def"_s);
-        QCOMPARE(errorOf([&] { writeTogether(*world->session.OpenDb, deleteAll); }), errors::InvalidArgument);
+        QCOMPARE(errorOf([&] { inWriteTransaction(*world->session.OpenDb, deleteAll); }),
+                 errors::InvalidArgument);
         QCOMPARE(left(), u"def"_s);
         allowDeletion(*world->session.OpenDb, u"Main"_s);
-        writeTogether(*world->session.OpenDb, deleteAll);
+        inWriteTransaction(*world->session.OpenDb, deleteAll);
         QCOMPARE(left(), QString());
     }
 
@@ -183,7 +184,7 @@ private Q_SLOTS:
         const WriteCounter writes(*world->session.OpenDb);
         const auto many = rows()->filtered(u"Explanation = 'many'"_s);
         QCOMPARE(many->recordCount(), Count);
-        writeTogether(*world->session.OpenDb, [&] { many->deleteEveryRow(); });
+        inWriteTransaction(*world->session.OpenDb, [&] { many->deleteEveryRow(); });
         QCOMPARE(writes.count, 1);
         QCOMPARE(left(), u"abcdef"_s);
     }

@@ -28,7 +28,7 @@ QString randomText(std::mt19937& random, int size, int letters)
     return text;
 }
 
-qsizetype placeFound(ScanWay way, const QString& text, QStringView needle)
+qsizetype placeFound(ScanKernel way, const QString& text, QStringView needle)
 {
     const char16_t* begin = QStringView(text).utf16();
     const char16_t* end = begin + text.size();
@@ -45,9 +45,9 @@ class TestTextScan : public QObject
 private Q_SLOTS:
     void thePlainWayIsAlwaysPossible()
     {
-        const auto ways = possibleScanWays();
-        QVERIFY(std::find(ways.begin(), ways.end(), ScanWay::Plain) != ways.end());
-        QCOMPARE(ways.back(), ScanWay::Plain); // the slowest stands last
+        const auto ways = availableScanKernels();
+        QVERIFY(std::find(ways.begin(), ways.end(), ScanKernel::Plain) != ways.end());
+        QCOMPARE(ways.back(), ScanKernel::Plain); // the slowest stands last
     }
 
     void everyWayFindsTheSamePlace()
@@ -61,7 +61,7 @@ private Q_SLOTS:
             const QString needle = randomText(random, 1 + static_cast<int>(random() % 9), letters);
             const qsizetype expected = firstPlace(text, needle);
             hits += expected >= 0 ? 1 : 0;
-            for (const ScanWay way : possibleScanWays())
+            for (const ScanKernel way : availableScanKernels())
                 QCOMPARE(placeFound(way, text, needle), expected);
         }
         QVERIFY(hits > 1000 && hits < 19000); // both outcomes have been tried
@@ -71,14 +71,14 @@ private Q_SLOTS:
     {
         for (int size = 1; size < 150; ++size) {
             const QString text = QString(size - 1, u'あ') + u'い';
-            for (const ScanWay way : possibleScanWays())
+            for (const ScanKernel way : availableScanKernels())
                 QCOMPARE(placeFound(way, text, u"い"), size - 1);
         }
     }
 
     void nothingIsFoundInATextShorterThanTheNeedle()
     {
-        for (const ScanWay way : possibleScanWays())
+        for (const ScanKernel way : availableScanKernels())
             QCOMPARE(placeFound(way, u"あい"_s, u"あいう"), -1);
     }
 
@@ -86,7 +86,7 @@ private Q_SLOTS:
     {
         // The needle goes on behind the part that is searched.
         const QString text = QString(63, u'あ') + u"いう"_s;
-        for (const ScanWay way : possibleScanWays()) {
+        for (const ScanKernel way : availableScanKernels()) {
             const char16_t* begin = QStringView(text).utf16();
             QCOMPARE(findUnits(way, begin, begin + 64, u"いう") - begin, 64);
             QCOMPARE(findUnits(way, begin, begin + 65, u"いう") - begin, 63);

@@ -114,7 +114,7 @@ private Q_SLOTS:
                     if (isIn(needle, row.first) || isIn(needle, row.second))
                         expected.push_back(number);
                 }
-                for (const ScanWay way : possibleScanWays())
+                for (const ScanKernel way : availableScanKernels())
                     QCOMPARE(texts.holding(way, comparable), expected);
                 QCOMPARE(texts.like(LikePattern(u'*' + needle + u'*', LikePattern::Comparing::AsAReader)),
                          expected);

@@ -13,7 +13,7 @@ namespace quillon::testing
 
 inline const std::vector<ReportModel::Column> ReportColumns = {
     {QStringLiteral("名称"), ReportModel::Storage::Text},
-    {QStringLiteral("種別"), ReportModel::Storage::Word},
+    {QStringLiteral("種別"), ReportModel::Storage::Dictionary},
     {QStringLiteral("ＩＤ"), ReportModel::Storage::Text},
 };
 

@@ -24,7 +24,7 @@ using Rows = QList<QStringList>;
 
 const std::vector<ReportModel::Column> Columns = {
     {u"名称"_s, ReportModel::Storage::Text},
-    {u"種別"_s, ReportModel::Storage::Word},
+    {u"種別"_s, ReportModel::Storage::Dictionary},
     {u"ＩＤ"_s, ReportModel::Storage::Text},
 };
 
@@ -437,9 +437,9 @@ void TestReportModel::headersAreTheGivenOnes()
 void TestReportModel::memoryStaysNearTheTexts()
 {
     ReportModel model({{u"名称"_s, ReportModel::Storage::Text},
-                       {u"種別"_s, ReportModel::Storage::Word},
+                       {u"種別"_s, ReportModel::Storage::Dictionary},
                        {u"ＩＤ"_s, ReportModel::Storage::Text},
-                       {u"下位分類"_s, ReportModel::Storage::Word}});
+                       {u"下位分類"_s, ReportModel::Storage::Dictionary}});
     constexpr int count = 1'000'000;
     qsizetype units = 0;
     {

@@ -66,9 +66,9 @@ void frmDataSelect::arrange()
     auto* rows = new QVBoxLayout(middle);
 
     lsvData = new ReportList({{.header = u"名称"_s},
-                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"ＩＤ"_s},
-                              {.header = u"下位分類"_s, .storage = ReportModel::Storage::Word}},
+                              {.header = u"下位分類"_s, .storage = ReportModel::Storage::Dictionary}},
                              middle);
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);

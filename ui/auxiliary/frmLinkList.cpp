@@ -71,9 +71,9 @@ void frmLinkList::arrange()
     auto* middle = new QWidget(this);
     auto* rows = new QVBoxLayout(middle);
     lsvLink = new ReportList({{.header = u"リンク元-名称"_s},
-                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"リンク先-名称"_s},
-                              {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                              {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"リンク元-識別符号"_s},
                               {.header = u"リンク元-識別符号"_s}}, // sic: it holds the target
                              middle);

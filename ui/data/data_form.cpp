@@ -6,11 +6,11 @@
 #include "core/categories.h"
 #include "core/close_all_form.h"
 #include "core/data_records.h"
-#include "core/late_notices.h"
+#include "core/deferred_messages.h"
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 #include "ui/data/category_rows.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
@@ -169,11 +169,11 @@ bool DataForm::CheckInput()
     return contentFits && contentFilled;
 }
 
-void DataForm::addDatum(LateNotices& notices)
+void DataForm::addDatum(DeferredMessages& messages)
 {
-    writeTogether(rows().database(), [&] {
+    inWriteTransaction(rows().database(), [&] {
         addRow();
-        classifyInListedCategories(notices);
+        classifyInListedCategories(messages);
     });
     m_databaseFile = openDatabaseFile();
 }
@@ -199,10 +199,10 @@ void DataForm::changeRow()
     recordSet.update();
 }
 
-void DataForm::classifyInListedCategories(LateNotices& notices)
+void DataForm::classifyInListedCategories(DeferredMessages& messages)
 {
     for (const CategoryRow& category : categoryRows())
-        ClassifyDatum(session(), notices, category.identifier, fieldText(1));
+        ClassifyDatum(session(), messages, category.identifier, fieldText(1));
 }
 
 bool DataForm::QuerySave()
@@ -278,14 +278,14 @@ void DataForm::mnuDataUpdate_Click()
             throw Error(errors::NoCurrentRecord);
     };
     goToRow(); // a datum that is gone is reported as that, whoever may be writing
-    LateNotices notices(session(), rows().database());
-    writeTogether(rows().database(), [&] {
+    DeferredMessages messages(session(), rows().database());
+    inWriteTransaction(rows().database(), [&] {
         goToRow();
         changeRow();
         if (m_design.updateClassifies)
-            classifyInListedCategories(notices);
+            classifyInListedCategories(messages);
     });
-    notices.tell();
+    messages.show();
     session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});
     m_saveResult = true;
 }

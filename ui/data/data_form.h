@@ -18,7 +18,7 @@ class QKeyEvent;
 namespace quillon
 {
 
-class LateNotices;
+class DeferredMessages;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -81,8 +81,8 @@ protected:
     /// The window's table.
     RecordSet& rows() const;
     /// Adds a row of the fields to the window's table and files the datum in every category of the category list, as
-    /// one durable write. What went wrong in filing waits in `notices`.
-    void addDatum(LateNotices& notices);
+    /// one durable write. What went wrong in filing waits in `messages`.
+    void addDatum(DeferredMessages& messages);
     /// The question before closing; true lets the window close.
     bool QuerySave();
     bool showsDatum() const; // display mode
@@ -129,7 +129,7 @@ private:
     /// Saves the fields to the row that was found.
     void changeRow();
     /// Files the datum in every category of the category list, inside a durable write.
-    void classifyInListedCategories(LateNotices& notices);
+    void classifyInListedCategories(DeferredMessages& messages);
     void buildFields();
     void buildLists();
     void arrange();

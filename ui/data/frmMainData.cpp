@@ -2,8 +2,8 @@
 
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
+#include "core/deferred_messages.h"
 #include "core/form_mode.h"
-#include "core/late_notices.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/data/digit_letter_key.h"
@@ -27,7 +27,7 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
                                   // sic: the check on saving allows more than the tool tip says.
                                   u"データの定義(全角122文字以内)"_s},
                 .linkColumns = {{.header = u"リンク先データ"_s},
-                                {.header = u"種別"_s, .storage = ReportModel::Storage::Word},
+                                {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                                 {.header = u"識別符号"_s}},
                 .linkToolTip = u"データのリンク先。ダブルクリックで表示できます。"_s,
                 .categoryColumns = {{.header = u"分類先カテゴリ"_s},
@@ -79,9 +79,9 @@ void frmMainData::RegisterData()
         m_saveResult = false;
         return;
     }
-    LateNotices notices(session(), rows().database());
-    addDatum(notices);
-    notices.tell();
+    DeferredMessages messages(session(), rows().database());
+    addDatum(messages);
+    messages.show();
     SetFormMode(*this, DisplayFormMode);
     if (!m_saveResult)
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s});

@@ -6,8 +6,8 @@
 #include "app/base/text_file.h"
 #include "app/base/titles.h"
 #include "app/base/twips.h"
+#include "core/deferred_messages.h"
 #include "core/form_mode.h"
-#include "core/late_notices.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
@@ -44,7 +44,7 @@ frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
                                   u"情報の認識符号｡情報登録時に自動的に生成されます｡"_s,
                                   u"文献の内容。最大入力数は全角で32,768文字です。"_s},
                 .linkColumns = {{.header = u"リンク先名称"_s},
-                                {.header = u"形式"_s, .storage = ReportModel::Storage::Word},
+                                {.header = u"形式"_s, .storage = ReportModel::Storage::Dictionary},
                                 {.header = u"ＩＤ"_s}},
                 .linkToolTip = u"データのリンク先。ダブルクリックで表示できます。"_s,
                 .categoryColumns = {{.header = u"分類先カテゴリ名"_s},
@@ -117,11 +117,11 @@ void frmRefDoc::RegisterData()
         m_saveResult = false;
         return;
     }
-    LateNotices notices(session(), rows().database());
-    addDatum(notices);
+    DeferredMessages messages(session(), rows().database());
+    addDatum(messages);
     m_saveResult = true;
     SetFormMode(*this, DisplayFormMode);
-    notices.tell();
+    messages.show();
 }
 
 void frmRefDoc::mnuDataLoadText_Click()

@@ -89,9 +89,9 @@ void frmMainMenu::buildControls()
     tvwCategory->setAccessibleName(u"カテゴリツリー"_s);
 
     lsvData = new ReportList({{u"名称"_s, ReportModel::Storage::Text},
-                              {u"種別"_s, ReportModel::Storage::Word},
+                              {u"種別"_s, ReportModel::Storage::Dictionary},
                               {u"ＩＤ"_s, ReportModel::Storage::Text},
-                              {u"下位分類"_s, ReportModel::Storage::Word}},
+                              {u"下位分類"_s, ReportModel::Storage::Dictionary}},
                              surface);
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);

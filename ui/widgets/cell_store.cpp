@@ -130,7 +130,7 @@ qsizetype TextColumn::bytesHeld() const
                                   m_offsets.capacity() * sizeof(quint32));
 }
 
-quint16 WordColumn::numberOf(QStringView word)
+quint16 DictionaryColumn::numberOf(QStringView word)
 {
     if (m_last < m_words.size() && m_words[m_last] == word)
         return m_last;
@@ -153,32 +153,32 @@ quint16 WordColumn::numberOf(QStringView word)
     return m_last;
 }
 
-void WordColumn::append(QStringView word)
+void DictionaryColumn::append(QStringView word)
 {
     m_cells.push_back(numberOf(word));
 }
 
-void WordColumn::set(int row, QStringView word)
+void DictionaryColumn::set(int row, QStringView word)
 {
     m_cells[static_cast<std::size_t>(row)] = numberOf(word);
 }
 
-void WordColumn::clear()
+void DictionaryColumn::clear()
 {
-    *this = WordColumn();
+    *this = DictionaryColumn();
 }
 
-void WordColumn::retain(const std::vector<bool>& keep)
+void DictionaryColumn::retain(const std::vector<bool>& keep)
 {
     keepOnly(m_cells, keep);
 }
 
-void WordColumn::shrink()
+void DictionaryColumn::shrink()
 {
     shrinkVector(m_cells);
 }
 
-qsizetype WordColumn::bytesHeld() const
+qsizetype DictionaryColumn::bytesHeld() const
 {
     qsizetype bytes = static_cast<qsizetype>(m_cells.capacity() * sizeof(quint16));
     for (const QString& word : m_words)

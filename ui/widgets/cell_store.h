@@ -44,7 +44,7 @@ private:
 
 /// Texts of one column that has few distinct ones, such as the kind: two bytes per cell.
 /// More than 65,536 distinct ones are error 6.
-class WordColumn
+class DictionaryColumn
 {
 public:
     void append(QStringView word);

@@ -42,8 +42,8 @@ ReportModel::ReportModel(const std::vector<Column>& columns, QObject* parent)
 {
     for (const Column& column : columns) {
         m_headers.push_back(column.header);
-        if (column.storage == Storage::Word)
-            m_columns.emplace_back(WordColumn());
+        if (column.storage == Storage::Dictionary)
+            m_columns.emplace_back(DictionaryColumn());
         else
             m_columns.emplace_back(TextColumn());
     }

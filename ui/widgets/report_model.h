@@ -23,7 +23,7 @@ class ReportModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    enum class Storage { Text, Word };
+    enum class Storage { Text, Dictionary };
     struct Column {
         QString header;
         Storage storage = Storage::Text;
@@ -77,7 +77,7 @@ Q_SIGNALS:
     void scatteredRowsRemoved(int firstRow);
 
 private:
-    using CellColumn = std::variant<TextColumn, WordColumn>;
+    using CellColumn = std::variant<TextColumn, DictionaryColumn>;
 
     int sourceRow(int row) const
     {

@@ -86,7 +86,7 @@ std::vector<quint32> ranksOf(const TextColumn& cells)
     return keys.ranks();
 }
 
-std::vector<quint32> ranksOf(const WordColumn& cells)
+std::vector<quint32> ranksOf(const DictionaryColumn& cells)
 {
     Keys keys;
     for (const QString& word : cells.words())

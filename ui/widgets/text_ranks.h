@@ -9,6 +9,6 @@ namespace quillon
 
 /// The place of every cell among the texts of its column in Japanese order; equal texts have equal places.
 std::vector<quint32> ranksOf(const TextColumn& cells);
-std::vector<quint32> ranksOf(const WordColumn& cells);
+std::vector<quint32> ranksOf(const DictionaryColumn& cells);
 
 } // namespace quillon

@@ -1,5 +1,5 @@
 #include "store/record_set.h"
-#include "store/write_together.h"
+#include "store/write_transaction.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 #include "tests/support/troubled_database.h"
@@ -12,7 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
-class TestWriteTogether : public QObject
+class TestWriteTransaction : public QObject
 {
     Q_OBJECT
 
@@ -51,7 +51,7 @@ private Q_SLOTS:
     void manyChangesAreOneDurableWrite()
     {
         const WriteCounter writes(database());
-        writeTogether(database(), [&] {
+        inWriteTransaction(database(), [&] {
             addDatum(u"a"_s);
             addDatum(u"b"_s);
             QCOMPARE(saved(), QStringList());
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void failureKeepsWhatWasWrittenBefore()
     {
         QCOMPARE(errorOf([&] {
-                     writeTogether(database(), [&] {
+                     inWriteTransaction(database(), [&] {
                          addDatum(u"a"_s);
                          addDatum(u"a"_s);
                          addDatum(u"b"_s);
@@ -77,9 +77,9 @@ private Q_SLOTS:
     void oneInsideAnotherIsAPartOfIt()
     {
         const WriteCounter writes(database());
-        writeTogether(database(), [&] {
+        inWriteTransaction(database(), [&] {
             addDatum(u"a"_s);
-            writeTogether(database(), [&] { addDatum(u"b"_s); });
+            inWriteTransaction(database(), [&] { addDatum(u"b"_s); });
             QCOMPARE(saved(), QStringList());
             addDatum(u"c"_s);
         });
@@ -89,10 +89,10 @@ private Q_SLOTS:
 
     void failureInsideAnotherCanBePassedOver()
     {
-        writeTogether(database(), [&] {
+        inWriteTransaction(database(), [&] {
             addDatum(u"a"_s);
             const qint32 inner = errorOf([&] {
-                writeTogether(database(), [&] {
+                inWriteTransaction(database(), [&] {
                     addDatum(u"b"_s);
                     addDatum(u"b"_s);
                 });
@@ -108,7 +108,7 @@ private Q_SLOTS:
         addDatum(u"a"_s);
         refuseDeletion(database(), u"Main"_s, u"1"_s, Refusal::OfTheTransaction);
         QCOMPARE(errorOf([&] {
-                     writeTogether(database(), [&] {
+                     inWriteTransaction(database(), [&] {
                          addDatum(u"b"_s);
                          world->session.RsMain->moveFirst();
                          world->session.RsMain->deleteRow();
@@ -125,7 +125,7 @@ private Q_SLOTS:
     {
         bool began = false;
         const auto write = [&] {
-            writeTogether(database(), [&] {
+            inWriteTransaction(database(), [&] {
                 began = true;
                 addDatum(u"a"_s);
             });
@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void writeThatCannotBeFinishedIsUndone()
     {
-        const auto write = [&] { writeTogether(database(), [&] { addDatum(u"a"_s); }); };
+        const auto write = [&] { inWriteTransaction(database(), [&] { addDatum(u"a"_s); }); };
         {
             const ForeignLock lock(database(), ForeignLock::Kind::Reading);
             QCOMPARE(errorOf(write), errors::Locked);
@@ -154,7 +154,7 @@ private Q_SLOTS:
 
     void anythingButAFailureOfTheProgramUndoesEverything()
     {
-        QVERIFY_THROWS_EXCEPTION(std::logic_error, writeTogether(database(), [&] {
+        QVERIFY_THROWS_EXCEPTION(std::logic_error, inWriteTransaction(database(), [&] {
                                      addDatum(u"a"_s);
                                      throw std::logic_error("a mistake");
                                  }));
@@ -163,5 +163,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestWriteTogether)
-#include "test_write_together.moc"
+QTEST_GUILESS_MAIN(TestWriteTransaction)
+#include "test_write_transaction.moc"

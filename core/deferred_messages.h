@@ -15,15 +15,15 @@ namespace quillon
 
 /// What there is to tell about a durable write. It waits for the end of the write: no box may stand open while the
 /// file is locked for other programs.
-class LateNotices
+class DeferredMessages
 {
 public:
-    LateNotices(Session& session, Database& database) : m_session(session), m_database(database) {}
-    LateNotices(const LateNotices&) = delete;
-    LateNotices& operator=(const LateNotices&) = delete;
+    DeferredMessages(Session& session, Database& database) : m_session(session), m_database(database) {}
+    DeferredMessages(const DeferredMessages&) = delete;
+    DeferredMessages& operator=(const DeferredMessages&) = delete;
 
-    void add(std::function<void()> notice) { m_notices.push_back(std::move(notice)); }
-    /// Runs a part of the write under its own name: a failure is noted and ends that part.
+    void add(std::function<void()> message) { m_messages.push_back(std::move(message)); }
+    /// Runs a part of the write under its own name: a failure is kept and ends that part.
     template <class Operation> void trap(const QString& location, Operation&& operation)
     {
         const auto onFailure = [&](const Error& error) {
@@ -36,16 +36,16 @@ public:
         };
         guardedBy(onFailure, std::forward<Operation>(operation));
     }
-    void tell() const
+    void show() const
     {
-        for (const auto& notice : m_notices)
-            notice();
+        for (const auto& message : m_messages)
+            message();
     }
 
 private:
     Session& m_session;
     Database& m_database;
-    std::vector<std::function<void()>> m_notices;
+    std::vector<std::function<void()>> m_messages;
 };
 
 } // namespace quillon

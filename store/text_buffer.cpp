@@ -1,4 +1,4 @@
-#include "store/unit_store.h"
+#include "store/text_buffer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -7,20 +7,20 @@
 namespace quillon
 {
 
-void UnitStore::reserve(std::size_t units)
+void TextBuffer::reserve(std::size_t units)
 {
     if (units > capacity())
         moveTo(units);
 }
 
-char16_t* UnitStore::roomFor(std::size_t atMost)
+char16_t* TextBuffer::roomFor(std::size_t atMost)
 {
     if (m_size + atMost > capacity())
         moveTo(std::max(m_size + atMost, 2 * m_size));
     return static_cast<char16_t*>(m_memory.get()) + m_size;
 }
 
-void UnitStore::moveTo(std::size_t capacity)
+void TextBuffer::moveTo(std::size_t capacity)
 {
     platform::LargeMemory memory;
     if (capacity > 0)

@@ -12,7 +12,7 @@ namespace quillon
 /// Runs an operation as one durable write. When it fails, what it had written before stays written, as it would have
 /// with one write after the other, unless the failure has undone that already. Inside another such operation it is a
 /// part of that one. The file is closed to other writers meanwhile, so nothing in it may wait for the person.
-template <class Operation> void writeTogether(Database& database, Operation&& operation)
+template <class Operation> void inWriteTransaction(Database& database, Operation&& operation)
 {
     sqlite::Transaction transaction(database.connection());
     try {

@@ -8,7 +8,7 @@ namespace quillon
 {
 
 /// Very many UTF-16 units behind each other, made to be searched from end to end.
-class UnitStore
+class TextBuffer
 {
 public:
     const char16_t* data() const { return static_cast<const char16_t*>(m_memory.get()); }
