@@ -7,6 +7,7 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/deferred_messages.h"
+#include "core/mode.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/record_set.h"
@@ -197,8 +198,9 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
 {
     bool deleted = false;
     guarded(session.reporting, u"DeleteCategory"_s, [&] {
-        const QString name = mode > 0 ? GetCategoryName(session, categoryIdentifier) : QString();
-        if (mode == 1 || mode == 3) {
+        const QString name =
+            asks(mode) || tells(mode) ? GetCategoryName(session, categoryIdentifier) : QString();
+        if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
                 {.text = u"<"_s + name + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
             if (answer != Answer::Ok)
@@ -220,7 +222,7 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
             // sic: the half-width full stop and the blank at the end.
             session.dialogs.messageBox({.text = u"カテゴリ一覧フレームに不整合が確認されました。"
                                                 u"再度データベースを展開することをお勧めします｡ "_s});
-        else if (mode >= 2)
+        else if (tells(mode))
             session.dialogs.messageBox({.text = u"カテゴリ："_s + name + u"を削除しました。"_s});
         deleted = true;
     });

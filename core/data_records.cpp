@@ -11,6 +11,7 @@
 #include "core/form_mode.h"
 #include "core/identifier_set.h"
 #include "core/links.h"
+#include "core/mode.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -144,7 +145,7 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
 {
     bool deleted = false;
     guarded(session.reporting, u"DeleteData"_s, [&] {
-        if (mode == 1 || mode == 3) {
+        if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
                 {.text = u"<"_s + GetDataName(session, identifier) + u"> を削除しますか。"_s,
                  .buttons = Buttons::OkCancel});
@@ -156,7 +157,7 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
             const QString name = rows.field(0);
             rows.deleteRow();
             deleted = true;
-            if (mode > 1)
+            if (tells(mode))
                 session.dialogs.messageBox({.text = u"< "_s + name + u" >を削除しました。"_s,
                                             .title = GetDivName(session, identifier, DivName::Title)});
         } else {

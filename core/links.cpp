@@ -6,6 +6,7 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/data_records.h"
+#include "core/mode.h"
 #include "core/name_lookup.h"
 #include "store/filter_result.h"
 #include "store/identifiers.h"
@@ -44,7 +45,7 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
     guarded(session.reporting, u"LinkData"_s, [&] {
         const QString sourceName = GetDataName(session, source);
         const QString targetName = GetDataName(session, target);
-        if (mode == 1 || mode == 3) {
+        if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
                 {.text = u"<"_s + sourceName + u"> と<"_s + targetName + u"> をリンクしますか。"_s,
                  .buttons = Buttons::OkCancel});
@@ -64,7 +65,7 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
         links.update();
         linked = true;
         // sic: a blank after と that the question does not have.
-        if (mode >= 2)
+        if (tells(mode))
             session.dialogs.messageBox(
                 {.text = u"<"_s + sourceName + u"> と <"_s + targetName + u"> をリンクしました。"_s});
     });
