@@ -9,7 +9,6 @@
 #include "ui/widgets/keyed_tree.h"
 
 #include <algorithm>
-#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -88,19 +87,6 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
 int GetNodeIndex(const KeyedTreeModel& nodes, QStringView key)
 {
     return nodes.position(key);
-}
-
-QString GetNewCategory_ID(const KeyedTreeModel& nodes, const QString& parentKey, bool topLevel)
-{
-    for (char32_t code = U'A'; code < std::numeric_limits<char16_t>::max(); ++code) {
-        const QChar letter(static_cast<char16_t>(code));
-        if (letter.isSurrogate())
-            continue; // half a character
-        QString candidate = topLevel ? QString(letter) : parentKey + u'-' + letter;
-        if (GetNodeIndex(nodes, candidate) == 0)
-            return candidate;
-    }
-    throw Error(errors::Overflow);
 }
 
 } // namespace quillon

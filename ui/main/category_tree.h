@@ -18,8 +18,4 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
 /// The position of the first node with this key, 0 when there is none.
 int GetNodeIndex(const KeyedTreeModel& nodes, QStringView key);
 
-/// The first free identifier for a new category below `parentKey`, or of the top level: letters from "A" upwards,
-/// and the codes that follow "Z". Only the tree is asked.
-QString GetNewCategory_ID(const KeyedTreeModel& nodes, const QString& parentKey, bool topLevel);
-
 } // namespace quillon

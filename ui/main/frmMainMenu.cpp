@@ -3,6 +3,7 @@
 #include "app/base/ports/clock.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/twips.h"
+#include "core/category_entry.h"
 #include "store/session.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/main_window_metrics.h"
@@ -184,7 +185,10 @@ QString frmMainMenu::nodeParentKey(int index) const
 
 QString frmMainMenu::GetNewCategory_ID(const QString& parentKey, bool topLevel) const
 {
-    return quillon::GetNewCategory_ID(tvwCategory->nodes(), parentKey, topLevel);
+    const KeyedTreeModel& nodes = tvwCategory->nodes();
+    return newCategoryIdentifier(topLevel ? QString() : parentKey + u'-', [&](const QString& identifier) {
+        return GetNodeIndex(nodes, identifier) != 0;
+    });
 }
 
 } // namespace quillon

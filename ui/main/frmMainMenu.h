@@ -52,7 +52,7 @@ public:
 
     /// Moves the splitter. `x`: the wanted position in twips, clamped in place.
     void SizeControls(float& x);
-    /// The first free identifier for a new category.
+    /// The first free identifier for a new category. Only the tree is asked.
     QString GetNewCategory_ID(const QString& parentKey, bool topLevel) const;
     /// Whether more than one row of the data list is selected.
     bool CheckMultiSelect() const;

@@ -1,6 +1,6 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
-#include "store/record_set.h"
+#include "core/category_entry.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
@@ -28,11 +28,7 @@ void frmMainMenu::mnuCategoryEntry_Click()
             return;
         }
         const QString identifier = GetNewCategory_ID(parentKey, topLevel);
-        RecordSet& categories = required(session().RsCategoryID);
-        categories.addNew();
-        categories.setField(0, identifier);
-        categories.setField(1, name);
-        categories.update();
+        RegisterCategory(session(), identifier, name);
         tvwCategory->nodes().add(parentKey, identifier, name);
         if (selected > 0)
             tvwCategory->expandNode(selected);
@@ -60,12 +56,7 @@ void frmMainMenu::mnuCategoryRename_Click()
         session().dialogs.messageBox({.text = u"カテゴリ名が入力されていません。"_s});
         return;
     }
-    RecordSet& categories = required(session().RsCategoryID);
-    categories.findFirst(u"Category_ID ='"_s + key + u"'"_s);
-    categories.edit();
-    categories.setField(0, key);
-    categories.setField(1, name);
-    categories.update();
+    RenameCategory(session(), key, name);
     tvwCategory->nodes().setText(selected, name);
 }
 
