@@ -1,13 +1,10 @@
 #include "ui/data/frmRefFileEntry.h"
 
-#include "app/base/extract_string.h"
 #include "app/base/input_checks.h"
 #include "app/base/ports/dialogs.h"
-#include "app/base/ports/files.h"
 #include "app/base/titles.h"
-#include "store/record_set.h"
+#include "core/file_registration.h"
 #include "store/session.h"
-#include "store/sqlite/connection.h"
 #include "ui/data/category_rows.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
@@ -15,7 +12,6 @@
 
 #include <QAction>
 #include <QBoxLayout>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -24,6 +20,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -169,51 +166,35 @@ void frmRefFileEntry::registerFile()
 {
     const QString fileTitle = u"FILE"_s;
     CloseWithoutAsking = false;
-    const QString path = fieldText(0);
-    if (!NullCheck(session().reporting, path))
+    if (!NullCheck(session().reporting, fieldText(0)))
         return;
-    if (!session().files.fileExists(path) || path.endsWith(QDir::separator())) {
+    switch (copyAndWrite()) {
+    case FileRegistration::FileNotFound:
         session().dialogs.messageBox({.text = u"指定されたファイルが見つかりません。"_s, .title = fileTitle});
-        return;
-    }
-    if (!session().files.folderExists(session().inCurrentFolder(titles::FileFolder))) {
+        break;
+    case FileRegistration::NoFolderForFiles:
         session().dialogs.messageBox(
             {.text = titles::FileFolderMissing, .title = fileTitle, .icon = Icon::Information});
-        return;
+        break;
+    case FileRegistration::Registered:
+        session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
+        CloseWithoutAsking = true;
+        unload();
+        break;
     }
-    const QString name = copyToFileFolder(path);
-    writeRows(name);
-    session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
-    CloseWithoutAsking = true;
-    unload();
 }
 
-void frmRefFileEntry::writeRows(const QString& fileName)
+FileRegistration frmRefFileEntry::copyAndWrite()
 {
-    RecordSet& files = required(session().RsRefFile);
-    // Both rows or none: a failure leaves the copied file, but nothing that names it.
-    sqlite::Transaction transaction(files.database().connection());
-    files.addNew();
-    files.setField(0, fileName);
-    files.setField(1, fieldText(1));
-    files.setField(2, u"未入力"_s);
-    files.update();
-    if (const auto categories = categoryRows(); !categories.empty()) {
-        RecordSet& memberships = required(session().RsCategory);
-        memberships.addNew();
-        memberships.setField(0, categories.front().identifier); // of several only the first
-        memberships.setField(1, fieldText(1));
-        memberships.update();
-    }
-    transaction.commit();
-}
-
-QString frmRefFileEntry::copyToFileFolder(const QString& path)
-{
-    const QString name = ExtractString(session().reporting, path, QDir::separator());
+    FileEntry entry{.path = fieldText(0), .identifier = fieldText(1), .category = {}};
+    if (const auto categories = categoryRows(); !categories.empty())
+        entry.category = categories.front().identifier; // of several only the first
     QElapsedTimer sincePaint;
-    sincePaint.start();
     const auto progress = [&](qint64 done, qint64 total) {
+        if (!sincePaint.isValid()) {
+            setCursor(Qt::WaitCursor);
+            sincePaint.start();
+        }
         constexpr qint64 PaintInterval = 33; // milliseconds
         if (sincePaint.elapsed() < PaintInterval)
             return;
@@ -225,19 +206,11 @@ QString frmRefFileEntry::copyToFileFolder(const QString& path)
         m_progress->repaint();
         sincePaint.restart();
     };
-    setCursor(Qt::WaitCursor);
-    const auto finish = [&] {
+    const auto finish = qScopeGuard([this] {
         unsetCursor();
         m_progress->hide();
-    };
-    try {
-        session().files.copyInto(path, session().inCurrentFolder(titles::FileFolder), name, progress);
-    } catch (const Error&) {
-        finish();
-        throw;
-    }
-    finish();
-    return name;
+    });
+    return RegisterFile(session(), entry, progress);
 }
 
 void frmRefFileEntry::cmdCancel_Click()

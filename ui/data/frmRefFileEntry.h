@@ -11,10 +11,11 @@ class QProgressBar;
 namespace quillon
 {
 
+enum class FileRegistration;
 class ReportList;
 
-/// The window that registers an outside file as a file datum: it copies the file into the folder of registered files
-/// and adds its row. It has no display mode; after a registration it closes.
+/// The window in which an outside file is registered as a file datum. It has no display mode; after a registration it
+/// closes.
 class frmRefFileEntry : public FormWindow, public DataWindow
 {
     Q_OBJECT
@@ -46,10 +47,8 @@ private:
     void cmdCancel_Click();
     /// Registers the file; the steps of `mnuDataEntry_Click` without its answer to failures.
     void registerFile();
-    /// Copies the file among the registered ones; its name there.
-    QString copyToFileFolder(const QString& path);
-    /// Adds the file's row and files it in the first listed category.
-    void writeRows(const QString& fileName);
+    /// Lets the file be copied and its row be written, and shows how far that is.
+    FileRegistration copyAndWrite();
 
     QLineEdit* m_txtFields[2] = {nullptr, nullptr};
     QPushButton* cmdPath = nullptr;

@@ -1,0 +1,202 @@
+// Registering outside files, without a window.
+#include "core/file_registration.h"
+#include "store/record_set.h"
+#include "tests/support/errors_of.h"
+#include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+const QString Picture = u"F-991231-001"_s;
+
+} // namespace
+
+class TestRegisteringFiles : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestWorld> world;
+
+    Session& session() { return world->session; }
+    QStringList fileRows() { return TestWorld::rowsOf(session().RsRefFile); }
+    QStringList memberships() { return TestWorld::rowsOf(session().RsCategory); }
+    QString pathOf(const QString& name) const { return world->folder.filePath(name); }
+    QString write(const QString& name, const QByteArray& content) const
+    {
+        QFile file(pathOf(name));
+        if (!QDir().mkpath(QFileInfo(file).path()) || !file.open(QIODevice::WriteOnly) ||
+            file.write(content) != content.size())
+            qFatal("cannot write a test file");
+        return file.fileName();
+    }
+    QByteArray copied(const QString& name) const
+    {
+        QFile file(pathOf(u"RefFile/"_s + name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
+    }
+    QStringList copies() const
+    {
+        return QDir(pathOf(u"RefFile"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+    FileRegistration registerPath(const QString& path, const std::optional<QString>& category = {},
+                                  const QString& identifier = Picture)
+    {
+        return RegisterFile(session(), {.path = path, .identifier = identifier, .category = category}, {});
+    }
+    qint32 errorOfRegistering(const QString& path, const std::optional<QString>& category = {})
+    {
+        return errorOf([&] { registerPath(path, category); });
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->openDatabase(world->createDatabase());
+        QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void fileIsCopiedNamedAndFiled()
+    {
+        const QString path = write(u"from here/図 1.txt"_s, "content");
+        QCOMPARE(registerPath(path, u"A-B"_s), FileRegistration::Registered);
+        QCOMPARE(copied(u"図 1.txt"_s), QByteArray("content"));
+        QCOMPARE(fileRows(), QStringList({u"図 1.txt|F-991231-001|未入力"_s}));
+        QCOMPARE(memberships(), QStringList({u"A-B|F-991231-001"_s}));
+        QVERIFY(QFile::exists(path));
+    }
+
+    void fileWithoutCategoryIsFiledNowhere()
+    {
+        QCOMPARE(registerPath(write(u"a.txt"_s, "a")), FileRegistration::Registered);
+        QCOMPARE(fileRows().size(), 1);
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void rowAndMembershipAreWrittenAtOnce()
+    {
+        const QString path = write(u"a.txt"_s, "a");
+        const WriteCounter writes(*session().OpenDb);
+        QCOMPARE(registerPath(path, u"A"_s), FileRegistration::Registered);
+        QCOMPARE(writes.count, 1);
+    }
+
+    void progressBeginsWithTheCopying()
+    {
+        const QString path = write(u"a.txt"_s, "content");
+        QList<std::pair<qint64, qint64>> steps;
+        const auto note = [&](qint64 done, qint64 total) {
+            if (steps.isEmpty())
+                QCOMPARE(copies(), QStringList());
+            steps.append({done, total});
+        };
+        RegisterFile(session(), {.path = path, .identifier = Picture, .category = {}}, note);
+        QCOMPARE(steps.first(), std::pair(qint64(0), qint64(0)));
+        QCOMPARE(steps.last(), std::pair(qint64(7), qint64(7)));
+    }
+
+    void whatIsNoFileIsNotFound()
+    {
+        QVERIFY(QDir(world->folder.path()).mkdir(u"folder"_s));
+        write(u"a.txt"_s, "a");
+        for (const QString& name : {u"missing.txt"_s, u"folder"_s, u"folder/"_s, u"a.txt/"_s})
+            QCOMPARE(registerPath(pathOf(name)), FileRegistration::FileNotFound);
+        QCOMPARE(registerPath(QString()), FileRegistration::FileNotFound);
+        QCOMPARE(copies(), QStringList());
+        QCOMPARE(fileRows(), QStringList());
+    }
+
+    void missingFolderOfFilesIsNotMade()
+    {
+        QVERIFY(QDir(world->folder.path()).rmdir(u"RefFile"_s));
+        QCOMPARE(registerPath(write(u"a.txt"_s, "a")), FileRegistration::NoFolderForFiles);
+        QCOMPARE(registerPath(pathOf(u"missing.txt"_s)), FileRegistration::FileNotFound);
+        QVERIFY(!QFile::exists(pathOf(u"RefFile"_s)));
+        QCOMPARE(fileRows(), QStringList());
+    }
+
+    void copyThatFailsWritesNothing_data()
+    {
+        QTest::addColumn<qint32>("number");
+        QTest::newRow("full disk") << errors::DiskFull;
+        QTest::newRow("no permission") << errors::PermissionDenied;
+    }
+
+    void copyThatFailsWritesNothing()
+    {
+        QFETCH(qint32, number);
+        const QString path = write(u"a.txt"_s, "a");
+        world->files.copyFailure = number;
+        QCOMPARE(errorOfRegistering(path, u"A"_s), number);
+        QCOMPARE(fileRows(), QStringList());
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void rowThatIsRefusedLeavesTheCopyAndNoMembership_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<qint32>("number");
+        QTest::newRow("name too long") << QString(51, u'a') << Picture << errors::FieldTooSmall;
+        QTest::newRow("identifier taken") << u"a.txt"_s << u"F-991231-000"_s << errors::DuplicateKey;
+        QTest::newRow("identifier too long") << u"a.txt"_s << u"F-991231-1000"_s << errors::FieldTooSmall;
+    }
+
+    void rowThatIsRefusedLeavesTheCopyAndNoMembership()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, identifier);
+        QFETCH(qint32, number);
+        TestWorld::addRow(session().RsRefFile, {u"先客"_s, u"F-991231-000"_s, u"未入力"_s});
+        const QString path = write(name, "a");
+        QCOMPARE(errorOf([&] { registerPath(path, u"A"_s, identifier); }), number);
+        QCOMPARE(copies(), QStringList({name}));
+        QCOMPARE(fileRows(), QStringList({u"先客|F-991231-000|未入力"_s}));
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void membershipThatIsRefusedTakesTheRowWithIt()
+    {
+        TestWorld::addRow(session().RsCategory, {u"A"_s, Picture});
+        QCOMPARE(errorOfRegistering(write(u"a.txt"_s, "a"), u"A"_s), errors::DuplicateKey);
+        QCOMPARE(fileRows(), QStringList());
+        QCOMPARE(memberships().size(), 1);
+    }
+
+    void lockedDatabaseGetsTheFileLater()
+    {
+        const QString path = write(u"a.txt"_s, "a");
+        {
+            const ForeignLock other(*session().OpenDb, ForeignLock::Kind::Writing);
+            QCOMPARE(errorOfRegistering(path, u"A"_s), errors::Locked);
+        }
+        {
+            const ForeignLock reader(*session().OpenDb, ForeignLock::Kind::Reading);
+            QCOMPARE(errorOfRegistering(path, u"A"_s), errors::Locked);
+        }
+        QCOMPARE(fileRows(), QStringList());
+        QCOMPARE(memberships(), QStringList());
+        QVERIFY(othersMayWrite(session().OpenDb->path()));
+        QCOMPARE(registerPath(path, u"A"_s), FileRegistration::Registered);
+        QCOMPARE(fileRows().size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRegisteringFiles)
+#include "test_registering_files.moc"
