@@ -12,6 +12,7 @@
 #include "core/identifier_set.h"
 #include "core/links.h"
 #include "core/mode.h"
+#include "store/data_kinds.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -27,29 +28,10 @@ namespace quillon
 namespace
 {
 
-/// A kind of datum that is shown in a window of its own.
-struct ShownKind {
-    QString letter;
-    QString windowName;
-    QString shortName;
-    QString captionJoint; // between the short name and the datum's name
-    std::shared_ptr<RecordSet> Session::*table;
-};
-
 bool find(RecordSet& rows, const QString& identifier)
 {
     rows.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
     return rows.hasCurrentRow() && rows.field(1) == identifier;
-}
-
-/// The table of an identifier's kind. Error 91 for an unknown kind.
-RecordSet& tableOf(Session& session, const QString& identifier)
-{
-    static const std::shared_ptr<RecordSet> none;
-    return required(identifier.startsWith(u'M')   ? session.RsMain
-                    : identifier.startsWith(u'R') ? session.RsRefDoc
-                    : identifier.startsWith(u'F') ? session.RsRefFile
-                                                  : none);
 }
 
 void tellNotFound(Session& session)
@@ -58,7 +40,7 @@ void tellNotFound(Session& session)
         {.text = u"指定されたデータが見つかりませんでした。"_s, .title = titles::DataResearch});
 }
 
-DataWindow* windowShowing(Session& session, const ShownKind& kind, const QString& identifier)
+DataWindow* windowShowing(Session& session, const DataKind& kind, const QString& identifier)
 {
     for (LoadedWindow* loaded : session.windows.loaded()) {
         DataWindow* window = loaded->asDataWindow();
@@ -69,13 +51,13 @@ DataWindow* windowShowing(Session& session, const ShownKind& kind, const QString
     return nullptr;
 }
 
-void show(Session& session, const ShownKind& kind, const QString& identifier)
+void show(Session& session, const DataKind& kind, const QString& identifier)
 {
     if (DataWindow* open = windowShowing(session, kind, identifier)) {
         open->bringToFront();
         return;
     }
-    RecordSet& rows = required(session.*kind.table);
+    RecordSet& rows = required(session.*kind.recordSet);
     if (!find(rows, identifier)) {
         session.dialogs.messageBox({.text = u"指定されたデータが見つかりませんでした。"_s,
                                     .title = kind.shortName,
@@ -84,7 +66,7 @@ void show(Session& session, const ShownKind& kind, const QString& identifier)
     }
     // Read before the window appears: nothing may rely on the cursor once events can run.
     const QString fields[] = {rows.field(0), rows.field(1), rows.field(2)};
-    DataWindow& window = session.windows.newDataWindow(kind.letter);
+    DataWindow& window = session.windows.newDataWindow(QString(kind.letter));
     window.showModeless();
     window.setCaption(kind.shortName + kind.captionJoint + fields[0]);
     window.setModeText(titles::DisplayMode);
@@ -100,9 +82,7 @@ QString GetDataName(Session& session, const QString& identifier)
 {
     QString name;
     guarded(session.reporting, u"GetDataName"_s, [&] {
-        RecordSet& rows = required(identifier.startsWith(u'F')   ? session.RsRefFile
-                                   : identifier.startsWith(u'R') ? session.RsRefDoc
-                                                                 : session.RsMain);
+        RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
         name = find(rows, identifier) ? rows.field(0) : titles::Unknown;
     });
     return name;
@@ -110,16 +90,13 @@ QString GetDataName(Session& session, const QString& identifier)
 
 void ShowData(Session& session, const QString& identifier)
 {
-    // sic: one caption has blanks around its hyphen, the other has none.
-    static const ShownKind definition{u"M"_s, u"frmMainData"_s, u"定義"_s, u"画面 - "_s, &Session::RsMain};
-    static const ShownKind document{u"R"_s, u"frmRefDoc"_s, u"文献"_s, u"画面-"_s, &Session::RsRefDoc};
-
     guarded(session.reporting, u"ShowData"_s, [&] {
-        if (identifier.startsWith(u'M'))
-            show(session, definition, identifier);
-        else if (identifier.startsWith(u'R'))
-            show(session, document, identifier);
-        else if (identifier.startsWith(u'F'))
+        const DataKind* const kind = kindOf(identifier);
+        if (kind == nullptr)
+            return;
+        if (kind->isShownInWindow)
+            show(session, *kind, identifier);
+        else
             ShowRefFile(session, identifier);
     });
 }
@@ -152,7 +129,7 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
             if (answer != Answer::Ok)
                 return;
         }
-        RecordSet& rows = tableOf(session, identifier);
+        RecordSet& rows = dataTableOf(session, identifier);
         if (find(rows, identifier)) {
             const QString name = rows.field(0);
             rows.deleteRow();
@@ -183,7 +160,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
             bool rowDeleted = false;
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
                 messages.trap(u"DeleteData"_s, [&] {
-                    RecordSet& rows = tableOf(session, identifier);
+                    RecordSet& rows = dataTableOf(session, identifier);
                     if (find(rows, identifier)) {
                         rows.deleteRow();
                         rowDeleted = true;

@@ -4,8 +4,11 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/name_lookup.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
+
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,9 +24,10 @@ class OwnNames
 {
 public:
     OwnNames(const Session& session, const RecordSet& data)
-        : m_unique(data.database().isAsDeclared(data.table())), m_main(isOf(session.RsMain, data)),
-          m_refDoc(isOf(session.RsRefDoc, data)), m_refFile(isOf(session.RsRefFile, data))
+        : m_unique(data.database().isAsDeclared(data.table()))
     {
+        for (const DataKind& kind : data_kinds::all())
+            m_own[data_kinds::positionOf(kind)] = isOf(session.*kind.recordSet, data);
     }
 
     bool isFor(QStringView identifier) const
@@ -31,7 +35,7 @@ public:
         // Nothing is equal to a field that holds nothing, and no criteria text can hold a quote.
         if (!m_unique || identifier.isEmpty() || identifier.contains(u'\''))
             return false;
-        return identifier.startsWith(u'F') ? m_refFile : identifier.startsWith(u'R') ? m_refDoc : m_main;
+        return m_own[data_kinds::positionOf(kindForNames(identifier))];
     }
 
 private:
@@ -41,9 +45,7 @@ private:
     }
 
     bool m_unique;
-    bool m_main;
-    bool m_refDoc;
-    bool m_refFile;
+    std::array<bool, 3> m_own = {}; // whether the data are of this kind's table
 };
 
 } // namespace
@@ -63,12 +65,11 @@ qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& record
             const auto rows = window.fillRows();
             const OwnNames ownNames(session, data);
             DataNameLookup names(session);
-            KindWords kinds(session);
             data.forEachName([&](QStringView name, QStringView identifier) {
                 if (ownNames.isFor(identifier))
-                    rows->append(name, kinds.of(identifier), identifier);
+                    rows->append(name, shortKindName(identifier), identifier);
                 else
-                    rows->append(names.name(identifier), kinds.of(identifier), identifier);
+                    rows->append(names.name(identifier), shortKindName(identifier), identifier);
             });
         }
         if (use == SelectionUse::Show) {

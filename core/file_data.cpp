@@ -6,6 +6,7 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "store/data_kinds.h"
 #include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -47,8 +48,9 @@ void ShowRefFile(Session& session, const QString& identifier)
 
 bool RegisterFileAndLink(Session& session, const QString& identifier)
 {
-    const QString registered = CreateObject_ID(session, u"F"_s);
-    DataWindow& window = session.windows.registrationWindow(u"F"_s);
+    const auto kind = QString(data_kinds::file().letter);
+    const QString registered = CreateObject_ID(session, kind);
+    DataWindow& window = session.windows.registrationWindow(kind);
     window.setFieldText(1, registered);
     window.showModal();
     // From here on the window may be gone.

@@ -8,8 +8,8 @@
 #include "core/data_records.h"
 #include "core/mode.h"
 #include "core/name_lookup.h"
+#include "store/data_kinds.h"
 #include "store/filter_result.h"
-#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_transaction.h"
@@ -109,9 +109,8 @@ void SetLinkList(Session& session, DataWindow& window, const QString& identifier
         std::vector<LinkRow> rows;
         required(links).forEachRow({0, 1}, [&](const RecordSet::Row& link) {
             const QString partner = link.text(link.text(0) == identifier ? 1 : 0).toString();
-            rows.push_back({.kind = GetDivName(session, partner, DivName::ShortName),
-                            .name = names.name(partner),
-                            .identifier = partner});
+            rows.push_back(
+                {.kind = shortKindName(partner), .name = names.name(partner), .identifier = partner});
         });
         window.setLinkRows(rows);
     });
@@ -136,13 +135,13 @@ void SetAllLinkList(Session& session)
         {
             const auto rows = window.fillRows();
             DataNameLookup names(session, 2 * links.roughCount());
-            KindWords kinds(session);
             links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
                 const QStringView source = link.text(0);
                 const QStringView target = link.text(1);
                 const QString sourceName = names.name(source);
                 const QString targetName = names.name(target);
-                rows->append({sourceName, kinds.of(source), source}, {targetName, kinds.of(target), target});
+                rows->append({sourceName, shortKindName(source), source},
+                             {targetName, shortKindName(target), target});
                 ++count;
             });
         }

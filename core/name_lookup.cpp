@@ -4,7 +4,7 @@
 #include "app/base/titles.h"
 #include "core/categories.h"
 #include "core/data_records.h"
-#include "store/identifiers.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 
@@ -89,29 +89,22 @@ std::optional<QStringView> TableNames::find(QStringView identifier) const
     return QStringView(start + LengthUnits, static_cast<qsizetype>(length));
 }
 
-DataNameLookup::DataNameLookup(Session& session, qint64 lookUps)
-    : m_session(session), m_main{NameLookup(session.RsMain, 0, 1), {}},
-      m_refDoc{NameLookup(session.RsRefDoc, 0, 1), {}}, m_refFile{NameLookup(session.RsRefFile, 0, 1), {}}
+DataNameLookup::DataNameLookup(Session& session, qint64 lookUps) : m_session(session)
 {
     // Finding one row anywhere in the file takes as long as reading so many one after the other.
     constexpr qint64 RowsPerLookUp = 4;
-    const auto readAll = [&](const std::shared_ptr<RecordSet>& recordSet, Table& table) {
-        if (recordSet && recordSet->roughCount() < lookUps * RowsPerLookUp)
+    for (const DataKind& kind : data_kinds::all()) {
+        const std::shared_ptr<RecordSet>& recordSet = session.*kind.recordSet;
+        Table& table = m_tables[data_kinds::positionOf(kind)];
+        table.single = NameLookup(recordSet, 0, 1);
+        if (lookUps > 0 && recordSet && recordSet->roughCount() < lookUps * RowsPerLookUp)
             table.all.emplace(*recordSet);
-    };
-    if (lookUps == 0)
-        return;
-    readAll(session.RsMain, m_main);
-    readAll(session.RsRefDoc, m_refDoc);
-    readAll(session.RsRefFile, m_refFile);
+    }
 }
 
 QString DataNameLookup::name(QStringView identifier)
 {
-    return name(identifier.startsWith(u'F')   ? m_refFile
-                : identifier.startsWith(u'R') ? m_refDoc
-                                              : m_main,
-                identifier);
+    return name(m_tables[data_kinds::positionOf(kindForNames(identifier))], identifier);
 }
 
 QString DataNameLookup::name(Table& table, QStringView identifier)
@@ -132,17 +125,6 @@ QString CategoryNameLookup::name(const QString& categoryIdentifier)
 {
     return m_categories.canLookUp(categoryIdentifier) ? m_categories.name(categoryIdentifier)
                                                       : GetCategoryName(m_session, categoryIdentifier);
-}
-
-QStringView KindWords::of(QStringView identifier)
-{
-    const char16_t letter = identifier.isEmpty() ? u'\0' : identifier.front().unicode();
-    const auto known = std::find_if(m_known.begin(), m_known.end(),
-                                    [letter](const Kind& kind) { return kind.letter == letter; });
-    if (known != m_known.end())
-        return known->word;
-    m_known.push_back({letter, GetDivName(m_session, identifier.toString(), DivName::ShortName)});
-    return m_known.back().word;
 }
 
 } // namespace quillon

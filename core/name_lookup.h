@@ -7,9 +7,9 @@
 #include <QString>
 #include <QStringView>
 
+#include <array>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace quillon
 {
@@ -22,6 +22,7 @@ class Session;
 class NameLookup
 {
 public:
+    NameLookup() = default;
     /// `nameField` and `identifierField`: positions in the table of `recordSet`, which may be null.
     NameLookup(const std::shared_ptr<RecordSet>& recordSet, int nameField, int identifierField);
 
@@ -71,9 +72,7 @@ private:
     QString name(Table& table, QStringView identifier);
 
     Session& m_session;
-    Table m_main;
-    Table m_refDoc;
-    Table m_refFile;
+    std::array<Table, 3> m_tables; // in the order of the kinds
 };
 
 /// `GetCategoryName` for many identifiers.
@@ -86,23 +85,6 @@ public:
 private:
     Session& m_session;
     NameLookup m_categories;
-};
-
-/// The short kind words of many identifiers.
-class KindWords
-{
-public:
-    explicit KindWords(Session& session) : m_session(session) {}
-    /// `GetDivName` of an identifier, valid as long as this lives.
-    QStringView of(QStringView identifier);
-
-private:
-    struct Kind {
-        char16_t letter; // decides alone; 0 for an identifier without any
-        QString word;
-    };
-    Session& m_session;
-    std::vector<Kind> m_known;
 };
 
 } // namespace quillon

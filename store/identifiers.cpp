@@ -2,6 +2,7 @@
 
 #include "app/base/ports/clock.h"
 #include "app/base/titles.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 
@@ -19,19 +20,6 @@ namespace
 
 constexpr int ObjectIdField = 1;
 constexpr int GreatestNumber = std::numeric_limits<qint16>::max();
-
-/// The record set of an identifier's kind; error 91 for an unknown kind and while no database is open.
-RecordSet& recordSetOf(Session& session, const QString& identifier)
-{
-    const QString kind = identifier.left(1);
-    if (kind == u"M")
-        return required(session.RsMain);
-    if (kind == u"F")
-        return required(session.RsRefFile);
-    if (kind == u"R")
-        return required(session.RsRefDoc);
-    throw Error(errors::ObjectNotSet);
-}
 
 QString sequenceText(int number)
 {
@@ -71,7 +59,7 @@ QString CreateObject_ID(Session& session, const QString& kind)
         // One pass over the day's identifiers answers what `ExistCheck` would be asked number by number. When it
         // cannot be answered, the next number would fare no better, so the failure is told once.
         guarded(session.reporting, u"ExistCheck"_s,
-                [&] { taken = takenNumbers(recordSetOf(session, beginning), beginning); });
+                [&] { taken = takenNumbers(dataTableOf(session, beginning), beginning); });
         if (!taken)
             return;
         int number = 1;
@@ -99,16 +87,11 @@ QString GetDivName(Session& session, const QString& identifier, DivName form)
 {
     QString name;
     guarded(session.reporting, u"GetDivName"_s, [&] {
-        const bool title = form == DivName::Title;
-        const QString kind = identifier.left(1);
-        if (kind == u"M")
-            name = title ? titles::DefinitionData : u"定義"_s;
-        else if (kind == u"R")
-            name = title ? titles::DocumentData : u"文献"_s;
-        else if (kind == u"F")
-            name = title ? titles::FileData : u"FILE"_s;
+        const DataKind* const kind = kindOf(identifier);
+        if (form == DivName::Title)
+            name = kind != nullptr ? kind->title : titles::Unknown;
         else
-            name = titles::Unknown;
+            name = shortKindName(identifier);
     });
     return name;
 }
@@ -117,7 +100,7 @@ bool ExistCheck(Session& session, const QString& identifier)
 {
     bool free = false;
     guarded(session.reporting, u"ExistCheck"_s, [&] {
-        RecordSet& recordSet = recordSetOf(session, identifier);
+        RecordSet& recordSet = dataTableOf(session, identifier);
         recordSet.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
         free = !recordSet.hasCurrentRow() || recordSet.field(ObjectIdField) != identifier;
     });

@@ -1,6 +1,7 @@
 #include "ui/auxiliary/frmEntryInfo.h"
 
 #include "app/base/error.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
@@ -92,12 +93,15 @@ void frmEntryInfo::arrange()
 
 void frmEntryInfo::Form_Load()
 {
-    const std::shared_ptr<RecordSet> sets[] = {session().RsMain, session().RsRefDoc, session().RsRefFile};
-    QLabel* const counts[] = {lblMainCount, lblRefDocCount, lblRefFileCount};
-    for (const auto& set : sets)
-        skippingFailure([&] { required(set).moveLast(); });
-    for (int i = 0; i < 3; ++i)
-        skippingFailure([&] { counts[i]->setText(QString::number(required(sets[i]).recordCount())); });
+    QLabel* const counts[] = {lblMainCount, lblRefDocCount, lblRefFileCount}; // in the order of the kinds
+    for (const DataKind& kind : data_kinds::all())
+        skippingFailure([&] { required(session().*kind.recordSet).moveLast(); });
+    for (const DataKind& kind : data_kinds::all()) {
+        skippingFailure([&] {
+            counts[data_kinds::positionOf(kind)]->setText(
+                QString::number(required(session().*kind.recordSet).recordCount()));
+        });
+    }
     skippingFailure([&] {
         const qint16 two = within16Bits(countShownBy(*lblMainCount) + countShownBy(*lblRefDocCount));
         lblAllCount->setText(QString::number(within16Bits(two + countShownBy(*lblRefFileCount))));

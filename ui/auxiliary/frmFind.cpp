@@ -5,6 +5,7 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/data_selection.h"
+#include "store/data_kinds.h"
 #include "store/filter_result.h"
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
@@ -17,6 +18,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -95,19 +98,19 @@ void frmFind::cmdFind_Click()
     QApplication::setOverrideCursor(Qt::WaitCursor);
     QMetaObject::invokeMethod(
         qApp, [] { QApplication::restoreOverrideCursor(); }, Qt::QueuedConnection);
-    const Kind kinds[] = {{chkMain, &Session::RsMain, titles::DefinitionData},
-                          {chkRefDoc, &Session::RsRefDoc, titles::DocumentData},
-                          {chkRefFile, &Session::RsRefFile, titles::FileData}};
-    for (const Kind& kind : kinds) {
-        if (kind.box->isChecked())
+    const std::pair<const QCheckBox*, const DataKind&> choices[] = {{chkMain, data_kinds::definition()},
+                                                                    {chkRefDoc, data_kinds::document()},
+                                                                    {chkRefFile, data_kinds::file()}};
+    for (const auto& [box, kind] : choices) {
+        if (box->isChecked())
             listMatches(kind, criteria);
     }
     session().windows.dataSelection().setCaption(u"検索結果"_s);
 }
 
-void frmFind::listMatches(const Kind& kind, const QString& criteria)
+void frmFind::listMatches(const DataKind& kind, const QString& criteria)
 {
-    const auto matches = GetFilterResult(session().reporting, session().*kind.table, criteria);
+    const auto matches = GetFilterResult(session().reporting, session().*kind.recordSet, criteria);
     const qint16 result = CreateDataList(session(), matches, SelectionUse::Show, ListFill::Append);
     // sic: the list builder never answers this; a kind without matches adds no rows, and nobody says so.
     if (result == errors::NoCurrentRecord)

@@ -3,8 +3,6 @@
 #include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
-#include <memory>
-
 class QCheckBox;
 class QKeyEvent;
 class QLineEdit;
@@ -12,7 +10,7 @@ class QLineEdit;
 namespace quillon
 {
 
-class RecordSet;
+struct DataKind;
 
 /// The window that looks for a text in names and explanations and hands what it finds to the data selection window.
 class frmFind : public FormWindow
@@ -26,17 +24,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    struct Kind {
-        QCheckBox* box;
-        std::shared_ptr<RecordSet> Session::*table;
-        QString title; // of the department
-    };
-
     void arrange();
     void cmdFind_Click();
     /// True when the key is not the text box's own.
     bool txtFind_KeyPress(const QKeyEvent& key);
-    void listMatches(const Kind& kind, const QString& criteria);
+    void listMatches(const DataKind& kind, const QString& criteria);
 
     QLineEdit* txtFind = nullptr;
     QCheckBox* chkMain = nullptr;

@@ -7,6 +7,7 @@
 #include "core/close_all_form.h"
 #include "core/data_records.h"
 #include "core/deferred_messages.h"
+#include "store/data_kinds.h"
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -38,7 +39,8 @@ constexpr int NameBytes = 50;    // the remaining count counts down from here
 } // namespace
 
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
-    : FormWindow(session, registry, design.windowName), m_design(design), m_databaseFile(openDatabaseFile())
+    : FormWindow(session, registry, design.kind.windowName), m_design(design),
+      m_databaseFile(openDatabaseFile())
 {
     setWindowTitle(design.title);
     buildFields();
@@ -124,7 +126,7 @@ bool DataForm::showsDatum() const
 
 RecordSet& DataForm::rows() const
 {
-    return required(session().*m_design.table);
+    return required(session().*m_design.kind.recordSet);
 }
 
 QString DataForm::openDatabaseFile() const

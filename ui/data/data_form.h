@@ -18,6 +18,7 @@ class QKeyEvent;
 namespace quillon
 {
 
+struct DataKind;
 class DeferredMessages;
 class RecordSet;
 class ReportList;
@@ -48,9 +49,8 @@ public:
 protected:
     /// In what the windows differ, apart from their menus.
     struct Design {
-        QString windowName;
+        const DataKind& kind;
         QString title;
-        std::shared_ptr<RecordSet> Session::*table; // the record set of the window's kind
         QString identifierLabel;
         QString contentLabel;
         std::array<QString, 3> fieldToolTips;

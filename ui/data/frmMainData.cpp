@@ -4,6 +4,7 @@
 #include "app/base/titles.h"
 #include "core/deferred_messages.h"
 #include "core/form_mode.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/data/digit_letter_key.h"
@@ -17,9 +18,8 @@ namespace quillon
 
 frmMainData::frmMainData(Session& session, WindowRegistry& registry)
     : DataForm(session, registry,
-               {.windowName = u"frmMainData"_s,
+               {.kind = data_kinds::definition(),
                 .title = u"定義データ画面"_s,
-                .table = &Session::RsMain,
                 .identifierLabel = u"ID :"_s,
                 .contentLabel = u"定義"_s,
                 .fieldToolTips = {u"データの名称(全角で25文字以内)"_s,

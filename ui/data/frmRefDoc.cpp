@@ -8,6 +8,7 @@
 #include "app/base/twips.h"
 #include "core/deferred_messages.h"
 #include "core/form_mode.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
@@ -34,9 +35,8 @@ constexpr int ContentBytes = 65536;  // what the content can hold, in bytes of c
 
 frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
     : DataForm(session, registry,
-               {.windowName = u"frmRefDoc"_s,
+               {.kind = data_kinds::document(),
                 .title = u"文献データ画面"_s,
-                .table = &Session::RsRefDoc,
                 .identifierLabel = u"ID:"_s,
                 .contentLabel = u"文献"_s,
                 // sic: the tool tip, the remaining count and the check on saving have three different limits.

@@ -3,7 +3,7 @@
 #include "app/base/reporting.h"
 #include "core/identifier_set.h"
 #include "core/name_lookup.h"
-#include "store/identifiers.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"
@@ -37,12 +37,11 @@ bool DataListFiller::CreateDataListMain(const std::shared_ptr<RecordSet>& table,
         if (!recordSet.hasRows())
             return;
         m_progress.start(recordSet.recordCount());
-        KindWords kinds(m_session);
         ReportModel::Fill fill(m_rows);
         recordSet.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
             m_progress.advance();
             const QStringView identifier = row.text(1);
-            fill.append({row.text(0), kinds.of(identifier), identifier, mark});
+            fill.append({row.text(0), shortKindName(identifier), identifier, mark});
         });
         m_progress.finish();
         filled = true;
@@ -57,13 +56,12 @@ void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSe
         if (!members.hasRows())
             return;
         m_progress.start(members.recordCount());
-        KindWords kinds(m_session);
         DataNameLookup names(m_session);
         ReportModel::Fill fill(m_rows);
         members.forEachRow({1}, [&](const RecordSet::Row& row) {
             m_progress.advance();
             const QString identifier = row.text(0).toString();
-            fill.append({names.name(identifier), kinds.of(identifier), identifier, mark});
+            fill.append({names.name(identifier), shortKindName(identifier), identifier, mark});
         });
         m_progress.finish();
     });
@@ -95,7 +93,7 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
                 m_progress.advance();
             const QStringView identifier = row.text(1);
             if (first)
-                kind = GetDivName(m_session, identifier.toString(), DivName::ShortName);
+                kind = shortKindName(identifier);
             first = false;
             if (!categorised.contains(identifier))
                 fill.append({row.text(0), kind, identifier});

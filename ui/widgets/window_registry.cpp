@@ -5,6 +5,7 @@
 #include "app/base/ports/data_selection.h"
 #include "app/base/ports/data_window.h"
 #include "app/base/ports/link_list_window.h"
+#include "store/data_kinds.h"
 #include "ui/widgets/form_window.h"
 
 #include <algorithm>
@@ -48,26 +49,16 @@ FormWindow* WindowRegistry::create(const QString& windowName) const
 
 DataWindow& WindowRegistry::newDataWindow(const QString& kind)
 {
-    FormWindow* window = nullptr;
-    if (kind == u"M"_s)
-        window = create(u"frmMainData"_s);
-    else if (kind == u"R"_s)
-        window = create(u"frmRefDoc"_s);
-    return as<DataWindow>(window);
+    const DataKind* const known = kindWithLetter(kind);
+    return as<DataWindow>(known != nullptr && known->isShownInWindow ? create(known->windowName) : nullptr);
 }
 
 DataWindow& WindowRegistry::registrationWindow(const QString& kind)
 {
-    QString name;
-    if (kind == u"M"_s)
-        name = u"frmMainData"_s;
-    else if (kind == u"R"_s)
-        name = u"frmRefDoc"_s;
-    else if (kind == u"F"_s)
-        name = u"frmRefFileEntry"_s;
-    if (!m_factories.contains(name))
+    const DataKind* const known = kindWithLetter(kind);
+    if (known == nullptr || !m_factories.contains(known->windowName))
         throw Error(errors::ObjectNotSet);
-    return as<DataWindow>(&sharedWindow(name));
+    return as<DataWindow>(&sharedWindow(known->windowName));
 }
 
 DataSelection& WindowRegistry::dataSelection()

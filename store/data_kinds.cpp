@@ -1,0 +1,101 @@
+#include "store/data_kinds.h"
+
+#include "app/base/error.h"
+#include "app/base/titles.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+namespace data_kinds
+{
+
+const std::array<DataKind, 3>& all()
+{
+    // sic: one caption has blanks around its hyphen, the other has none.
+    static const std::array<DataKind, 3> kinds{{{.letter = u'M',
+                                                 .recordSet = &Session::RsMain,
+                                                 .shortName = u"定義"_s,
+                                                 .title = titles::DefinitionData,
+                                                 .windowName = u"frmMainData"_s,
+                                                 .isShownInWindow = true,
+                                                 .captionJoint = u"画面 - "_s},
+                                                {.letter = u'R',
+                                                 .recordSet = &Session::RsRefDoc,
+                                                 .shortName = u"文献"_s,
+                                                 .title = titles::DocumentData,
+                                                 .windowName = u"frmRefDoc"_s,
+                                                 .isShownInWindow = true,
+                                                 .captionJoint = u"画面-"_s},
+                                                {.letter = u'F',
+                                                 .recordSet = &Session::RsRefFile,
+                                                 .shortName = u"FILE"_s,
+                                                 .title = titles::FileData,
+                                                 .windowName = u"frmRefFileEntry"_s,
+                                                 .isShownInWindow = false,
+                                                 .captionJoint = {}}}};
+    return kinds;
+}
+
+const DataKind& definition()
+{
+    return all()[0];
+}
+
+const DataKind& document()
+{
+    return all()[1];
+}
+
+const DataKind& file()
+{
+    return all()[2];
+}
+
+std::size_t positionOf(const DataKind& kind)
+{
+    return static_cast<std::size_t>(&kind - all().data());
+}
+
+} // namespace data_kinds
+
+const DataKind* kindOf(QStringView identifier)
+{
+    if (identifier.isEmpty())
+        return nullptr;
+    const auto& kinds = data_kinds::all();
+    const QChar letter = identifier.front();
+    const auto found = std::find_if(kinds.begin(), kinds.end(),
+                                    [letter](const DataKind& kind) { return kind.letter == letter; });
+    return found != kinds.end() ? &*found : nullptr;
+}
+
+const DataKind* kindWithLetter(QStringView text)
+{
+    return text.size() == 1 ? kindOf(text) : nullptr;
+}
+
+const DataKind& kindForNames(QStringView identifier)
+{
+    const DataKind* const kind = kindOf(identifier);
+    return kind != nullptr ? *kind : data_kinds::definition();
+}
+
+const QString& shortKindName(QStringView identifier)
+{
+    const DataKind* const kind = kindOf(identifier);
+    return kind != nullptr ? kind->shortName : titles::Unknown;
+}
+
+RecordSet& dataTableOf(Session& session, QStringView identifier)
+{
+    const DataKind* const kind = kindOf(identifier);
+    if (kind == nullptr)
+        throw Error(errors::ObjectNotSet);
+    return required(session.*kind->recordSet);
+}
+
+} // namespace quillon

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "store/session.h"
+
+#include <QChar>
+#include <QString>
+#include <QStringView>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+
+namespace quillon
+{
+
+/// What the program knows of a kind of data; the first character of an identifier tells the kind.
+struct DataKind {
+    QChar letter;
+    std::shared_ptr<RecordSet> Session::*recordSet;
+    QString shortName;    // in lists and in a few titles
+    QString title;        // of its department, on message boxes
+    QString windowName;   // of the window that registers a datum and, if any does, shows it
+    bool isShownInWindow; // otherwise the file of the datum is opened
+    QString captionJoint; // in the caption of its window, between the short name and the name of the datum
+};
+
+namespace data_kinds
+{
+const DataKind& definition();
+const DataKind& document();
+const DataKind& file();
+
+/// Definitions, documents, files.
+const std::array<DataKind, 3>& all();
+/// The position of a kind in `all()`.
+std::size_t positionOf(const DataKind& kind);
+} // namespace data_kinds
+
+/// The kind of an identifier, null for an unknown one. Letters are compared exactly: "m" is unknown.
+const DataKind* kindOf(QStringView identifier);
+
+/// The kind whose letter `text` is, null when it is anything else.
+const DataKind* kindWithLetter(QStringView text);
+
+/// The kind among whose data a name is looked up: an identifier of an unknown kind is sought among the definitions.
+const DataKind& kindForNames(QStringView identifier);
+
+/// The short name of an identifier's kind, "不明" for an unknown one. It lives as long as the program.
+const QString& shortKindName(QStringView identifier);
+
+/// The table of an identifier's kind. Error 91 for an unknown kind and while no database is open.
+RecordSet& dataTableOf(Session& session, QStringView identifier);
+
+} // namespace quillon
