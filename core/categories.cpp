@@ -83,9 +83,8 @@ QString GetCategoryName(Session& session, const QString& categoryIdentifier)
     QString name;
     guarded(session.reporting, u"GetCategoryName"_s, [&] {
         RecordSet& categories = required(session.RsCategoryID);
-        categories.findFirst(u"Category_ID ='"_s + categoryIdentifier + u"'"_s);
-        const bool found = categories.hasCurrentRow() && categories.field(0) == categoryIdentifier;
-        name = found ? categories.field(1) : titles::Unknown;
+        const bool found = categories.goTo(category_field::Category_ID, categoryIdentifier);
+        name = found ? categories.field(category_field::Name) : titles::Unknown;
     });
     return name;
 }
@@ -206,15 +205,14 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
             if (answer != Answer::Ok)
                 return;
         }
-        const QString criteria = u"Category_ID = '"_s + categoryIdentifier + u"'"_s;
-        const auto memberships = GetFilterResult(session.reporting, session.RsCategory, criteria);
+        const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
+                                                 u"Category_ID = '"_s + categoryIdentifier + u"'"_s);
         RecordSet& categories = required(session.RsCategoryID);
         bool found = false;
         // The memberships first: should anything go wrong, a category without members is left at worst.
         inWriteTransaction(required(memberships).database(), [&] {
             memberships->deleteEveryRow();
-            categories.findFirst(criteria);
-            found = categories.hasCurrentRow() && categories.field(0) == categoryIdentifier;
+            found = categories.goTo(category_field::Category_ID, categoryIdentifier);
             if (found)
                 categories.deleteRow();
         });

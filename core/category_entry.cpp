@@ -28,18 +28,19 @@ void RegisterCategory(Session& session, const QString& categoryIdentifier, const
 {
     RecordSet& categories = required(session.RsCategoryID);
     categories.addNew();
-    categories.setField(0, categoryIdentifier);
-    categories.setField(1, name);
+    categories.setField(category_field::Category_ID, categoryIdentifier);
+    categories.setField(category_field::Name, name);
     categories.update();
 }
 
 void RenameCategory(Session& session, const QString& categoryIdentifier, const QString& name)
 {
     RecordSet& categories = required(session.RsCategoryID);
-    categories.findFirst(u"Category_ID ='"_s + categoryIdentifier + u"'"_s);
+    if (!categories.goTo(category_field::Category_ID, categoryIdentifier))
+        throw Error(errors::NoCurrentRecord);
     categories.edit();
-    categories.setField(0, categoryIdentifier);
-    categories.setField(1, name);
+    categories.setField(category_field::Category_ID, categoryIdentifier);
+    categories.setField(category_field::Name, name);
     categories.update();
 }
 

@@ -28,12 +28,6 @@ namespace quillon
 namespace
 {
 
-bool find(RecordSet& rows, const QString& identifier)
-{
-    rows.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
-    return rows.hasCurrentRow() && rows.field(1) == identifier;
-}
-
 void tellNotFound(Session& session)
 {
     session.dialogs.messageBox(
@@ -58,7 +52,7 @@ void show(Session& session, const DataKind& kind, const QString& identifier)
         return;
     }
     RecordSet& rows = required(session.*kind.recordSet);
-    if (!find(rows, identifier)) {
+    if (!rows.goTo(data_field::Object_ID, identifier)) {
         session.dialogs.messageBox({.text = u"指定されたデータが見つかりませんでした。"_s,
                                     .title = kind.shortName,
                                     .icon = Icon::Information});
@@ -83,7 +77,7 @@ QString GetDataName(Session& session, const QString& identifier)
     QString name;
     guarded(session.reporting, u"GetDataName"_s, [&] {
         RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
-        name = find(rows, identifier) ? rows.field(0) : titles::Unknown;
+        name = rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
     });
     return name;
 }
@@ -130,7 +124,7 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
                 return;
         }
         RecordSet& rows = dataTableOf(session, identifier);
-        if (find(rows, identifier)) {
+        if (rows.goTo(data_field::Object_ID, identifier)) {
             const QString name = rows.field(0);
             rows.deleteRow();
             deleted = true;
@@ -161,7 +155,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
             for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
                 messages.trap(u"DeleteData"_s, [&] {
                     RecordSet& rows = dataTableOf(session, identifier);
-                    if (find(rows, identifier)) {
+                    if (rows.goTo(data_field::Object_ID, identifier)) {
                         rows.deleteRow();
                         rowDeleted = true;
                     } else {

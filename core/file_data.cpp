@@ -20,7 +20,8 @@ void ShowRefFile(Session& session, const QString& identifier)
 {
     guarded(session.reporting, u"ShowRefFile"_s, [&] {
         RecordSet& rows = required(session.RsRefFile);
-        rows.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
+        if (!rows.goTo(data_field::Object_ID, identifier))
+            throw Error(errors::NoCurrentRecord);
         const QString folder = session.inCurrentFolder(titles::FileFolder);
         // Registration writes the file's name into the first field; the third one may name another file.
         const QString names[] = {rows.field(2), rows.field(0)};
@@ -54,9 +55,7 @@ bool RegisterFileAndLink(Session& session, const QString& identifier)
     window.setFieldText(1, registered);
     window.showModal();
     // From here on the window may be gone.
-    RecordSet& files = required(session.RsRefFile);
-    files.findFirst(u"Object_ID = '"_s + registered + u"'"_s);
-    if (!files.hasCurrentRow() || files.field(1) != registered)
+    if (!required(session.RsRefFile).goTo(data_field::Object_ID, registered))
         return false;
     RecordSet& links = required(session.RsLink);
     links.addNew();

@@ -18,7 +18,6 @@ namespace quillon
 namespace
 {
 
-constexpr int ObjectIdField = 1;
 constexpr int GreatestNumber = std::numeric_limits<qint16>::max();
 
 QString sequenceText(int number)
@@ -32,7 +31,7 @@ std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginn
     if (beginning.contains(u'\''))
         throw Error(errors::CriteriaSyntax);
     std::vector<bool> taken(GreatestNumber + 1, false);
-    const QString field = u'"' + recordSet.table().fields[ObjectIdField].name + u'"';
+    const QString field = u'"' + recordSet.table().fields[data_field::Object_ID].name + u'"';
     sqlite::Statement& statement = recordSet.database().connection().prepare(
         u"SELECT "_s + field + u" FROM \""_s + recordSet.table().name + u"\" WHERE "_s + field +
         u" >= ? COLLATE BINARY ORDER BY "_s + field + u" COLLATE BINARY"_s);
@@ -99,11 +98,8 @@ QString GetDivName(Session& session, const QString& identifier, DivName form)
 bool ExistCheck(Session& session, const QString& identifier)
 {
     bool free = false;
-    guarded(session.reporting, u"ExistCheck"_s, [&] {
-        RecordSet& recordSet = dataTableOf(session, identifier);
-        recordSet.findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
-        free = !recordSet.hasCurrentRow() || recordSet.field(ObjectIdField) != identifier;
-    });
+    guarded(session.reporting, u"ExistCheck"_s,
+            [&] { free = !dataTableOf(session, identifier).goTo(data_field::Object_ID, identifier); });
     return free;
 }
 

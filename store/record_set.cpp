@@ -205,6 +205,16 @@ void RecordSet::findFirst(const QString& criteria)
     standOn(found.empty() ? std::nullopt : std::optional(found.front()));
 }
 
+bool RecordSet::goTo(int field, const QString& key)
+{
+    checkField(field);
+    findFirst(m_table.fields[static_cast<std::size_t>(field)].name + u" ='"_s + key + u"'"_s);
+    // A quote in the key may have made it another question, and what was found another row.
+    if (hasCurrentRow() && this->field(field) != key)
+        standOn(std::nullopt);
+    return hasCurrentRow();
+}
+
 std::vector<qint64> RecordSet::matchingRows(const QString& criteria, qsizetype atMost) const
 {
     const Criteria parsed = parseCriteria(criteria, m_table);

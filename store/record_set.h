@@ -46,6 +46,9 @@ public:
     void moveNext();
     /// Goes to the first row that matches; without a match there is no current row.
     void findFirst(const QString& criteria);
+    /// Goes to the first row of which a field holds exactly this key; without one there is no current row. Asks by a
+    /// criteria text, so error 3075 for a key that none can hold.
+    [[nodiscard]] bool goTo(int field, const QString& key);
     /// The text of a field of the current row; empty for null.
     QString field(int index) const;
 

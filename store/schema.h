@@ -25,6 +25,21 @@ struct TableSchema {
     int fieldIndex(QStringView fieldName) const;
 };
 
+/// The fields of the three data tables, by position.
+namespace data_field
+{
+inline constexpr int Name = 0;
+inline constexpr int Object_ID = 1;
+inline constexpr int Explanation = 2;
+} // namespace data_field
+
+/// The fields of the table of categories, by position.
+namespace category_field
+{
+inline constexpr int Category_ID = 0;
+inline constexpr int Name = 1;
+} // namespace category_field
+
 /// The seven tables.
 namespace schema
 {

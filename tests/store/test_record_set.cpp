@@ -130,6 +130,46 @@ private Q_SLOTS:
         QCOMPARE(m_rows->field(0), u"a"_s);
     }
 
+    void aKeyIsFoundInItsField()
+    {
+        add(u"a"_s);
+        add(u"b"_s);
+        QVERIFY(m_rows->goTo(data_field::Object_ID, u"M-991231-002"_s));
+        QCOMPARE(m_rows->field(0), u"b"_s);
+        QVERIFY(m_rows->goTo(data_field::Name, u"a"_s));
+        QCOMPARE(m_rows->field(1), u"M-991231-001"_s);
+    }
+
+    void aKeyThatIsNotThereLeavesNoRow_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::newRow("another one") << u"M-991231-003"_s;
+        QTest::newRow("in small letters") << u"m-991231-001"_s;
+        QTest::newRow("none") << QString();
+        QTest::newRow("with a blank") << u"M-991231-001 "_s;
+        QTest::newRow("a question of its own") << u"M-991231-001' OR Name = 'b"_s;
+    }
+    void aKeyThatIsNotThereLeavesNoRow()
+    {
+        QFETCH(QString, key);
+        add(u"a"_s);
+        add(u"b"_s);
+        m_rows->moveFirst();
+        QVERIFY(!m_rows->goTo(data_field::Object_ID, key));
+        QVERIFY(!m_rows->hasCurrentRow());
+        QCOMPARE(errorOf([&] { m_rows->deleteRow(); }), errors::NoCurrentRecord);
+    }
+
+    void aKeyThatCannotBeAskedForFails()
+    {
+        add(u"a"_s);
+        m_rows->moveFirst();
+        QCOMPARE(errorOf([&] { (void)m_rows->goTo(data_field::Object_ID, u"it's"_s); }),
+                 errors::CriteriaSyntax);
+        QCOMPARE(errorOf([&] { (void)m_rows->goTo(3, u"a"_s); }), errors::InvalidArgument);
+        QCOMPARE(m_rows->field(0), u"a"_s);
+    }
+
     void deletingLeavesTheCursorBetweenRows()
     {
         add(u"a"_s);

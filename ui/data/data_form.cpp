@@ -140,9 +140,7 @@ bool DataForm::findRow() const
     const QString open = openDatabaseFile();
     if (m_databaseFile != open && QFileInfo(m_databaseFile) != QFileInfo(open))
         return false;
-    const QString identifier = fieldText(1);
-    rows().findFirst(u"Object_ID ='"_s + identifier + u"'"_s);
-    return rows().hasCurrentRow() && rows().field(1) == identifier;
+    return rows().goTo(data_field::Object_ID, fieldText(1));
 }
 
 void DataForm::ShowInputCount(qint16 index)
