@@ -6,6 +6,7 @@
 #include "core/categories.h"
 #include "core/data_records.h"
 #include "core/links.h"
+#include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/form_window.h"

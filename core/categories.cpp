@@ -8,8 +8,8 @@
 #include "app/base/titles.h"
 #include "core/deferred_messages.h"
 #include "core/mode.h"
-#include "core/name_lookup.h"
 #include "store/filter_result.h"
+#include "store/lookup/category_names.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_transaction.h"
@@ -77,17 +77,6 @@ void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIden
 }
 
 } // namespace
-
-QString GetCategoryName(Session& session, const QString& categoryIdentifier)
-{
-    QString name;
-    guarded(session.reporting, u"GetCategoryName"_s, [&] {
-        RecordSet& categories = required(session.RsCategoryID);
-        const bool found = categories.goTo(category_field::Category_ID, categoryIdentifier);
-        name = found ? categories.field(category_field::Name) : titles::Unknown;
-    });
-    return name;
-}
 
 void AddCategory(Session& session, DataWindow& window, const QString& identifier)
 {

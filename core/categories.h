@@ -12,9 +12,6 @@ class DataWindow;
 class DeferredMessages;
 class Session;
 
-/// The name of a category, "不明" when there is no such category.
-QString GetCategoryName(Session& session, const QString& categoryIdentifier);
-
 /// Fills a data window's category list with the categories of a datum. Failures are reported as "AddCategory".
 void AddCategory(Session& session, DataWindow& window, const QString& identifier);
 

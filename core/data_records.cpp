@@ -9,11 +9,12 @@
 #include "core/deferred_messages.h"
 #include "core/file_data.h"
 #include "core/form_mode.h"
-#include "core/identifier_set.h"
 #include "core/links.h"
 #include "core/mode.h"
 #include "store/data_kinds.h"
 #include "store/identifiers.h"
+#include "store/lookup/data_names.h"
+#include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_transaction.h"
@@ -71,16 +72,6 @@ void show(Session& session, const DataKind& kind, const QString& identifier)
 }
 
 } // namespace
-
-QString GetDataName(Session& session, const QString& identifier)
-{
-    QString name;
-    guarded(session.reporting, u"GetDataName"_s, [&] {
-        RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
-        name = rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
-    });
-    return name;
-}
 
 void ShowData(Session& session, const QString& identifier)
 {

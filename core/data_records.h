@@ -11,9 +11,6 @@ namespace quillon
 
 class Session;
 
-/// The name of a datum, "不明" when there is no such datum. An unknown kind is looked up among the definitions.
-QString GetDataName(Session& session, const QString& identifier);
-
 /// Brings the window of a datum to the front, or opens a new one in display mode; the file of a file datum is opened
 /// with its associated application. Failures are reported as "ShowData".
 void ShowData(Session& session, const QString& identifier);

@@ -3,8 +3,8 @@
 #include "app/base/ports/data_selection.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
-#include "core/name_lookup.h"
 #include "store/data_kinds.h"
+#include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "store/session.h"
 

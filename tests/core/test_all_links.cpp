@@ -1,6 +1,6 @@
-#include "core/data_records.h"
 #include "core/links.h"
 #include "store/identifiers.h"
+#include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"

@@ -43,24 +43,6 @@ private Q_SLOTS:
         world.reset();
     }
 
-    void categoryHasItsName()
-    {
-        QCOMPARE(GetCategoryName(world->session, u"A"_s), u"不明"_s);
-        TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"自然"_s});
-        TestWorld::addRow(world->session.RsCategoryID, {u"A-A"_s, u"<水>"_s});
-        QCOMPARE(GetCategoryName(world->session, u"A"_s), u"自然"_s);
-        QCOMPARE(GetCategoryName(world->session, u"A-A"_s), u"<水>"_s);
-        QCOMPARE(GetCategoryName(world->session, u"a"_s), u"不明"_s);
-        QCOMPARE(GetCategoryName(world->session, u"B"_s), u"不明"_s);
-    }
-
-    void nameWithoutDatabaseIsReported()
-    {
-        world->session.RsCategoryID.reset();
-        world->dialogs.expect(failureBox(u"GetCategoryName"_s, 91));
-        QCOMPARE(GetCategoryName(world->session, u"A"_s), QString());
-    }
-
     void categoryListShowsTheDatumsCategoriesInTableOrder()
     {
         TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"自然"_s});

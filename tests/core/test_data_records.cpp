@@ -34,37 +34,6 @@ private Q_SLOTS:
         world.reset();
     }
 
-    void nameComesFromTheTableOfTheKind()
-    {
-        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
-        TestWorld::addRow(world->session.RsMain, {u"謎"_s, u"X-991231-001"_s, u"?"_s});
-        TestWorld::addRow(world->session.RsRefDoc, {u"水の本"_s, u"R-991231-001"_s, u"…"_s});
-        TestWorld::addRow(world->session.RsRefFile, {u"水.txt"_s, u"F-991231-001"_s, u"水.txt"_s});
-
-        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), u"水"_s);
-        QCOMPARE(GetDataName(world->session, u"R-991231-001"_s), u"水の本"_s);
-        QCOMPARE(GetDataName(world->session, u"F-991231-001"_s), u"水.txt"_s);
-        QCOMPARE(GetDataName(world->session, u"X-991231-001"_s),
-                 u"謎"_s); // another kind: among the definitions
-    }
-
-    void unknownIdentifierHasTheUnknownName()
-    {
-        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), u"不明"_s);
-        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
-        QCOMPARE(GetDataName(world->session, u"M-991231-002"_s), u"不明"_s);
-        QCOMPARE(GetDataName(world->session, u"m-991231-001"_s), u"不明"_s);
-        QCOMPARE(GetDataName(world->session, QString()), u"不明"_s);
-    }
-
-    void nameWithoutDatabaseIsReported()
-    {
-        world->session.RsMain.reset();
-        world->dialogs.expect(failureBox(u"GetDataName"_s, 91));
-        QCOMPARE(GetDataName(world->session, u"M-991231-001"_s), QString());
-        QCOMPARE(world->eventLog.lines.size(), 1);
-    }
-
     void definitionOpensInAWindowOfItsOwn()
     {
         TestWorld::addRow(world->session.RsMain, {u"<b>水</b>"_s, u"M-991231-001"_s, u"一行目\r\n二行目"_s});

@@ -1,9 +1,9 @@
 #include "ui/main/data_list.h"
 
 #include "app/base/reporting.h"
-#include "core/identifier_set.h"
-#include "core/name_lookup.h"
 #include "store/data_kinds.h"
+#include "store/lookup/data_names.h"
+#include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"

@@ -1,6 +1,6 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
-#include "core/data_records.h"
+#include "store/lookup/data_names.h"
 #include "store/session.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/fill_progress.h"

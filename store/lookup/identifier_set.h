@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/identifier_pages.h"
+#include "store/lookup/identifier_pages.h"
 
 #include <QSet>
 #include <QString>

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "core/identifier_table.h"
+#include "store/lookup/identifier_table.h"
 #include "store/sqlite/statement.h"
 #include "store/text_buffer.h"
 
 #include <QString>
 #include <QStringView>
 
-#include <array>
 #include <memory>
 #include <optional>
 
@@ -15,7 +14,6 @@ namespace quillon
 {
 
 class RecordSet;
-class Session;
 
 /// Answers the names of one table's rows by identifier, many times in a row and without moving a cursor.
 /// For filling lists; the answers are those of a search with a criteria text.
@@ -52,39 +50,6 @@ private:
     // Of each name its length, in `LengthUnits`, and then its text; by identifier, where this begins.
     TextBuffer m_texts;
     IdentifierTable<quint32> m_places;
-};
-
-/// `GetDataName` for many identifiers.
-class DataNameLookup
-{
-public:
-    /// `lookUps`: about how many there will be, if there may be many of them.
-    explicit DataNameLookup(Session& session, qint64 lookUps = 0);
-    /// The name, valid as long as this lives.
-    QString name(QStringView identifier);
-
-private:
-    /// One of the data tables; its names are read all at once where this takes less time than looking them up.
-    struct Table {
-        NameLookup single;
-        std::optional<TableNames> all;
-    };
-    QString name(Table& table, QStringView identifier);
-
-    Session& m_session;
-    std::array<Table, 3> m_tables; // in the order of the kinds
-};
-
-/// `GetCategoryName` for many identifiers.
-class CategoryNameLookup
-{
-public:
-    explicit CategoryNameLookup(Session& session);
-    QString name(const QString& categoryIdentifier);
-
-private:
-    Session& m_session;
-    NameLookup m_categories;
 };
 
 } // namespace quillon

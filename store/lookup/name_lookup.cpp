@@ -1,12 +1,8 @@
-#include "core/name_lookup.h"
+#include "store/lookup/name_lookup.h"
 
 #include "app/base/error.h"
 #include "app/base/titles.h"
-#include "core/categories.h"
-#include "core/data_records.h"
-#include "store/data_kinds.h"
 #include "store/record_set.h"
-#include "store/session.h"
 
 #include <algorithm>
 #include <cstring>
@@ -87,44 +83,6 @@ std::optional<QStringView> TableNames::find(QStringView identifier) const
     quint32 length = 0;
     std::memcpy(&length, start, sizeof length);
     return QStringView(start + LengthUnits, static_cast<qsizetype>(length));
-}
-
-DataNameLookup::DataNameLookup(Session& session, qint64 lookUps) : m_session(session)
-{
-    // Finding one row anywhere in the file takes as long as reading so many one after the other.
-    constexpr qint64 RowsPerLookUp = 4;
-    for (const DataKind& kind : data_kinds::all()) {
-        const std::shared_ptr<RecordSet>& recordSet = session.*kind.recordSet;
-        Table& table = m_tables[data_kinds::positionOf(kind)];
-        table.single = NameLookup(recordSet, 0, 1);
-        if (lookUps > 0 && recordSet && recordSet->roughCount() < lookUps * RowsPerLookUp)
-            table.all.emplace(*recordSet);
-    }
-}
-
-QString DataNameLookup::name(QStringView identifier)
-{
-    return name(m_tables[data_kinds::positionOf(kindForNames(identifier))], identifier);
-}
-
-QString DataNameLookup::name(Table& table, QStringView identifier)
-{
-    if (const std::optional<QStringView> known = table.all ? table.all->find(identifier) : std::nullopt)
-        return QString::fromRawData(known->data(), known->size());
-    if (!table.single.canLookUp(identifier))
-        return GetDataName(m_session, identifier.toString());
-    return table.all ? titles::Unknown : table.single.name(identifier);
-}
-
-CategoryNameLookup::CategoryNameLookup(Session& session)
-    : m_session(session), m_categories(session.RsCategoryID, 1, 0)
-{
-}
-
-QString CategoryNameLookup::name(const QString& categoryIdentifier)
-{
-    return m_categories.canLookUp(categoryIdentifier) ? m_categories.name(categoryIdentifier)
-                                                      : GetCategoryName(m_session, categoryIdentifier);
 }
 
 } // namespace quillon

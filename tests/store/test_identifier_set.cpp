@@ -1,6 +1,6 @@
-#include "core/identifier_set.h"
+#include "store/lookup/identifier_set.h"
 
-#include "core/identifier_table.h"
+#include "store/lookup/identifier_table.h"
 
 #include <QTest>
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "store/lookup/name_lookup.h"
+
+#include <QString>
+#include <QStringView>
+
+#include <array>
+#include <optional>
+
+namespace quillon
+{
+
+class Session;
+
+/// The name of a datum, "不明" when there is no such datum. An unknown kind is looked up among the definitions.
+QString GetDataName(Session& session, const QString& identifier);
+
+/// `GetDataName` for many identifiers.
+class DataNameLookup
+{
+public:
+    /// `lookUps`: about how many there will be, if there may be many of them.
+    explicit DataNameLookup(Session& session, qint64 lookUps = 0);
+    /// The name, valid as long as this lives.
+    QString name(QStringView identifier);
+
+private:
+    /// One of the data tables; its names are read all at once where this takes less time than looking them up.
+    struct Table {
+        NameLookup single;
+        std::optional<TableNames> all;
+    };
+    QString name(Table& table, QStringView identifier);
+
+    Session& m_session;
+    std::array<Table, 3> m_tables; // in the order of the kinds
+};
+
+} // namespace quillon
