@@ -63,13 +63,12 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
     guarded(session.reporting, u"OpenDbFile"_s, [&] {
         KeyedTreeModel& nodes = tree.nodes();
         {
-            KeyedTreeModel::Rebuild rebuild(nodes);
+            const KeyedTreeModel::Rebuild rebuild(nodes);
             nodes.clear();
             addFixedNodes(nodes);
             RecordSet& categories = required(session.RsCategoryID);
             if (categories.hasRows()) {
                 const qsizetype count = categories.recordCount();
-                rebuild.expect(count);
                 progress.start(count);
                 categories.forEachRow({0, 1}, [&](const RecordSet::Row& row) {
                     progress.advance();

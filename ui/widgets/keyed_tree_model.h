@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/widgets/key_index.h"
 #include <QAbstractItemModel>
+#include <QHash>
 #include <QString>
 #include <QStringView>
 
@@ -61,38 +61,23 @@ public:
         Rebuild(const Rebuild&) = delete;
         Rebuild& operator=(const Rebuild&) = delete;
 
-        /// Makes room for so many more nodes beforehand.
-        void expect(qsizetype nodes);
-
     private:
         KeyedTreeModel& m_model;
     };
 
 private:
     struct Node;
-    struct Stock;
-    struct KeyOfNode {
-        const KeyedTreeModel* model;
-        QStringView operator()(quint32 number) const;
-    };
+    using Nodes = std::vector<std::unique_ptr<Node>>;
 
-    Node* find(QStringView key) const;
-    Node* nodeOf(quint32 number) const; // null for 0
-    Node* nodeAt(int position) const;
-    Node* nodeOf(const QModelIndex& index) const;
-    QModelIndex indexFor(Node* node) const;
-    int positionOf(const Node* node) const;
-    /// All children of a node, or the top nodes, by row.
-    const std::vector<Node*>& childrenOf(Node* node) const;
-    int childCountOf(const Node* node) const;
+    Node& nodeAt(int position) const;
+    /// The node of an index; the root of all for an invalid one.
+    Node& nodeOf(const QModelIndex& index) const;
+    QModelIndex indexFor(const Node& node) const;
 
-    std::unique_ptr<Stock> m_stock;
-    std::vector<std::unique_ptr<Stock>> m_retired; // emptied while views are not told yet
-    std::vector<Node*> m_nodes;                    // in the order of creation
-    std::vector<Node*> m_roots;
-    KeyIndex<KeyOfNode> m_byKey;         // nodes without a key are not in it
-    mutable Node* m_lastFound = nullptr; // neighbours mostly share what is above them
-    mutable int m_numbered = 0;          // the nodes up to this position know it
+    std::unique_ptr<Node> m_root;      // above the top nodes; not a node of the tree itself
+    Nodes m_nodes;                     // in the order of creation
+    QHash<QStringView, Node*> m_byKey; // the keys are the nodes' own; nodes without one are not in it
+    Nodes m_removed;                   // views may still look at them while they are not told yet
     int m_rebuilding = 0;
 };
 
