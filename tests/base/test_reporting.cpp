@@ -14,8 +14,9 @@ class TestReporting : public QObject
 {
     Q_OBJECT
 
-    ScriptedDialogs dialogs;
-    MemoryEventLog eventLog;
+    CallLog calls;
+    ScriptedDialogs dialogs{calls};
+    MemoryEventLog eventLog{calls};
     FixedClock clock;
     Reporting reporting{dialogs, eventLog, clock};
 
@@ -27,7 +28,11 @@ class TestReporting : public QObject
     }
 
 private Q_SLOTS:
-    void init() { eventLog.lines.clear(); }
+    void init()
+    {
+        eventLog.lines.clear();
+        calls.take();
+    }
     void cleanup() { QCOMPARE(dialogs.takeComplaints(), QStringList()); }
 
     void numberZeroShowsAndLogsNothing()
@@ -45,6 +50,27 @@ private Q_SLOTS:
         QVERIFY(compareText(
             eventLog.lines.first(),
             u"1999/12/31, 23:45, LOCATION : OpenDbFile, ErrorNumber : 3021, DESCRIPTION : "_s + description));
+    }
+
+    void theLineIsWrittenWhenTheBoxHasBeenAnswered()
+    {
+        const auto anHourPasses = [this] { clock.time = clock.time.addSecs(60 * 60); };
+        expectReport(u"Main"_s, standardDescription(5));
+        dialogs.meanwhile(anHourPasses);
+        ReportError(reporting, 5, u"Main"_s);
+        dialogs.expect(MessageBox{.text = u"対処不能なエラーが発生しました。\r\n説明：足りません。"_s,
+                                  .title = u"Quillon 障害対策部"_s});
+        dialogs.meanwhile(anHourPasses);
+        reportUntrapped(reporting, Error(35600, u"足りません。"_s), u"Form_Load"_s);
+        clock = FixedClock();
+        QVERIFY(compareLines(
+            calls.lines(),
+            {messageBoxCall(u"対処不能なエラーが発生しました。\r\nLOCATION : Main\r\nEXPLANATION : "_s +
+                            standardDescription(5)),
+             u"log 2000/01/01, 00:45, LOCATION : Main, ErrorNumber : 5, DESCRIPTION : "_s +
+                 standardDescription(5),
+             messageBoxCall(u"対処不能なエラーが発生しました。\r\n説明：足りません。"_s),
+             u"log 2000/01/01, 01:45, LOCATION : Form_Load, ErrorNumber : 35600, DESCRIPTION : 足りません。"_s}));
     }
 
     void aNegativeNumberIsAFailureLikeAnyOther()

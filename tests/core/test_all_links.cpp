@@ -64,7 +64,18 @@ private Q_SLOTS:
                                            u"水|定義|<水の本>|文献|M-991231-001|R-991231-001"_s,
                                            u"不明|不明|不明|定義|X-991231-001|M-991231-009"_s}));
         QCOMPARE(list().count, u"現在の情報リンク総数 ：  5"_s);
-        QCOMPARE(list().shown, 1);
+    }
+
+    void listIsFilledAndCountedBeforeItIsShown()
+    {
+        addLink(u"R-991231-001"_s, u"M-991231-001"_s);
+        const QStringList filled{u"frmLinkList.row <水の本>|文献|水|定義|R-991231-001|M-991231-001"_s,
+                                 u"frmLinkList.setCount 現在の情報リンク総数 ：  1"_s,
+                                 u"frmLinkList.showModeless"_s};
+        SetAllLinkList(session());
+        QVERIFY(compareLines(world->calls.take(), filled));
+        SetAllLinkList(session());
+        QVERIFY(compareLines(world->calls.take(), QStringList{u"frmLinkList.reset"_s} + filled));
     }
 
     void namesAreThoseOfEachDatum_data()
@@ -145,7 +156,6 @@ private Q_SLOTS:
         SetAllLinkList(session());
         QCOMPARE(list().rows.size(), 2);
         QCOMPARE(list().count, u"現在の情報リンク総数 ：  2"_s);
-        QCOMPARE(list().shown, 2);
     }
 
     void withoutLinksAClosedWindowStaysClosed()
@@ -161,13 +171,12 @@ private Q_SLOTS:
         addLink(u"R-991231-001"_s, u"M-991231-001"_s);
         SetAllLinkList(session());
         DeleteRelationalLink(session(), u"M-991231-001"_s);
+        world->calls.take();
         world->dialogs.expect(NoLinks);
-        world->dialogs.meanwhile([&] { QCOMPARE(list().rows, QStringList()); });
         SetAllLinkList(session());
-        QCOMPARE(list().resets, 1);
+        QVERIFY(compareLines(world->calls.lines(), {u"frmLinkList.reset"_s, messageBoxCall(NoLinks.text)}));
         QCOMPARE(list().rows, QStringList());
         QCOMPARE(list().count, QString());
-        QCOMPARE(list().shown, 1);
     }
 
     void failureIsReportedUnderAnotherName()

@@ -1,7 +1,9 @@
 #include "core/categories.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/journaled_writes.h"
 #include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
 
 #include <QTest>
 
@@ -98,6 +100,25 @@ private Q_SLOTS:
         ClassifyCategory(world->session, u"A-B-C"_s, Datum);
         QCOMPARE(memberships(), QStringList({u"B|"_s + Datum, u"A-B-C-D|"_s + Datum, u"A-C|"_s + Datum,
                                              u"A|M-991231-002"_s, u"A-B-C|"_s + Datum}));
+    }
+
+    void datumIsFiledBeforeTheAncestorsAreCleanedTheOutermostFirst()
+    {
+        addMemberships({u"A-B"_s, u"A"_s}); // in the other order
+        const JournaledWrites writes(*world->session.OpenDb, world->calls);
+        ClassifyCategory(world->session, u"A-B-C"_s, Datum);
+        QVERIFY(compareLines(world->calls.lines(), {u"insert Category A-B-C|"_s + Datum, u"commit"_s,
+                                                    u"delete Category A|"_s + Datum, u"commit"_s,
+                                                    u"delete Category A-B|"_s + Datum, u"commit"_s}));
+    }
+
+    void outermostAncestorIsCleanedBeforeALaterOneFails()
+    {
+        addMemberships({u"A-B"_s, u"A"_s});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A-B'"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        DeleteParentCategory(world->session, u"A-B-C"_s, Datum);
+        QCOMPARE(memberships(), QStringList({u"A-B|"_s + Datum}));
     }
 
     void filingInAnAncestorKeepsTheDescendant()

@@ -2,6 +2,7 @@
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/journaled_writes.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -70,9 +71,6 @@ private Q_SLOTS:
         QCOMPARE(chooser().nodes[2].parentKey, u"A"_s);
         QCOMPARE(chooser().nodes[2].key, u"A-A"_s);
         QCOMPARE(chooser().nodes[10].text, u"分類10"_s);
-        QCOMPARE(chooser().expanded, std::vector<int>({1, 9}));
-        QCOMPARE(chooser().shown, 1);
-        QCOMPARE(chooser().unloads, 0);
     }
 
     void datumIsFiledInTheChosenCategory()
@@ -85,6 +83,22 @@ private Q_SLOTS:
         };
         SelectCategory(session(), Water);
         QCOMPARE(memberships(), QStringList(u"A-A|M-991231-001"_s)); // and no longer in the ancestor
+    }
+
+    void chooserIsFilledAndOpenedBeforeItIsShown()
+    {
+        fillTree(8);
+        const JournaledWrites writes(*session().OpenDb, world->calls);
+        chooser().whileModal = [&] {
+            session().CategoryChosen = true;
+            session().ChosenCategoryID = u"A"_s;
+        };
+        SelectCategory(session(), Water);
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"frmCategory.setNodes CATEGORY, A, A-A, A-A-A, A-A-A-A, A-A-A-A-A, "
+                              u"A-A-A-A-A-A, A-A-A-A-A-A-A, A-A-A-A-A-A-A-A"_s,
+                              u"frmCategory.expandNode 1"_s, u"frmCategory.expandNode 9"_s,
+                              u"frmCategory.showModal"_s, u"insert Category A|M-991231-001"_s, u"commit"_s}));
     }
 
     void cancelFilesNothing()
@@ -132,8 +146,8 @@ private Q_SLOTS:
             description = error.description;
         }
         QCOMPARE(number, shown ? 0 : 35600);
-        QCOMPARE(chooser().shown, shown ? 1 : 0);
-        QCOMPARE(chooser().unloads, shown ? 0 : 1);
+        QCOMPARE(world->calls.lines().last(), shown ? u"frmCategory.showModal"_s : u"frmCategory.unload"_s);
+        QCOMPARE(world->calls.lines().contains(u"frmCategory.showModal"_s), shown);
         QCOMPARE(memberships().size(), shown ? 1 : 0);
         if (!shown)
             QCOMPARE(
@@ -146,7 +160,7 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { SelectCategory(session(), Water); }), errors::IndexOutOfBounds);
         session().setMainWindow(nullptr);
         QCOMPARE(errorOf([&] { SelectCategory(session(), Water); }), errors::ObjectNotSet);
-        QCOMPARE(chooser().shown, 0);
+        QCOMPARE(world->calls.lines(), QStringList());
     }
 
     void filingThatFailsIsReported()

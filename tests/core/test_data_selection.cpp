@@ -41,8 +41,11 @@ private Q_SLOTS:
     {
         QCOMPARE(CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace), 0);
         QCOMPARE(window().rows, QStringList({u"水|定義|M-991231-001"_s, u"氷|定義|M-991231-002"_s}));
-        QCOMPARE(window().calls,
-                 QStringList({u"clear"_s, u"show"_s, u"1: 表示モード"_s, u"3: 表示データ数：2"_s}));
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"frmDataSelect.clearRows"_s, u"frmDataSelect.row 水|定義|M-991231-001"_s,
+                              u"frmDataSelect.row 氷|定義|M-991231-002"_s, u"frmDataSelect.showModeless"_s,
+                              u"frmDataSelect.setStatus 1 表示モード"_s,
+                              u"frmDataSelect.setStatus 3 表示データ数：2"_s}));
         QCOMPARE(window().title, u"データ選択画面"_s);
     }
 
@@ -57,10 +60,13 @@ private Q_SLOTS:
     void appendingCountsOnlyTheLastRecordSet()
     {
         CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace);
-        window().calls.clear();
+        world->calls.take();
         CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Append);
         QCOMPARE(window().rows.size(), 3);
-        QCOMPARE(window().calls, QStringList({u"show"_s, u"1: 表示モード"_s, u"3: 表示データ数：1"_s}));
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"frmDataSelect.row <水の本>|文献|R-991231-001"_s,
+                              u"frmDataSelect.showModeless"_s, u"frmDataSelect.setStatus 1 表示モード"_s,
+                              u"frmDataSelect.setStatus 3 表示データ数：1"_s}));
     }
 
     void emptyRecordSetListsNothing()
@@ -69,7 +75,7 @@ private Q_SLOTS:
         const auto none = session().RsMain->filtered(u"Name = '火'"_s);
         QCOMPARE(CreateDataList(session(), none, SelectionUse::Show, ListFill::Replace), 0);
         QCOMPARE(window().rows, QStringList());
-        QCOMPARE(window().calls.last(), u"3: 表示データ数：0"_s);
+        QCOMPARE(world->calls.lines().last(), u"frmDataSelect.setStatus 3 表示データ数：0"_s);
     }
 
     void filteredSetListsOnlyItsRows()
@@ -84,14 +90,16 @@ private Q_SLOTS:
         session().LinkSourceMode = true;
         session().LinkSourceID = u"M-991231-001"_s;
         window().whileModal = [&] {
-            QVERIFY(compareText(window().title, u"データ選択画面 - リンク先を選択してください。"));
-            QCOMPARE(window().rows.size(), 1);
-            QCOMPARE(window().calls, QStringList({u"clear"_s, u"show modal"_s}));
             QVERIFY(session().LinkSourceMode);
+            world->calls.note(u"the person chooses"_s);
         };
         QCOMPARE(CreateDataList(session(), session().RsRefDoc, SelectionUse::Link, ListFill::Replace), 0);
-        QCOMPARE(window().calls,
-                 QStringList({u"clear"_s, u"show modal"_s, u"1: リンクモード"_s, u"3: 表示データ数：1"_s}));
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"frmDataSelect.clearRows"_s, u"frmDataSelect.row <水の本>|文献|R-991231-001"_s,
+                              u"frmDataSelect.setCaption データ選択画面 - リンク先を選択してください。"_s,
+                              u"frmDataSelect.showModal"_s, u"the person chooses"_s,
+                              u"frmDataSelect.setStatus 1 リンクモード"_s,
+                              u"frmDataSelect.setStatus 3 表示データ数：1"_s}));
         QVERIFY(session().LinkSourceMode);
     }
 
@@ -122,8 +130,8 @@ private Q_SLOTS:
         window().rows = QStringList(u"古い"_s);
         world->dialogs.expect(failureBox(u"CreateDataList"_s, 91));
         QCOMPARE(CreateDataList(session(), nullptr, SelectionUse::Link, ListFill::Replace), 0);
-        QCOMPARE(window().calls, QStringList(u"clear"_s));
-        QCOMPARE(world->eventLog.lines.size(), 1);
+        QVERIFY(compareLines(world->calls.lines(), QStringList{u"frmDataSelect.clearRows"_s} +
+                                                       failureCalls(u"CreateDataList"_s, 91)));
     }
 
     void fileThatCannotBeReadIsReported()
@@ -133,7 +141,8 @@ private Q_SLOTS:
         other->connection().execute(u"BEGIN EXCLUSIVE"_s);
         world->dialogs.expect(failureBox(u"CreateDataList"_s, 3260));
         QCOMPARE(CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace), 0);
-        QCOMPARE(window().calls, QStringList(u"clear"_s));
+        QVERIFY(compareLines(world->calls.lines(), QStringList{u"frmDataSelect.clearRows"_s} +
+                                                       failureCalls(u"CreateDataList"_s, 3260)));
         other->connection().execute(u"ROLLBACK"_s);
     }
 
@@ -143,7 +152,7 @@ private Q_SLOTS:
         world->dialogs.expect(failureBox(u"GetDataName"_s, 3075));
         CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace);
         QCOMPARE(window().rows.last(), u"|定義|M'"_s);
-        QCOMPARE(window().calls.last(), u"3: 表示データ数：3"_s);
+        QCOMPARE(world->calls.lines().last(), u"frmDataSelect.setStatus 3 表示データ数：3"_s);
     }
 
     void linesOfAnotherTableOfDataAreNamedAfterTheirKind()

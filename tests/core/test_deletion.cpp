@@ -2,6 +2,7 @@
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/journaled_writes.h"
 #include "tests/support/test_world.h"
 #include "tests/support/troubled_database.h"
 
@@ -106,6 +107,34 @@ private Q_SLOTS:
         QCOMPARE(definitions(), QStringList(u"氷|M-991231-002|固体"_s));
         QCOMPARE(links(), QStringList(u"M-991231-002|R-991231-001"_s));
         QCOMPARE(memberships(), QStringList(u"A|M-991231-002"_s));
+    }
+
+    void rowGoesFirstThenComesTheNoticeThenGoWhatHangsOnIt()
+    {
+        const JournaledWrites writes(database(), world->calls);
+        world->dialogs.expect(question(u"水"_s));
+        world->dialogs.expect({.text = u"< 水 >を削除しました。"_s, .title = u"Quillon 定義データ管理部"_s});
+        QVERIFY(DeleteData(session(), Water, 3));
+        QVERIFY(compareLines(
+            world->calls.lines(),
+            {messageBoxCall(u"<水> を削除しますか。"_s), u"delete Main 水|M-991231-001|液体"_s, u"commit"_s,
+             messageBoxCall(u"< 水 >を削除しました。"_s), u"delete Link M-991231-001|M-991231-002"_s,
+             u"delete Link R-991231-001|M-991231-001"_s, u"delete Link M-991231-001|M-991231-001"_s,
+             u"commit"_s, u"delete Category A|M-991231-001"_s, u"delete Category B-A|M-991231-001"_s,
+             u"commit"_s}));
+    }
+
+    void missingRowIsToldBeforeWhatHangsOnItGoes()
+    {
+        executeElsewhere(u"DELETE FROM Main WHERE Name = '水'"_s);
+        const JournaledWrites writes(database(), world->calls);
+        world->dialogs.expect(NotFound);
+        QVERIFY(!DeleteData(session(), Water, 0));
+        QCOMPARE(world->calls.lines().value(0), messageBoxCall(NotFound.text));
+        QCOMPARE(world->calls.about(u"delete Link"_s).size(), 3);
+        QCOMPARE(world->calls.about(u"delete Category"_s).size(), 2);
+        QCOMPARE(world->calls.lines().value(4), u"commit"_s);
+        QCOMPARE(world->calls.lines().value(7), u"commit"_s);
     }
 
     void eachKindIsToldUnderItsOwnTitle_data()

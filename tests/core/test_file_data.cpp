@@ -3,6 +3,7 @@
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/journaled_writes.h"
 #include "tests/support/test_world.h"
 #include "tests/support/troubled_database.h"
 
@@ -309,9 +310,23 @@ private Q_SLOTS:
             TestWorld::addRow(session().RsRefFile, {u"c.txt"_s, u"F-991231-003"_s, u"未入力"_s});
         };
         QVERIFY(RegisterFileAndLink(session(), Water));
-        QCOMPARE(fake.shown, 1);
         QCOMPARE(world->windows.dataWindows.size(), 1U);
         QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList(u"M-991231-001|F-991231-002"_s));
+    }
+
+    void fileIsRegisteredUnderItsIdentifierAndLinkedAfterwards()
+    {
+        const JournaledWrites writes(*session().OpenDb, world->calls);
+        session().windows.registrationWindow(u"F"_s);
+        world->windows.dataWindows.back()->whileModal = [&] {
+            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        };
+        world->calls.take();
+        QVERIFY(RegisterFileAndLink(session(), Water));
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"registrationWindow F"_s, u"frmRefFileEntry.setFieldText 1 F-991231-001"_s,
+                              u"frmRefFileEntry.showModal"_s, u"insert RefFile b.txt|F-991231-001|未入力"_s,
+                              u"commit"_s, u"insert Link M-991231-001|F-991231-001"_s, u"commit"_s}));
     }
 
     void cancelledRegistrationLinksNothing()
@@ -323,7 +338,7 @@ private Q_SLOTS:
         // The identifier that was not used is given out again.
         QVERIFY(!RegisterFileAndLink(session(), Water));
         QCOMPARE(world->windows.dataWindows.back()->fields[1], u"F-991231-002"_s);
-        QCOMPARE(world->windows.dataWindows.back()->shown, 2);
+        QCOMPARE(world->calls.lines().count(u"frmRefFileEntry.showModal"_s), 2);
     }
 
     void failureToLinkGoesToTheCaller()

@@ -243,12 +243,13 @@ public:
     }
 
     QTemporaryDir folder;
-    ScriptedDialogs dialogs;
-    MemoryEventLog eventLog;
+    CallLog calls; // what all of the following are asked to do, in order
+    ScriptedDialogs dialogs{calls};
+    MemoryEventLog eventLog{calls};
     FixedClock clock;
-    RecordingDesktop desktop;
-    RealFiles files;
-    FakeMainWindow mainWindow;
+    RecordingDesktop desktop{calls};
+    RealFiles files{calls};
+    FakeMainWindow mainWindow{calls};
     WindowRegistry registry;
     Session session{{dialogs, eventLog, clock, desktop, files, registry}, folder.path()};
     ModalScript modals{registry};

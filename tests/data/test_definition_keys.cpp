@@ -299,18 +299,21 @@ private Q_SLOTS:
             return *windows.dataWindows.back();
         };
         FakeDataWindow& early = add(u"M"_s, u"M-1"_s);
-        FakeDataWindow& late = add(u"M"_s, u"M-1"_s);
+        add(u"M"_s, u"M-1"_s);
         windows.registrationWindow(u"F"_s).setFieldText(1, u"F-1"_s); // is passed over
         FakeDataWindow& document = add(u"R"_s, u"R-1"_s);
 
+        for (const auto& window : windows.dataWindows)
+            window->calls = CallLog(); // of its own
+
         switchDataWindow(windows, u"M-1"_s); // from the later one, also when asked in the earlier one
-        QCOMPARE(document.broughtToFront, 1);
+        QCOMPARE(document.calls.take(), QStringList(u"frmRefDoc.bringToFront"_s));
         switchDataWindow(windows, u"R-1"_s);
-        QCOMPARE(early.broughtToFront, 1);
+        QCOMPARE(early.calls.take(), QStringList(u"frmMainData.bringToFront"_s));
         switchDataWindow(windows, u"M-1"_s);
-        QCOMPARE(document.broughtToFront, 2);
-        QCOMPARE(late.broughtToFront, 0);
-        QCOMPARE(windows.shared[2]->broughtToFront, 0);
+        QCOMPARE(document.calls.take(), QStringList(u"frmRefDoc.bringToFront"_s));
+        for (const auto& window : windows.dataWindows)
+            QCOMPARE(window->calls.lines(), QStringList());
     }
 };
 

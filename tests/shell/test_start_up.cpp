@@ -25,18 +25,55 @@ using namespace quillon::testing;
 namespace
 {
 
-/// A file system that has everything and remembers what it was asked.
+/// A file system that has everything, or nothing, and writes down what it was asked.
 class AskedFiles : public SystemFiles
 {
 public:
+    explicit AskedFiles(CallLog log) : calls(std::move(log)) {}
+
     bool entryExists(const QString& path) const override
     {
-        asked << path;
-        return true;
+        calls.note(u"entryExists "_s + path);
+        return hasEverything;
     }
     bool fileExists(const QString& path) const override { return entryExists(path); }
 
-    mutable QStringList asked;
+    mutable CallLog calls;
+    bool hasEverything = true;
+};
+
+/// Writes down when the windows of the start appear and go, and what the splash window shows when it appears.
+class WindowWatch : public QObject
+{
+public:
+    explicit WindowWatch(CallLog log) : calls(std::move(log)) { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        const QString name = watched->objectName();
+        if (name == u"frmSplash" || name == u"frmMainMenu") {
+            if (event->type() == QEvent::Show)
+                calls.note(name + u" appears"_s + (name == u"frmSplash" ? looks(*watched) : QString()));
+            if (event->type() == QEvent::Hide)
+                calls.note(name + u" goes"_s);
+        }
+        return false;
+    }
+
+private:
+    static QString looks(const QObject& splash)
+    {
+        QString text = u": "_s + splash.findChild<QLabel*>(u"lblVersion"_s)->text();
+        if (!splash.findChild<QWidget*>(u"pgbSplash"_s)->isHidden())
+            text += u", progress"_s;
+        if (splash.findChild<QTimer*>(u"tmrSwitch"_s)->isActive())
+            text += u", the timer runs"_s;
+        if (static_cast<const QWidget&>(splash).windowModality() == Qt::ApplicationModal)
+            text += u", modal"_s;
+        return text;
+    }
+
+    CallLog calls;
 };
 
 MessageBox missingFolder()
@@ -54,12 +91,13 @@ class TestStartUp : public QObject
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder;
-    ScriptedDialogs dialogs;
-    MemoryEventLog eventLog;
+    CallLog calls;
+    ScriptedDialogs dialogs{calls};
+    MemoryEventLog eventLog{calls};
     FixedClock clock;
-    RecordingDesktop desktop;
-    RealFiles files;
-    AskedFiles askedFiles;
+    RecordingDesktop desktop{calls};
+    RealFiles files{calls};
+    AskedFiles askedFiles{calls};
     std::unique_ptr<Program> program;
     QStringList duringSplash; // the loaded windows while the splash window is on the screen
 
@@ -107,7 +145,8 @@ private Q_SLOTS:
         QVERIFY(QDir(folder->path()).mkdir(u"RefFile"_s));
         duringSplash.clear();
         eventLog.lines.clear();
-        askedFiles.asked.clear();
+        askedFiles.hasEverything = true;
+        calls.take();
     }
 
     void cleanup()
@@ -125,6 +164,22 @@ private Q_SLOTS:
         QVERIFY(program->mainWindow().isVisible());
         QCOMPARE(program->mainWindow().windowTitle(), u"Quillon メイン画面"_s);
         QVERIFY(program->session().OpenDb == nullptr);
+    }
+
+    void everyStepComesInItsOrder()
+    {
+        askedFiles.hasEverything = false;
+        makeProgram(folder->path(), askedFiles);
+        const WindowWatch watch(calls);
+        dialogs.expect(missingFolder());
+        dialogs.meanwhile([this] { QCOMPARE(loadedNames(), QStringList()); });
+        QVERIFY(start());
+        QVERIFY(compareLines(
+            calls.lines(),
+            {u"entryExists "_s + folder->path() + QDir::separator() + u"RefFile"_s,
+             messageBoxCall(missingFolder().text),
+             u"frmSplash appears: System Ver.1.30 (Ver.2.00β), progress, the timer runs, modal"_s,
+             u"frmSplash goes"_s, u"frmMainMenu appears"_s}));
     }
 
     void aMissingFolderIsToldAndTheStartGoesOn()
@@ -151,7 +206,7 @@ private Q_SLOTS:
         const QString root = QDir::toNativeSeparators(QDir::rootPath());
         makeProgram(root, askedFiles);
         QVERIFY(start());
-        QCOMPARE(askedFiles.asked.value(0), root + QDir::separator() + u"RefFile"_s);
+        QCOMPARE(calls.lines().value(0), u"entryExists "_s + root + QDir::separator() + u"RefFile"_s);
     }
 
     void theDoubledSeparatorFindsWhatIsThere()
@@ -214,8 +269,8 @@ private Q_SLOTS:
         makeProgram(folder->path(), files);
         dialogs.expect(MessageBox{.text = u"指定されたファイルが見つかりません。"_s,
                                   .title = u"Quillon データ調査分析部"_s});
+        dialogs.meanwhile([this] { QVERIFY(program->mainWindow().isVisible()); });
         QVERIFY(start(u"missing.mdb"_s));
-        QVERIFY(program->mainWindow().isVisible());
         QVERIFY(program->session().OpenDb == nullptr);
     }
 };

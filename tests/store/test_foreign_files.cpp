@@ -232,8 +232,9 @@ private Q_SLOTS:
         QVERIFY(!m_world->session.RsRefFile);
         QVERIFY(!m_world->session.RsRefDoc);
         QCOMPARE(m_world->session.MainLastFieldIndex, 0);
-        QCOMPARE(m_world->mainWindow.calls.last(), u"1: ファイルデータテーブルを展開中です。"_s);
-        QVERIFY(!m_world->mainWindow.calls.contains(u"enable menus"_s));
+        const QStringList calls = m_world->calls.about(u"frmMainMenu"_s);
+        QCOMPARE(calls.last(), u"frmMainMenu.setStatus 1 ファイルデータテーブルを展開中です。"_s);
+        QVERIFY(!calls.contains(u"frmMainMenu.enableDatabaseMenus"_s));
     }
 
 private:

@@ -5,6 +5,7 @@
 #include "tests/store/foreign_file.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
 #include <QDir>
@@ -27,17 +28,25 @@ using namespace Qt::Literals::StringLiterals;
 namespace
 {
 
-const QStringList StepsToLink = {
-    u"1: 定義データテーブルを展開中です。"_s, u"1: ファイルデータテーブルを展開中です。"_s,
-    u"1: 文献データテーブルを展開中です。"_s, u"1: リンク情報テーブルを展開中です。"_s};
-const QStringList StepsAfterLink = {u"1: カテゴリ情報テーブルを展開中です。"_s,
-                                    u"1: 分類情報テーブルを展開中です。"_s, u"enable menus"_s};
-
-QStringList allSteps(const QString& name)
+QString status(const QString& text)
 {
-    return QStringList{u"clear list"_s, u"1: データベース : "_s + name + u" を展開中です。"_s} + StepsToLink +
-           StepsAfterLink +
-           QStringList{u"1: データベース ("_s + name + u")が展開されています｡ "_s, u"rebuild tree"_s};
+    return u"frmMainMenu.setStatus 1 "_s + text;
+}
+
+/// What a complete opening asks of the world; `conversion` stands between the links and the categories.
+QStringList allSteps(const QString& name, const QStringList& conversion = {})
+{
+    return QStringList{u"frmMainMenu.clearDataList"_s,
+                       status(u"データベース : "_s + name + u" を展開中です。"_s),
+                       status(u"定義データテーブルを展開中です。"_s),
+                       status(u"ファイルデータテーブルを展開中です。"_s),
+                       status(u"文献データテーブルを展開中です。"_s),
+                       status(u"リンク情報テーブルを展開中です。"_s)} +
+           conversion +
+           QStringList{status(u"カテゴリ情報テーブルを展開中です。"_s),
+                       status(u"分類情報テーブルを展開中です。"_s), u"frmMainMenu.enableDatabaseMenus"_s,
+                       status(u"データベース ("_s + name + u")が展開されています｡ "_s),
+                       u"frmMainMenu.rebuildCategoryTree"_s};
 }
 
 #ifdef Q_OS_UNIX
@@ -90,7 +99,7 @@ private Q_SLOTS:
     {
         const QString path = m_world->createDatabase();
         QVERIFY(OpenDbFile(m_world->session, path));
-        QCOMPARE(m_world->mainWindow.calls, allSteps(u"QUILLON.mdb"_s));
+        QVERIFY(compareLines(m_world->calls.lines(), allSteps(u"QUILLON.mdb"_s)));
         QCOMPARE(m_world->session.MainLastFieldIndex, 2);
         QCOMPARE(m_world->session.OpenDb->path(), path);
         const QList<std::shared_ptr<RecordSet>> sets = {
@@ -104,6 +113,32 @@ private Q_SLOTS:
         }
     }
 
+    void everyStepIsToldBeforeItIsDone()
+    {
+        // At each call: which of the record sets, in the order of opening, belong to the new database already.
+        const QString path = m_world->createDatabase(u"neu.mdb"_s);
+        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase()));
+        const Session& session = m_world->session;
+        const auto former = session.OpenDb;
+        m_world->session.MainLastFieldIndex = 0;
+        QStringList found;
+        m_world->calls.take();
+        m_world->calls.atEveryCall([&](const QString&) {
+            QString state = session.OpenDb == former ? u"-"_s : u"D"_s;
+            for (const auto& [letter, rows] :
+                 {std::pair(u'M', session.RsMain), std::pair(u'O', session.RsOpenApp),
+                  std::pair(u'F', session.RsRefFile), std::pair(u'R', session.RsRefDoc),
+                  std::pair(u'L', session.RsLink), std::pair(u'I', session.RsCategoryID),
+                  std::pair(u'C', session.RsCategory)})
+                state += &rows->database() == former.get() ? QChar(u'-') : QChar(letter);
+            found << state + QString::number(session.MainLastFieldIndex);
+        });
+        QVERIFY(OpenDbFile(m_world->session, path));
+        QVERIFY(compareLines(found, {u"--------0"_s, u"--------0"_s, u"D-------0"_s, u"DMO-----0"_s,
+                                     u"DMOF----0"_s, u"DMOFR---0"_s, u"DMOFRL--0"_s, u"DMOFRLI-0"_s,
+                                     u"DMOFRLIC2"_s, u"DMOFRLIC2"_s, u"DMOFRLIC2"_s}));
+    }
+
     void aNameWithoutASeparatorIsShownEmptyButOpens()
     {
         m_world->createDatabase();
@@ -114,7 +149,10 @@ private Q_SLOTS:
         const bool opened = OpenDbFile(m_world->session, u"QUILLON.mdb"_s);
         QVERIFY(QDir::setCurrent(before));
         QVERIFY(opened);
-        QCOMPARE(m_world->mainWindow.calls, allSteps(QString()));
+        QVERIFY(compareLines(
+            m_world->calls.lines(),
+            QStringList{messageBoxCall(u"特定文字列の取得に必要な区切文字が見つかりませんでした。"_s)} +
+                allSteps(QString())));
     }
 
     void aMissingFileLeavesEverythingAsItWas()
@@ -123,15 +161,15 @@ private Q_SLOTS:
         QVERIFY(OpenDbFile(m_world->session, path));
         const auto database = m_world->session.OpenDb;
         const auto rows = m_world->session.RsMain;
-        m_world->mainWindow.calls.clear();
+        m_world->calls.take();
         m_world->dialogs.expect(failure(errors::DatabaseNotFound));
         QVERIFY(!OpenDbFile(m_world->session, m_world->folder.filePath(u"none.mdb"_s)));
         QCOMPARE(m_world->session.OpenDb, database);
         QCOMPARE(m_world->session.RsMain, rows);
-        QCOMPARE(m_world->mainWindow.calls,
-                 QStringList({u"clear list"_s, u"1: データベース : none.mdb を展開中です。"_s}));
-        QCOMPARE(m_world->eventLog.lines.size(), 1);
-        QVERIFY(m_world->eventLog.lines.first().contains(u"LOCATION : OpenDbFile, ErrorNumber : 3024"_s));
+        QVERIFY(compareLines(
+            m_world->calls.lines(),
+            QStringList{u"frmMainMenu.clearDataList"_s, status(u"データベース : none.mdb を展開中です。"_s)} +
+                failureCalls(u"OpenDbFile"_s, 3024)));
     }
 
     void aFailureHalfwayLeavesAMixedState()
@@ -148,7 +186,8 @@ private Q_SLOTS:
         QCOMPARE(&m_world->session.RsMain->database(), m_world->session.OpenDb.get());
         QVERIFY(m_world->session.RsRefFile != oldFiles);
         QCOMPARE(m_world->session.RsRefDoc, oldDocuments);
-        QCOMPARE(m_world->mainWindow.calls.last(), u"1: 文献データテーブルを展開中です。"_s);
+        QCOMPARE(m_world->calls.about(u"frmMainMenu"_s).last(),
+                 status(u"文献データテーブルを展開中です。"_s));
         QCOMPARE(oldDocuments->recordCount(), 0);
     }
 
@@ -167,7 +206,8 @@ private Q_SLOTS:
                               "INSERT INTO Main VALUES ('水', 'M-991231-001', 'x')");
         m_world->dialogs.expect(conversion());
         QVERIFY(OpenDbFile(m_world->session, path));
-        QCOMPARE(m_world->mainWindow.calls, allSteps(u"QUILLON.mdb"_s));
+        QVERIFY(compareLines(m_world->calls.lines(),
+                             allSteps(u"QUILLON.mdb"_s, {messageBoxCall(conversion().text)})));
         QCOMPARE(m_world->session.RsCategoryID->recordCount(), 0);
         QCOMPARE(m_world->session.RsCategory->recordCount(), 0);
         QCOMPARE(m_world->session.RsMain->recordCount(), 1);
@@ -182,7 +222,9 @@ private Q_SLOTS:
         m_world->dialogs.expect(conversion());
         m_world->dialogs.expect(failure(errors::TableExists));
         QVERIFY(OpenDbFile(m_world->session, path));
-        QCOMPARE(m_world->mainWindow.calls, allSteps(u"QUILLON.mdb"_s));
+        QVERIFY(compareLines(m_world->calls.lines(),
+                             allSteps(u"QUILLON.mdb"_s, QStringList{messageBoxCall(conversion().text)} +
+                                                            failureCalls(u"OpenDbFile"_s, 3010))));
         QCOMPARE(m_world->session.RsCategoryID->recordCount(), 0);
         QCOMPARE(m_world->session.RsCategory->recordCount(), 1);
     }
@@ -195,7 +237,7 @@ private Q_SLOTS:
         QVERIFY(!OpenDbFile(m_world->session, path));
         QVERIFY(m_world->session.RsCategoryID);
         QVERIFY(!m_world->session.RsCategory);
-        QCOMPARE(m_world->mainWindow.calls.last(), u"1: 分類情報テーブルを展開中です。"_s);
+        QCOMPARE(m_world->calls.about(u"frmMainMenu"_s).last(), status(u"分類情報テーブルを展開中です。"_s));
     }
 
     void tableNamesCompareExactly()
@@ -231,7 +273,9 @@ private Q_SLOTS:
             {.text = u"Quillon 用のデータベースを作成しました。"_s, .title = u"Quillon"_s});
         m_world->dialogs.meanwhile([this] { QVERIFY(m_world->session.RsCategory); });
         CreateDbFile(m_world->session, path);
-        QCOMPARE(m_world->mainWindow.calls, allSteps(u"新 しい'もの.mdb"_s));
+        QVERIFY(compareLines(m_world->calls.lines(),
+                             allSteps(u"新 しい'もの.mdb"_s) +
+                                 QStringList{messageBoxCall(u"Quillon 用のデータベースを作成しました。"_s)}));
         QCOMPARE(m_world->session.OpenDb->path(), path);
         for (const auto& rows :
              {m_world->session.RsMain, m_world->session.RsRefDoc, m_world->session.RsRefFile,
@@ -284,7 +328,7 @@ private Q_SLOTS:
         m_world->dialogs.expect(failure(errors::DatabaseExists));
         CreateDbFile(m_world->session, path);
         QVERIFY(!m_world->session.OpenDb);
-        QCOMPARE(m_world->mainWindow.calls, QStringList());
+        QCOMPARE(m_world->calls.about(u"frmMainMenu"_s), QStringList());
         QCOMPARE(ForeignFile(path).ask("SELECT Name FROM Main"), QStringList(u"水"_s));
     }
 
@@ -439,7 +483,7 @@ private Q_SLOTS:
 #ifdef Q_OS_UNIX
         const QString before = m_world->createDatabase();
         QVERIFY(OpenDbFile(m_world->session, before));
-        m_world->mainWindow.calls.clear();
+        m_world->calls.take();
         const QString path = m_world->folder.filePath(u"half.mdb"_s);
         m_world->dialogs.expect(failure(errors::PathFileAccess));
         {
@@ -451,7 +495,7 @@ private Q_SLOTS:
         QCOMPARE(m_world->dialogs.takeComplaints(), QStringList());
         QCOMPARE(m_world->eventLog.lines.size(), 1);
         QVERIFY(m_world->eventLog.lines.first().contains(u"LOCATION : OpenDbFile, ErrorNumber : 75,"_s));
-        QCOMPARE(m_world->mainWindow.calls, QStringList());
+        QCOMPARE(m_world->calls.about(u"frmMainMenu"_s), QStringList());
         QCOMPARE(m_world->session.OpenDb->path(), before);
         QCOMPARE(tablesOf(path), QStringList({u"Main"_s, u"RefDoc"_s}));
         QCOMPARE(ForeignFile(path).ask("PRAGMA integrity_check"), QStringList(u"ok"_s));

@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/ports/dialogs.h"
+#include "tests/support/call_log.h"
 
 namespace quillon::testing
 {
@@ -12,6 +13,16 @@ inline MessageBox failureBox(const QString& location, qint32 number)
     return {.text = QStringLiteral("対処不能なエラーが発生しました。\r\nLOCATION : ") + location +
                     QStringLiteral("\r\nEXPLANATION : ") + standardDescription(number),
             .title = QStringLiteral("Quillon 障害対策部")};
+}
+
+/// What the reporter does about it, as a call log shows it while the clock of the tests stands still.
+inline QStringList failureCalls(const QString& location, qint32 number)
+{
+    return {messageBoxCall(failureBox(location, number).text),
+            QStringLiteral("log 1999/12/31, 23:45, LOCATION : %1, ErrorNumber : %2, DESCRIPTION : ")
+                    .arg(location)
+                    .arg(number) +
+                standardDescription(number)};
 }
 
 } // namespace quillon::testing

@@ -82,18 +82,21 @@ std::optional<ScriptedDialogs::Step> ScriptedDialogs::take(const Box& box)
 
 Answer ScriptedDialogs::messageBox(const MessageBox& box)
 {
+    calls.note(messageBoxCall(box.text));
     const auto step = take(box);
     return step ? step->answer : Answer::Cancel;
 }
 
 std::optional<QString> ScriptedDialogs::inputBox(const InputBox& box)
 {
+    calls.note(u"inputBox "_s + box.prompt);
     const auto step = take(box);
     return step ? step->text : std::nullopt;
 }
 
 std::optional<QString> ScriptedDialogs::fileDialog(const FileDialog& dialog)
 {
+    calls.note(dialog.purpose == FileDialog::Purpose::Open ? u"fileDialog open"_s : u"fileDialog save"_s);
     const auto step = take(dialog);
     return step ? step->text : std::nullopt;
 }

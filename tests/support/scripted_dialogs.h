@@ -1,11 +1,13 @@
 #pragma once
 
 #include "app/base/ports/dialogs.h"
+#include "tests/support/call_log.h"
 
 #include <QStringList>
 
 #include <deque>
 #include <functional>
+#include <utility>
 #include <variant>
 
 namespace quillon::testing
@@ -16,6 +18,8 @@ namespace quillon::testing
 class ScriptedDialogs : public Dialogs
 {
 public:
+    explicit ScriptedDialogs(CallLog log = {}) : calls(std::move(log)) {}
+
     /// Expects a message box next and gives this answer to it.
     void expect(const MessageBox& box, Answer answer = Answer::Ok);
     /// Expects an input box next; nothing as `answer` cancels it.
@@ -31,6 +35,8 @@ public:
     Answer messageBox(const MessageBox& box) override;
     std::optional<QString> inputBox(const InputBox& box) override;
     std::optional<QString> fileDialog(const FileDialog& dialog) override;
+
+    CallLog calls;
 
 private:
     using Box = std::variant<MessageBox, InputBox, FileDialog>;

@@ -2,6 +2,8 @@
 
 #include "app/base/error.h"
 
+#include <QDir>
+
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,19 +22,37 @@ int kindNumber(const QString& kind)
     return static_cast<int>(number);
 }
 
+QString statusCall(int panel, const QString& text)
+{
+    return u"setStatus %1 "_s.arg(panel) + text;
+}
+
+/// Rows as a call log shows them: their cells joined by "|", the rows by commas.
+QString joined(const QStringList& rows)
+{
+    return rows.isEmpty() ? u"nothing"_s : rows.join(u", "_s);
+}
+
 } // namespace
 
 void RealFiles::copyInto(const QString& source, const QString& folder, const QString& name,
                          const Progress& progress) const
 {
+    calls.note(u"copy "_s + source + u" to "_s + folder + QDir::separator() + name);
     if (copyFailure != 0)
         throw Error(copyFailure);
     SystemFiles::copyInto(source, folder, name, progress);
 }
 
+bool FakeMainWindow::unload()
+{
+    note(u"unload"_s);
+    return false;
+}
+
 void FakeMainWindow::setStatus(int panel, const QString& text)
 {
-    calls << QString::number(panel) + u": "_s + text;
+    note(statusCall(panel, text));
 }
 
 const FakeMainWindow::Node& FakeMainWindow::node(int index) const
@@ -44,33 +64,84 @@ const FakeMainWindow::Node& FakeMainWindow::node(int index) const
 
 bool FakeDataWindow::unload()
 {
+    note(u"unload"_s);
     if (closes && onUnload)
         onUnload();
     return closes;
 }
 
+void FakeDataWindow::setFieldText(int index, const QString& text)
+{
+    note(u"setFieldText %1 "_s.arg(index) + text);
+    fields[index] = text;
+}
+
+void FakeDataWindow::setCaption(const QString& text)
+{
+    note(u"setCaption "_s + text);
+    caption = text;
+}
+
+void FakeDataWindow::setModeText(const QString& text)
+{
+    note(u"setModeText "_s + text);
+    mode = text;
+}
+
 void FakeDataWindow::setMenuEnabled(const QString& menuName, bool enabled)
 {
-    menuCalls << (enabled ? u"+"_s : u"-"_s) + menuName;
+    note((enabled ? u"enable "_s : u"disable "_s) + menuName);
+}
+
+void FakeDataWindow::setLinkRows(const std::vector<LinkRow>& rows)
+{
+    QStringList lines;
+    for (const LinkRow& row : rows)
+        lines << QStringList({row.kind, row.name, row.identifier}).join(u'|');
+    if (!rows.empty() || !links.empty())
+        note(u"setLinkRows "_s + joined(lines));
+    links = rows;
+}
+
+void FakeDataWindow::setCategoryRows(const std::vector<CategoryRow>& rows)
+{
+    QStringList lines;
+    for (const CategoryRow& row : rows)
+        lines << row.name + u'|' + row.identifier;
+    if (!rows.empty() || !categories.empty())
+        note(u"setCategoryRows "_s + joined(lines));
+    categories = rows;
 }
 
 void FakeDataWindow::showModal()
 {
-    ++shown;
+    note(u"showModal"_s);
     if (whileModal)
         whileModal();
 }
 
+bool FakeDataSelection::unload()
+{
+    note(u"unload"_s);
+    return true;
+}
+
+void FakeDataSelection::setCaption(const QString& text)
+{
+    note(u"setCaption "_s + text);
+    title = text;
+}
+
 void FakeDataSelection::showModal()
 {
-    calls << u"show modal"_s;
+    note(u"showModal"_s);
     if (whileModal)
         whileModal();
 }
 
 void FakeDataSelection::clearRows()
 {
-    calls << u"clear"_s;
+    note(u"clearRows"_s);
     rows.clear();
 }
 
@@ -79,39 +150,67 @@ std::unique_ptr<DataRowFill> FakeDataSelection::fillRows()
     class Fill : public DataRowFill
     {
     public:
-        explicit Fill(QStringList& rows) : m_rows(rows) {}
+        explicit Fill(FakeDataSelection& window) : m_window(window) {}
         void append(QStringView name, QStringView kind, QStringView identifier) override
         {
-            m_rows << QStringList({name.toString(), kind.toString(), identifier.toString()}).join(u'|');
+            m_window.rows
+                << QStringList({name.toString(), kind.toString(), identifier.toString()}).join(u'|');
+            m_window.note(u"row "_s + m_window.rows.last());
         }
 
     private:
-        QStringList& m_rows;
+        FakeDataSelection& m_window;
     };
-    return std::make_unique<Fill>(rows);
+    return std::make_unique<Fill>(*this);
 }
 
 void FakeDataSelection::setStatus(int panel, const QString& text)
 {
-    calls << QString::number(panel) + u": "_s + text;
+    note(statusCall(panel, text));
 }
 
 bool FakeCategoryChooser::unload()
 {
-    ++unloads;
+    note(u"unload"_s);
     return true;
+}
+
+void FakeCategoryChooser::setNodes(const std::vector<ChooserNode>& chooserNodes)
+{
+    QStringList keys;
+    for (const ChooserNode& node : chooserNodes)
+        keys << node.key;
+    note(u"setNodes "_s + joined(keys));
+    nodes = chooserNodes;
+}
+
+void FakeCategoryChooser::expandNode(int position)
+{
+    note(u"expandNode %1"_s.arg(position));
 }
 
 void FakeCategoryChooser::showModal()
 {
-    ++shown;
+    note(u"showModal"_s);
     if (whileModal)
         whileModal();
 }
 
+bool FakeLinkList::unload()
+{
+    note(u"unload"_s);
+    return true;
+}
+
+void FakeLinkList::setCount(const QString& text)
+{
+    note(u"setCount "_s + text);
+    count = text;
+}
+
 void FakeLinkList::reset()
 {
-    ++resets;
+    note(u"reset"_s);
     rows.clear();
     count.clear();
 }
@@ -121,20 +220,26 @@ std::unique_ptr<LinkRowFill> FakeLinkList::fillRows()
     class Fill : public LinkRowFill
     {
     public:
-        explicit Fill(QStringList& rows) : m_rows(rows) {}
+        explicit Fill(FakeLinkList& window) : m_window(window) {}
         void append(const LinkEnd& source, const LinkEnd& target) override
         {
             QStringList cells;
             for (const QStringView cell :
                  {source.name, source.kind, target.name, target.kind, source.identifier, target.identifier})
                 cells << cell.toString();
-            m_rows << cells.join(u'|');
+            m_window.rows << cells.join(u'|');
+            m_window.note(u"row "_s + m_window.rows.last());
         }
 
     private:
-        QStringList& m_rows;
+        FakeLinkList& m_window;
     };
-    return std::make_unique<Fill>(rows);
+    return std::make_unique<Fill>(*this);
+}
+
+void FakeWindows::showAuxiliary(const QString& windowName)
+{
+    calls.note(u"showAuxiliary "_s + windowName);
 }
 
 LinkListWindow& FakeWindows::linkList()
@@ -146,7 +251,7 @@ LinkListWindow& FakeWindows::linkList()
 FakeDataWindow& FakeWindows::create(const QString& kind)
 {
     static const QString names[] = {u"frmMainData"_s, u"frmRefDoc"_s, u"frmRefFileEntry"_s};
-    auto window = std::make_unique<FakeDataWindow>(names[kindNumber(kind)]);
+    auto window = std::make_unique<FakeDataWindow>(names[kindNumber(kind)], calls);
     FakeDataWindow& created = *window;
     created.onUnload = [this, &created] { std::erase(list, &created); };
     dataWindows.push_back(std::move(window));
@@ -156,6 +261,7 @@ FakeDataWindow& FakeWindows::create(const QString& kind)
 
 DataWindow& FakeWindows::newDataWindow(const QString& kind)
 {
+    calls.note(u"newDataWindow "_s + kind);
     if (kindNumber(kind) > 1)
         throw Error(errors::ObjectNotSet);
     return create(kind);
@@ -163,6 +269,7 @@ DataWindow& FakeWindows::newDataWindow(const QString& kind)
 
 DataWindow& FakeWindows::registrationWindow(const QString& kind)
 {
+    calls.note(u"registrationWindow "_s + kind);
     FakeDataWindow*& window = shared[kindNumber(kind)];
     if (window == nullptr)
         window = &create(kind);

@@ -10,21 +10,33 @@
 #include "app/base/ports/main_window_port.h"
 #include "app/base/ports/windows.h"
 #include "app/base/system_files.h"
+#include "tests/support/call_log.h"
 
 #include <QStringList>
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace quillon::testing
 {
 
+// Every double writes what it is asked to do into a call log: into its own, or into the one it is made with.
+
 /// An event log in memory.
 class MemoryEventLog : public EventLog
 {
 public:
-    void write(const QString& line) override { lines << line; }
+    explicit MemoryEventLog(CallLog log = {}) : calls(std::move(log)) {}
+
+    void write(const QString& line) override
+    {
+        calls.note(QStringLiteral("log ") + line);
+        lines << line;
+    }
+
+    CallLog calls;
     QStringList lines;
 };
 
@@ -45,11 +57,16 @@ public:
 class RecordingDesktop : public Desktop
 {
 public:
+    explicit RecordingDesktop(CallLog log = {}) : calls(std::move(log)) {}
+
     OpenOutcome open(const QString& path) override
     {
+        calls.note(QStringLiteral("open ") + path);
         opened << path;
         return outcome;
     }
+
+    CallLog calls;
     QStringList opened;
     OpenOutcome outcome = OpenOutcome::Opened;
 };
@@ -58,13 +75,16 @@ public:
 class RealFiles : public SystemFiles
 {
 public:
+    explicit RealFiles(CallLog log = {}) : calls(std::move(log)) {}
+
     void copyInto(const QString& source, const QString& folder, const QString& name,
                   const Progress& progress) const override;
 
+    mutable CallLog calls;
     qint32 copyFailure = 0; // the number of the failure that every copy ends in, when set
 };
 
-/// A main window without a window: it writes down what operations do to it.
+/// A main window without a window.
 class FakeMainWindow : public MainWindowPort, public LoadedWindow
 {
 public:
@@ -74,27 +94,30 @@ public:
         QString parentKey;
     };
 
-    QString windowName() const override { return QStringLiteral("frmMainMenu"); }
-    bool unload() override { return false; }
-    void bringToFront() override {}
-    void showModeless() override {}
-    void showModal() override {}
+    explicit FakeMainWindow(CallLog log = {}) : calls(std::move(log)) {}
 
-    void clearDataList() override { calls << QStringLiteral("clear list"); }
+    QString windowName() const override { return QStringLiteral("frmMainMenu"); }
+    bool unload() override;
+    void bringToFront() override { note(QStringLiteral("bringToFront")); }
+    void showModeless() override { note(QStringLiteral("showModeless")); }
+    void showModal() override { note(QStringLiteral("showModal")); }
+
+    void clearDataList() override { note(QStringLiteral("clearDataList")); }
     void setStatus(int panel, const QString& text) override;
-    void enableDatabaseMenus() override { calls << QStringLiteral("enable menus"); }
-    void rebuildCategoryTree() override { calls << QStringLiteral("rebuild tree"); }
+    void enableDatabaseMenus() override { note(QStringLiteral("enableDatabaseMenus")); }
+    void rebuildCategoryTree() override { note(QStringLiteral("rebuildCategoryTree")); }
     int selectedNodeIndex() const override { return selected; }
     int nodeCount() const override { return static_cast<int>(nodes.size()); }
     QString nodeKey(int index) const override { return node(index).key; }
     QString nodeText(int index) const override { return node(index).text; }
     QString nodeParentKey(int index) const override { return node(index).parentKey; }
 
-    QStringList calls; // in order, status texts as "1: text"
+    CallLog calls;
     std::vector<Node> nodes;
     int selected = 0;
 
 private:
+    void note(const QString& call) { calls.note(QStringLiteral("frmMainMenu.") + call); }
     const Node& node(int index) const;
 };
 
@@ -102,100 +125,119 @@ private:
 class FakeDataWindow : public DataWindow
 {
 public:
-    explicit FakeDataWindow(const QString& designName) : name(designName) {}
+    explicit FakeDataWindow(const QString& designName, CallLog log = {})
+        : calls(std::move(log)), name(designName)
+    {
+    }
 
     QString windowName() const override { return name; }
     bool unload() override;
-    void bringToFront() override { ++broughtToFront; }
+    void bringToFront() override { note(QStringLiteral("bringToFront")); }
     QString fieldText(int index) const override { return fields[index]; }
-    void setFieldText(int index, const QString& text) override { fields[index] = text; }
-    void setCaption(const QString& text) override { caption = text; }
+    void setFieldText(int index, const QString& text) override;
+    void setCaption(const QString& text) override;
     QString modeText() const override { return mode; }
-    void setModeText(const QString& text) override { mode = text; }
+    void setModeText(const QString& text) override;
     void setMenuEnabled(const QString& menuName, bool enabled) override;
-    void setLinkRows(const std::vector<LinkRow>& rows) override { links = rows; }
-    void setCategoryRows(const std::vector<CategoryRow>& rows) override { categories = rows; }
+    /// Emptying a list that is empty is not worth a line in the log, here and for the categories.
+    void setLinkRows(const std::vector<LinkRow>& rows) override;
+    void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override { return categories; }
-    void showModeless() override { ++shown; }
+    void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override;
 
+    CallLog calls;
     QString name;
     QString fields[3];
     QString caption;
     QString mode;
-    QStringList menuCalls; // "+mnuLink" enabled, "-mnuLink" disabled
     std::vector<LinkRow> links;
     std::vector<CategoryRow> categories;
-    int shown = 0;
-    int broughtToFront = 0;
     bool closes = true;               // answers an unload
     std::function<void()> whileModal; // what the person does in a modal showing
     std::function<void()> onUnload;
+
+private:
+    void note(const QString& call) { calls.note(name + u'.' + call); }
 };
 
 /// A data selection window without a window.
 class FakeDataSelection : public DataSelection
 {
 public:
+    explicit FakeDataSelection(CallLog log = {}) : calls(std::move(log)) {}
+
     QString windowName() const override { return QStringLiteral("frmDataSelect"); }
-    bool unload() override { return true; }
-    void bringToFront() override {}
-    void showModeless() override { calls << QStringLiteral("show"); }
+    bool unload() override;
+    void bringToFront() override { note(QStringLiteral("bringToFront")); }
+    void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override;
     void clearRows() override;
     std::unique_ptr<DataRowFill> fillRows() override;
     QString caption() const override { return title; }
-    void setCaption(const QString& text) override { title = text; }
+    void setCaption(const QString& text) override;
     void setStatus(int panel, const QString& text) override;
 
+    CallLog calls;
     QString title = QStringLiteral("データ選択画面");
-    QStringList rows;  // each as its cells joined by "|"
-    QStringList calls; // in order: "clear", "show", "show modal", status texts as "1: text"
+    QStringList rows; // each as its cells joined by "|"
     std::function<void()> whileModal;
+
+private:
+    void note(const QString& call) { calls.note(QStringLiteral("frmDataSelect.") + call); }
 };
 
 /// A category chooser without a window.
 class FakeCategoryChooser : public CategoryChooser
 {
 public:
+    explicit FakeCategoryChooser(CallLog log = {}) : calls(std::move(log)) {}
+
     QString windowName() const override { return QStringLiteral("frmCategory"); }
     bool unload() override;
-    void bringToFront() override {}
-    void showModeless() override {}
+    void bringToFront() override { note(QStringLiteral("bringToFront")); }
+    void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override;
-    void setNodes(const std::vector<ChooserNode>& chooserNodes) override { nodes = chooserNodes; }
-    void expandNode(int position) override { expanded.push_back(position); }
+    void setNodes(const std::vector<ChooserNode>& chooserNodes) override;
+    void expandNode(int position) override;
 
+    CallLog calls;
     std::vector<ChooserNode> nodes;
-    std::vector<int> expanded;
-    int shown = 0;
-    int unloads = 0;
     std::function<void()> whileModal;
+
+private:
+    void note(const QString& call) { calls.note(QStringLiteral("frmCategory.") + call); }
 };
 
 /// A link list window without a window.
 class FakeLinkList : public LinkListWindow
 {
 public:
+    explicit FakeLinkList(CallLog log = {}) : calls(std::move(log)) {}
+
     QString windowName() const override { return QStringLiteral("frmLinkList"); }
-    bool unload() override { return true; }
-    void bringToFront() override {}
-    void showModeless() override { ++shown; }
-    void showModal() override {}
+    bool unload() override;
+    void bringToFront() override { note(QStringLiteral("bringToFront")); }
+    void showModeless() override { note(QStringLiteral("showModeless")); }
+    void showModal() override { note(QStringLiteral("showModal")); }
     void reset() override;
     std::unique_ptr<LinkRowFill> fillRows() override;
-    void setCount(const QString& text) override { count = text; }
+    void setCount(const QString& text) override;
 
+    CallLog calls;
     QStringList rows; // each as its cells joined by "|"
     QString count;
-    int shown = 0;
-    int resets = 0;
+
+private:
+    void note(const QString& call) { calls.note(QStringLiteral("frmLinkList.") + call); }
 };
 
 /// Windows without a window system.
 class FakeWindows : public Windows
 {
 public:
+    explicit FakeWindows(const CallLog& log = {}) : calls(log), selection(log), chooser(log), links(log) {}
+
     std::vector<LoadedWindow*> loaded() const override { return list; }
     DataWindow& newDataWindow(const QString& kind) override;
     DataWindow& registrationWindow(const QString& kind) override;
@@ -203,8 +245,9 @@ public:
     CategoryChooser& categoryChooser() override { return chooser; }
     LinkListWindow& linkList() override;
     LinkListWindow* loadedLinkList() override { return linksLoaded ? &links : nullptr; }
-    void showAuxiliary(const QString& windowName) override { auxiliaries << windowName; }
+    void showAuxiliary(const QString& windowName) override;
 
+    CallLog calls;
     FakeDataSelection selection;
     FakeCategoryChooser chooser;
     FakeLinkList links;
@@ -212,7 +255,6 @@ public:
     std::vector<LoadedWindow*> list;
     std::vector<std::unique_ptr<FakeDataWindow>> dataWindows; // in the order of creation
     FakeDataWindow* shared[3] = {nullptr, nullptr, nullptr};
-    QStringList auxiliaries;
 
 private:
     FakeDataWindow& create(const QString& kind);

@@ -27,13 +27,14 @@ public:
     static QStringList rowsOf(const std::shared_ptr<RecordSet>& recordSet);
 
     QTemporaryDir folder;
-    ScriptedDialogs dialogs;
-    MemoryEventLog eventLog;
+    CallLog calls; // what all of the following are asked to do, in order
+    ScriptedDialogs dialogs{calls};
+    MemoryEventLog eventLog{calls};
     FixedClock clock;
-    RecordingDesktop desktop;
-    RealFiles files;
-    FakeWindows windows;
-    FakeMainWindow mainWindow;
+    RecordingDesktop desktop{calls};
+    RealFiles files{calls};
+    FakeWindows windows{calls};
+    FakeMainWindow mainWindow{calls};
     Session session;
 };
 

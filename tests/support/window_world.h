@@ -63,11 +63,12 @@ public:
     static void processEvents();
 
     QTemporaryDir folder;
-    ScriptedDialogs dialogs;
-    MemoryEventLog eventLog;
+    CallLog calls; // what all of the following are asked to do, in order
+    ScriptedDialogs dialogs{calls};
+    MemoryEventLog eventLog{calls};
     FixedClock clock;
-    RecordingDesktop desktop;
-    RealFiles files;
+    RecordingDesktop desktop{calls};
+    RealFiles files{calls};
     Program program;
     /// How often the end of the program has been asked for and confirmed.
     int ends = 0;
