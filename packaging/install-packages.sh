@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian packages that a task needs, and only those that are missing.
-# Usage: install-packages.sh GROUP...   with the groups build, test, asan, bench, run, display, wayland
+# Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display, wayland
 set -eu
 
 packages=
@@ -11,6 +11,8 @@ for group in "$@"; do
                 libsqlite3-dev libicu-dev libglib2.0-dev" ;;
         test) # what the tests find on the computer: a small Japanese font and the types of files
             packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
+        check) # what reads the sources: their format, the usual mistakes, the scripts, and a second compiler
+            packages="$packages clang-format clang-tidy shellcheck g++ git" ;;
         asan) # what the sanitizers link
             packages="$packages libclang-rt-14-dev" ;;
         bench) # what the benchmarks are built with, and what they are compared with
