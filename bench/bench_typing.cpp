@@ -1,4 +1,4 @@
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 #include "app/base/ports/data_window.h"
 #include "bench/bare_database.h"
 #include "bench/corpora.h"

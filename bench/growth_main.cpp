@@ -1,5 +1,5 @@
 #include "app/base/error.h"
-#include "app/base/platform.h"
+#include "app/base/platform/memory.h"
 #include "app/shell/japanese_interface.h"
 #include "bench/corpora.h"
 #include "bench/corpus/corpus.h"

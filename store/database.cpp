@@ -1,7 +1,7 @@
 #include "store/database.h"
 
 #include "app/base/error.h"
-#include "app/base/platform.h"
+#include "app/base/platform/files.h"
 #include "store/criteria_sql.h"
 #include "store/memo_type.h"
 #include "store/schema.h"

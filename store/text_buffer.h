@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/platform.h"
+#include "app/base/platform/memory.h"
 
 #include <cstddef>
 

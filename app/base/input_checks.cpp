@@ -1,6 +1,6 @@
 #include "app/base/input_checks.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 #include "app/base/ports/dialogs.h"
 
 #include <QLocale>

@@ -1,7 +1,8 @@
 #include "app/base/system_files.h"
 
 #include "app/base/error.h"
-#include "app/base/platform.h"
+#include "app/base/platform/copying.h"
+#include "app/base/platform/files.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "app/base/text_file.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 
 #include <QStringDecoder>
 

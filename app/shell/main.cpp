@@ -1,4 +1,5 @@
-#include "app/base/platform.h"
+#include "app/base/platform/command_line.h"
+#include "app/base/platform/memory.h"
 #include "app/base/system_files.h"
 #include "app/shell/command_line.h"
 #include "app/shell/japanese_interface.h"

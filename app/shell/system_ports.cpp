@@ -1,6 +1,7 @@
 #include "app/shell/system_ports.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/desktop.h"
+#include "app/base/platform/event_log.h"
 
 #include <QLocale>
 

@@ -1,4 +1,4 @@
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 
 #include "tests/support/compare_text.h"
 

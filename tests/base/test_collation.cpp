@@ -1,4 +1,4 @@
-#include "app/base/platform.h"
+#include "app/base/platform/collation.h"
 
 #include <QtTest>
 

@@ -1,6 +1,7 @@
 // What is told when the tables of the ICU library are missing.
 #include "app/base/error.h"
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
+#include "app/base/platform/collation.h"
 #include "tests/support/compare_text.h"
 
 #include <QtTest>

@@ -1,4 +1,6 @@
-#include "app/base/platform.h"
+#include "app/base/platform/command_line.h"
+#include "app/base/platform/event_log.h"
+#include "app/base/platform/files.h"
 
 #include <QFile>
 #include <QTemporaryDir>

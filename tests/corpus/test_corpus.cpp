@@ -1,4 +1,4 @@
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 #include "bench/corpus/category_plan.h"
 #include "bench/corpus/corpus.h"
 #include "store/database.h"

@@ -1,4 +1,4 @@
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 #include "tests/data/form_world.h"
 #include "ui/data/text_fields.h"
 

@@ -1,5 +1,5 @@
 #include "app/base/error.h"
-#include "app/base/platform.h"
+#include "app/base/platform/collation.h"
 #include "tests/support/compare_text.h"
 #include "ui/widgets/report_model.h"
 

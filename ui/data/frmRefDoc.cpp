@@ -1,6 +1,6 @@
 #include "ui/data/frmRefDoc.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/files.h"
 #include "app/base/text_file.h"

@@ -1,6 +1,6 @@
 #include "ui/data/text_fields.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/code_page.h"
 
 #include <QKeyEvent>
 #include <QScrollBar>

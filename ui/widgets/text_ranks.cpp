@@ -1,6 +1,6 @@
 #include "ui/widgets/text_ranks.h"
 
-#include "app/base/platform.h"
+#include "app/base/platform/collation.h"
 
 #include <QtEndian>
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+namespace quillon::platform
+{
+
+/// Whether an ordinary visible file stands at `path`: no folder, device or pipe (links are followed).
+bool isOrdinaryFile(const QString& path);
+
+/// Whether this process may create files in `folder`.
+bool mayWriteIn(const QString& folder);
+
+/// Whether this process may read the file at `path`.
+bool mayRead(const QString& path);
+
+/// Whether this process may read and write the file at `path`.
+bool mayReadAndWrite(const QString& path);
+
+} // namespace quillon::platform
