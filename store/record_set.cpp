@@ -215,6 +215,15 @@ bool RecordSet::goTo(int field, const QString& key)
     return hasCurrentRow();
 }
 
+std::unique_ptr<sqlite::Statement> RecordSet::prepareLookUp(int keyField, int field) const
+{
+    Criteria isKey;
+    isKey.node = Comparison{.field = keyField, .kind = Comparison::Kind::Equal, .text = {}};
+    return m_database->connection().prepareOwn(
+        u"SELECT "_s + selectList({keyField, field}) + u" FROM "_s + quoted(m_table.name) + u" WHERE "_s +
+        compileCriteria(isKey, m_table).condition + u" ORDER BY rowid LIMIT 1"_s);
+}
+
 std::vector<qint64> RecordSet::matchingRows(const QString& criteria, qsizetype atMost) const
 {
     const Criteria parsed = parseCriteria(criteria, m_table);

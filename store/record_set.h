@@ -49,6 +49,9 @@ public:
     /// Goes to the first row of which a field holds exactly this key; without one there is no current row. Asks by a
     /// criteria text, so error 3075 for a key that none can hold.
     [[nodiscard]] bool goTo(int field, const QString& key);
+    /// The question of `goTo` for many keys of a whole table, without moving the cursor: bind a key, step, and see that
+    /// the first column is that key; the column after it holds `field`.
+    std::unique_ptr<sqlite::Statement> prepareLookUp(int keyField, int field) const;
     /// The text of a field of the current row; empty for null.
     QString field(int index) const;
 
@@ -84,6 +87,8 @@ public:
         /// The text of the n-th field asked for; empty for null.
         QStringView text(int n) const { return m_statement.text(n); }
         bool isNull(int n) const { return m_statement.isNull(n); }
+        /// Whether it is a text and not a number or bytes that read as one. To be asked before `text`.
+        bool isText(int n) const { return m_statement.isText(n); }
 
     private:
         friend class RecordSet;

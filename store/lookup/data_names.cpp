@@ -26,11 +26,11 @@ DataNameLookup::DataNameLookup(Session& session, qint64 lookUps) : m_session(ses
     // Finding one row anywhere in the file takes as long as reading so many one after the other.
     constexpr qint64 RowsPerLookUp = 4;
     for (const DataKind& kind : data_kinds::all()) {
-        const std::shared_ptr<RecordSet>& recordSet = session.*kind.recordSet;
         Table& table = m_tables[data_kinds::positionOf(kind)];
-        table.single = NameLookup(recordSet, 0, 1);
-        if (lookUps > 0 && recordSet && recordSet->roughCount() < lookUps * RowsPerLookUp)
-            table.all.emplace(*recordSet);
+        table.rows = session.*kind.recordSet;
+        table.single = NameLookup(table.rows, data_field::Name, data_field::Object_ID);
+        if (lookUps > 0 && table.rows && table.rows->roughCount() < lookUps * RowsPerLookUp)
+            table.all.emplace(*table.rows);
     }
 }
 
@@ -45,7 +45,17 @@ QString DataNameLookup::name(Table& table, QStringView identifier)
         return QString::fromRawData(known->data(), known->size());
     if (!table.single.canLookUp(identifier))
         return GetDataName(m_session, identifier.toString());
-    return table.all ? titles::Unknown : table.single.name(identifier);
+    if (!table.all && shouldReadAll(table)) {
+        table.all.emplace(*table.rows);
+        return name(table, identifier);
+    }
+    return table.all && table.all->isComplete() ? titles::Unknown : table.single.name(identifier);
+}
+
+bool DataNameLookup::shouldReadAll(Table& table)
+{
+    constexpr int Few = 16;
+    return ++table.lookUps == Few && !table.rows->database().isAsDeclared(table.rows->table());
 }
 
 } // namespace quillon

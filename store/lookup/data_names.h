@@ -6,11 +6,13 @@
 #include <QStringView>
 
 #include <array>
+#include <memory>
 #include <optional>
 
 namespace quillon
 {
 
+class RecordSet;
 class Session;
 
 /// The name of a datum, "不明" when there is no such datum. An unknown kind is looked up among the definitions.
@@ -28,10 +30,14 @@ public:
 private:
     /// One of the data tables; its names are read all at once where this takes less time than looking them up.
     struct Table {
+        std::shared_ptr<RecordSet> rows;
         NameLookup single;
         std::optional<TableNames> all;
+        int lookUps = 0;
     };
     QString name(Table& table, QStringView identifier);
+    /// Whether it is time to read all names of a table in which look-ups may find no index to go by.
+    static bool shouldReadAll(Table& table);
 
     Session& m_session;
     std::array<Table, 3> m_tables; // in the order of the kinds

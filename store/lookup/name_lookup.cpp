@@ -30,12 +30,7 @@ NameLookup::NameLookup(const std::shared_ptr<RecordSet>& recordSet, int nameFiel
 {
     if (!recordSet)
         return;
-    const auto quoted = [&](int field) {
-        return u'"' + recordSet->table().fields[static_cast<std::size_t>(field)].name + u'"';
-    };
-    m_statement = recordSet->database().connection().prepareOwn(
-        u"SELECT "_s + quoted(nameField) + u" FROM \""_s + recordSet->table().name + u"\" WHERE "_s +
-        quoted(identifierField) + u" = ? ORDER BY rowid LIMIT 1"_s);
+    m_statement = recordSet->prepareLookUp(identifierField, nameField);
 }
 
 bool NameLookup::canLookUp(QStringView identifier) const
@@ -47,16 +42,20 @@ QString NameLookup::name(QStringView identifier)
 {
     const sqlite::ResetAtEnd reset(*m_statement);
     m_statement->bind(1, identifier);
-    return m_statement->step() ? m_statement->text(0).toString() : titles::Unknown;
+    const bool found = m_statement->step() && m_statement->text(0) == identifier;
+    return found ? m_statement->text(1).toString() : titles::Unknown;
 }
 
 TableNames::TableNames(const RecordSet& recordSet)
 {
     recordSet.forEachRow({0, 1}, [this](const RecordSet::Row& row) {
+        if (!row.isText(1)) {
+            // Nothing at all is equal to no identifier.
+            m_isComplete = m_isComplete && row.isNull(1);
+            return;
+        }
         const QStringView identifier = row.text(1);
-        // Nothing at all is equal to no identifier, and some can stand in no criteria text.
-        const bool isNothing = identifier.isEmpty() && row.isNull(1);
-        if (!isNothing && canStandInCriteria(identifier))
+        if (canStandInCriteria(identifier))
             m_places.insert(identifier, kept(row.text(0)));
     });
 }

@@ -16,7 +16,7 @@ namespace quillon
 class RecordSet;
 
 /// Answers the names of one table's rows by identifier, many times in a row and without moving a cursor.
-/// For filling lists; the answers are those of a search with a criteria text.
+/// For filling lists; the answers are those of `RecordSet::goTo`.
 class NameLookup
 {
 public:
@@ -35,7 +35,7 @@ private:
 };
 
 /// The names of a whole data table by identifier, read in one pass; those of identifiers that no criteria text can
-/// hold are left out.
+/// hold are left out, and those that are no texts.
 class TableNames
 {
 public:
@@ -43,6 +43,9 @@ public:
 
     /// The name of the first row with this identifier. It lives as long as this.
     std::optional<QStringView> find(QStringView identifier) const;
+    /// Whether an identifier that can stand in a criteria text is in no row when it is not found here. Otherwise there
+    /// are numbers or bytes in place of identifiers, and the table itself knows which texts these are equal to.
+    bool isComplete() const { return m_isComplete; }
 
 private:
     quint32 kept(QStringView name);
@@ -50,6 +53,7 @@ private:
     // Of each name its length, in `LengthUnits`, and then its text; by identifier, where this begins.
     TextBuffer m_texts;
     IdentifierTable<quint32> m_places;
+    bool m_isComplete = true;
 };
 
 } // namespace quillon

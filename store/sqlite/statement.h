@@ -31,6 +31,8 @@ public:
     QStringView text(int column) const;
     qint64 number(int column) const;
     bool isNull(int column) const;
+    /// Whether a column holds a text and not what only reads as one. To be asked before `text`.
+    bool isText(int column) const;
 
 private:
     sqlite3* m_connection;

@@ -1,10 +1,13 @@
 #include "store/lookup/category_names.h"
 #include "store/lookup/data_names.h"
 #include "store/record_set.h"
+#include "tests/store/foreign_file.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -17,6 +20,14 @@ class TestNames : public QObject
 
 private:
     std::unique_ptr<TestWorld> world;
+
+    /// Opens a database with tables that another program has made in place of some.
+    void openForeign(const QByteArray& sql)
+    {
+        const QString path = world->createDatabase(u"FOREIGN.mdb"_s);
+        ForeignFile(path).run("DROP TABLE Main; DROP TABLE Category_ID").run(sql.constData());
+        world->openDatabase(path);
+    }
 
 private Q_SLOTS:
     void init()
@@ -78,6 +89,71 @@ private Q_SLOTS:
         world->session.RsCategoryID.reset();
         world->dialogs.expect(failureBox(u"GetCategoryName"_s, 91));
         QCOMPARE(GetCategoryName(world->session, u"A"_s), QString());
+    }
+
+    void tablesOfOtherProgramsGiveTheSameNameByEveryWay_data()
+    {
+        QTest::addColumn<QByteArray>("column"); // how identifiers are declared
+        QTest::addColumn<QByteArray>("rows");
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<QString>("name");
+        const QByteArray nocase = "TEXT COLLATE NOCASE";
+        QTest::newRow("no difference of case, indexed")
+            << nocase + " UNIQUE" << QByteArray("('小', 'm-991231-001', '')") << u"M-991231-001"_s
+            << u"不明"_s;
+        QTest::newRow("no difference of case, the very one")
+            << nocase + " UNIQUE" << QByteArray("('小', 'm-991231-001', '')") << u"m-991231-001"_s << u"小"_s;
+        QTest::newRow("no difference of case, the later one")
+            << nocase << QByteArray("('小', 'm-991231-001', ''), ('大', 'M-991231-001', '')")
+            << u"M-991231-001"_s << u"大"_s;
+        QTest::newRow("blanks at the end do not count")
+            << QByteArray("TEXT COLLATE RTRIM UNIQUE") << QByteArray("('長', 'M-991231-001  ', '')")
+            << u"M-991231-001"_s << u"不明"_s;
+        QTest::newRow("numbers") << QByteArray("NUMERIC") << QByteArray("('数', 12, '')") << u"12"_s
+                                 << u"数"_s;
+        QTest::newRow("numbers, written otherwise")
+            << QByteArray("NUMERIC") << QByteArray("('数', 12, '')") << u"012"_s << u"不明"_s;
+        QTest::newRow("a number where anything goes")
+            << QByteArray() << QByteArray("('数', 12, '')") << u"12"_s << u"不明"_s;
+        QTest::newRow("bytes") << QByteArray("TEXT") << QByteArray("('列', x'31003200', '')") << u"12"_s
+                               << u"不明"_s;
+        QTest::newRow("nothing") << QByteArray("TEXT") << QByteArray("('無', NULL, '')") << u""_s
+                                 << u"不明"_s;
+        QTest::newRow("an empty text after nothing")
+            << QByteArray("TEXT") << QByteArray("('無', NULL, ''), ('空', '', '')") << u""_s << u"空"_s;
+        QTest::newRow("the first of two")
+            << QByteArray("TEXT") << QByteArray("('一', 'M-1', ''), ('二', 'M-1', '')") << u"M-1"_s
+            << u"一"_s;
+    }
+    void tablesOfOtherProgramsGiveTheSameNameByEveryWay()
+    {
+        QFETCH(QByteArray, column);
+        QFETCH(QByteArray, rows);
+        QFETCH(QString, identifier);
+        QFETCH(QString, name);
+        openForeign("CREATE TABLE Main (Name TEXT, Object_ID " + column +
+                    ", Explanation TEXT); INSERT INTO Main VALUES " + rows +
+                    "; CREATE TABLE Category_ID (Category_ID TEXT, Name TEXT)");
+
+        QCOMPARE(GetDataName(world->session, identifier), name);
+        DataNameLookup oneByOne(world->session);
+        for (int i = 0; i < 100; ++i)
+            QCOMPARE(oneByOne.name(identifier), name);
+        DataNameLookup many(world->session, 1000);
+        QCOMPARE(many.name(identifier), name);
+    }
+
+    void categoriesOfOtherProgramsGiveTheSameNameByBothWays()
+    {
+        openForeign("CREATE TABLE Main (Name TEXT, Object_ID TEXT, Explanation TEXT);"
+                    "CREATE TABLE Category_ID (Category_ID TEXT COLLATE NOCASE, Name TEXT);"
+                    "INSERT INTO Category_ID VALUES ('a', '小'), ('A', '大'), ('b', '脇')");
+        CategoryNameLookup names(world->session);
+        for (const auto& [category, name] :
+             {std::pair(u"a"_s, u"小"_s), std::pair(u"A"_s, u"大"_s), std::pair(u"B"_s, u"不明"_s)}) {
+            QCOMPARE(GetCategoryName(world->session, category), name);
+            QCOMPARE(names.name(category), name);
+        }
     }
 };
 
