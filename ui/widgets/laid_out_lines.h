@@ -21,7 +21,7 @@ struct LaidOutLine {
     int shortenedTo = 0;
 };
 
-/// The lines that were drawn last, by their texts.
+/// The lines that were drawn last, by their texts; `OneLineDelegate` says what they are worth.
 class LaidOutLines
 {
 public:
