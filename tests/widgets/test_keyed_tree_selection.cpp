@@ -30,6 +30,7 @@ private Q_SLOTS:
     void aPressOnTheSelectedNodeReleasedElsewhereChangesNothing();
     void aPressThatSelectsIsToldWhereverItIsReleased();
     void aPressBesideTheNodesReleasedOnOneChangesNothing();
+    void aPressWhoseNodeAKeyLeavesIsNoClick();
     void aRightClickOnAnotherNodeIsToldBeforeTheMenu();
     void aRightClickOnTheSelectedNodeIsNoClick();
     void aRightClickBesideTheNodesKeepsTheSelection();
@@ -197,6 +198,16 @@ void TestKeyedTreeSelection::aPressBesideTheNodesReleasedOnOneChangesNothing()
     moveWithLeftButton(at(4));
     QTest::mouseRelease(m_tree->viewport(), Qt::LeftButton, {}, at(4));
     QCOMPARE(m_tree->selectedPosition(), 2);
+    QCOMPARE(clicked.size(), 0);
+}
+
+void TestKeyedTreeSelection::aPressWhoseNodeAKeyLeavesIsNoClick()
+{
+    const QSignalSpy clicked(m_tree.get(), &KeyedTree::nodeClicked);
+    QTest::mousePress(m_tree->viewport(), Qt::LeftButton, {}, at(2));
+    QTest::keyClick(m_tree.get(), Qt::Key_Up);
+    QTest::mouseRelease(m_tree->viewport(), Qt::LeftButton, {}, at(2));
+    QCOMPARE(m_tree->selectedPosition(), 1);
     QCOMPARE(clicked.size(), 0);
 }
 

@@ -156,7 +156,9 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event)
     const QModelIndex pressed = std::exchange(m_pressedNode, QPersistentModelIndex());
     const bool selected = std::exchange(m_selectedByPress, false);
     const bool clicked = viewport()->rect().contains(position) && indexAt(position) == pressed;
-    if (pressed.isValid() && (clicked || selected))
+    // A key may have taken the selection elsewhere while the button was down; then the key tells.
+    const bool stands = selectionModel()->isSelected(pressed);
+    if (pressed.isValid() && stands && (clicked || selected))
         Q_EMIT nodeClicked(m_model->position(pressed));
 }
 
