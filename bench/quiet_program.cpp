@@ -74,8 +74,9 @@ void QuietProgram::open(const QString& path, bool expectRows)
 
 void QuietProgram::clickNode(const QString& key)
 {
-    tree().select(tree().nodes().position(key));
-    mainWindow().tvwCategory_NodeClick();
+    const int node = tree().nodes().position(key);
+    tree().select(node);
+    mainWindow().tvwCategory_NodeClick(node);
 }
 
 void QuietProgram::closeOtherWindows()

@@ -220,8 +220,8 @@ void SelectCategory(Session& session, const QString& identifier)
 {
     const MainWindowPort& tree = session.mainWindow();
     std::vector<ChooserNode> nodes;
-    nodes.push_back(
-        {.parentKey = {}, .key = tree.nodeKey(LastFixedNode), .text = tree.nodeText(LastFixedNode)});
+    constexpr int Root = positionOf(FixedNode::Categories);
+    nodes.push_back({.parentKey = {}, .key = tree.nodeKey(Root), .text = tree.nodeText(Root)});
     for (int position = LastFixedNode + 1; position <= tree.nodeCount(); ++position)
         nodes.push_back({.parentKey = tree.nodeParentKey(position),
                          .key = tree.nodeKey(position),

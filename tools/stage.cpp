@@ -57,8 +57,9 @@ void Stage::chooseNode(const QString& key)
 {
     auto* tree = mainWindow().findChild<KeyedTree*>(u"tvwCategory"_s);
     tree->expandAll();
-    tree->select(tree->nodes().position(key));
-    mainWindow().tvwCategory_NodeClick();
+    const int node = tree->nodes().position(key);
+    tree->select(node);
+    mainWindow().tvwCategory_NodeClick(node);
 }
 
 void Stage::selectRow(QWidget& window, const QString& listName, const QString& name)

@@ -104,8 +104,9 @@ protected:
     /// Selects a node and lists its data, as a click on it does.
     void chooseNode(const QString& key)
     {
-        tree->select(tree->nodes().position(key));
-        window->tvwCategory_NodeClick();
+        const int node = tree->nodes().position(key);
+        tree->select(node);
+        window->tvwCategory_NodeClick(node);
     }
     void selectRows(const std::vector<int>& wanted)
     {

@@ -42,8 +42,9 @@ class TestDataList : public QObject
     QString count() const { return WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(2); }
     void choose(const QString& key)
     {
-        tree->select(tree->nodes().position(key));
-        window->tvwCategory_NodeClick();
+        const int node = tree->nodes().position(key);
+        tree->select(node);
+        window->tvwCategory_NodeClick(node);
     }
     void clickHeader(int column)
     {
@@ -108,6 +109,15 @@ private Q_SLOTS:
         QVERIFY(compareText(count(), u"表示データ数 ： 1"));
         choose(u"DIV"_s);
         QCOMPARE(rows().size(), 5);
+    }
+
+    void clickListsTheNodeThatItTells()
+    {
+        window->tvwCategory_NodeClick(tree->nodes().position(u"R_DIV"_s));
+        QCOMPARE(rows(), QStringList({u"論文|文献|R-991231-001|"_s}));
+        QVERIFY(compareText(count(), u"表示データ数 ： 1"));
+        window->tvwCategory_NodeClick(0); // no node
+        QCOMPARE(rows(), QStringList());
     }
 
     void withoutMembershipsEverythingIsUncategorised()

@@ -287,7 +287,7 @@ private Q_SLOTS:
         auto* tree = WindowWorld::control<KeyedTree>(*window, u"tvwCategory"_s);
         for (int position = 1; position <= window->nodeCount(); ++position) {
             tree->select(position);
-            window->tvwCategory_NodeClick();
+            window->tvwCategory_NodeClick(position);
         }
     }
 

@@ -1,6 +1,6 @@
 #include "ui/main/category_tree.h"
 
-#include "app/base/ports/main_window_port.h"
+#include "app/base/fixed_nodes.h"
 #include "app/base/reporting.h"
 #include "store/record_set.h"
 #include "store/schema.h"
@@ -18,22 +18,6 @@ namespace quillon
 namespace
 {
 
-constexpr int DivisionNode = 1;
-const QString CategoryKey = u"CATEGORY"_s;
-
-void addFixedNodes(KeyedTreeModel& nodes)
-{
-    nodes.add({}, u"DIV"_s, u"形式別(全データ)"_s);
-    nodes.add(u"DIV"_s, u"M_DIV"_s, u"定義データ"_s);
-    nodes.add(u"M_DIV"_s, u"M_DIV_NOCATEGORY"_s, u"未分類データ"_s);
-    nodes.add(u"M_DIV"_s, u"M_DIV_NODIF"_s, u"未定義データ"_s);
-    nodes.add(u"DIV"_s, u"R_DIV"_s, u"文献データ"_s);
-    nodes.add(u"R_DIV"_s, u"R_DIV_NOCATEGORY"_s, u"未分類データ"_s);
-    nodes.add(u"DIV"_s, u"F_DIV"_s, u"ファイルデータ"_s);
-    nodes.add(u"F_DIV"_s, u"F_DIV_NOCATEGORY"_s, u"未分類データ"_s);
-    nodes.add({}, CategoryKey, u"分類別"_s);
-}
-
 void addCategory(KeyedTreeModel& nodes, QStringView identifier, QStringView name)
 {
     // An identifier that no table of ours could hold is damage; its ancestors alone could fill the memory.
@@ -45,14 +29,14 @@ void addCategory(KeyedTreeModel& nodes, QStringView identifier, QStringView name
         nodes.add(above, identifier, name);
         return;
     }
-    QStringView parent = CategoryKey;
+    QStringView parent = keyOf(FixedNode::Categories);
     for (qsizetype step = identifier.indexOf(u'-'); step >= 0; step = identifier.indexOf(u'-', step + 1)) {
         const QStringView ancestor = identifier.first(step);
         if (GetNodeIndex(nodes, ancestor) == 0)
             nodes.add(parent, ancestor, name); // sic: the missing ancestor takes the descendant's name
         parent = ancestor;
     }
-    nodes.add(parent.isEmpty() ? QStringView(CategoryKey) : parent, identifier, name);
+    nodes.add(parent.isEmpty() ? keyOf(FixedNode::Categories) : parent, identifier, name);
 }
 
 } // namespace
@@ -65,7 +49,8 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
         {
             const KeyedTreeModel::Rebuild rebuild(nodes);
             nodes.clear();
-            addFixedNodes(nodes);
+            for (const FixedNodeDesign& design : FixedNodes)
+                nodes.add(keyOf(design.parent), design.key, design.text);
             RecordSet& categories = required(session.RsCategoryID);
             if (categories.hasRows()) {
                 const qsizetype count = categories.recordCount();
@@ -76,9 +61,9 @@ void BuildCategoryTree(Session& session, KeyedTree& tree, FillProgress& progress
                 });
             }
         }
-        tree.expandNode(LastFixedNode);
-        tree.expandNode(DivisionNode);
-        tree.select(DivisionNode);
+        tree.expandNode(positionOf(FixedNode::Categories));
+        tree.expandNode(positionOf(FixedNode::AllData));
+        tree.select(positionOf(FixedNode::AllData));
         progress.finish();
     });
 }

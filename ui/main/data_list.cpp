@@ -2,6 +2,7 @@
 
 #include "app/base/reporting.h"
 #include "store/data_kinds.h"
+#include "store/filter_result.h"
 #include "store/lookup/data_names.h"
 #include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
@@ -24,6 +25,57 @@ const QString Location = u"CreateDataListMain"_s;
 DataListFiller::DataListFiller(Session& session, ReportModel& rows, FillProgress& progress)
     : m_session(session), m_rows(rows), m_progress(progress)
 {
+}
+
+void DataListFiller::ShowFixedNode(FixedNode node)
+{
+    Session& s = m_session;
+    switch (node) {
+    case FixedNode::AllData:
+        CreateDataListMain(s.RsMain, false, {});
+        CreateDataListMain(s.RsRefDoc, true, {});
+        CreateDataListMain(s.RsRefFile, true, {});
+        break;
+    case FixedNode::Definitions:
+        CreateDataListMain(s.RsMain, false, {});
+        break;
+    case FixedNode::Documents:
+        CreateDataListMain(s.RsRefDoc, false, {});
+        break;
+    case FixedNode::Files:
+        CreateDataListMain(s.RsRefFile, false, {});
+        break;
+    case FixedNode::UncategorisedDefinitions:
+        ShowUncategorisedList(s.RsMain);
+        break;
+    case FixedNode::UncategorisedDocuments:
+        ShowUncategorisedList(s.RsRefDoc);
+        break;
+    case FixedNode::UncategorisedFiles:
+        ShowUncategorisedList(s.RsRefFile);
+        break;
+    case FixedNode::UndefinedDefinitions: {
+        const auto rows = GetFilterResult(s.reporting, s.RsMain, u"Explanation = '未定義'"_s);
+        m_rows.clear();
+        FillListFromRows(rows, {});
+        break;
+    }
+    case FixedNode::Categories:
+    case FixedNode::None:
+        m_rows.clear();
+        break;
+    }
+}
+
+void DataListFiller::ShowCategory(const QString& key)
+{
+    m_rows.clear();
+    const auto members =
+        GetFilterResult(m_session.reporting, m_session.RsCategory, u"Category_ID = '"_s + key + u"'"_s);
+    FillListFromRows(members, u"NO"_s);
+    const auto below =
+        GetFilterResult(m_session.reporting, m_session.RsCategory, u"Category_ID Like '"_s + key + u"-*'"_s);
+    FillListFromRows(below, u"YES"_s);
 }
 
 bool DataListFiller::CreateDataListMain(const std::shared_ptr<RecordSet>& table, bool append,

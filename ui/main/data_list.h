@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/base/fixed_nodes.h"
+
 #include <QString>
 
 #include <memory>
@@ -19,6 +21,11 @@ class DataListFiller
 {
 public:
     DataListFiller(Session& session, ReportModel& rows, FillProgress& progress);
+
+    /// Lists what a fixed node stands for; nothing for none.
+    void ShowFixedNode(FixedNode node);
+    /// Lists the members of a category, then those of the categories below it.
+    void ShowCategory(const QString& key);
 
     /// Lists every row of a data table in its order. `append`: adds to what is listed; otherwise the list is cleared.
     /// `mark`: the text of the fourth column, which stays untouched when it is empty.

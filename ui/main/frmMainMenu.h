@@ -92,7 +92,7 @@ public:
     void mnuInfoSystem_Click();
 
     // Handlers of the tree and the list.
-    void tvwCategory_NodeClick();
+    void tvwCategory_NodeClick(int node);
     void tvwCategory_KeyUp(int key);
     void tvwCategory_MouseDown(const QPoint& position);
     void tvwCategory_MouseMove();
@@ -126,9 +126,9 @@ private:
     void connectTree();
     void connectList();
 
-    void ShowDataList();
+    /// Lists what the node at a position of the tree stands for, and counts it; nothing for position 0.
+    void ShowDataList(int node);
     void showDataCount();
-    void listAllData();
     bool treeHasNodes() const { return nodeCount() > 0; }
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error);

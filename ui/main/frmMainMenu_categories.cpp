@@ -16,7 +16,7 @@ void frmMainMenu::mnuCategoryEntry_Click()
         const int selected = selectedNodeIndex();
         // Below the data by kind, too, a new category is one of the top level.
         const bool topLevel = selected <= LastFixedNode;
-        const QString parentKey = topLevel ? u"CATEGORY"_s : nodeKey(selected);
+        const QString parentKey = topLevel ? keyOf(FixedNode::Categories).toString() : nodeKey(selected);
         const QString question = topLevel ? u"新規にカテゴリを登録しますか。"_s
                                           : nodeText(selected) + u"の下に新規のカテゴリを登録しますか。"_s;
         if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)

@@ -81,9 +81,10 @@ void frmMainMenu::ExecSystemCommand(const QString& command)
         s.dialogs.messageBox({.text = text, .title = title});
     };
     const auto selectedNode = [this] {
-        if (selectedNodeIndex() == 0)
+        const int node = selectedNodeIndex();
+        if (node == 0)
             throw Error(errors::ObjectNotSet, u"カテゴリツリーの項目が選択されていません。"_s);
-        return selectedNodeIndex();
+        return node;
     };
     const auto nothing = [] {};
     const std::vector<std::pair<QString, std::function<void()>>> commands = {

@@ -1,6 +1,5 @@
 #include "app/base/ports/dialogs.h"
 #include "core/data_records.h"
-#include "store/filter_result.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
@@ -32,50 +31,14 @@ void frmMainMenu::connectList()
     connect(lsvData, &ReportList::mouseMoved, this, [this] { lsvData_MouseMove(); });
 }
 
-void frmMainMenu::ShowDataList()
+void frmMainMenu::ShowDataList(int node)
 {
     if (!treeHasNodes())
         return;
-    Session& s = session();
-    const int selected = selectedNodeIndex();
-    const QString key = selected > 0 ? nodeKey(selected) : QString();
-    if (selected == 0) {
-        lsvData->rows().clear();
-    } else if (key == u"DIV") {
-        listAllData();
-    } else if (key == u"M_DIV") {
-        m_filler->CreateDataListMain(s.RsMain, false, {});
-    } else if (key == u"R_DIV") {
-        m_filler->CreateDataListMain(s.RsRefDoc, false, {});
-    } else if (key == u"F_DIV") {
-        m_filler->CreateDataListMain(s.RsRefFile, false, {});
-    } else if (key == u"M_DIV_NOCATEGORY") {
-        m_filler->ShowUncategorisedList(s.RsMain);
-    } else if (key == u"R_DIV_NOCATEGORY") {
-        m_filler->ShowUncategorisedList(s.RsRefDoc);
-    } else if (key == u"F_DIV_NOCATEGORY") {
-        m_filler->ShowUncategorisedList(s.RsRefFile);
-    } else if (key == u"M_DIV_NODIF") {
-        const auto rows = GetFilterResult(s.reporting, s.RsMain, u"Explanation = '未定義'"_s);
-        lsvData->rows().clear();
-        m_filler->FillListFromRows(rows, {});
-    } else if (key == u"CATEGORY") {
-        lsvData->rows().clear();
-    } else {
-        lsvData->rows().clear();
-        auto rows = GetFilterResult(s.reporting, s.RsCategory, u"Category_ID = '"_s + key + u"'"_s);
-        m_filler->FillListFromRows(rows, u"NO"_s);
-        rows = GetFilterResult(s.reporting, s.RsCategory, u"Category_ID Like '"_s + key + u"-*'"_s);
-        m_filler->FillListFromRows(rows, u"YES"_s);
-    }
-    showDataCount();
-}
-
-void frmMainMenu::listAllData()
-{
-    m_filler->CreateDataListMain(session().RsMain, false, {});
-    m_filler->CreateDataListMain(session().RsRefDoc, true, {});
-    m_filler->CreateDataListMain(session().RsRefFile, true, {});
+    if (node > LastFixedNode)
+        m_filler->ShowCategory(nodeKey(node));
+    else
+        m_filler->ShowFixedNode(static_cast<FixedNode>(node));
     showDataCount();
 }
 

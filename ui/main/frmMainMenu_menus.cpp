@@ -138,8 +138,10 @@ void frmMainMenu::openChosenFile(const QString& path)
             {.text = u"指定されたファイルが見つかりません。"_s, .title = titles::DataResearch});
         return;
     }
-    if (OpenDbFile(session(), path))
-        listAllData();
+    if (OpenDbFile(session(), path)) {
+        m_filler->ShowFixedNode(FixedNode::AllData);
+        showDataCount();
+    }
 }
 
 void frmMainMenu::mnuEnd_Click()

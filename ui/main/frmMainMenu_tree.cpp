@@ -18,8 +18,9 @@ namespace quillon
 
 void frmMainMenu::connectTree()
 {
-    connect(tvwCategory, &KeyedTree::nodeClicked, this,
-            eventSlot(session().reporting, u"tvwCategory_NodeClick"_s, [this] { tvwCategory_NodeClick(); }));
+    connect(tvwCategory, &KeyedTree::nodeClicked, this, [this](int node) {
+        handleEvent(session().reporting, u"tvwCategory_NodeClick"_s, [&] { tvwCategory_NodeClick(node); });
+    });
     connect(tvwCategory, &KeyedTree::keyReleased, this, [this](int key) {
         handleEvent(session().reporting, u"tvwCategory_KeyUp"_s, [&] { tvwCategory_KeyUp(key); });
     });
@@ -34,9 +35,9 @@ void frmMainMenu::connectTree()
     });
 }
 
-void frmMainMenu::tvwCategory_NodeClick()
+void frmMainMenu::tvwCategory_NodeClick(int node)
 {
-    ShowDataList();
+    ShowDataList(node);
 }
 
 void frmMainMenu::tvwCategory_KeyUp(int key)
@@ -51,8 +52,7 @@ void frmMainMenu::tvwCategory_KeyUp(int key)
     case Qt::Key_Space:
     case Qt::Key_End:
     case Qt::Key_Home:
-        ShowDataList();
-        showDataCount();
+        ShowDataList(selectedNodeIndex());
         break;
     case Qt::Key_Delete:
         mnuCategoryDelete_Click();

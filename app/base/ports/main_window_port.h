@@ -1,13 +1,11 @@
 #pragma once
 
+#include "app/base/fixed_nodes.h"
+
 #include <QString>
 
 namespace quillon
 {
-
-/// The last of the fixed nodes at the top of the category tree, the root of the categories. A node beyond this position
-/// is a user category, whatever its key.
-inline constexpr int LastFixedNode = 9;
 
 /// What operations below the windows ask of the main window.
 class MainWindowPort
