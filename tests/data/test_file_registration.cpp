@@ -218,11 +218,14 @@ private Q_SLOTS:
         QFETCH(int, number);
         const QString path = write(u"a.txt"_s, "a");
         world->files.copyFailure = number;
+        bool showedWork = false;
+        world->files.whileCopying = [&] { showedWork = QApplication::overrideCursor() != nullptr; };
         world->dialogs.expect(failure(number));
+        world->dialogs.meanwhile([] { QVERIFY(QApplication::overrideCursor() == nullptr); });
         registerPath(path);
+        QVERIFY(showedWork);
         QVERIFY(world->eventLog.lines.isEmpty()); // the window tells by itself
         QCOMPARE(copies(), QStringList());
-        QVERIFY(form->cursor().shape() != Qt::WaitCursor);
         verifyNothingHappened(path);
     }
 

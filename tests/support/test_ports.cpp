@@ -39,9 +39,17 @@ void RealFiles::copyInto(const QString& source, const QString& folder, const QSt
                          const Progress& progress) const
 {
     calls.note(u"copy "_s + source + u" to "_s + folder + QDir::separator() + name);
-    if (copyFailure != 0)
+    const auto watched = [&](qint64 done, qint64 total) {
+        if (progress)
+            progress(done, total);
+        if (whileCopying)
+            whileCopying();
+    };
+    if (copyFailure != 0) {
+        watched(0, 1);
         throw Error(copyFailure);
-    SystemFiles::copyInto(source, folder, name, progress);
+    }
+    SystemFiles::copyInto(source, folder, name, watched);
 }
 
 bool FakeMainWindow::unload()

@@ -81,7 +81,8 @@ public:
                   const Progress& progress) const override;
 
     mutable CallLog calls;
-    qint32 copyFailure = 0; // the number of the failure that every copy ends in, when set
+    qint32 copyFailure = 0;             // the number of the failure that every copy ends in, when set
+    std::function<void()> whileCopying; // runs whenever a copy has told how far it is
 };
 
 /// A main window without a window.

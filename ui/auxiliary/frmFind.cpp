@@ -10,8 +10,8 @@
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/wait_cursor.h"
 
-#include <QApplication>
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QKeyEvent>
@@ -94,10 +94,7 @@ void frmFind::cmdFind_Click()
         refuse(u"検索する文字列が入力されていません。"_s);
         return;
     }
-    // The pointer shows that the program is at work until it waits for the person again, be it in front of a box.
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QMetaObject::invokeMethod(
-        qApp, [] { QApplication::restoreOverrideCursor(); }, Qt::QueuedConnection);
+    const WaitCursor cursor;
     const std::pair<const QCheckBox*, const DataKind&> choices[] = {{chkMain, data_kinds::definition()},
                                                                     {chkRefDoc, data_kinds::document()},
                                                                     {chkRefFile, data_kinds::file()}};

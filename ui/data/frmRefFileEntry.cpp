@@ -9,6 +9,7 @@
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
+#include "ui/widgets/wait_cursor.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -21,6 +22,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScopeGuard>
+
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -189,10 +192,11 @@ FileRegistration frmRefFileEntry::copyAndWrite()
     FileEntry entry{.path = fieldText(0), .identifier = fieldText(1), .category = {}};
     if (const auto categories = categoryRows(); !categories.empty())
         entry.category = categories.front().identifier; // of several only the first
+    std::optional<WaitCursor> cursor;
     QElapsedTimer sincePaint;
     const auto progress = [&](qint64 done, qint64 total) {
-        if (!sincePaint.isValid()) {
-            setCursor(Qt::WaitCursor);
+        if (!cursor) {
+            cursor.emplace();
             sincePaint.start();
         }
         constexpr qint64 PaintInterval = 33; // milliseconds
@@ -206,10 +210,7 @@ FileRegistration frmRefFileEntry::copyAndWrite()
         m_progress->repaint();
         sincePaint.restart();
     };
-    const auto finish = qScopeGuard([this] {
-        unsetCursor();
-        m_progress->hide();
-    });
+    const auto finish = qScopeGuard([this] { m_progress->hide(); });
     return RegisterFile(session(), entry, progress);
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
+#include "ui/widgets/wait_cursor.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -131,9 +132,8 @@ void ReportList::changeEvent(QEvent* event)
 
 void ReportList::sortBy(int column)
 {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const WaitCursor cursor;
     m_model->sortByColumn(column);
-    QApplication::restoreOverrideCursor();
     // Set after every click: the header itself would turn the arrow round at the second one.
     horizontalHeader()->setSortIndicator(column, Qt::AscendingOrder);
     horizontalHeader()->setSortIndicatorShown(true);
