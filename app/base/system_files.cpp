@@ -77,7 +77,7 @@ QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const
     if (!file.open(QIODevice::ReadOnly))
         throw Error(platform::mayRead(path) ? errors::PathFileAccess : errors::PermissionDenied);
     // One byte more than wanted tells that there are too many, also when the file grows meanwhile.
-    const QByteArray bytes = file.read(atMost + 1);
+    QByteArray bytes = file.read(atMost + 1);
     if (file.error() != QFileDevice::NoError)
         throw Error(errors::PathFileAccess);
     if (bytes.size() > atMost)

@@ -4,6 +4,8 @@
 
 #include <QStringDecoder>
 
+#include <array>
+
 namespace quillon
 {
 
@@ -11,11 +13,11 @@ QString decodeTextFile(QByteArrayView bytes)
 {
     struct Mark {
         QByteArrayView bytes;
-        QStringConverter::Encoding encoding;
+        QStringConverter::Encoding encoding = QStringConverter::Utf8;
     };
-    static const Mark marks[] = {{"\xEF\xBB\xBF", QStringConverter::Utf8},
-                                 {"\xFF\xFE", QStringConverter::Utf16LE},
-                                 {"\xFE\xFF", QStringConverter::Utf16BE}};
+    static const std::array marks = {Mark{"\xEF\xBB\xBF", QStringConverter::Utf8},
+                                     Mark{"\xFF\xFE", QStringConverter::Utf16LE},
+                                     Mark{"\xFE\xFF", QStringConverter::Utf16BE}};
     for (const Mark& mark : marks) {
         if (bytes.startsWith(mark.bytes))
             return QStringDecoder(mark.encoding, QStringConverter::Flag::Stateless)

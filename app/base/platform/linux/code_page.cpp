@@ -43,16 +43,16 @@ LengthTable makeLengthTable()
     LengthTable lengths;
     lengths.fill(1);
     const Converter converter = openConverter();
-    ucnv_setFallback(converter.get(), false);
+    ucnv_setFallback(converter.get(), static_cast<UBool>(false));
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setSubstChars(converter.get(), "?", 1, &status);
     for (int unit = 0; unit < 0x10000; ++unit) {
         if (QChar::isSurrogate(static_cast<char32_t>(unit)))
             continue;
-        const UChar text = static_cast<UChar>(unit);
-        char bytes[8];
+        const auto text = static_cast<UChar>(unit);
+        std::array<char, 8> bytes = {};
         status = U_ZERO_ERROR;
-        if (ucnv_fromUChars(converter.get(), bytes, sizeof bytes, &text, 1, &status) == 2 &&
+        if (ucnv_fromUChars(converter.get(), bytes.data(), bytes.size(), &text, 1, &status) == 2 &&
             U_SUCCESS(status))
             lengths[static_cast<std::size_t>(unit)] = 2;
     }
@@ -84,8 +84,8 @@ std::optional<QString> decode(UConverter* converter, QByteArrayView bytes)
     UChar* const targetStart = target;
     const char* source = bytes.data();
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_toUnicode(converter, &target, target + text.size(), &source, source + bytes.size(), nullptr, true,
-                   &status);
+    ucnv_toUnicode(converter, &target, target + text.size(), &source, source + bytes.size(), nullptr,
+                   static_cast<UBool>(true), &status);
     if (U_FAILURE(status))
         return std::nullopt;
     text.resize(target - targetStart);
