@@ -34,8 +34,9 @@ CommandLine refused(const QString& complaint)
 
 void print(std::FILE* stream, const QByteArray& text)
 {
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
-    std::fflush(stream);
+    // Where nothing can be written, nothing can be said about it either.
+    static_cast<void>(std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream));
+    static_cast<void>(std::fflush(stream));
 }
 
 } // namespace
