@@ -142,9 +142,13 @@ public:
     /// Opens the registration window of a kind.
     template <class Form = frmMainData> Form& beginRegistration()
     {
-        CreateRegisterForm(session, std::is_same_v<Form, frmMainData> ? QStringLiteral("M")
+        return registrationOf<Form>(std::is_same_v<Form, frmMainData> ? QStringLiteral("M")
                                     : std::is_same_v<Form, frmRefDoc> ? QStringLiteral("R")
                                                                       : QStringLiteral("F"));
+    }
+    template <class Form> Form& registrationOf(const QString& kind)
+    {
+        CreateRegisterForm(session, kind);
         processEvents();
         return last<Form>();
     }

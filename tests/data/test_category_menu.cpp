@@ -1,4 +1,4 @@
-#include "tests/data/form_world.h"
+#include "tests/data/twin_fixture.h"
 #include "ui/widgets/keyed_tree.h"
 
 #include <QPushButton>
@@ -17,29 +17,18 @@ const QString TooFew =
 } // namespace
 
 /// The category menu of both data windows. Every test runs for a definition and for a document.
-class TestCategoryMenu : public QObject
+class TestCategoryMenu : public TwinFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<FormWorld> world;
     QString own;
     FormWindow* form = nullptr;
 
-    static void bothKinds()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::newRow("definition") << Water;
-        QTest::newRow("document") << Book;
-    }
     void open()
     {
-        QFETCH(QString, identifier);
-        own = identifier;
-        if (identifier == Water)
-            form = &world->show(Water);
-        else
-            form = &world->show<frmRefDoc>(Book);
+        own = twin().first;
+        form = &world->show<DataForm>(own);
     }
     ReportList& categories() const { return FormWorld::list(*form, u"lsvCategory"_s); }
     QStringList shownCategories() const { return rowsOf(categories().rows()); }
@@ -64,16 +53,12 @@ private:
 private Q_SLOTS:
     void init()
     {
-        world = std::make_unique<FormWorld>();
+        makeWorld();
         world->add(u"水"_s, Water, u"液体"_s);
         world->add(u"本"_s, Book, u"内容"_s);
     }
 
-    void cleanup()
-    {
-        QCOMPARE(world->takeComplaints(), QStringList());
-        world.reset();
-    }
+    void cleanup() { endWorld(); }
 
     void chosenCategoryGetsTheDatum_data() { bothKinds(); }
 

@@ -1,38 +1,24 @@
-#include "tests/data/form_world.h"
+#include "tests/data/twin_fixture.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
 /// What becomes of a data window when its datum or its database goes. Every test runs for both kinds of windows.
-class TestDataWindowDeletion : public QObject
+class TestDataWindowDeletion : public TwinFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<FormWorld> world;
     QString own;
     QString ownName;
-    QString department;
     QPointer<FormWindow> form;
 
-    static void bothKinds()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::newRow("definition") << Water;
-        QTest::newRow("document") << Book;
-    }
     void open()
     {
-        QFETCH(QString, identifier);
-        own = identifier;
-        const bool definition = identifier == Water;
-        ownName = definition ? u"水"_s : u"本"_s;
-        department = definition ? u"Quillon 定義データ管理部"_s : u"Quillon 文献データ管理部"_s;
-        if (definition)
-            form = &world->show(Water);
-        else
-            form = &world->show<frmRefDoc>(Book);
+        own = twin().first;
+        ownName = twin().name;
+        form = &world->show<DataForm>(own);
     }
     void change() const { FormWorld::enter(FormWorld::definition(*form), u"変更"_s); }
     MessageBox question() const
@@ -52,17 +38,13 @@ private:
 private Q_SLOTS:
     void init()
     {
-        world = std::make_unique<FormWorld>();
+        makeWorld();
         world->add(u"水"_s, Water, u"液体"_s);
         world->add(u"氷"_s, Ice, u"固体"_s);
         world->add(u"本"_s, Book, u"内容"_s);
     }
 
-    void cleanup()
-    {
-        QCOMPARE(world->takeComplaints(), QStringList());
-        world.reset();
-    }
+    void cleanup() { endWorld(); }
 
     void deletionTakesLinksAndCategoriesAlongAndClosesTheWindow_data() { bothKinds(); }
 
@@ -77,7 +59,7 @@ private Q_SLOTS:
         change(); // asks nothing: there is nothing left to be updated
         world->dialogs.expect(question());
         world->dialogs.expect(
-            MessageBox{.text = u"< "_s + ownName + u" >を削除しました。"_s, .title = department});
+            MessageBox{.text = u"< "_s + ownName + u" >を削除しました。"_s, .title = twin().department});
         QVERIFY(FormWorld::choose(*form, u"mnuDataDelete"_s));
         FormWorld::processEvents();
         QVERIFY(form.isNull());
@@ -155,20 +137,14 @@ private Q_SLOTS:
 
     void registrationGoesToTheDatabaseThatIsOpen()
     {
-        QFETCH(QString, identifier);
-        own = identifier;
-        const bool definition = identifier == Water;
-        if (definition)
-            form = &world->beginRegistration();
-        else
-            form = &world->beginRegistration<frmRefDoc>();
+        own = twin().first;
+        form = &beginRegistration();
         FormWorld::enter(FormWorld::name(*form), u"新"_s);
         change();
         const QString other = world->folder.filePath(u"other.mdb"_s);
         FormWorld::create(other);
         world->open(other);
-        if (definition)
-            world->dialogs.expect(MessageBox{.text = u"本データを登録しました。"_s});
+        expectRegistered();
         QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
         QCOMPARE(ownRows().size(), 1);
         FormWorld::enter(FormWorld::name(*form), u"新々"_s);

@@ -1,6 +1,7 @@
 #include "tests/data/form_world.h"
-#include "tests/support/compare_text.h"
-#include "ui/data/text_fields.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/troubled_database.h"
+#include "ui/data/digit_letter_key.h"
 
 #include <QMenuBar>
 
@@ -8,12 +9,33 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
+namespace
+{
+
+const MessageBox Warning{.text = u"名称が最大入力値を超えています。最大入力値は全角127文字です。"_s,
+                         .title = u"Quillon システム監査部"_s};
+const MessageBox Registered{.text = u"本データを登録しました。"_s};
+const MessageBox Updated{.text = u"本データを更新しました。"_s, .title = u"定義"_s};
+const MessageBox AskUndefined{
+    .text = u"未定義登録を行いますか。"_s, .title = u"定義"_s, .buttons = Buttons::OkCancel};
+const MessageBox RegisteredUndefined{.text = u"未定義登録を行いました。"_s, .title = u"定義"_s};
+const MessageBox Missing{.text = u"必須項目が入力されていません。"_s, .title = u"Quillon システム監査部"_s};
+
+} // namespace
+
+/// In what the window of a definition differs from that of a document.
 class TestDefinitionWindow : public QObject
 {
     Q_OBJECT
 
 private:
     std::unique_ptr<FormWorld> world;
+
+    static void fill(frmMainData& form, const QString& name, const QString& content)
+    {
+        FormWorld::enter(FormWorld::name(form), name);
+        FormWorld::enter(FormWorld::definition(form), content);
+    }
 
 private Q_SLOTS:
     void init() { world = std::make_unique<FormWorld>(); }
@@ -22,18 +44,6 @@ private Q_SLOTS:
     {
         QCOMPARE(world->takeComplaints(), QStringList());
         world.reset();
-    }
-
-    void newWindowHasItsDesignTexts()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        QCOMPARE(form->windowTitle(), u"定義データ画面"_s);
-        QCOMPARE(form->windowName(), u"frmMainData"_s);
-        QCOMPARE(form->fieldText(0), QString());
-        QCOMPARE(form->fieldText(1), u"T-123456-123"_s);
-        QCOMPARE(form->fieldText(2), QString());
-        QCOMPARE(form->modeText(), u"表示モード"_s);
-        QCOMPARE(FormWorld::panel(*form, 2), QString());
     }
 
     void menusHaveTheirCaptions()
@@ -56,28 +66,15 @@ private Q_SLOTS:
             QStringList({u"mnuCategoryEntry カテゴリに分類(&E)"_s, u"mnuCategoryDelete 分類を解除(&D)"_s}));
     }
 
-    void menusFollowTheMode()
+    void undefinedRegistrationBelongsToRegistrationMode()
     {
         frmMainData& form = world->beginRegistration();
-        const auto enabled = [&](const QString& name) { return FormWorld::entry(form, name)->isEnabled(); };
-        const QStringList shownOnly{u"mnuLink"_s, u"mnuCategory"_s, u"mnuDataDelete"_s, u"mnuDataUpdate"_s};
-        const QStringList registrationOnly{u"mnuDataEntry"_s, u"mnuDataNoDef"_s};
-        for (const QString& name : shownOnly)
-            QVERIFY2(!enabled(name), qPrintable(name));
-        for (const QString& name : registrationOnly)
-            QVERIFY2(enabled(name), qPrintable(name));
-        QCOMPARE(form.modeText(), u"登録モード"_s);
-        QCOMPARE(form.windowTitle(), u"定義データ画面"_s);
-
-        FormWorld::enter(FormWorld::name(form), u"水"_s);
-        FormWorld::enter(FormWorld::definition(form), u"液体"_s);
-        world->dialogs.expect(MessageBox{.text = u"本データを登録しました。"_s});
+        const QAction* entry = FormWorld::entry(form, u"mnuDataNoDef"_s);
+        QVERIFY(entry->isEnabled());
+        fill(form, u"水"_s, u"液体"_s);
+        world->dialogs.expect(Registered);
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
-        for (const QString& name : shownOnly)
-            QVERIFY2(enabled(name), qPrintable(name));
-        for (const QString& name : registrationOnly)
-            QVERIFY2(!enabled(name), qPrintable(name));
-        QCOMPARE(form.modeText(), u"表示モード"_s);
+        QVERIFY(!entry->isEnabled());
     }
 
     void menuThatTheWindowLacksChangesNothing()
@@ -87,198 +84,164 @@ private Q_SLOTS:
         QCOMPARE(FormWorld::entry(*form, u"mnuDataLoadText"_s), nullptr);
     }
 
-    void fieldsHaveLabelsAndToolTips_data()
+    void longTextWarnsWhileTypingAndTakesTheKey_data()
     {
         QTest::addColumn<int>("index");
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QString>("toolTip");
-        QTest::newRow("name") << 0 << u"名称"_s << u"データの名称(全角で25文字以内)"_s;
-        QTest::newRow("identifier") << 1 << u"ID :"_s << u"データのID｡データ登録時に自動的に生成されます｡"_s;
-        QTest::newRow("definition") << 2 << u"定義"_s << u"データの定義(全角122文字以内)"_s;
+        QTest::addColumn<int>("length");
+        QTest::addColumn<bool>("warns");
+        QTest::newRow("126 in the name") << 0 << 126 << false;
+        QTest::newRow("127 in the name") << 0 << 127 << true;
+        QTest::newRow("126 in the definition") << 2 << 126 << false;
+        QTest::newRow("127 in the definition") << 2 << 127 << true;
     }
 
-    void fieldsHaveLabelsAndToolTips()
+    void longTextWarnsWhileTypingAndTakesTheKey()
     {
         QFETCH(int, index);
-        QFETCH(QString, label);
-        QFETCH(QString, toolTip);
-        auto* form = new frmMainData(world->session, world->registry);
-        auto* field = form->findChild<QWidget*>(u"txtFields(%1)"_s.arg(index));
-        QVERIFY(field != nullptr);
-        QVERIFY(compareText(field->toolTip(), toolTip));
-        QCOMPARE(field->accessibleDescription(), toolTip);
-        QCOMPARE(field->accessibleName(), QString());
-        QCOMPARE(labelsOf(*field), QStringList(label));
-    }
-
-    void listsHaveTheirHeadersNamesAndToolTips()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        QCOMPARE(headersOf(FormWorld::rows(*form, u"lsvLink"_s)),
-                 QStringList({u"リンク先データ"_s, u"種別"_s, u"識別符号"_s}));
-        QCOMPARE(headersOf(FormWorld::rows(*form, u"lsvCategory"_s)),
-                 QStringList({u"分類先カテゴリ"_s, u"識別符号"_s, u"位置"_s}));
-        const auto* links = form->findChild<ReportList*>(u"lsvLink"_s);
-        const auto* categories = form->findChild<ReportList*>(u"lsvCategory"_s);
-        QCOMPARE(links->accessibleName(), u"リンク一覧"_s);
-        QCOMPARE(links->toolTip(), u"データのリンク先。ダブルクリックで表示できます。"_s);
-        QCOMPARE(links->accessibleDescription(), links->toolTip());
-        QCOMPARE(categories->accessibleName(), u"分類一覧"_s);
-        QCOMPARE(categories->toolTip(), u"データ分類先。複数の登録も可能です。"_s);
-        QCOMPARE(categories->accessibleDescription(), categories->toolTip());
-    }
-
-    void identifierIsReadOnlyAndCanBeReached()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        QVERIFY(FormWorld::identifier(*form).isReadOnly());
-        QVERIFY(FormWorld::identifier(*form).focusPolicy() & Qt::TabFocus);
-    }
-
-    void tabGoesThroughTheWindowAsTheEyeDoes()
-    {
+        QFETCH(int, length);
+        QFETCH(bool, warns);
         frmMainData& form = world->beginRegistration();
-        QCOMPARE(form.focusWidget(), &FormWorld::name(form));
-        QCOMPARE(tabRound(form), QStringList({u"txtFields(0)"_s, u"txtFields(1)"_s, u"txtFields(2)"_s,
-                                              u"lsvLink"_s, u"lsvCategory"_s}));
+        const QString text(length, u'水');
+        form.setFieldText(index, text);
+        auto* field = form.findChild<QWidget*>(u"txtFields(%1)"_s.arg(index));
+        // To the end of the text: the End key would stop at the end of a wrapped line.
+        FormWorld::name(form).end(false);
+        FormWorld::definition(form).moveCursor(QTextCursor::End);
+        if (warns) {
+            world->dialogs.expect(Warning);
+            world->dialogs.meanwhile([&] { QCOMPARE(form.fieldText(index), text); }); // before the key acts
+        }
+        QTest::keyClick(field, Qt::Key_A);
+        QCOMPARE(form.fieldText(index), text + u'a');
+        QTest::keyClick(field, Qt::Key_Backspace); // no digit and no letter
+        QTest::keyClick(field, Qt::Key_Space);
     }
 
-    void shownDefinitionFillsTheWindow()
+    void digitsAndLettersAreToldByTheirKey_data()
     {
-        world->add(u"<b>水</b> & [*] ｱ😀"_s, Water, u"<i>液体</i>"_s);
-        world->add(u"氷"_s, u"M-991231-002"_s, u"固体"_s);
-        TestWorld::addRow(world->session.RsLink, {u"M-991231-002"_s, Water});
-        TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"自然"_s});
-        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
-
-        frmMainData& form = world->show(Water);
-
-        QVERIFY(form.isVisible());
-        QVERIFY(compareText(form.windowTitle(), u"定義画面 - <b>水</b> & [*][*] ｱ😀")); // shows one "[*]"
-        QCOMPARE(form.modeText(), u"表示モード"_s);
-        QCOMPARE(FormWorld::name(form).text(), u"<b>水</b> & [*] ｱ😀"_s);
-        QCOMPARE(FormWorld::identifier(form).text(), Water);
-        QCOMPARE(FormWorld::definition(form).toPlainText(), u"<i>液体</i>"_s);
-        const ReportModel& links = FormWorld::rows(form, u"lsvLink"_s);
-        QCOMPARE(links.rowCount(), 1);
-        QCOMPARE(links.text(0, 0), u"氷");
-        QCOMPARE(links.text(0, 1), u"定義");
-        QCOMPARE(links.text(0, 2), u"M-991231-002");
-        const ReportModel& categories = FormWorld::rows(form, u"lsvCategory"_s);
-        QCOMPARE(categories.rowCount(), 1);
-        QCOMPARE(categories.text(0, 0), u"自然");
-        QCOMPARE(categories.text(0, 1), u"A");
-        QCOMPARE(categories.text(0, 2), u"");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("scanCode");
+        QTest::addColumn<bool>("counts");
+        const int plain = Qt::NoModifier;
+        const int shift = Qt::ShiftModifier;
+        const int control = Qt::ControlModifier;
+        const int pad = Qt::KeypadModifier;
+        QTest::newRow("0") << int(Qt::Key_0) << plain << 0 << true;
+        QTest::newRow("9") << int(Qt::Key_9) << plain << 18 << true;
+        QTest::newRow("a") << int(Qt::Key_A) << plain << 38 << true;
+        QTest::newRow("Z") << int(Qt::Key_Z) << shift << 52 << true;
+        QTest::newRow("Ctrl+V") << int(Qt::Key_V) << control << 55 << true;
+        QTest::newRow("Shift+1") << int(Qt::Key_Exclam) << shift << 10 << true;
+        QTest::newRow("Shift+1, place unknown") << int(Qt::Key_Exclam) << shift << 0 << true;
+        QTest::newRow("Shift+2, Japanese") << int(Qt::Key_QuoteDbl) << shift << 11 << true;
+        QTest::newRow("Shift+colon, Japanese") << int(Qt::Key_Asterisk) << shift << 48 << false;
+        QTest::newRow("at, Japanese") << int(Qt::Key_At) << plain << 34 << false;
+        QTest::newRow("number pad") << int(Qt::Key_5) << pad << 84 << false;
+        QTest::newRow("blank") << int(Qt::Key_Space) << plain << 65 << false;
+        QTest::newRow("minus") << int(Qt::Key_Minus) << plain << 20 << false;
+        QTest::newRow("Enter") << int(Qt::Key_Return) << plain << 36 << false;
+        QTest::newRow("F2") << int(Qt::Key_F2) << plain << 68 << false;
     }
 
-    void eachDatumHasOneWindow()
+    void digitsAndLettersAreToldByTheirKey()
+    {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(int, scanCode);
+        const QKeyEvent event(QEvent::KeyPress, key, Qt::KeyboardModifiers(modifiers),
+                              static_cast<quint32>(scanCode), 0, 0);
+        QTEST(isDigitOrLetterKey(event), "counts");
+    }
+
+    void failedFilingIsToldAfterAnUpdate()
     {
         world->add(u"水"_s, Water, u"液体"_s);
-        world->add(u"氷"_s, u"M-991231-002"_s, u"固体"_s);
-        frmMainData& water = world->show(Water);
-        world->show(u"M-991231-002"_s);
-        QCOMPARE(world->windowCount(), 2);
-        ShowData(world->session, Water);
-        QCOMPARE(world->windowCount(), 2);
-        FormWorld::processEvents();
-        QTRY_COMPARE(QApplication::activeWindow(), &water);
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        frmMainData& form = world->show(Water);
+        fill(form, u"水"_s, u"H2O"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        world->dialogs.meanwhile([&] { QVERIFY(othersMayWrite(world->path)); });
+        world->dialogs.expect(Updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
     }
 
-    void registrationWindowIsOneAndListsTheSelectedCategory()
+    void updateThatIsUndoneKeepsWhatWasTyped()
     {
-        world->mainWindow.nodes.assign(9, {u"FIXED"_s, u"固定"_s, QString()});
-        world->mainWindow.nodes.push_back({u"A"_s, u"自然"_s, u"CATEGORY"_s});
-        world->mainWindow.selected = 10;
+        world->add(u"水"_s, Water, u"液体"_s);
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        frmMainData& form = world->show(Water);
+        fill(form, u"水"_s, u"H2O"_s);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
+                       Refusal::OfTheTransaction);
+        world->dialogs.expect(untrapped(5));
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 5));
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QCOMPARE(world->memberships(), QStringList({u"A|M-991231-001"_s}));
+        QCOMPARE(form.fieldText(2), u"H2O"_s);
+    }
+
+    void nextRegistrationInTheSameWindowTellsNothing()
+    {
         frmMainData& form = world->beginRegistration();
-        QCOMPARE(form.fieldText(1), Water);
-        QCOMPARE(form.categoryRows().size(), 1U);
-        QCOMPARE(form.categoryRows().front().name, u"自然"_s);
-        QCOMPARE(form.categoryRows().front().identifier, u"A"_s);
-        world->beginRegistration();
-        QCOMPARE(world->windowCount(), 1);
+        fill(form, u"水"_s, u"液体"_s);
+        world->dialogs.expect(Registered);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(&world->beginRegistration(), &form); // its texts stay
+        QCOMPARE(form.fieldText(0), u"水"_s);
+        QCOMPARE(form.fieldText(1), Ice);
+        QVERIFY(
+            FormWorld::choose(form, u"mnuDataEntry"_s)); // sic: what was saved before keeps the notice away
+        QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|液体"_s, u"水|M-991231-002|液体"_s}));
     }
 
-    void textComesBackAsItWasLoaded_data()
+    void undefinedRegistrationReplacesTheDefinition()
     {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("empty") << QString();
-        QTest::newRow("LF") << u"一\n二\n"_s;
-        QTest::newRow("CR LF") << u"一\r\n二\r\n"_s;
-        QTest::newRow("CR") << u"一\r二"_s;
-        QTest::newRow("mixed") << u"\r\n一\n二\r三"_s;
-        QTest::newRow("separators") << u"一\u2028二\u2029三"_s;
-        QTest::newRow("NUL") << (u"一"_s + QChar(0) + u"二"_s);
-        QTest::newRow("blanks") << u"  一\u00a0二\t三  "_s;
-        QTest::newRow("half-width kana and emoji") << u"ｱｲｳﾞ😀"_s;
-        QTest::newRow("markup") << u"<p>一</p>&amp;"_s;
-        QTest::newRow("noncharacters") << (u"一"_s + QChar(0xfdd0) + u"二"_s + QChar(0xfdd1));
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"謎"_s, u"途中まで"_s);
+        world->dialogs.expect(AskUndefined, Answer::Ok);
+        world->dialogs.expect(RegisteredUndefined);
+        QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
+        QCOMPARE(world->definitions(), QStringList({u"謎|M-991231-001|未定義"_s}));
+        QCOMPARE(form.modeText(), u"表示モード"_s);
     }
 
-    void textComesBackAsItWasLoaded()
+    void undefinedRegistrationCanBeCancelled()
     {
-        QFETCH(QString, text);
-        auto* form = new frmMainData(world->session, world->registry);
-        for (const int index : {0, 2}) {
-            form->setFieldText(index, text);
-            QVERIFY(compareText(form->fieldText(index), text));
-        }
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"謎"_s, u"途中まで"_s);
+        world->dialogs.expect(AskUndefined, Answer::Cancel);
+        QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
+        QCOMPARE(form.fieldText(2), u"途中まで"_s);
+        QCOMPARE(world->definitions(), QStringList());
     }
 
-    void textThatWasChangedBackIsAsItWasLoaded()
+    void undefinedRegistrationNeedsAName()
     {
-        auto* form = new frmMainData(world->session, world->registry);
-        form->setFieldText(0, u"一\n二"_s);
-        form->setFieldText(2, u"一\r\n二\u2028三"_s);
-        QTest::keyClicks(&FormWorld::name(*form), u"x"_s);
-        QTest::keyClicks(&FormWorld::definition(*form), u"x"_s);
-        QVERIFY(form->fieldText(0) != u"一\n二"_s);
-        QVERIFY(compareText(form->fieldText(2), u"x一\r\n二\u2028三"));
-        QTest::keyClick(&FormWorld::name(*form), Qt::Key_Backspace);
-        QTest::keyClick(&FormWorld::definition(*form), Qt::Key_Backspace);
-        QVERIFY(compareText(form->fieldText(0), u"一\n二"));
-        QVERIFY(compareText(form->fieldText(2), u"一\r\n二\u2028三"));
+        frmMainData& form = world->beginRegistration();
+        world->dialogs.expect(AskUndefined, Answer::Ok);
+        world->dialogs.expect(Missing);
+        QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
+        QCOMPARE(world->definitions(), QStringList());
+        QCOMPARE(form.fieldText(2), u"未定義"_s);
+        QCOMPARE(form.modeText(), u"登録モード"_s);
     }
 
-    void enterBreaksTheLineOfADefinition()
+    void failedUndefinedRegistrationTellsNoSuccess()
     {
-        auto* form = new frmMainData(world->session, world->registry);
-        QPlainTextEdit& definition = FormWorld::definition(*form);
-        QTest::keyClicks(&definition, u"a"_s);
-        QTest::keyClick(&definition, Qt::Key_Return);
-        QTest::keyClicks(&definition, u"b"_s);
-        QTest::keyClick(&definition, Qt::Key_Return, Qt::ShiftModifier);
-        QTest::keyClicks(&definition, u"c"_s);
-        QVERIFY(compareText(form->fieldText(2), u"a\nb\nc"));
-    }
-
-    void changedTextKeepsItsBlanks()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        form->setFieldText(2, u"一\u00a0二"_s);
-        FormWorld::definition(*form).moveCursor(QTextCursor::End);
-        QTest::keyClicks(&FormWorld::definition(*form), u"x"_s);
-        QVERIFY(compareText(form->fieldText(2), u"一\u00a0二x"));
-    }
-
-    void fieldOutsideTheWindowIsAnError()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        QVERIFY_THROWS_EXCEPTION(Error, form->fieldText(3));
-        QVERIFY_THROWS_EXCEPTION(Error, form->fieldText(-1));
-    }
-
-    void largeFontsAskForALargerWindow()
-    {
-        const QFont before = QApplication::font();
-        auto* normal = new frmMainData(world->session, world->registry);
-        QFont large = before;
-        large.setPointSizeF(before.pointSizeF() * 2);
-        QApplication::setFont(large);
-        auto* enlarged = new frmMainData(world->session, world->registry);
-        QApplication::setFont(before);
-        QVERIFY(normal->width() >= 640 && normal->height() >= 480);
-        QVERIFY(enlarged->width() >= enlarged->minimumSizeHint().width());
-        QVERIFY(enlarged->minimumSizeHint().height() > normal->minimumSizeHint().height());
+        frmMainData& form = world->beginRegistration();
+        fill(form, u"謎"_s, QString());
+        world->add(u"先客"_s, Water, u"…"_s);
+        world->dialogs.expect(AskUndefined, Answer::Ok);
+        world->dialogs.expect(untrapped(3022));
+        QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataNoDef_Click"_s, 3022));
+        QCOMPARE(form.modeText(), u"登録モード"_s);
     }
 };
 

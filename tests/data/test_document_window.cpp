@@ -1,7 +1,7 @@
 #include "app/base/twips.h"
 #include "core/form_mode.h"
 #include "tests/data/form_world.h"
-#include "tests/support/compare_text.h"
+#include "tests/support/troubled_database.h"
 
 #include <QMenuBar>
 #include <QPushButton>
@@ -10,12 +10,31 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
+namespace
+{
+
+const MessageBox Warning{.text = u"名称が最大入力値を超えています。最大入力値は全角32768文字です。"_s,
+                         .title = u"Quillon システム監査部"_s};
+const MessageBox Updated{.text = u"本データを更新しました。"_s, .title = u"Quillon 文献データ管理部"_s};
+// sic: a document's content is called a definition here.
+const MessageBox ContentTooLong{.text = u"定義が最大入力値を超えています。最大入力値は全角32000文字です。"_s,
+                                .title = u"Quillon システム監査部"_s};
+
+} // namespace
+
+/// In what the window of a document differs from that of a definition.
 class TestDocumentWindow : public QObject
 {
     Q_OBJECT
 
 private:
     std::unique_ptr<FormWorld> world;
+
+    static void fill(frmRefDoc& form, const QString& name, const QString& content)
+    {
+        FormWorld::enter(FormWorld::name(form), name);
+        FormWorld::enter(FormWorld::definition(form), content);
+    }
 
     frmRefDoc& newWindow() { return *new frmRefDoc(world->session, world->registry); }
     static QPushButton& button(QWidget& form, int number)
@@ -36,18 +55,6 @@ private Q_SLOTS:
     {
         QCOMPARE(world->takeComplaints(), QStringList());
         world.reset();
-    }
-
-    void newWindowHasItsDesignTexts()
-    {
-        frmRefDoc& form = newWindow();
-        QCOMPARE(form.windowTitle(), u"文献データ画面"_s);
-        QCOMPARE(form.windowName(), u"frmRefDoc"_s);
-        QCOMPARE(form.fieldText(0), QString());
-        QCOMPARE(form.fieldText(1), u"T-123456-123"_s);
-        QCOMPARE(form.fieldText(2), QString());
-        QCOMPARE(form.modeText(), u"ステータス"_s);
-        QCOMPARE(FormWorld::panel(form, 2), QString());
     }
 
     void menusHaveTheirCaptions()
@@ -71,24 +78,16 @@ private Q_SLOTS:
             QVERIFY2(FormWorld::entry(form, menu)->isEnabled(), qPrintable(menu));
     }
 
-    void menusFollowTheMode()
+    void textCanBeLoadedInEveryMode()
     {
         auto& form = world->beginRegistration<frmRefDoc>();
-        const auto enabled = [&](const QString& name) { return FormWorld::entry(form, name)->isEnabled(); };
-        const QStringList shownOnly{u"mnuLink"_s, u"mnuCategory"_s, u"mnuDataDelete"_s, u"mnuDataUpdate"_s};
-        for (const QString& name : shownOnly)
-            QVERIFY2(!enabled(name), qPrintable(name));
-        QVERIFY(enabled(u"mnuDataEntry"_s));
-        QVERIFY(enabled(u"mnuDataLoadText"_s));
-        QCOMPARE(form.modeText(), u"登録モード"_s);
-        QCOMPARE(form.windowTitle(), u"文献データ画面"_s);
-
-        SetFormMode(form, DisplayFormMode);
-        for (const QString& name : shownOnly)
-            QVERIFY2(enabled(name), qPrintable(name));
-        QVERIFY(!enabled(u"mnuDataEntry"_s));
-        QVERIFY(enabled(u"mnuDataLoadText"_s));
-        QCOMPARE(form.modeText(), u"表示モード"_s);
+        const QAction* entry = FormWorld::entry(form, u"mnuDataLoadText"_s);
+        QVERIFY(entry->isEnabled());
+        fill(form, u"本"_s, u"内容"_s);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QVERIFY(entry->isEnabled());
+        world->add(u"紙"_s, Paper, u"薄い"_s);
+        QVERIFY(FormWorld::entry(world->show<frmRefDoc>(Paper), u"mnuDataLoadText"_s)->isEnabled());
     }
 
     void displayModeLeavesTextLoadingAsItIs()
@@ -99,56 +98,6 @@ private Q_SLOTS:
         QVERIFY(!FormWorld::entry(form, u"mnuDataLoadText"_s)->isEnabled());
         SetFormMode(form, RegistrationFormMode);
         QVERIFY(FormWorld::entry(form, u"mnuDataLoadText"_s)->isEnabled());
-    }
-
-    void openedDocumentKeepsTheMenusOfANewWindow()
-    {
-        world->add(u"本"_s, Book, u"内容"_s);
-        auto& form = world->show<frmRefDoc>(Book);
-        QVERIFY(!FormWorld::entry(form, u"mnuDataEntry"_s)->isEnabled());
-        for (const QString& name :
-             {u"mnuLink"_s, u"mnuCategory"_s, u"mnuDataDelete"_s, u"mnuDataUpdate"_s, u"mnuDataLoadText"_s})
-            QVERIFY2(FormWorld::entry(form, name)->isEnabled(), qPrintable(name));
-    }
-
-    void fieldsHaveLabelsAndToolTips_data()
-    {
-        QTest::addColumn<int>("index");
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QString>("toolTip");
-        QTest::newRow("name") << 0 << u"名称"_s << u"文献の名称。最大入力数は全角で25文字です。"_s;
-        QTest::newRow("identifier") << 1 << u"ID:"_s << u"情報の認識符号｡情報登録時に自動的に生成されます｡"_s;
-        QTest::newRow("content") << 2 << u"文献"_s << u"文献の内容。最大入力数は全角で32,768文字です。"_s;
-    }
-
-    void fieldsHaveLabelsAndToolTips()
-    {
-        QFETCH(int, index);
-        QFETCH(QString, label);
-        QFETCH(QString, toolTip);
-        const auto* field = newWindow().findChild<QWidget*>(u"txtFields(%1)"_s.arg(index));
-        QVERIFY(field != nullptr);
-        QVERIFY(compareText(field->toolTip(), toolTip));
-        QCOMPARE(field->accessibleDescription(), toolTip);
-        QCOMPARE(field->accessibleName(), QString());
-        QCOMPARE(labelsOf(*field), QStringList(label));
-    }
-
-    void listsHaveTheirHeadersNamesAndToolTips()
-    {
-        frmRefDoc& form = newWindow();
-        QCOMPARE(headersOf(FormWorld::rows(form, u"lsvLink"_s)),
-                 QStringList({u"リンク先名称"_s, u"形式"_s, u"ＩＤ"_s}));
-        QCOMPARE(headersOf(FormWorld::rows(form, u"lsvCategory"_s)),
-                 QStringList({u"分類先カテゴリ名"_s, u"カテゴリID"_s, u"位置"_s}));
-        const ReportList& links = FormWorld::list(form, u"lsvLink"_s);
-        QCOMPARE(links.accessibleName(), u"リンク一覧"_s);
-        QCOMPARE(links.toolTip(), u"データのリンク先。ダブルクリックで表示できます。"_s);
-        QCOMPARE(links.accessibleDescription(), links.toolTip());
-        const ReportList& categories = FormWorld::list(form, u"lsvCategory"_s);
-        QCOMPARE(categories.accessibleName(), u"分類一覧"_s);
-        QCOMPARE(categories.toolTip(), u"データの分類先。複数の登録も可能です。"_s);
-        QCOMPARE(categories.accessibleDescription(), categories.toolTip());
     }
 
     void statusPanelsHaveToolTips()
@@ -197,15 +146,6 @@ private Q_SLOTS:
         button(form, 0).click();
         QVERIFY(FormWorld::closes(form)); // and is no change that asks
         QCOMPARE(FormWorld::definition(world->show<frmRefDoc>(Book)).font(), before);
-    }
-
-    void tabGoesThroughTheWindowAsTheEyeDoes()
-    {
-        auto& form = world->beginRegistration<frmRefDoc>();
-        QCOMPARE(form.focusWidget(), &FormWorld::name(form));
-        QCOMPARE(tabRound(form),
-                 QStringList({u"txtFields(0)"_s, u"txtFields(1)"_s, u"cmdSize(0)"_s, u"cmdSize(1)"_s,
-                              u"cmdSize(2)"_s, u"txtFields(2)"_s, u"lsvLink"_s, u"lsvCategory"_s}));
     }
 
     void controlsStandInTheirPlaces()
@@ -266,51 +206,93 @@ private Q_SLOTS:
         QCOMPARE(world->links(), QStringList());
     }
 
-    void shownDocumentFillsTheWindow()
+    void everyKeyWarnsOfATextThatIsFull_data()
     {
-        world->add(u"<b>本</b>"_s, Book, u"<i>内容</i>\r\n二"_s);
-        world->add(u"水"_s, Water, u"液体"_s);
-        TestWorld::addRow(world->session.RsLink, {Book, Water});
-        TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"自然"_s});
-        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Book});
-        TestWorld::addRow(world->session.RsCategory, {u"Z"_s, Book});
-
-        auto& form = world->show<frmRefDoc>(Book);
-
-        QVERIFY(form.isVisible());
-        QVERIFY(!form.isModal());
-        QVERIFY(compareText(form.windowTitle(), u"文献画面-<b>本</b>"));
-        QCOMPARE(form.modeText(), u"表示モード"_s);
-        QCOMPARE(form.fieldText(0), u"<b>本</b>"_s);
-        QCOMPARE(FormWorld::identifier(form).text(), Book);
-        QCOMPARE(FormWorld::definition(form).toPlainText(), u"<i>内容</i>\n二"_s);
-        QCOMPARE(rowsOf(FormWorld::rows(form, u"lsvLink"_s)), QStringList({u"水|定義|M-991231-001"_s}));
-        QCOMPARE(rowsOf(FormWorld::rows(form, u"lsvCategory"_s)), QStringList({u"自然|A|"_s, u"不明|Z|"_s}));
+        QTest::addColumn<int>("index");
+        QTest::addColumn<int>("key");
+        QTest::newRow("letter in the content") << 2 << int(Qt::Key_A);
+        QTest::newRow("Enter in the content") << 2 << int(Qt::Key_Return);
+        QTest::newRow("Delete in the content") << 2 << int(Qt::Key_Delete);
+        QTest::newRow("Backspace in the content") << 2 << int(Qt::Key_Backspace);
+        QTest::newRow("cursor key in the content") << 2 << int(Qt::Key_Right);
+        QTest::newRow("function key in the content") << 2 << int(Qt::Key_F5);
+        QTest::newRow("Shift in the content") << 2 << int(Qt::Key_Shift);
+        QTest::newRow("blank in the content") << 2 << int(Qt::Key_Space);
+        QTest::newRow("letter in the name") << 0 << int(Qt::Key_A);
+        QTest::newRow("Enter in the name") << 0 << int(Qt::Key_Return);
+        QTest::newRow("cursor key in the identifier") << 1 << int(Qt::Key_Left);
     }
 
-    void eachDocumentHasOneWindow()
+    void everyKeyWarnsOfATextThatIsFull()
     {
-        world->add(u"本"_s, Book, u"内容"_s);
-        world->add(u"紙"_s, Paper, u"内容"_s);
-        auto& book = world->show<frmRefDoc>(Book);
-        world->show<frmRefDoc>(Paper);
-        FormWorld::enter(FormWorld::name(book), u"変更"_s);
-        ShowData(world->session, Book);
-        QCOMPARE(world->windowCount(), 2);
-        QCOMPARE(book.fieldText(0), u"変更"_s); // nothing is loaded again
-        FormWorld::processEvents();
-        QTRY_COMPARE(QApplication::activeWindow(), &book);
+        QFETCH(int, index);
+        QFETCH(int, key);
+        frmRefDoc& form = world->beginRegistration<frmRefDoc>();
+        auto* field = form.findChild<QWidget*>(u"txtFields(%1)"_s.arg(index));
+        const QString text(32768, u'内');
+        form.setFieldText(index, text.chopped(1));
+        QTest::keyClick(field, Qt::Key_F6); // one character less is silent
+        form.setFieldText(index, text);
+        world->dialogs.expect(Warning);
+        world->dialogs.meanwhile([&] { QCOMPARE(form.fieldText(index), text); }); // before the key acts
+        QTest::keyClick(field, static_cast<Qt::Key>(key));
     }
 
-    void registrationWindowIsOneAndListsTheSelectedCategory()
+    void warningTakesNoKeyAway()
     {
-        world->giveCategories(1);
-        world->mainWindow.selected = 10;
+        frmRefDoc& form = world->beginRegistration<frmRefDoc>();
+        const QString text(32768, u'内');
+        form.setFieldText(2, text);
+        world->dialogs.expect(Warning);
+        QTest::keyClick(&FormWorld::definition(form), Qt::Key_Return);
+        QCOMPARE(form.fieldText(2), u'\n' + text);
+        world->dialogs.expect(Warning);
+        QTest::keyClick(&FormWorld::definition(form), Qt::Key_Backspace);
+        QCOMPARE(form.fieldText(2), text);
+    }
+
+    void refusedContentStillShowsRoomForMore()
+    {
         auto& form = world->beginRegistration<frmRefDoc>();
-        QCOMPARE(form.fieldText(1), Book);
-        QCOMPARE(rowsOf(FormWorld::rows(form, u"lsvCategory"_s)), QStringList({u"分類1|A|"_s}));
-        world->beginRegistration<frmRefDoc>();
-        QCOMPARE(world->windowCount(), 1);
+        form.setFieldText(0, u"本"_s);
+        form.setFieldText(2, QString(32001, u'内'));
+        form.ShowInputCount(2);
+        world->dialogs.expect(ContentTooLong);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(FormWorld::panel(form, 2), u"文献：残り全角767文字"_s);
+    }
+
+    void fullDiskKeepsTheInput()
+    {
+        auto& form = world->beginRegistration<frmRefDoc>();
+        const QString content = QString(20'000, u'内');
+        fill(form, u"本"_s, content);
+        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1"_s); // the file may not grow any more
+        world->dialogs.expect(untrapped(61));
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 61));
+        QCOMPARE(world->documents(), QStringList());
+        QCOMPARE(world->memberships(), QStringList());
+        QVERIFY(othersMayWrite(world->path));
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        QCOMPARE(form.fieldText(2), content);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1000000"_s);
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + content));
+        QCOMPARE(world->memberships(), QStringList(u"A-B|R-991231-001"_s));
+        // An update that no longer fits leaves the old text.
+        const QString longer = QString(31'000, u'長');
+        fill(form, u"本"_s, longer);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1"_s);
+        world->dialogs.expect(untrapped(61));
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + content));
+        QCOMPARE(form.fieldText(2), longer);
+        world->session.OpenDb->execute(u"PRAGMA max_page_count = 1000000"_s);
+        world->dialogs.expect(Updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->documents(), QStringList(u"本|R-991231-001|"_s + longer));
     }
 };
 

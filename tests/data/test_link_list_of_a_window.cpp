@@ -1,4 +1,4 @@
-#include "tests/data/form_world.h"
+#include "tests/data/twin_fixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,31 +22,20 @@ MessageBox linkDeleted(const QString& a, const QString& b)
 } // namespace
 
 /// Showing and deleting the links that a data window lists, for a definition and for a document.
-class TestLinkListOfAWindow : public QObject
+class TestLinkListOfAWindow : public TwinFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<FormWorld> world;
     QString own;
     QString ownName;
     FormWindow* form = nullptr;
 
-    static void bothKinds()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::newRow("definition") << Water;
-        QTest::newRow("document") << Book;
-    }
     void open()
     {
-        QFETCH(QString, identifier);
-        own = identifier;
-        ownName = identifier == Water ? u"水"_s : u"本"_s;
-        if (identifier == Water)
-            form = &world->show(Water);
-        else
-            form = &world->show<frmRefDoc>(Book);
+        own = twin().first;
+        ownName = twin().name;
+        form = &world->show<DataForm>(own);
     }
     /// The window of this datum with links to "氷" and from the picture.
     void openWithLinks()
@@ -67,18 +56,14 @@ private:
 private Q_SLOTS:
     void init()
     {
-        world = std::make_unique<FormWorld>();
+        makeWorld();
         world->add(u"水"_s, Water, u"液体"_s);
         world->add(u"氷"_s, Ice, u"固体"_s);
         world->add(u"本"_s, Book, u"内容"_s);
         world->add(u"絵.png"_s, Picture, u"未入力"_s);
     }
 
-    void cleanup()
-    {
-        QCOMPARE(world->takeComplaints(), QStringList());
-        world.reset();
-    }
+    void cleanup() { endWorld(); }
 
     void linksAreListedFromTheOwnPointOfView_data() { bothKinds(); }
 

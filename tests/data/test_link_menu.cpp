@@ -1,5 +1,5 @@
 #include "core/data_selection.h"
-#include "tests/data/form_world.h"
+#include "tests/data/twin_fixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,32 +27,21 @@ MessageBox askLink(const QString& a, const QString& b)
 } // namespace
 
 /// The link menus of both data windows. Every test runs for a definition and for a document.
-class TestLinkMenu : public QObject
+class TestLinkMenu : public TwinFixture
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<FormWorld> world;
     QString own;     // the datum of the window
     QString ownName; // "水" or "本"
     FormWindow* form = nullptr;
 
-    static void bothKinds()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::newRow("definition") << Water;
-        QTest::newRow("document") << Book;
-    }
     /// Opens the window for the row of `bothKinds`.
     void open()
     {
-        QFETCH(QString, identifier);
-        own = identifier;
-        ownName = identifier == Water ? u"水"_s : u"本"_s;
-        if (identifier == Water)
-            form = &world->show(Water);
-        else
-            form = &world->show<frmRefDoc>(Book);
+        own = twin().first;
+        ownName = twin().name;
+        form = &world->show<DataForm>(own);
     }
     QStringList shownLinks() const { return rowsOf(FormWorld::rows(*form, u"lsvLink"_s)); }
     ReportList& linkList() const { return FormWorld::list(*form, u"lsvLink"_s); }
@@ -80,7 +69,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        world = std::make_unique<FormWorld>();
+        makeWorld();
         world->add(u"水"_s, Water, u"液体"_s);
         world->add(u"氷"_s, Ice, u"固体"_s);
         world->add(u"本"_s, Book, u"内容"_s);
@@ -88,11 +77,7 @@ private Q_SLOTS:
         world->add(u"絵.png"_s, Picture, u"未入力"_s);
     }
 
-    void cleanup()
-    {
-        QCOMPARE(world->takeComplaints(), QStringList());
-        world.reset();
-    }
+    void cleanup() { endWorld(); }
 
     void chosenDatumIsLinked_data()
     {
