@@ -1,5 +1,6 @@
 #include "tools/guide.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>

@@ -92,7 +92,7 @@ void Stage::whileModal(const QString& windowName, std::function<void(FormWindow&
                      [this, waiting, windowName, action = std::move(action), left = 200]() mutable {
                          const QPointer<FormWindow> window =
                              qobject_cast<FormWindow*>(QApplication::activeModalWidget());
-                         const bool there = window && window->windowName() == windowName;
+                         const bool there = !window.isNull() && window->windowName() == windowName;
                          if (!there && --left > 0)
                              return;
                          waiting->stop();

@@ -23,10 +23,10 @@ enum class FixedNode {
 
 /// How a fixed node is built.
 struct FixedNodeDesign {
-    FixedNode node;
+    FixedNode node = FixedNode::None;
     QStringView key;
     QStringView text;
-    FixedNode parent; // None: a root of the tree
+    FixedNode parent = FixedNode::None; // None: a root of the tree
 };
 
 /// The fixed nodes in their order.

@@ -24,10 +24,10 @@ namespace
 
 constexpr int IdentifierColumn = 2;
 
-class RowFill : public DataRowFill
+class DataRows : public DataRowFill
 {
 public:
-    explicit RowFill(ReportModel& rows) : m_fill(rows) {}
+    explicit DataRows(ReportModel& rows) : m_fill(rows) {}
     void append(QStringView name, QStringView kind, QStringView identifier) override
     {
         m_fill.append({name, kind, identifier});
@@ -128,7 +128,7 @@ void frmDataSelect::clearRows()
 
 std::unique_ptr<DataRowFill> frmDataSelect::fillRows()
 {
-    return std::make_unique<RowFill>(lsvData->rows());
+    return std::make_unique<DataRows>(lsvData->rows());
 }
 
 void frmDataSelect::setStatus(int panel, const QString& text)

@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 
+#include <array>
 #include <limits>
 
 using namespace Qt::Literals::StringLiterals;
@@ -93,7 +94,7 @@ void frmEntryInfo::arrange()
 
 void frmEntryInfo::Form_Load()
 {
-    QLabel* const counts[] = {lblMainCount, lblRefDocCount, lblRefFileCount}; // in the order of the kinds
+    const std::array counts = {lblMainCount, lblRefDocCount, lblRefFileCount}; // in the order of the kinds
     for (const DataKind& kind : data_kinds::all())
         skippingFailure([&] { required(session().*kind.recordSet).moveLast(); });
     for (const DataKind& kind : data_kinds::all()) {

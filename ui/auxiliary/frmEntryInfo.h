@@ -22,10 +22,10 @@ private:
     void Form_Load();
     void arrange();
 
-    QLabel* lblMainCount;
-    QLabel* lblRefDocCount;
-    QLabel* lblRefFileCount;
-    QLabel* lblAllCount;
+    QLabel* lblMainCount = nullptr;
+    QLabel* lblRefDocCount = nullptr;
+    QLabel* lblRefFileCount = nullptr;
+    QLabel* lblAllCount = nullptr;
 };
 
 } // namespace quillon

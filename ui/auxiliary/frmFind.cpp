@@ -19,6 +19,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <array>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -95,9 +96,10 @@ void frmFind::cmdFind_Click()
         return;
     }
     const WaitCursor cursor;
-    const std::pair<const QCheckBox*, const DataKind&> choices[] = {{chkMain, data_kinds::definition()},
-                                                                    {chkRefDoc, data_kinds::document()},
-                                                                    {chkRefFile, data_kinds::file()}};
+    using Choice = std::pair<const QCheckBox*, const DataKind&>;
+    const std::array choices = {Choice(chkMain, data_kinds::definition()),
+                                Choice(chkRefDoc, data_kinds::document()),
+                                Choice(chkRefFile, data_kinds::file())};
     for (const auto& [box, kind] : choices) {
         if (box->isChecked())
             listMatches(kind, criteria);

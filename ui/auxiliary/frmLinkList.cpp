@@ -29,10 +29,10 @@ constexpr int TargetIdentifierColumn = 5;
 
 const QString NoLinksCounted = u"現在の情報リンク総数 ：  0"_s;
 
-class RowFill : public LinkRowFill
+class LinkRows : public LinkRowFill
 {
 public:
-    explicit RowFill(ReportModel& rows) : m_fill(rows) {}
+    explicit LinkRows(ReportModel& rows) : m_fill(rows) {}
     void append(const LinkEnd& source, const LinkEnd& target) override
     {
         m_fill.append(
@@ -111,7 +111,7 @@ void frmLinkList::reset()
 
 std::unique_ptr<LinkRowFill> frmLinkList::fillRows()
 {
-    return std::make_unique<RowFill>(lsvLink->rows());
+    return std::make_unique<LinkRows>(lsvLink->rows());
 }
 
 void frmLinkList::setCount(const QString& text)
