@@ -135,6 +135,14 @@ private Q_SLOTS:
         QVERIFY(files.storedFile(path(u"folder"_s), u"out and in"_s).has_value());
     }
 
+    void nameWithAColonBehindMoreThanALetterIsAnOrdinaryName()
+    {
+        for (const QString& name : {u"3:15 のメモ"_s, u"メモ:2"_s, u"12:file"_s}) {
+            makeFile(name, "");
+            QVERIFY2(files.storedFile(folder->path(), name).has_value(), qPrintable(name));
+        }
+    }
+
     void pipesAndDevicesAreNotReadAndNobodyWaitsForThem()
     {
         QCOMPARE(mkfifo(QFile::encodeName(path(u"pipe"_s)).constData(), 0600), 0);

@@ -59,6 +59,11 @@ private Q_SLOTS:
         QVERIFY(m_rows->roughCount() < std::numeric_limits<qint64>::max() / 1000);
     }
 
+    void withoutADatabaseThereIsNoSet()
+    {
+        QCOMPARE(errorOf([] { RecordSet::openTable(nullptr, schema::Main()); }), errors::ObjectNotSet);
+    }
+
     void aNewSetStandsOnNoRow()
     {
         add(u"a"_s);

@@ -93,6 +93,20 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { rows->field(0); }), errors::RecordDeleted);
     }
 
+    void aRowOfAnotherProgramThatGoesUnderTheCursorIsNeverTakenForANewOne()
+    {
+        const auto other = RecordSet::openTable(Database::open(m_path), schema::Main());
+        for (const QString& number : {u"1"_s, u"2"_s})
+            TestWorld::addRow(other, {u"a"_s + number, u"M-991231-00"_s + number, u""_s});
+        const auto rows = m_world->session.RsMain;
+        rows->moveLast();
+        other->moveLast();
+        other->deleteRow();
+        TestWorld::addRow(RecordSet::openTable(m_world->session.OpenDb, schema::Main()),
+                          {u"new"_s, u"M-991231-003"_s, u""_s});
+        QCOMPARE(errorOf([&] { rows->field(0); }), errors::RecordDeleted);
+    }
+
     void noLockIsHeldBetweenCalls()
     {
         TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});

@@ -271,6 +271,22 @@ private Q_SLOTS:
                  QStringList({u"M-1"_s, u"M-2"_s, u"M-3"_s, u"M-4"_s, u"M-5"_s}));
     }
 
+    void aSearchAmongHitsStaysAmongThem()
+    {
+        TestWorld world;
+        world.openDatabase(world.createDatabase());
+        const auto& main = world.session.RsMain;
+        TestWorld::addRow(main, {u"火"_s, u"M-1"_s, u"飲めない"_s});
+        TestWorld::addRow(main, {u"水車"_s, u"M-2"_s, u"回る"_s});
+        TestWorld::addRow(main, {u"水"_s, u"M-3"_s, u"飲む"_s});
+        const auto hits = main->filtered(criteriaFor(u"水"_s));
+        QCOMPARE(identifiersOf(hits->filtered(criteriaFor(u"飲"_s))), QStringList(u"M-3"_s));
+        hits->findFirst(criteriaFor(u"飲"_s));
+        QCOMPARE(hits->field(1), u"M-3"_s);
+        main->findFirst(criteriaFor(u"飲"_s));
+        QCOMPARE(main->field(1), u"M-1"_s);
+    }
+
     void aHitDoesNotReachFromTheNameIntoTheText()
     {
         TestWorld world;
