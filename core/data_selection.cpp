@@ -45,7 +45,7 @@ private:
     }
 
     bool m_unique;
-    std::array<bool, 3> m_own = {}; // whether the data are of this kind's table
+    std::array<bool, data_kinds::Count> m_own = {}; // whether the data are of this kind's table
 };
 
 } // namespace

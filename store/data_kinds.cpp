@@ -1,6 +1,7 @@
 #include "store/data_kinds.h"
 
 #include "app/base/error.h"
+#include "app/base/reporting.h"
 #include "app/base/titles.h"
 
 #include <algorithm>
@@ -13,30 +14,30 @@ namespace quillon
 namespace data_kinds
 {
 
-const std::array<DataKind, 3>& all()
+const std::array<DataKind, Count>& all()
 {
     // sic: one caption has blanks around its hyphen, the other has none.
-    static const std::array<DataKind, 3> kinds{{{.letter = u'M',
-                                                 .recordSet = &Session::RsMain,
-                                                 .shortName = u"定義"_s,
-                                                 .title = titles::DefinitionData,
-                                                 .windowName = u"frmMainData"_s,
-                                                 .isShownInWindow = true,
-                                                 .captionJoint = u"画面 - "_s},
-                                                {.letter = u'R',
-                                                 .recordSet = &Session::RsRefDoc,
-                                                 .shortName = u"文献"_s,
-                                                 .title = titles::DocumentData,
-                                                 .windowName = u"frmRefDoc"_s,
-                                                 .isShownInWindow = true,
-                                                 .captionJoint = u"画面-"_s},
-                                                {.letter = u'F',
-                                                 .recordSet = &Session::RsRefFile,
-                                                 .shortName = u"FILE"_s,
-                                                 .title = titles::FileData,
-                                                 .windowName = u"frmRefFileEntry"_s,
-                                                 .isShownInWindow = false,
-                                                 .captionJoint = {}}}};
+    static const std::array<DataKind, Count> kinds{{{.letter = u'M',
+                                                     .recordSet = &Session::RsMain,
+                                                     .shortName = u"定義"_s,
+                                                     .title = titles::DefinitionData,
+                                                     .windowName = u"frmMainData"_s,
+                                                     .isShownInWindow = true,
+                                                     .captionJoint = u"画面 - "_s},
+                                                    {.letter = u'R',
+                                                     .recordSet = &Session::RsRefDoc,
+                                                     .shortName = u"文献"_s,
+                                                     .title = titles::DocumentData,
+                                                     .windowName = u"frmRefDoc"_s,
+                                                     .isShownInWindow = true,
+                                                     .captionJoint = u"画面-"_s},
+                                                    {.letter = u'F',
+                                                     .recordSet = &Session::RsRefFile,
+                                                     .shortName = u"FILE"_s,
+                                                     .title = titles::FileData,
+                                                     .windowName = u"frmRefFileEntry"_s,
+                                                     .isShownInWindow = false,
+                                                     .captionJoint = {}}}};
     return kinds;
 }
 
@@ -88,6 +89,19 @@ const QString& shortKindName(QStringView identifier)
 {
     const DataKind* const kind = kindOf(identifier);
     return kind != nullptr ? kind->shortName : titles::Unknown;
+}
+
+QString GetDivName(Session& session, const QString& identifier, DivName form)
+{
+    QString name;
+    guarded(session.reporting, u"GetDivName"_s, [&] {
+        const DataKind* const kind = kindOf(identifier);
+        if (form == DivName::Title)
+            name = kind != nullptr ? kind->title : titles::Unknown;
+        else
+            name = shortKindName(identifier);
+    });
+    return name;
 }
 
 RecordSet& dataTableOf(Session& session, QStringView identifier)

@@ -30,8 +30,9 @@ const DataKind& definition();
 const DataKind& document();
 const DataKind& file();
 
+inline constexpr std::size_t Count = 3;
 /// Definitions, documents, files.
-const std::array<DataKind, 3>& all();
+const std::array<DataKind, Count>& all();
 /// The position of a kind in `all()`.
 std::size_t positionOf(const DataKind& kind);
 } // namespace data_kinds
@@ -47,6 +48,12 @@ const DataKind& kindForNames(QStringView identifier);
 
 /// The short name of an identifier's kind, "不明" for an unknown one. It lives as long as the program.
 const QString& shortKindName(QStringView identifier);
+
+enum class DivName { ShortName, Title };
+
+/// The kind of an identifier as a word ("定義", "文献", "FILE") or as the title of its department; "不明" for an
+/// unknown kind. Only the first character of `identifier` counts.
+QString GetDivName(Session& session, const QString& identifier, DivName form);
 
 /// The table of an identifier's kind. Error 91 for an unknown kind and while no database is open.
 RecordSet& dataTableOf(Session& session, QStringView identifier);

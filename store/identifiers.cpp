@@ -1,7 +1,6 @@
 #include "store/identifiers.h"
 
 #include "app/base/ports/clock.h"
-#include "app/base/titles.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -80,19 +79,6 @@ QString GetYYMMDD(Session& session)
             characters += date.mid(position, 2);
     });
     return characters;
-}
-
-QString GetDivName(Session& session, const QString& identifier, DivName form)
-{
-    QString name;
-    guarded(session.reporting, u"GetDivName"_s, [&] {
-        const DataKind* const kind = kindOf(identifier);
-        if (form == DivName::Title)
-            name = kind != nullptr ? kind->title : titles::Unknown;
-        else
-            name = shortKindName(identifier);
-    });
-    return name;
 }
 
 bool ExistCheck(Session& session, const QString& identifier)

@@ -15,12 +15,6 @@ QString CreateObject_ID(Session& session, const QString& kind);
 /// The six date characters of an identifier. What the short date does not have is left out.
 QString GetYYMMDD(Session& session);
 
-enum class DivName { ShortName, Title };
-
-/// The kind of an identifier as a word ("定義", "文献", "FILE") or as the title of its department; "不明" for an
-/// unknown kind. Only the first character of `identifier` counts.
-QString GetDivName(Session& session, const QString& identifier, DivName form);
-
 /// Whether an identifier is free: no row of its kind's table carries it. False also when the kind is unknown or the
 /// look-up failed, which is then reported.
 bool ExistCheck(Session& session, const QString& identifier);

@@ -2,7 +2,6 @@
 
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
-#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
 

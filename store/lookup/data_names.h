@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/data_kinds.h"
 #include "store/lookup/name_lookup.h"
 
 #include <QString>
@@ -11,9 +12,6 @@
 
 namespace quillon
 {
-
-class RecordSet;
-class Session;
 
 /// The name of a datum, "不明" when there is no such datum. An unknown kind is looked up among the definitions.
 QString GetDataName(Session& session, const QString& identifier);
@@ -40,7 +38,7 @@ private:
     static bool shouldReadAll(Table& table);
 
     Session& m_session;
-    std::array<Table, 3> m_tables; // in the order of the kinds
+    std::array<Table, data_kinds::Count> m_tables; // in the order of the kinds
 };
 
 } // namespace quillon

@@ -1,5 +1,5 @@
 #include "core/links.h"
-#include "store/identifiers.h"
+#include "store/data_kinds.h"
 #include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"

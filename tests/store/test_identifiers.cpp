@@ -183,26 +183,6 @@ private Q_SLOTS:
         QCOMPARE(CreateObject_ID(m_world->session, u"M"_s), QString());
     }
 
-    void kindsHaveNamesAndTitles_data()
-    {
-        QTest::addColumn<QString>("identifier");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("definition") << u"M-991231-001"_s << u"定義"_s << u"Quillon 定義データ管理部"_s;
-        QTest::newRow("document") << u"R"_s << u"文献"_s << u"Quillon 文献データ管理部"_s;
-        QTest::newRow("file") << u"Foo"_s << u"FILE"_s << u"Quillon ファイルデータ管理部"_s;
-        QTest::newRow("unknown") << u"X-991231-001"_s << u"不明"_s << u"不明"_s;
-        QTest::newRow("small letter") << u"m-991231-001"_s << u"不明"_s << u"不明"_s;
-        QTest::newRow("full-width letter") << u"Ｍ-991231-001"_s << u"不明"_s << u"不明"_s;
-        QTest::newRow("empty") << u""_s << u"不明"_s << u"不明"_s;
-    }
-    void kindsHaveNamesAndTitles()
-    {
-        QFETCH(QString, identifier);
-        QTEST(GetDivName(m_world->session, identifier, DivName::ShortName), "name");
-        QTEST(GetDivName(m_world->session, identifier, DivName::Title), "title");
-    }
-
     void existCheckIsTrueForAFreeIdentifier()
     {
         QVERIFY(ExistCheck(m_world->session, u"M-991231-001"_s));
