@@ -1,6 +1,7 @@
 #include "core/data_selection.h"
 #include "store/filter_result.h"
 #include "store/record_set.h"
+#include "tests/support/drag.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/window_probe.h"
 #include "tests/support/window_world.h"

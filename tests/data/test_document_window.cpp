@@ -1,6 +1,7 @@
 #include "app/base/twips.h"
 #include "core/form_mode.h"
 #include "tests/data/form_world.h"
+#include "tests/support/drag.h"
 #include "tests/support/troubled_database.h"
 
 #include <QMenuBar>

@@ -1,5 +1,6 @@
 #include "core/data_selection.h"
 #include "tests/data/twin_fixture.h"
+#include "tests/support/drag.h"
 
 #include <QDir>
 #include <QFile>

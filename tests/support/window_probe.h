@@ -5,14 +5,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDragEnterEvent>
-#include <QDropEvent>
 #include <QHeaderView>
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QTest>
 
 /// What a person sees of a window, and does in it.
@@ -130,22 +127,6 @@ inline QString menuOfRightClick(QWidget& control)
     const QString name = menu->objectName();
     menu->close();
     return name;
-}
-
-/// Drops text on a control; false when it does not take it. What comes of it has happened when this returns.
-inline bool drop(QWidget& control, const QString& text)
-{
-    QMimeData data;
-    data.setText(text);
-    const QPointF place = control.rect().center();
-    QDragEnterEvent entering(place.toPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&control, &entering);
-    if (!entering.isAccepted())
-        return false;
-    QDropEvent dropping(place, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&control, &dropping);
-    QCoreApplication::processEvents();
-    return dropping.isAccepted();
 }
 
 /// An input method shows text in a field that is not confirmed yet; an empty one takes it back.

@@ -1,10 +1,9 @@
+#include "tests/support/drag.h"
 #include "ui/widgets/keyed_tree.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
-#include <QDragEnterEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTimer>
@@ -15,6 +14,7 @@
 using namespace Qt::Literals::StringLiterals;
 using quillon::KeyedTree;
 using quillon::KeyedTreeModel;
+using quillon::testing::Drag;
 
 class TestKeyedTree : public QObject
 {
@@ -51,20 +51,6 @@ private:
     {
         QKeyEvent event(type, key, Qt::NoModifier, QString(), true);
         QCoreApplication::sendEvent(m_tree.get(), &event);
-    }
-    bool dragTo(const QPoint& position, const QMimeData& data)
-    {
-        QDragEnterEvent enter(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_tree->viewport(), &enter);
-        QDragMoveEvent move(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_tree->viewport(), &move);
-        return enter.isAccepted() && move.isAccepted();
-    }
-    bool dropAt(const QPoint& position, const QMimeData& data)
-    {
-        QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_tree->viewport(), &drop);
-        return drop.isAccepted();
     }
 
     std::unique_ptr<KeyedTree> m_tree;
@@ -221,36 +207,32 @@ void TestKeyedTree::theSelectedNodeIsShown()
 
 void TestKeyedTree::draggedTextHighlightsTheNodeUnderIt()
 {
-    QMimeData data;
-    data.setText(u"M-991231-001"_s);
-    QVERIFY(dragTo(at(2), data));
+    Drag drag(*m_tree->viewport(), u"M-991231-001"_s);
+    QVERIFY(drag.moveTo(at(2)));
     QCOMPARE(m_tree->dropHighlight(), 2);
-    QVERIFY(dragTo(at(4), data));
+    QVERIFY(drag.moveTo(at(4)));
     QCOMPARE(m_tree->dropHighlight(), 4);
-    QVERIFY(dragTo(QPoint(20, 250), data));
+    QVERIFY(drag.moveTo(QPoint(20, 250)));
     QCOMPARE(m_tree->dropHighlight(), 0);
     QCOMPARE(m_tree->selectedPosition(), 0);
 }
 
 void TestKeyedTree::leavingEndsTheHighlight()
 {
-    QMimeData data;
-    data.setText(u"M-991231-001"_s);
-    QVERIFY(dragTo(at(2), data));
-    QDragLeaveEvent leave;
-    QCoreApplication::sendEvent(m_tree->viewport(), &leave);
+    Drag drag(*m_tree->viewport(), u"M-991231-001"_s);
+    QVERIFY(drag.moveTo(at(2)));
+    drag.leave();
     QCOMPARE(m_tree->dropHighlight(), 0);
 }
 
 void TestKeyedTree::aDropTellsTheTextWithTheHighlightStanding()
 {
-    QMimeData data;
-    data.setText(u"M-991231-001"_s);
+    Drag drag(*m_tree->viewport(), u"M-991231-001"_s);
     QSignalSpy dropped(m_tree.get(), &KeyedTree::textDropped);
     int highlighted = 0;
     connect(m_tree.get(), &KeyedTree::textDropped, this, [&] { highlighted = m_tree->dropHighlight(); });
-    QVERIFY(dragTo(at(2), data));
-    QVERIFY(dropAt(at(2), data));
+    QVERIFY(drag.moveTo(at(2)));
+    QVERIFY(drag.dropAt(at(2)));
     QCOMPARE(dropped.size(), 0); // the drag is still going on
     QCoreApplication::processEvents();
     QCOMPARE(dropped.size(), 1);
@@ -263,11 +245,10 @@ void TestKeyedTree::aDropTellsTheTextWithTheHighlightStanding()
 
 void TestKeyedTree::aDropBesideTheNodesHasNoHighlight()
 {
-    QMimeData data;
-    data.setText(u"M-991231-001"_s);
+    Drag drag(*m_tree->viewport(), u"M-991231-001"_s);
     const QSignalSpy dropped(m_tree.get(), &KeyedTree::textDropped);
-    QVERIFY(dragTo(QPoint(20, 250), data));
-    QVERIFY(dropAt(QPoint(20, 250), data));
+    QVERIFY(drag.moveTo(QPoint(20, 250)));
+    QVERIFY(drag.dropAt(QPoint(20, 250)));
     QCoreApplication::processEvents();
     QCOMPARE(dropped.size(), 1);
     QCOMPARE(m_tree->dropHighlight(), 0);
@@ -275,11 +256,11 @@ void TestKeyedTree::aDropBesideTheNodesHasNoHighlight()
 
 void TestKeyedTree::whatIsNoTextIsRefused()
 {
-    QMimeData data;
-    data.setData(u"application/octet-stream"_s, "x");
+    Drag drag(*m_tree->viewport());
+    drag.data().setData(u"application/octet-stream"_s, "x");
     const QSignalSpy dropped(m_tree.get(), &KeyedTree::textDropped);
-    QVERIFY(!dragTo(at(2), data));
-    QVERIFY(!dropAt(at(2), data));
+    QVERIFY(!drag.moveTo(at(2)));
+    QVERIFY(!drag.dropAt(at(2)));
     QCoreApplication::processEvents();
     QCOMPARE(m_tree->dropHighlight(), 0);
     QCOMPARE(dropped.size(), 0);
@@ -297,10 +278,9 @@ void TestKeyedTree::theHighlightIsVisible()
 
 void TestKeyedTree::hoveringOverAClosedNodeOpensIt()
 {
-    QMimeData data;
-    data.setText(u"M-991231-001"_s);
+    Drag drag(*m_tree->viewport(), u"M-991231-001"_s);
     QVERIFY(!m_tree->isExpanded(m_tree->nodes().indexOf(4)));
-    QVERIFY(dragTo(at(4), data));
+    QVERIFY(drag.moveTo(at(4)));
     QTRY_VERIFY(m_tree->isExpanded(m_tree->nodes().indexOf(4)));
 }
 
