@@ -4,6 +4,8 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/event_log.h"
 
+#include <new>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -19,6 +21,8 @@ template <class Step> void onward(Step&& step)
         step();
     } catch (const Error&) {
         // The reporter is the last to be told; there is nobody to tell about its own failures.
+    } catch (const std::bad_alloc&) {
+        // Neither about a lack of memory, which may be what it is reporting.
     }
 }
 

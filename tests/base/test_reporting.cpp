@@ -90,6 +90,16 @@ private Q_SLOTS:
         QCOMPARE(eventLog.lines.size(), 1);
     }
 
+    void theLineIsWrittenEvenWhenThereIsNoMemoryForTheBox()
+    {
+        struct FailingDialogs : ScriptedDialogs {
+            Answer messageBox(const MessageBox&) override { throw std::bad_alloc(); }
+        } failing;
+        Reporting broken{failing, eventLog, clock};
+        ReportError(broken, 7, u"Main"_s);
+        QCOMPARE(eventLog.lines.size(), 1);
+    }
+
     void aFailureOfTheLogIsIgnored()
     {
         struct FailingLog : EventLog {

@@ -4,6 +4,7 @@
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/schema.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/test_world.h"
 #include "tests/support/window_probe.h"
@@ -34,17 +35,6 @@ inline const QString Ice = QStringLiteral("M-991231-002");
 inline const QString Book = QStringLiteral("R-991231-001");
 inline const QString Paper = QStringLiteral("R-991231-002");
 inline const QString Picture = QStringLiteral("F-991231-001");
-
-/// The box of the last resort: what an untrapped failure shows.
-inline MessageBox untrapped(const QString& description)
-{
-    return {.text = QStringLiteral("対処不能なエラーが発生しました。\r\n説明：") + description,
-            .title = QStringLiteral("Quillon 障害対策部")};
-}
-inline MessageBox untrapped(qint32 number)
-{
-    return untrapped(standardDescription(number));
-}
 
 /// Data windows over an open database, without the rest of the program: an empty window takes the place of the main
 /// window, whose tree is a list of nodes, and dialogs are scripted.

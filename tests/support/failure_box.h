@@ -15,7 +15,18 @@ inline MessageBox failureBox(const QString& location, qint32 number)
             .title = QStringLiteral("Quillon 障害対策部")};
 }
 
-/// What the reporter does about it, as a call log shows it while the clock of the tests stands still.
+/// The box of the last resort: what an untrapped failure shows.
+inline MessageBox untrapped(const QString& description)
+{
+    return {.text = QStringLiteral("対処不能なエラーが発生しました。\r\n説明：") + description,
+            .title = QStringLiteral("Quillon 障害対策部")};
+}
+inline MessageBox untrapped(qint32 number)
+{
+    return untrapped(standardDescription(number));
+}
+
+/// What the reporter does about a failure of `location`, as a call log shows it while the clock of the tests stands still.
 inline QStringList failureCalls(const QString& location, qint32 number)
 {
     return {messageBoxCall(failureBox(location, number).text),

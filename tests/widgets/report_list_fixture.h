@@ -1,5 +1,8 @@
 #pragma once
 
+#include "app/base/reporting.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_ports.h"
 #include "ui/widgets/report_list.h"
 
 #include <QLineEdit>
@@ -50,7 +53,7 @@ protected:
     void makeList()
     {
         m_window = std::make_unique<KeyNotingWindow>();
-        m_list = new ReportList(ReportColumns);
+        m_list = new ReportList(m_reporting, ReportColumns);
         m_other = new QLineEdit;
         auto* layout = new QVBoxLayout(m_window.get());
         layout->addWidget(m_list);
@@ -62,6 +65,14 @@ protected:
         m_list->setFocus();
         fill(*m_list, {QStringLiteral("りんご"), QStringLiteral("apple"), QStringLiteral("Banana"),
                        QStringLiteral("avocado"), QStringLiteral("水")});
+    }
+
+    /// Fails the test when a box has come that nobody expected, or has not come.
+    void takeDown()
+    {
+        QCOMPARE(m_dialogs.takeComplaints(), QStringList());
+        m_eventLog.lines.clear();
+        m_window.reset();
     }
 
     QPoint at(int row, int column = 0) const
@@ -87,6 +98,10 @@ protected:
         QCoreApplication::sendEvent(m_list->viewport(), &move);
     }
 
+    ScriptedDialogs m_dialogs;
+    MemoryEventLog m_eventLog;
+    FixedClock m_clock;
+    Reporting m_reporting{m_dialogs, m_eventLog, m_clock};
     std::unique_ptr<KeyNotingWindow> m_window;
     ReportList* m_list = nullptr;
     QLineEdit* m_other = nullptr;

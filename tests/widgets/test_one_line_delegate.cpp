@@ -68,7 +68,7 @@ private Q_SLOTS:
             names << randomName(random);
         fill(*m_list, names);
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { takeDown(); }
 
     void listsLookAsTheStyleDrawsThem_data();
     void listsLookAsTheStyleDrawsThem();

@@ -18,7 +18,7 @@ class TestReportList : public ReportListFixture
 
 private Q_SLOTS:
     void init() { makeList(); }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { takeDown(); }
 
     void aClickSelectsOneRow();
     void controlAndShiftSelectMore();

@@ -24,7 +24,7 @@ class TestReportListKeys : public ReportListFixture
 
 private Q_SLOTS:
     void init() { makeList(); }
-    void cleanup() { m_window.reset(); }
+    void cleanup() { takeDown(); }
 
     void arrowsMoveByRows();
     void homeAndEndGoToTheEnds();

@@ -65,7 +65,8 @@ void frmDataSelect::arrange()
     auto* middle = new QWidget(this);
     auto* rows = new QVBoxLayout(middle);
 
-    lsvData = new ReportList({{.header = u"名称"_s},
+    lsvData = new ReportList(session().reporting,
+                             {{.header = u"名称"_s},
                               {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"ＩＤ"_s},
                               {.header = u"下位分類"_s, .storage = ReportModel::Storage::Dictionary}},

@@ -70,7 +70,8 @@ void frmLinkList::arrange()
 {
     auto* middle = new QWidget(this);
     auto* rows = new QVBoxLayout(middle);
-    lsvLink = new ReportList({{.header = u"リンク元-名称"_s},
+    lsvLink = new ReportList(session().reporting,
+                             {{.header = u"リンク元-名称"_s},
                               {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"リンク先-名称"_s},
                               {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},

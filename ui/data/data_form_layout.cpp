@@ -1,3 +1,4 @@
+#include "store/session.h"
 #include "ui/data/data_form.h"
 
 #include "ui/widgets/described_controls.h"
@@ -31,7 +32,7 @@ void DataForm::buildFields()
 
 void DataForm::buildLists()
 {
-    lsvLink = new ReportList(m_design.linkColumns, this);
+    lsvLink = new ReportList(session().reporting, m_design.linkColumns, this);
     lsvLink->setObjectName(u"lsvLink"_s);
     lsvLink->setAccessibleName(u"リンク一覧"_s);
     lsvLink->setColumnCharacters({12, 5, 12});
@@ -39,7 +40,7 @@ void DataForm::buildLists()
     describe(lsvLink, m_design.linkToolTip);
     lsvLink->installEventFilter(this);
 
-    lsvCategory = new ReportList(m_design.categoryColumns, this);
+    lsvCategory = new ReportList(session().reporting, m_design.categoryColumns, this);
     lsvCategory->setObjectName(u"lsvCategory"_s);
     lsvCategory->setAccessibleName(u"分類一覧"_s);
     lsvCategory->setColumnCharacters({12, 8, 5});

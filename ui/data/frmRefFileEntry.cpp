@@ -84,7 +84,8 @@ void frmRefFileEntry::arrange()
     rows->addLayout(fields);
 
     lsvCategory = new ReportList(
-        {{.header = u"カテゴリ名"_s}, {.header = u"識別符号"_s}, {.header = u"位置"_s}}, middle);
+        session().reporting, {{.header = u"カテゴリ名"_s}, {.header = u"識別符号"_s}, {.header = u"位置"_s}},
+        middle);
     lsvCategory->setObjectName(u"lsvCategory"_s);
     lsvCategory->setAccessibleName(u"分類一覧"_s);
     lsvCategory->setColumnCharacters({24, 12, 8});

@@ -89,7 +89,8 @@ void frmMainMenu::buildControls()
     tvwCategory->setObjectName(u"tvwCategory"_s);
     tvwCategory->setAccessibleName(u"カテゴリツリー"_s);
 
-    lsvData = new ReportList({{u"名称"_s, ReportModel::Storage::Text},
+    lsvData = new ReportList(session().reporting,
+                             {{u"名称"_s, ReportModel::Storage::Text},
                               {u"種別"_s, ReportModel::Storage::Dictionary},
                               {u"ＩＤ"_s, ReportModel::Storage::Text},
                               {u"下位分類"_s, ReportModel::Storage::Dictionary}},

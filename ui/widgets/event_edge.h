@@ -4,19 +4,23 @@
 
 #include <QString>
 
+#include <new>
 #include <utility>
 
 namespace quillon
 {
 
 /// The one way from a Qt event to a handler of the program: a failure that the handler does not trap is shown and
-/// logged under the handler's name, and the program goes on. No `Error` ever leaves a slot or an event function.
+/// logged under the handler's name, and the program goes on. Neither an `Error` nor a lack of memory ever leaves a slot
+/// or an event function.
 template <class Handler> void handleEvent(Reporting& reporting, const QString& name, Handler&& handler)
 {
     try {
         std::forward<Handler>(handler)();
     } catch (const Error& error) {
         reportUntrapped(reporting, error, name);
+    } catch (const std::bad_alloc&) {
+        reportUntrapped(reporting, Error(errors::OutOfMemory), name);
     }
 }
 

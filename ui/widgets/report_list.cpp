@@ -1,5 +1,6 @@
 #include "ui/widgets/report_list.h"
 
+#include "ui/widgets/event_edge.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
 #include "ui/widgets/wait_cursor.h"
@@ -50,8 +51,8 @@ int rowsIn(const QItemSelection& selection)
 
 } // namespace
 
-ReportList::ReportList(const std::vector<ReportModel::Column>& columns, QWidget* parent)
-    : QTableView(parent), m_model(new ReportModel(columns, this))
+ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Column>& columns, QWidget* parent)
+    : QTableView(parent), m_reporting(reporting), m_model(new ReportModel(columns, this))
 {
     setModel(m_model);
     delete selectionModel();
@@ -81,7 +82,9 @@ ReportList::ReportList(const std::vector<ReportModel::Column>& columns, QWidget*
     header->setSectionsClickable(true);
     header->setSectionResizeMode(QHeaderView::Interactive);
     header->setStretchLastSection(false);
-    connect(header, &QHeaderView::sectionClicked, this, &ReportList::sortBy);
+    connect(header, &QHeaderView::sectionClicked, this, [this](int column) {
+        handleEvent(m_reporting, objectName() + u"_ColumnClick"_s, [&] { sortBy(column); });
+    });
     connect(m_model, &QAbstractItemModel::modelReset, this, &ReportList::endSorting);
     connect(m_model, &QAbstractItemModel::rowsInserted, this, &ReportList::endSorting);
     connect(m_model, &ReportModel::scatteredRowsAboutToBeRemoved, this,

@@ -12,14 +12,18 @@
 namespace quillon
 {
 
+struct Reporting;
+
 /// A report-style list: whole rows, uniform heights, column headers that sort.
-/// Typing goes to the next row whose first column begins with the typed text.
+/// Typing goes to the next row whose first column begins with the typed text. A failure of sorting is reported as one of
+/// the list's "_ColumnClick" and leaves the rows as they were.
 class ReportList : public QTableView
 {
     Q_OBJECT
 
 public:
-    explicit ReportList(const std::vector<ReportModel::Column>& columns, QWidget* parent = nullptr);
+    ReportList(Reporting& reporting, const std::vector<ReportModel::Column>& columns,
+               QWidget* parent = nullptr);
 
     ReportModel& rows() const { return *m_model; }
 
@@ -85,6 +89,7 @@ private:
     void endSorting();
     int heightOfRows() const;
 
+    Reporting& m_reporting;
     ReportModel* m_model;
     PressedKeys m_pressedKeys;
     std::vector<int> m_characters;

@@ -3,6 +3,7 @@
 #include "ui/widgets/text_ranks.h"
 
 #include <QMimeData>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <numeric>
@@ -200,6 +201,8 @@ void ReportModel::sortByColumn(int column)
 void ReportModel::reorder(std::vector<quint32>&& order)
 {
     Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    // The views must hear of the end even when there is no memory to follow their rows.
+    const auto told = qScopeGuard([this] { Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint); });
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     if (!before.isEmpty()) {
@@ -213,7 +216,6 @@ void ReportModel::reorder(std::vector<quint32>&& order)
     }
     m_order = std::move(order);
     changePersistentIndexList(before, after);
-    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
 void ReportModel::removeRowsAt(std::vector<int> rows)
