@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <limits>
 #include <stdexcept>
@@ -66,11 +67,11 @@ void measureAt(std::size_t column, const QString& corpora, std::vector<Growth>& 
     if (!QFile::copy(kept, copy) || !reachDisk(copy))
         throw std::runtime_error("a corpus cannot be copied");
     Everyday everyday(copy);
-    const Task tasks[] = {
+    const std::array tasks = {
         everyday.openingAndListing(),    everyday.sorting(),     everyday.buildingTree(),
         everyday.listingUncategorised(), everyday.firstSearch(), everyday.furtherSearch(),
         everyday.listingLinks(),         everyday.openingItem(), everyday.registeringItem()};
-    operations.resize(std::size(tasks));
+    operations.resize(tasks.size());
     for (std::size_t i = 0; i < operations.size(); ++i) {
         operations[i].operation = tasks[i].name;
         operations[i].seconds[column] = fastestSeconds(tasks[i]);

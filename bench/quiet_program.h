@@ -63,6 +63,8 @@ class QuietProgram
 public:
     QuietProgram();
     ~QuietProgram();
+    QuietProgram(const QuietProgram&) = delete;
+    QuietProgram& operator=(const QuietProgram&) = delete;
 
     Session& session() { return m_program.session(); }
     NoDialogs& dialogs() { return m_dialogs; }

@@ -24,7 +24,7 @@ int mostChildren(Random& random)
 
 QChar letter(int child)
 {
-    return QChar(static_cast<char16_t>(u'A' + child));
+    return {static_cast<char16_t>(u'A' + child)};
 }
 
 } // namespace
@@ -35,7 +35,7 @@ CategoryPlan::CategoryPlan(int count, Random random)
     const int topLevel = std::clamp(count / 140, std::min(count, 12), 48);
     std::vector<Open> open;
     for (int top = 0; top < topLevel; ++top) {
-        m_identifiers.push_back(letter(top));
+        m_identifiers.emplace_back(letter(top));
         open.push_back({top, 1, 0, mostChildren(random)});
     }
     while (size() < count) {

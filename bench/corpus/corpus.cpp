@@ -210,9 +210,8 @@ void makeMemberships(const Options& options, const Items& items, const CategoryP
 
 QString refusal(const Options& options)
 {
-    const int counts[] = {options.definitions, options.documents,  options.documentMegabytes, options.files,
-                          options.links,       options.categories, options.memberships};
-    if (*std::min_element(std::begin(counts), std::end(counts)) < 0)
+    if (std::min({options.definitions, options.documents, options.documentMegabytes, options.files,
+                  options.links, options.categories, options.memberships}) < 0)
         return u"a count is negative"_s;
     for (const int count : {options.definitions, options.documents, options.files}) {
         if (count > ItemPlan::capacity())

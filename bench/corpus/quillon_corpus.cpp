@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <array>
 #include <cstdio>
 
 using namespace Qt::Literals::StringLiterals;
@@ -29,7 +30,7 @@ int main(int argc, char* argv[])
         QString description;
         int* value;
     };
-    const Count counts[] = {
+    const auto counts = std::to_array<Count>({
         {u"definitions"_s, u"Definition data."_s, &options.definitions},
         {u"documents"_s, u"Reference documents."_s, &options.documents},
         {u"document-megabytes"_s, u"Text of all documents, in millions of bytes of UTF-8."_s,
@@ -38,7 +39,7 @@ int main(int argc, char* argv[])
         {u"categories"_s, u"Categories."_s, &options.categories},
         {u"links"_s, u"Links."_s, &options.links},
         {u"memberships"_s, u"Classifications of data."_s, &options.memberships},
-    };
+    });
 
     QCommandLineParser parser;
     parser.setApplicationDescription(

@@ -101,7 +101,7 @@ const QString& TextMaker::noun(Random& random) const
     return m_nouns[static_cast<std::size_t>(rank)];
 }
 
-QString TextMaker::term(Random& random) const
+QString TextMaker::term(Random& random)
 {
     const Vocabulary& words = vocabulary();
     const auto simple = [&]() -> const QString& {

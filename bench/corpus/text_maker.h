@@ -26,7 +26,7 @@ public:
 
 private:
     const QString& noun(Random& random) const;
-    QString term(Random& random) const;
+    static QString term(Random& random);
     void appendPattern(Random& random, const QString& pattern, QString& text) const;
 
     std::vector<QString> m_nouns;     // by rank, the most frequent first
