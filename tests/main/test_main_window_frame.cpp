@@ -10,6 +10,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QProgressBar>
+#include <QStatusBar>
 #include <QTest>
 #include <QWindow>
 
@@ -77,7 +78,7 @@ private Q_SLOTS:
             QCOMPARE(list->y(), pixelsFromTwips(50));
             QVERIFY(qAbs(list->width() - pixelsFromTwips(width / 1.5 - 100)) <= 1);
             QCOMPARE(list->height(), tree->height());
-            QVERIFY(tree->height() <= pixelsFromTwips(height - 1000));
+            QCOMPARE(tree->height(), pixelsFromTwips(height - 1000));
             QCOMPARE(handle->y(), pixelsFromTwips(200));
             // Nothing reaches below the surface or behind the status bar.
             QVERIFY(tree->geometry().bottom() < window->centralWidget()->height());
@@ -91,14 +92,47 @@ private Q_SLOTS:
         QVERIFY(progress->isHidden());
         QCOMPARE(progress->x(), pixelsFromTwips(50));
         QCOMPARE(progress->width(), pixelsFromTwips(outerWidth() - 150));
+        QCOMPARE(progress->y(), pixelsFromTwips(twipsFromPixels(window->frameSize().height()) - 1000));
         QVERIFY(progress->geometry().bottom() < window->centralWidget()->height());
+    }
+
+    void tallStatusBarHidesNeitherThePanesNorTheProgressBar()
+    {
+        window->statusBar()->setFixedHeight(150);
+        WindowWorld::processEvents();
+        const int room = window->centralWidget()->height();
+        for (const QWidget* pane : {static_cast<QWidget*>(tree), static_cast<QWidget*>(list)}) {
+            const int below = room - (pane->geometry().bottom() + 1);
+            QVERIFY(below >= 3 && below <= 4); // 50 twips
+        }
+        const auto* progress = WindowWorld::control<QProgressBar>(*window, u"pgbMain"_s);
+        QCOMPARE(progress->geometry().bottom() + 1, room);
+        QCOMPARE(progress->height(), 16); // 240 twips
     }
 
     void cannotBeMadeSmallerThanItsLeastSize()
     {
         window->resize(100, 100);
         WindowWorld::processEvents();
-        QCOMPARE(window->frameSize(), QSize(pixelsFromTwips(8000), pixelsFromTwips(6000)));
+        QCOMPARE(window->frameSize(), QSize(533, 400)); // 8000 and 6000 twips
+    }
+
+    void lengthsAreInPixelsOfFifteenTwips()
+    {
+        window->resize(QSize(1000, 700) - (window->frameSize() - window->size()));
+        WindowWorld::processEvents();
+        QCOMPARE(tree->geometry(), QRect(3, 3, 320, 633));
+        QCOMPARE(list->geometry(), QRect(328, 3, 660, 633));
+        QCOMPARE(handle->y(), 13);
+        drag(6000, true);
+        QCOMPARE(tree->width(), 400);
+        QCOMPARE(list->geometry(), QRect(407, 3, 583, 633));
+    }
+
+    void treeHasTheFocusFirst()
+    {
+        window->activateWindow();
+        QTRY_COMPARE(QApplication::focusWidget(), tree);
     }
 
     void barStopsFiveHundredFromTheEdgesWhileDragging()
@@ -237,6 +271,21 @@ private Q_SLOTS:
         QVERIFY(compareText(panels[3]->toolTip(), u"現在の時刻を表示します。"));
         for (const QLabel* panel : panels)
             QCOMPARE(panel->accessibleDescription(), panel->toolTip());
+    }
+
+    void statusPanelsHaveTheirWidths()
+    {
+        const auto panels =
+            WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->findChildren<QLabel*>();
+        const int wanted[] = {578, 235, 141, 141}; // 8670, 3528, 2117 and 2117 twips
+        for (int panel = 0; panel < 4; ++panel)
+            QCOMPARE(panels[panel]->sizeHint().width(), wanted[panel]);
+        QCOMPARE(panels[0]->minimumSizeHint().width(), 82); // 1235 twips
+        window->resize(1300, 700);
+        WindowWorld::processEvents();
+        for (int panel = 1; panel < 4; ++panel)
+            QCOMPARE(panels[panel]->width(), wanted[panel]);
+        QVERIFY(panels[0]->width() > 578); // the first takes what the others leave
     }
 
     void mouseShowsItsHints()
