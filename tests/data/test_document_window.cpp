@@ -1,4 +1,3 @@
-#include "app/base/twips.h"
 #include "core/form_mode.h"
 #include "tests/data/form_world.h"
 #include "tests/support/drag.h"
@@ -178,12 +177,12 @@ private Q_SLOTS:
     void windowCannotBeMadeSmallerThanItsLeastSize()
     {
         auto& form = world->beginRegistration<frmRefDoc>();
-        form.resize(pixelsFromTwips(5000), pixelsFromTwips(5000));
+        form.resize(333, 333); // 5000 twips
         FormWorld::processEvents();
-        QCOMPARE(form.frameSize(), QSize(pixelsFromTwips(7000), pixelsFromTwips(7000)));
-        form.resize(pixelsFromTwips(5000), 600);
+        QCOMPARE(form.frameSize(), QSize(467, 467)); // 7000 twips
+        form.resize(333, 600);
         FormWorld::processEvents();
-        QCOMPARE(form.frameSize().width(), pixelsFromTwips(7000));
+        QCOMPARE(form.frameSize().width(), 467);
         QCOMPARE(form.size().height(), 600);
     }
 
