@@ -112,7 +112,7 @@ private:
     void fill()
     {
         QProgressBar bar;
-        FillProgress progress(bar);
+        FillProgress progress(bar, m_program.session().clock);
         DataListFiller filler(m_program.session(), m_rows, progress);
         filler.CreateDataListMain(m_program.session().RsMain, false, {});
         filler.CreateDataListMain(m_program.session().RsRefDoc, true, {});

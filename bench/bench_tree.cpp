@@ -23,7 +23,8 @@ namespace
 class TreeBuild
 {
 public:
-    TreeBuild(Corpus corpus, int categories) : m_categories(categories), m_progress(m_bar)
+    TreeBuild(Corpus corpus, int categories)
+        : m_categories(categories), m_progress(m_bar, m_program.session().clock)
     {
         m_program.open(corpusPath(corpus), false);
         m_tree.resize(300, 600);

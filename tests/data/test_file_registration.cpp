@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProgressBar>
 
 #include <sys/stat.h>
 
@@ -205,6 +206,32 @@ private Q_SLOTS:
         verifyNothingHappened(pathOf(u"missing.txt"_s));
     }
 
+    void longCopyShowsThatTheProgramIsAtWork()
+    {
+        constexpr int Piece = 1 << 20; // so much is copied from one report to the next
+        begin();
+        auto* bar = form->findChild<QProgressBar*>(u"pgbCopy"_s);
+        QStringList seen;
+        world->files.whileCopying = [&] {
+            const QCursor* cursor = QApplication::overrideCursor();
+            seen << u"%1 %2 of %3%4"_s.arg(bar->isVisible() ? u"shown"_s : u"hidden"_s)
+                        .arg(bar->value())
+                        .arg(bar->maximum())
+                        .arg(cursor != nullptr && cursor->shape() == Qt::WaitCursor ? u" waiting"_s
+                                                                                    : QString());
+            world->clock.time = world->clock.time.addMSecs(seen.size() == 1 ? 32 : seen.size() == 2 ? 1 : 33);
+        };
+        world->dialogs.expect(Registered);
+        world->dialogs.meanwhile([&] {
+            QVERIFY(bar->isHidden());
+            QVERIFY(QApplication::overrideCursor() == nullptr);
+        });
+        registerPath(write(u"a.bin"_s, QByteArray(4 * Piece, 'a')));
+        QCOMPARE(seen, QStringList({u"hidden -1 of 100 waiting"_s, u"hidden -1 of 100 waiting"_s,
+                                    u"shown 750 of 1000 waiting"_s, u"shown 1000 of 1000 waiting"_s}));
+        QVERIFY(form.isNull());
+    }
+
     void failingCopyIsToldAndWritesNothing_data()
     {
         QTest::addColumn<int>("number");
@@ -218,10 +245,18 @@ private Q_SLOTS:
         QFETCH(int, number);
         const QString path = write(u"a.txt"_s, "a");
         world->files.copyFailure = number;
+        begin();
+        const auto* bar = form->findChild<QProgressBar*>(u"pgbCopy"_s);
         bool showedWork = false;
-        world->files.whileCopying = [&] { showedWork = QApplication::overrideCursor() != nullptr; };
+        world->files.whileCopying = [&] {
+            showedWork = bar->isVisible() && QApplication::overrideCursor() != nullptr;
+            world->clock.time = world->clock.time.addMSecs(33);
+        };
         world->dialogs.expect(failure(number));
-        world->dialogs.meanwhile([] { QVERIFY(QApplication::overrideCursor() == nullptr); });
+        world->dialogs.meanwhile([bar] {
+            QVERIFY(bar->isHidden());
+            QVERIFY(QApplication::overrideCursor() == nullptr);
+        });
         registerPath(path);
         QVERIFY(showedWork);
         QVERIFY(world->eventLog.lines.isEmpty()); // the window tells by itself

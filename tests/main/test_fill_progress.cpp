@@ -43,6 +43,7 @@ class TestFillProgress : public MainWindowFixture
     Q_OBJECT
 
     QProgressBar* bar = nullptr;
+    FixedClock clock;
 
     void openAndWatch()
     {
@@ -62,7 +63,7 @@ private Q_SLOTS:
     {
         QProgressBar shown;
         shown.hide();
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         progress.start(1000);
         QVERIFY(shown.isVisible());
         QCOMPARE(shown.minimum(), 0);
@@ -90,9 +91,9 @@ private Q_SLOTS:
             return around.screen()->grabWindow(around.winId()).toImage().pixelColor(20, 25);
         };
         const QColor before = onScreen();
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         progress.start(1024);
-        QTest::qSleep(300); // until a bar is worth painting
+        clock.time = clock.time.addMSecs(250); // until a bar is worth painting
         for (int row = 0; row < 1023; ++row)
             progress.advance();
         QVERIFY(onScreen() != before);
@@ -100,11 +101,54 @@ private Q_SLOTS:
         QCOMPARE(onScreen(), before);
     }
 
+    void barIsPaintedNowAndThen()
+    {
+        QProgressBar shown;
+        FillProgress progress(shown, clock);
+        progress.start(10'000);
+        const auto valueAfter = [&](int milliseconds) {
+            clock.time = clock.time.addMSecs(milliseconds);
+            for (int row = 0; row < 512; ++row) // of so many one looks at the clock
+                progress.advance();
+            return shown.value();
+        };
+        QCOMPARE(valueAfter(249), 0);
+        QCOMPARE(valueAfter(1), 1024);
+        QCOMPARE(valueAfter(99), 1024);
+        QCOMPARE(valueAfter(1), 2048);
+        QCOMPARE(valueAfter(100), 2560);
+    }
+
+    void secondFillStartsFromNothing()
+    {
+        QProgressBar shown;
+        FillProgress progress(shown, clock);
+        const auto work = [&](int milliseconds) {
+            clock.time = clock.time.addMSecs(milliseconds);
+            for (int row = 0; row < 512; ++row)
+                progress.advance();
+        };
+        for (int fill = 0; fill < 3; ++fill) {
+            progress.start(10'000);
+            QCOMPARE(shown.value(), 0);
+            work(249);
+            QCOMPARE(shown.value(), 0);
+            work(1);
+            QCOMPARE(shown.value(), 1024);
+            if (fill == 1)
+                progress.finish(); // the first one never ends
+        }
+        progress.prepare(5000);
+        QCOMPARE(shown.value(), 0);
+        work(250);
+        QCOMPARE(shown.value(), 512);
+    }
+
     void preparingDoesNotShowTheBar()
     {
         QProgressBar shown;
         shown.hide();
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         progress.prepare(7);
         progress.advance();
         QVERIFY(!shown.isVisible());
@@ -115,7 +159,7 @@ private Q_SLOTS:
     void preparingDoesNotHideTheBarEither()
     {
         QProgressBar shown;
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         progress.start(7);
         progress.prepare(9);
         QVERIFY(shown.isVisible());
@@ -125,7 +169,7 @@ private Q_SLOTS:
     void barIsHiddenHoweverTheWorkEnds()
     {
         QProgressBar shown;
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         try {
             const FillProgress::Showing showing(progress, 3);
             QVERIFY(shown.isVisible());
@@ -138,7 +182,7 @@ private Q_SLOTS:
     void moreRowsThanABarCanCountAreItsGreatestNumber()
     {
         QProgressBar shown;
-        FillProgress progress(shown);
+        FillProgress progress(shown, clock);
         progress.start(qint64(1) << 40);
         QCOMPARE(shown.maximum(), std::numeric_limits<int>::max());
     }

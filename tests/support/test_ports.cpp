@@ -46,7 +46,8 @@ void RealFiles::copyInto(const QString& source, const QString& folder, const QSt
             whileCopying();
     };
     if (copyFailure != 0) {
-        watched(0, 1);
+        watched(0, 2);
+        watched(1, 2);
         throw Error(copyFailure);
     }
     SystemFiles::copyInto(source, folder, name, watched);

@@ -47,6 +47,7 @@ public:
     QDateTime now() const override { return time; }
     QString shortDate() const override { return time.date().toString(u"yyyy/MM/dd"); }
     QString shortTime() const override { return time.time().toString(u"HH:mm"); }
+    qint64 milliseconds() const override { return time.toMSecsSinceEpoch(); }
     QString identifierDate() const override { return dateText.isNull() ? Clock::identifierDate() : dateText; }
 
     QDateTime time{QDate(1999, 12, 31), QTime(23, 45, 6)};

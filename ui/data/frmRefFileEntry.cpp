@@ -8,12 +8,12 @@
 #include "ui/data/category_rows.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/paint_pace.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/wait_cursor.h"
 
 #include <QAction>
 #include <QBoxLayout>
-#include <QElapsedTimer>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -194,14 +194,14 @@ FileRegistration frmRefFileEntry::copyAndWrite()
     if (const auto categories = categoryRows(); !categories.empty())
         entry.category = categories.front().identifier; // of several only the first
     std::optional<WaitCursor> cursor;
-    QElapsedTimer sincePaint;
+    constexpr qint64 PaintInterval = 33; // milliseconds
+    PaintPace pace(session().clock, {.first = PaintInterval, .next = PaintInterval});
     const auto progress = [&](qint64 done, qint64 total) {
         if (!cursor) {
             cursor.emplace();
-            sincePaint.start();
+            pace.start();
         }
-        constexpr qint64 PaintInterval = 33; // milliseconds
-        if (sincePaint.elapsed() < PaintInterval)
+        if (!pace.isDue())
             return;
         constexpr int Steps = 1000;
         m_progress->setRange(0, Steps);
@@ -209,7 +209,6 @@ FileRegistration frmRefFileEntry::copyAndWrite()
         m_progress->show();
         centralWidget()->layout()->activate();
         m_progress->repaint();
-        sincePaint.restart();
     };
     const auto finish = qScopeGuard([this] { m_progress->hide(); });
     return RegisterFile(session(), entry, progress);

@@ -11,11 +11,10 @@ namespace quillon
 namespace
 {
 // Most lists are there before anybody could read a bar, and painting it takes longer than many rows.
-constexpr qint64 MillisecondsBeforePaint = 250;
-constexpr qint64 MillisecondsBetweenPaints = 100;
+constexpr PaintPace::Times PaintTimes{.first = 250, .next = 100};
 } // namespace
 
-FillProgress::FillProgress(QProgressBar& bar) : m_bar(bar) {}
+FillProgress::FillProgress(QProgressBar& bar, const Clock& clock) : m_bar(bar), m_pace(clock, PaintTimes) {}
 
 void FillProgress::start(qint64 maximum)
 {
@@ -26,10 +25,9 @@ void FillProgress::start(qint64 maximum)
 void FillProgress::prepare(qint64 maximum)
 {
     m_done = 0;
-    m_painted = false;
     m_bar.setRange(0, static_cast<int>(std::min<qint64>(maximum, std::numeric_limits<int>::max())));
     m_bar.setValue(0);
-    m_sincePaint.start();
+    m_pace.start();
 }
 
 void FillProgress::finish()
@@ -43,10 +41,8 @@ void FillProgress::finish()
 
 void FillProgress::paintNowAndThen()
 {
-    if (m_sincePaint.elapsed() < (m_painted ? MillisecondsBetweenPaints : MillisecondsBeforePaint))
+    if (!m_pace.isDue())
         return;
-    m_painted = true;
-    m_sincePaint.restart();
     m_bar.setValue(static_cast<int>(std::min<qint64>(m_done, m_bar.maximum())));
     // Painted at once: the event loop gets no turn while a list is being filled.
     if (m_bar.isVisible())

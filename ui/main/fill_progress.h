@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include "ui/widgets/paint_pace.h"
 
 class QProgressBar;
 
@@ -12,7 +12,7 @@ namespace quillon
 class FillProgress
 {
 public:
-    explicit FillProgress(QProgressBar& bar);
+    FillProgress(QProgressBar& bar, const Clock& clock);
 
     /// Shows the bar from 0 to `maximum` steps.
     void start(qint64 maximum);
@@ -43,9 +43,8 @@ private:
     void paintNowAndThen();
 
     QProgressBar& m_bar;
-    QElapsedTimer m_sincePaint;
+    PaintPace m_pace;
     qint64 m_done = 0;
-    bool m_painted = false;
 };
 
 } // namespace quillon

@@ -64,7 +64,7 @@ frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
     buildMenus();
     connectTree();
     connectList();
-    m_progress = std::make_unique<FillProgress>(*pgbMain);
+    m_progress = std::make_unique<FillProgress>(*pgbMain, session.clock);
     m_filler = std::make_unique<DataListFiller>(session, lsvData->rows(), *m_progress);
     session.setMainWindow(this);
     keepAtLeast(metrics::LeastWidth, metrics::LeastHeight);

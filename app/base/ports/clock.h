@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include <chrono>
+
 namespace quillon
 {
 
@@ -19,6 +21,12 @@ public:
     virtual QString shortTime() const = 0;
     /// The date as identifiers take it: yy/mm/dd, on every platform.
     virtual QString identifierDate() const { return now().date().toString(u"yy/MM/dd"); }
+    /// Milliseconds since some moment, which go on evenly whatever becomes of the date.
+    virtual qint64 milliseconds() const
+    {
+        using namespace std::chrono;
+        return duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch()).count();
+    }
 };
 
 } // namespace quillon
