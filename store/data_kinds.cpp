@@ -4,8 +4,6 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -67,11 +65,11 @@ const DataKind* kindOf(QStringView identifier)
 {
     if (identifier.isEmpty())
         return nullptr;
-    const auto& kinds = data_kinds::all();
-    const QChar letter = identifier.front();
-    const auto found = std::find_if(kinds.begin(), kinds.end(),
-                                    [letter](const DataKind& kind) { return kind.letter == letter; });
-    return found != kinds.end() ? &*found : nullptr;
+    for (const DataKind& kind : data_kinds::all()) {
+        if (kind.letter == identifier.front())
+            return &kind;
+    }
+    return nullptr;
 }
 
 const DataKind* kindWithLetter(QStringView text)
