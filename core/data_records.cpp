@@ -116,7 +116,7 @@ bool DeleteData(Session& session, const QString& identifier, qint16 mode)
         }
         RecordSet& rows = dataTableOf(session, identifier);
         if (rows.goTo(data_field::Object_ID, identifier)) {
-            const QString name = rows.field(0);
+            const QString name = rows.field(data_field::Name);
             rows.deleteRow();
             deleted = true;
             if (tells(mode))

@@ -24,7 +24,7 @@ void ShowRefFile(Session& session, const QString& identifier)
             throw Error(errors::NoCurrentRecord);
         const QString folder = session.inCurrentFolder(titles::FileFolder);
         // Registration writes the file's name into the first field; the third one may name another file.
-        const QString names[] = {rows.field(2), rows.field(0)};
+        const QString names[] = {rows.field(data_field::Explanation), rows.field(data_field::Name)};
         const auto refuse = [&](const QString& text) {
             session.dialogs.messageBox({.text = text, .title = titles::SystemAudit});
         };
