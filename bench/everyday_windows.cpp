@@ -24,7 +24,8 @@ namespace
 
 // About one datum in a thousand has it.
 const QString SearchedText = u"蒸留水"_s;
-const QString Definition = u"水を熱して得た蒸気を冷やし、再び液体にしたもの。不純物をほとんど含まない。\n"_s;
+const QString TypedDefinition =
+    u"水を熱して得た蒸気を冷やし、再び液体にしたもの。不純物をほとんど含まない。\n"_s;
 
 void press(QWidget& widget, int key, const QString& text)
 {
@@ -131,7 +132,7 @@ Task Everyday::registeringItem()
                     m_painted.forget();
                     DataWindow& datum = definitionWindow();
                     datum.setFieldText(0, u"蒸留水の製法"_s);
-                    datum.setFieldText(2, Definition);
+                    datum.setFieldText(2, TypedDefinition);
                     control<QAction>(u"frmMainData"_s, u"mnuDataEntry"_s).trigger();
                     awaitPainting(contentField());
                 },
@@ -150,7 +151,7 @@ Task Everyday::typingKey()
                 [this] {
                     closeOtherWindows();
                     m_program->mainWindow().mnuEntryMain_Click();
-                    definitionWindow().setFieldText(2, Definition);
+                    definitionWindow().setFieldText(2, TypedDefinition);
                     contentField().setFocus();
                     settle();
                 },
@@ -162,7 +163,8 @@ Task Everyday::typingKey()
             .check =
                 [this] {
                     const auto& field = contentField();
-                    require(field.toPlainText().size() == Definition.size() + 1 && m_painted.contains(field),
+                    require(field.toPlainText().size() == TypedDefinition.size() + 1 &&
+                                m_painted.contains(field),
                             "the key was not taken");
                     definitionWindow().setFieldText(2, {}); // an empty window closes without a question
                 }};

@@ -4,6 +4,7 @@
 #include <QSet>
 
 #include <span>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -204,12 +205,17 @@ private:
         if (at(u";"))
             ++m_at;
         made.slot = inSlots && made.function;
+        keep(std::move(made), m_tokens.subspan(begin, m_at - begin));
+    }
+
+    /// What has no name declares nothing that anybody could use.
+    void keep(Declaration made, Tokens tokens)
+    {
         if (made.name.isEmpty())
             return;
-        const Tokens tokens = m_tokens.subspan(begin, m_at - begin);
         made.texts = textsOf(tokens);
         made.words = wordsOf(tokens);
-        m_found.push_back(made);
+        m_found.push_back(std::move(made));
     }
 
     Tokens m_tokens;
