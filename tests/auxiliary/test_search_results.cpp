@@ -94,7 +94,7 @@ private Q_SLOTS:
         QTest::newRow("question mark that is no wildcard") << u"?"_s << u"？"_s;
         QTest::newRow("star that is no wildcard") << u"*"_s << u"＊"_s;
         QTest::newRow("outside the basic plane") << u"𠮷"_s << u"𠮷"_s;
-        const QString pairs[] = {u"—―"_s, u"〜～"_s, u"‖∥"_s, u"−－"_s, u"¢￠"_s, u"£￡"_s, u"¬￢"_s};
+        const QStringList pairs = {u"—―"_s, u"〜～"_s, u"‖∥"_s, u"−－"_s, u"¢￠"_s, u"£￡"_s, u"¬￢"_s};
         for (const QString& pair : pairs) {
             const QString one = pair.left(1);
             const QString other = pair.right(1);

@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -102,8 +104,8 @@ private Q_SLOTS:
             if (lead >= 0xA0 && lead <= 0xDF)
                 continue;
             for (int trail = 0x40; trail <= 0xFC; ++trail) {
-                const char bytes[] = {static_cast<char>(lead), static_cast<char>(trail)};
-                const auto text = platform::decode932(QByteArrayView(bytes, 2));
+                const std::array bytes = {static_cast<char>(lead), static_cast<char>(trail)};
+                const auto text = platform::decode932(QByteArrayView(bytes));
                 if (!text || text->size() != 1)
                     continue;
                 ++characters;

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <array>
+
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
 #include <unistd.h>
@@ -134,10 +136,10 @@ private Q_SLOTS:
 
     void argumentsKeepEveryCharacter()
     {
-        char program[] = "quillon";
-        char name[] = "水 'x' \"y\".mdb";
-        char* words[] = {program, name, nullptr};
-        QCOMPARE(platform::arguments(2, words), QStringList({u"quillon"_s, u"水 'x' \"y\".mdb"_s}));
+        QByteArray program = "quillon";
+        QByteArray name = "水 'x' \"y\".mdb";
+        std::array<char*, 3> words = {program.data(), name.data(), nullptr};
+        QCOMPARE(platform::arguments(2, words.data()), QStringList({u"quillon"_s, u"水 'x' \"y\".mdb"_s}));
     }
 #endif
 };

@@ -277,7 +277,7 @@ private Q_SLOTS:
     {
         const auto panels =
             WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->findChildren<QLabel*>();
-        const int wanted[] = {578, 235, 141, 141}; // 8670, 3528, 2117 and 2117 twips
+        const QList<int> wanted = {578, 235, 141, 141}; // 8670, 3528, 2117 and 2117 twips
         for (int panel = 0; panel < 4; ++panel)
             QCOMPARE(panels[panel]->sizeHint().width(), wanted[panel]);
         QCOMPARE(panels[0]->minimumSizeHint().width(), 82); // 1235 twips

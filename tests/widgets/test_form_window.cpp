@@ -359,12 +359,12 @@ void TestFormWindow::menuBarShowsWhatHasChanged()
     QMainWindow plainWindow; // with the same changes, as the toolkit has it
     QMenuBar& plain = *plainWindow.menuBar();
     plain.setNativeMenuBar(false);
-    QMenu* menus[2];
-    QAction* entries[2];
+    QList<QMenu*> menus;
+    QList<QAction*> entries;
     for (int i = 0; i < 2; ++i) {
         const QString name = u"mnu%1"_s.arg(i);
-        menus[i] = window->addMenu(name, u"データ(&%1)"_s.arg(i));
-        entries[i] = plain.addMenu(u"データ(&%1)"_s.arg(i))->menuAction();
+        menus << window->addMenu(name, u"データ(&%1)"_s.arg(i));
+        entries << plain.addMenu(u"データ(&%1)"_s.arg(i))->menuAction();
     }
     for (QMainWindow* shown : {static_cast<QMainWindow*>(window), &plainWindow}) {
         shown->resize(400, 200);
@@ -379,18 +379,18 @@ void TestFormWindow::menuBarShowsWhatHasChanged()
     };
     bothLookAlike();
     for (const bool enabled : {false, true, false}) {
-        menus[0]->menuAction()->setEnabled(enabled);
-        entries[0]->setEnabled(enabled);
+        menus.first()->menuAction()->setEnabled(enabled);
+        entries.first()->setEnabled(enabled);
         bothLookAlike();
     }
-    menus[0]->setTitle(u"とても長い名前(&L)"_s);
-    entries[0]->setText(u"とても長い名前(&L)"_s);
+    menus.first()->setTitle(u"とても長い名前(&L)"_s);
+    entries.first()->setText(u"とても長い名前(&L)"_s);
     bothLookAlike();
-    menus[1]->menuAction()->setVisible(false);
-    entries[1]->setVisible(false);
+    menus.last()->menuAction()->setVisible(false);
+    entries.last()->setVisible(false);
     bothLookAlike();
-    menus[1]->menuAction()->setVisible(true);
-    entries[1]->setVisible(true);
+    menus.last()->menuAction()->setVisible(true);
+    entries.last()->setVisible(true);
     bothLookAlike();
 }
 
