@@ -10,6 +10,7 @@
 
 #include <QProgressBar>
 
+#include <array>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,8 +21,8 @@ namespace quillon::bench
 namespace
 {
 
-constexpr const char* AllData[] = {"SELECT Name, Object_ID FROM Main", "SELECT Name, Object_ID FROM RefDoc",
-                                   "SELECT Name, Object_ID FROM RefFile"};
+constexpr std::array AllData = {"SELECT Name, Object_ID FROM Main", "SELECT Name, Object_ID FROM RefDoc",
+                                "SELECT Name, Object_ID FROM RefFile"};
 
 void readAllData(const QString& path)
 {

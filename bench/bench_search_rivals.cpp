@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <array>
 #include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
@@ -79,9 +80,9 @@ void againstRipgrep(benchmark::State& state)
 }
 BENCHMARK(againstRipgrep)->UseManualTime()->Iterations(3);
 
-constexpr const char* AllWithText[] = {"SELECT rowid FROM Main WHERE Name LIKE ?1 OR Explanation LIKE ?1",
-                                       "SELECT rowid FROM RefDoc WHERE Name LIKE ?1 OR Explanation LIKE ?1",
-                                       "SELECT rowid FROM RefFile WHERE Name LIKE ?1 OR Explanation LIKE ?1"};
+constexpr std::array AllWithText = {"SELECT rowid FROM Main WHERE Name LIKE ?1 OR Explanation LIKE ?1",
+                                    "SELECT rowid FROM RefDoc WHERE Name LIKE ?1 OR Explanation LIKE ?1",
+                                    "SELECT rowid FROM RefFile WHERE Name LIKE ?1 OR Explanation LIKE ?1"};
 
 void againstLike(benchmark::State& state)
 {

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <memory>
 #include <stdexcept>
 
@@ -33,9 +34,9 @@ void runProgram(const QString& name, const QString& folder)
     for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) // what the platform without a screen remarks
         posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
     QByteArray word = path; // its own copy: the system's interface asks for writable words
-    char* words[] = {word.data(), nullptr};
+    std::array<char*, 2> words = {word.data(), nullptr};
     pid_t child = 0;
-    const int failure = posix_spawn(&child, path.constData(), &actions, nullptr, words, environ);
+    const int failure = posix_spawn(&child, path.constData(), &actions, nullptr, words.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     int status = 0;
     if (failure != 0 || waitpid(child, &status, 0) != child || status != 0)

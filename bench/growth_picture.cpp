@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,8 +24,8 @@ constexpr double LabelLeft = 584;
 constexpr double LabelDistance = 19;
 
 // Of middling lightness: each stands out from white and from near black.
-constexpr const char* Colours[] = {"#2f81f7", "#d1242f", "#1a8a3c", "#b08000", "#8250df",
-                                   "#c2388b", "#0e8a8a", "#c4560a", "#6e7781"};
+constexpr std::array Colours = {"#2f81f7", "#d1242f", "#1a8a3c", "#b08000", "#8250df",
+                                "#c2388b", "#0e8a8a", "#c4560a", "#6e7781"};
 
 const QString Style = u"<style>\n"
                       u"text { font: 13px sans-serif; fill: #1f2328; }\n"
@@ -160,7 +161,7 @@ QString growthPicture(std::vector<Growth> operations)
     QString lines;
     QString texts;
     for (std::size_t i = 0; i < operations.size(); ++i) {
-        const QString colour = QLatin1StringView(Colours[i % std::size(Colours)]);
+        const QString colour = QLatin1StringView(Colours[i % Colours.size()]);
         QStringList points;
         for (std::size_t column = 0; column < GrowthSizes.size(); ++column) {
             const QString x = number(Axes::x(GrowthSizes[column]));

@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -70,8 +71,8 @@ SearchTimes timesOf(benchmark::State& state, SearchedCorpus& corpus, const std::
                     int searchesPerRival, const std::function<void(const SearchString&)>& rival);
 
 /// The statements that read the names and texts of all data.
-inline constexpr const char* AllNamesAndTexts[] = {"SELECT Name, Explanation FROM Main",
-                                                   "SELECT Name, Explanation FROM RefDoc",
-                                                   "SELECT Name, Explanation FROM RefFile"};
+inline constexpr std::array AllNamesAndTexts = {"SELECT Name, Explanation FROM Main",
+                                                "SELECT Name, Explanation FROM RefDoc",
+                                                "SELECT Name, Explanation FROM RefFile"};
 
 } // namespace quillon::bench
