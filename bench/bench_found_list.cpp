@@ -94,6 +94,7 @@ void listHits(benchmark::State& state)
                 const auto rows = result.window().fillRows();
                 for (const PlainRow& row : plain)
                     rows->append(row.name, row.kind, row.identifier);
+                rows->finish();
             }
             result.window().showModeless();
             result.window().setStatus(1, titles::DisplayMode);

@@ -71,6 +71,7 @@ qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& record
                 else
                     rows->append(names.name(identifier), shortKindName(identifier), identifier);
             });
+            rows->finish();
         }
         if (use == SelectionUse::Show) {
             window.showModeless();

@@ -131,19 +131,18 @@ void SetAllLinkList(Session& session)
         links.moveFirst(); // fails when there are no links
         LinkListWindow& window = session.windows.linkList();
         qint64 count = 0;
-        {
-            const auto rows = window.fillRows();
-            DataNameLookup names(session, 2 * links.roughCount());
-            links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
-                const QStringView source = link.text(0);
-                const QStringView target = link.text(1);
-                const QString sourceName = names.name(source);
-                const QString targetName = names.name(target);
-                rows->append({sourceName, shortKindName(source), source},
-                             {targetName, shortKindName(target), target});
-                ++count;
-            });
-        }
+        const auto rows = window.fillRows();
+        DataNameLookup names(session, 2 * links.roughCount());
+        links.forEachRow({0, 1}, [&](const RecordSet::Row& link) {
+            const QStringView source = link.text(0);
+            const QStringView target = link.text(1);
+            const QString sourceName = names.name(source);
+            const QString targetName = names.name(target);
+            rows->append({sourceName, shortKindName(source), source},
+                         {targetName, shortKindName(target), target});
+            ++count;
+        });
+        rows->finish();
         window.setCount(u"現在の情報リンク総数 ：  "_s + QString::number(count));
         window.showModeless();
     });

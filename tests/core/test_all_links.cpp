@@ -70,6 +70,7 @@ private Q_SLOTS:
     {
         addLink(u"R-991231-001"_s, u"M-991231-001"_s);
         const QStringList filled{u"frmLinkList.row <水の本>|文献|水|定義|R-991231-001|M-991231-001"_s,
+                                 u"frmLinkList.rowsFinished"_s,
                                  u"frmLinkList.setCount 現在の情報リンク総数 ：  1"_s,
                                  u"frmLinkList.showModeless"_s};
         SetAllLinkList(session());

@@ -43,8 +43,8 @@ private Q_SLOTS:
         QCOMPARE(window().rows, QStringList({u"水|定義|M-991231-001"_s, u"氷|定義|M-991231-002"_s}));
         QVERIFY(compareLines(world->calls.lines(),
                              {u"frmDataSelect.clearRows"_s, u"frmDataSelect.row 水|定義|M-991231-001"_s,
-                              u"frmDataSelect.row 氷|定義|M-991231-002"_s, u"frmDataSelect.showModeless"_s,
-                              u"frmDataSelect.setStatus 1 表示モード"_s,
+                              u"frmDataSelect.row 氷|定義|M-991231-002"_s, u"frmDataSelect.rowsFinished"_s,
+                              u"frmDataSelect.showModeless"_s, u"frmDataSelect.setStatus 1 表示モード"_s,
                               u"frmDataSelect.setStatus 3 表示データ数：2"_s}));
         QCOMPARE(window().title, u"データ選択画面"_s);
     }
@@ -63,10 +63,11 @@ private Q_SLOTS:
         world->calls.take();
         CreateDataList(session(), session().RsRefDoc, SelectionUse::Show, ListFill::Append);
         QCOMPARE(window().rows.size(), 3);
-        QVERIFY(compareLines(world->calls.lines(),
-                             {u"frmDataSelect.row <水の本>|文献|R-991231-001"_s,
-                              u"frmDataSelect.showModeless"_s, u"frmDataSelect.setStatus 1 表示モード"_s,
-                              u"frmDataSelect.setStatus 3 表示データ数：1"_s}));
+        QVERIFY(
+            compareLines(world->calls.lines(),
+                         {u"frmDataSelect.row <水の本>|文献|R-991231-001"_s, u"frmDataSelect.rowsFinished"_s,
+                          u"frmDataSelect.showModeless"_s, u"frmDataSelect.setStatus 1 表示モード"_s,
+                          u"frmDataSelect.setStatus 3 表示データ数：1"_s}));
     }
 
     void emptyRecordSetListsNothing()
@@ -96,6 +97,7 @@ private Q_SLOTS:
         QCOMPARE(CreateDataList(session(), session().RsRefDoc, SelectionUse::Link, ListFill::Replace), 0);
         QVERIFY(compareLines(world->calls.lines(),
                              {u"frmDataSelect.clearRows"_s, u"frmDataSelect.row <水の本>|文献|R-991231-001"_s,
+                              u"frmDataSelect.rowsFinished"_s,
                               u"frmDataSelect.setCaption データ選択画面 - リンク先を選択してください。"_s,
                               u"frmDataSelect.showModal"_s, u"the person chooses"_s,
                               u"frmDataSelect.setStatus 1 リンクモード"_s,

@@ -166,6 +166,7 @@ std::unique_ptr<DataRowFill> FakeDataSelection::fillRows()
                 << QStringList({name.toString(), kind.toString(), identifier.toString()}).join(u'|');
             m_window.note(u"row "_s + m_window.rows.last());
         }
+        void finish() override { m_window.note(u"rowsFinished"_s); }
 
     private:
         FakeDataSelection& m_window;
@@ -239,6 +240,7 @@ std::unique_ptr<LinkRowFill> FakeLinkList::fillRows()
             m_window.rows << cells.join(u'|');
             m_window.note(u"row "_s + m_window.rows.last());
         }
+        void finish() override { m_window.note(u"rowsFinished"_s); }
 
     private:
         FakeLinkList& m_window;

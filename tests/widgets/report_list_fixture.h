@@ -26,6 +26,7 @@ inline void fill(ReportList& list, const QStringList& names)
     int number = 0;
     for (const QString& name : names)
         rows.append({name, u"定義", QStringLiteral("M-%1").arg(++number)});
+    rows.finish();
 }
 
 inline QStringList selectedNames(const ReportList& list)

@@ -1,6 +1,7 @@
 #include "app/base/error.h"
 #include "app/base/platform/collation.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/errors_of.h"
 #include "ui/widgets/report_model.h"
 
 #include <QAbstractItemModelTester>
@@ -16,6 +17,7 @@
 using namespace Qt::Literals::StringLiterals;
 using quillon::ReportModel;
 using quillon::testing::compareText;
+using quillon::testing::errorOf;
 
 namespace
 {
@@ -34,6 +36,7 @@ std::unique_ptr<ReportModel> filled(const Rows& rows)
     ReportModel::Fill fill(*model);
     for (const QStringList& row : rows)
         fill.append({row.value(0), row.value(1), row.value(2)});
+    fill.finish();
     return model;
 }
 
@@ -131,6 +134,7 @@ private Q_SLOTS:
     void missingCellsAreEmpty();
     void aFillTellsTheViewsOnce();
     void aFillWithoutRowsTellsNothing();
+    void aFillThatAFailureEndsShowsTheRowsBefore();
     void rowsAppendedAfterSortingStandAtTheEnd();
     void clearingEndsTheSorting();
     void selectionFollowsTheRowsThroughASort();
@@ -167,6 +171,7 @@ void TestReportModel::behavesLikeAPlainList()
                 plain.rows << row;
                 fill.append({row[0], row[1], row[2]});
             }
+            fill.finish();
             break;
         }
         case 1:
@@ -276,11 +281,10 @@ void TestReportModel::everyTextComesBackWhole()
 void TestReportModel::textsFillManyChunks()
 {
     ReportModel model(Columns);
-    {
-        ReportModel::Fill fill(model);
-        for (int row = 0; row < 60000; ++row)
-            fill.append({QString::number(row).repeated(1 + row % 7), u"定義", QString::number(row)});
-    }
+    ReportModel::Fill fill(model);
+    for (int row = 0; row < 60000; ++row)
+        fill.append({QString::number(row).repeated(1 + row % 7), u"定義", QString::number(row)});
+    fill.finish();
     for (int row = 0; row < 60000; ++row) {
         QCOMPARE(model.text(row, 0), QString::number(row).repeated(1 + row % 7));
         QCOMPARE(model.text(row, 2), QString::number(row));
@@ -290,10 +294,9 @@ void TestReportModel::textsFillManyChunks()
 void TestReportModel::missingCellsAreEmpty()
 {
     ReportModel model(Columns);
-    {
-        ReportModel::Fill fill(model);
-        fill.append({u"名"});
-    }
+    ReportModel::Fill fill(model);
+    fill.append({u"名"});
+    fill.finish();
     QCOMPARE(rowsOf(model), Rows({{u"名"_s, u""_s, u""_s}}));
 }
 
@@ -301,16 +304,15 @@ void TestReportModel::aFillTellsTheViewsOnce()
 {
     ReportModel model(Columns);
     const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    ReportModel::Fill fill(model);
+    fill.append({u"一"});
     {
-        ReportModel::Fill fill(model);
-        fill.append({u"一"});
-        {
-            ReportModel::Fill inner(model);
-            inner.append({u"二"});
-        }
-        QCOMPARE(model.rowCount(), 0);
-        QCOMPARE(inserted.size(), 0);
+        ReportModel::Fill inner(model);
+        inner.append({u"二"});
     }
+    QCOMPARE(model.rowCount(), 0);
+    QCOMPARE(inserted.size(), 0);
+    fill.finish();
     QCOMPARE(model.rowCount(), 2);
     QCOMPARE(inserted.size(), 1);
 }
@@ -319,21 +321,32 @@ void TestReportModel::aFillWithoutRowsTellsNothing()
 {
     ReportModel model(Columns);
     const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    {
-        const ReportModel::Fill fill(model);
-    }
+    ReportModel::Fill fill(model);
+    fill.finish();
     QCOMPARE(inserted.size(), 0);
+}
+
+void TestReportModel::aFillThatAFailureEndsShowsTheRowsBefore()
+{
+    const auto model = filled({{u"b"_s}, {u"a"_s}});
+    model->sortByColumn(0);
+    const qint32 number = errorOf([&] {
+        ReportModel::Fill fill(*model);
+        fill.append({u"c"});
+        throw quillon::Error(quillon::errors::RecordDeleted);
+    });
+    QCOMPARE(number, quillon::errors::RecordDeleted);
+    QCOMPARE(column(*model, 0), QStringList({u"a"_s, u"b"_s, u"c"_s}));
 }
 
 void TestReportModel::rowsAppendedAfterSortingStandAtTheEnd()
 {
     const auto model = filled({{u"b"_s}, {u"a"_s}});
     model->sortByColumn(0);
-    {
-        ReportModel::Fill fill(*model);
-        fill.append({u"A0"});
-        fill.append({u"0"});
-    }
+    ReportModel::Fill fill(*model);
+    fill.append({u"A0"});
+    fill.append({u"0"});
+    fill.finish();
     QCOMPARE(column(*model, 0), QStringList({u"a"_s, u"b"_s, u"A0"_s, u"0"_s}));
     model->sortByColumn(0);
     QCOMPARE(column(*model, 0), QStringList({u"0"_s, u"a"_s, u"A0"_s, u"b"_s}));
@@ -344,11 +357,10 @@ void TestReportModel::clearingEndsTheSorting()
     const auto model = filled({{u"b"_s}, {u"a"_s}});
     model->sortByColumn(0);
     model->clear();
-    {
-        ReportModel::Fill fill(*model);
-        fill.append({u"d"});
-        fill.append({u"c"});
-    }
+    ReportModel::Fill fill(*model);
+    fill.append({u"d"});
+    fill.append({u"c"});
+    fill.finish();
     QCOMPARE(column(*model, 0), QStringList({u"d"_s, u"c"_s}));
 }
 
@@ -442,15 +454,14 @@ void TestReportModel::memoryStaysNearTheTexts()
                        {u"下位分類"_s, ReportModel::Storage::Dictionary}});
     constexpr int count = 1'000'000;
     qsizetype units = 0;
-    {
-        ReportModel::Fill fill(model);
-        const QString name = u"十二文字の名称であります"_s;
-        for (int row = 0; row < count; ++row) {
-            const QStringView kind = row % 3 == 0 ? u"定義" : u"FILE";
-            fill.append({name, kind, u"M-991231-001", u"YES"});
-            units += name.size() + kind.size() + 12 + 3;
-        }
+    ReportModel::Fill fill(model);
+    const QString name = u"十二文字の名称であります"_s;
+    for (int row = 0; row < count; ++row) {
+        const QStringView kind = row % 3 == 0 ? u"定義" : u"FILE";
+        fill.append({name, kind, u"M-991231-001", u"YES"});
+        units += name.size() + kind.size() + 12 + 3;
     }
+    fill.finish();
     QCOMPARE(model.rowCount(), count);
     QVERIFY2(model.bytesHeld() <= units * 2 * 13 / 10, qPrintable(QString::number(model.bytesHeld())));
 }
@@ -459,17 +470,16 @@ void TestReportModel::tooManyWordsLeaveNoHalfRow()
 {
     ReportModel model(Columns);
     qint32 number = 0;
-    {
-        ReportModel::Fill fill(model);
-        for (int word = 0; word < 65536; ++word)
-            fill.append({u"名", QString::number(word), u"番号"});
-        try {
-            fill.append({u"余", u"余", u"余"});
-        } catch (const quillon::Error& error) {
-            number = error.number;
-        }
-        fill.append({u"名", u"7", u"次"});
+    ReportModel::Fill fill(model);
+    for (int word = 0; word < 65536; ++word)
+        fill.append({u"名", QString::number(word), u"番号"});
+    try {
+        fill.append({u"余", u"余", u"余"});
+    } catch (const quillon::Error& error) {
+        number = error.number;
     }
+    fill.append({u"名", u"7", u"次"});
+    fill.finish();
     QCOMPARE(number, quillon::errors::Overflow);
     QCOMPARE(model.rowCount(), 65537);
     QCOMPARE(model.text(65536, 0), u"名"_s);

@@ -1,10 +1,15 @@
 // What a list does when there is no memory for its rows.
+#include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/scarce_memory.h"
 #include "tests/widgets/report_list_fixture.h"
 
+#include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QSignalSpy>
+
+#include <new>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -28,6 +33,8 @@ private Q_SLOTS:
     void cleanup() { takeDown(); }
 
     void aHeaderClickWithoutMemoryIsToldAndChangesNothing();
+    void aFillWithoutMemoryAtItsEndLeavesTheRowsBefore();
+    void aFillEndedByAFailureDropsItsRowsWithoutMemory();
 
 private:
     static constexpr int Rows = 2000;
@@ -56,6 +63,40 @@ void TestScarceMemory::aHeaderClickWithoutMemoryIsToldAndChangesNothing()
     QCOMPARE(firstName(), QString::number(Rows));
     clickHeader();
     QCOMPARE(firstName(), u"1"_s);
+}
+
+void TestScarceMemory::aFillWithoutMemoryAtItsEndLeavesTheRowsBefore()
+{
+    const QAbstractItemModelTester tester(&m_list->rows(),
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    m_list->rows().sortByColumn(0); // a sorted list keeps an order that grows with the rows
+    ReportModel::Fill fill(m_list->rows());
+    fill.append({u"余"});
+    {
+        const ScarceMemory scarce(RowsInBytes);
+        QVERIFY_THROWS_EXCEPTION(std::bad_alloc, fill.finish());
+    }
+    QCOMPARE(m_list->rows().rowCount(), Rows);
+    QCOMPARE(firstName(), u"1"_s);
+    ReportModel::Fill next(m_list->rows());
+    next.append({u"次"});
+    next.finish();
+    QCOMPARE(m_list->rows().rowCount(), Rows + 1);
+    QCOMPARE(m_list->rows().text(Rows, 0), u"次"_s);
+}
+
+void TestScarceMemory::aFillEndedByAFailureDropsItsRowsWithoutMemory()
+{
+    m_list->rows().sortByColumn(0);
+    const qint32 number = errorOf([&] {
+        std::optional<ScarceMemory> scarce;
+        ReportModel::Fill fill(m_list->rows());
+        fill.append({u"余"});
+        scarce.emplace(RowsInBytes);
+        throw Error(errors::RecordDeleted);
+    });
+    QCOMPARE(number, errors::RecordDeleted);
+    QCOMPARE(m_list->rows().rowCount(), Rows);
 }
 
 QTEST_MAIN(TestScarceMemory)

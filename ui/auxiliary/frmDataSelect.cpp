@@ -32,6 +32,7 @@ public:
     {
         m_fill.append({name, kind, identifier});
     }
+    void finish() override { m_fill.finish(); }
 
 private:
     ReportModel::Fill m_fill;

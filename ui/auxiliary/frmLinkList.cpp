@@ -38,6 +38,7 @@ public:
         m_fill.append(
             {source.name, source.kind, target.name, target.kind, source.identifier, target.identifier});
     }
+    void finish() override { m_fill.finish(); }
 
 private:
     ReportModel::Fill m_fill;

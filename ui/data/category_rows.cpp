@@ -11,6 +11,7 @@ void showCategoryRows(ReportList& list, const std::vector<CategoryRow>& rows)
     ReportModel::Fill fill(list.rows());
     for (const CategoryRow& row : rows)
         fill.append({row.name, row.identifier});
+    fill.finish();
 }
 
 std::vector<CategoryRow> shownCategoryRows(const ReportList& list)

@@ -107,6 +107,7 @@ void DataForm::setLinkRows(const std::vector<LinkRow>& rows)
     ReportModel::Fill fill(lsvLink->rows());
     for (const LinkRow& row : rows)
         fill.append({row.name, row.kind, row.identifier});
+    fill.finish();
 }
 
 void DataForm::setCategoryRows(const std::vector<CategoryRow>& rows)

@@ -96,6 +96,7 @@ bool DataListFiller::CreateDataListMain(const std::shared_ptr<RecordSet>& table,
             fill.append({row.text(0), shortKindName(identifier), identifier, mark});
         });
         m_progress.finish();
+        fill.finish();
         filled = true;
     });
     return filled;
@@ -116,6 +117,7 @@ void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSe
             fill.append({names.name(identifier), shortKindName(identifier), identifier, mark});
         });
         m_progress.finish();
+        fill.finish();
     });
 }
 
@@ -150,6 +152,7 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
             if (!categorised.contains(identifier))
                 fill.append({row.text(0), kind, identifier});
         });
+        fill.finish();
     });
 }
 

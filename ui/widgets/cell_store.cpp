@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 
 namespace quillon
 {
@@ -28,8 +29,12 @@ template <class T> void keepOnly(std::vector<T>& cells, const std::vector<bool>&
 /// Only where it pays: giving back memory means copying what is left.
 template <class T> void shrinkVector(std::vector<T>& cells)
 {
-    if (cells.capacity() - cells.size() > cells.size() / 64)
-        cells.shrink_to_fit();
+    try {
+        if (cells.capacity() - cells.size() > cells.size() / 64)
+            cells.shrink_to_fit();
+    } catch (const std::bad_alloc&) {
+        // Without memory for a copy they stay where they are.
+    }
 }
 
 } // namespace

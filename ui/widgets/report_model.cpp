@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -131,7 +132,16 @@ ReportModel::Fill::Fill(ReportModel& model) : m_model(model)
 
 ReportModel::Fill::~Fill()
 {
-    if (--m_model.m_filling == 0)
+    try {
+        finish();
+    } catch (...) {
+        // Whoever left the fill unfinished has a failure to tell about already.
+    }
+}
+
+void ReportModel::Fill::finish()
+{
+    if (!std::exchange(m_finished, true) && --m_model.m_filling == 0)
         m_model.endFill();
 }
 
@@ -145,9 +155,7 @@ void ReportModel::Fill::append(std::initializer_list<QStringView> cells)
         }
     } catch (...) {
         // A row is there with all its cells or not at all.
-        for (CellColumn& column : m_model.m_columns)
-            std::visit([this](auto& store) { store.truncate(std::min(store.size(), m_model.m_appended)); },
-                       column);
+        m_model.truncateCells(m_model.m_appended);
         throw;
     }
     ++m_model.m_appended;
@@ -157,17 +165,39 @@ void ReportModel::endFill()
 {
     if (m_appended == m_rows)
         return;
+    try {
+        extendOrder();
+    } catch (...) {
+        dropUnshown();
+        throw;
+    }
     for (CellColumn& column : m_columns)
         std::visit([](auto& cells) { cells.shrink(); }, column);
     for (std::vector<quint32>& ranks : m_ranks)
         ranks = {};
     beginInsertRows({}, m_rows, m_appended - 1);
-    if (!m_order.empty()) {
-        m_order.resize(static_cast<std::size_t>(m_appended));
-        std::iota(m_order.begin() + m_rows, m_order.end(), static_cast<quint32>(m_rows));
-    }
     m_rows = m_appended;
     endInsertRows();
+}
+
+void ReportModel::extendOrder()
+{
+    if (m_order.empty())
+        return;
+    m_order.resize(static_cast<std::size_t>(m_appended));
+    std::iota(m_order.begin() + m_rows, m_order.end(), static_cast<quint32>(m_rows));
+}
+
+void ReportModel::dropUnshown()
+{
+    truncateCells(m_rows);
+    m_appended = m_rows;
+}
+
+void ReportModel::truncateCells(int rows)
+{
+    for (CellColumn& column : m_columns)
+        std::visit([rows](auto& cells) { cells.truncate(std::min(cells.size(), rows)); }, column);
 }
 
 const std::vector<quint32>& ReportModel::ranks(int column)

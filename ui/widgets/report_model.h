@@ -17,7 +17,7 @@ namespace quillon
 ///
 /// Rows are in the order in which they were appended until a header is clicked; sorting lasts until the next fill:
 /// rows appended later stand at the end.
-/// Filling gives no signal per row: open a `Fill`, append, and let it end.
+/// Filling gives no signal per row: open a `Fill`, append, and finish it.
 class ReportModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -54,20 +54,26 @@ public:
     /// Bytes held by the texts and their bookkeeping.
     qsizetype bytesHeld() const;
 
-    /// While it lives rows may be appended; views are told once, when it ends.
+    /// Until it is finished rows may be appended; views are told once, at its end. One that lies in another one ends
+    /// with that.
     class Fill
     {
     public:
         explicit Fill(ReportModel& model);
+        /// Ends a fill that a failure has left unfinished: the rows before the failure are shown, too. Never throws;
+        /// rows for which there is no memory are dropped.
         ~Fill();
         Fill(const Fill&) = delete;
         Fill& operator=(const Fill&) = delete;
 
         /// Appends a row; missing cells at the end are empty.
         void append(std::initializer_list<QStringView> cells);
+        /// Shows the rows. A failure drops them and leaves those that were there before.
+        void finish();
 
     private:
         ReportModel& m_model;
+        bool m_finished = false;
     };
 
 Q_SIGNALS:
@@ -86,6 +92,11 @@ private:
     QStringView sourceText(int row, int column) const;
     const std::vector<quint32>& ranks(int column);
     void endFill();
+    /// Puts the numbers of appended rows behind the order of the screen, where that is not the one of appending.
+    void extendOrder();
+    /// Drops the rows that the views do not know of.
+    void dropUnshown();
+    void truncateCells(int rows);
     /// Puts the rows on the screen into this order; selections follow their rows.
     void reorder(std::vector<quint32>&& order);
     void removeRange(int first, int last);

@@ -10,12 +10,14 @@
 namespace quillon
 {
 
-/// The rows of a list while they are appended; the list shows them all at once when this ends.
+/// The rows of a list while they are appended; the list shows them all at once when this is finished, or when a failure
+/// has ended it.
 class DataRowFill
 {
 public:
     virtual ~DataRowFill() = default;
     virtual void append(QStringView name, QStringView kind, QStringView identifier) = 0;
+    virtual void finish() = 0;
 };
 
 /// What the core operations ask of the window in which the person chooses one of many data.

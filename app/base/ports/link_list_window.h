@@ -17,12 +17,14 @@ struct LinkEnd {
     QStringView identifier;
 };
 
-/// The rows of the link list window while they are appended; the list shows them all at once when this ends.
+/// The rows of the link list window while they are appended; the list shows them all at once when this is finished, or
+/// when a failure has ended it.
 class LinkRowFill
 {
 public:
     virtual ~LinkRowFill() = default;
     virtual void append(const LinkEnd& source, const LinkEnd& target) = 0;
+    virtual void finish() = 0;
 };
 
 /// What the core operations ask of the window that lists every link.
