@@ -5,6 +5,7 @@
 #include "store/record_set.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/report_list.h"
+#include "ui/widgets/status_panels.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -138,7 +139,8 @@ Task Everyday::registeringItem()
                 },
             .check =
                 [this] {
-                    require(definitionWindow().modeText() == titles::DisplayMode,
+                    require(control<StatusPanels>(u"frmMainData"_s, u"sbStatus"_s).text(1) ==
+                                titles::DisplayMode,
                             "the item was not registered");
                     require(m_painted.contains(contentField()), "the item was not painted");
                 }};

@@ -8,7 +8,6 @@
 #include "core/categories.h"
 #include "core/deferred_messages.h"
 #include "core/file_data.h"
-#include "core/form_mode.h"
 #include "core/links.h"
 #include "core/mode.h"
 #include "store/data_kinds.h"
@@ -64,7 +63,7 @@ void show(Session& session, const DataKind& kind, const QString& identifier)
     DataWindow& window = session.windows.newDataWindow(QString(kind.letter));
     window.showModeless();
     window.setCaption(kind.shortName + kind.captionJoint + fields[0]);
-    window.setModeText(titles::DisplayMode);
+    window.setMode(FormMode::Display);
     for (int i = 0; i < 3; ++i)
         window.setFieldText(i, fields[i]);
     SetLinkList(session, window, identifier);
@@ -92,7 +91,7 @@ void CreateRegisterForm(Session& session, const QString& kind)
         DataWindow& window = session.windows.registrationWindow(kind);
         window.showModeless();
         window.setFieldText(1, CreateObject_ID(session, kind));
-        SetFormMode(window, RegistrationFormMode);
+        window.setMode(FormMode::Registration);
         const MainWindowPort& mainWindow = session.mainWindow();
         const int node = mainWindow.selectedNodeIndex();
         if (node > LastFixedNode) {

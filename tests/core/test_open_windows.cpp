@@ -1,5 +1,4 @@
 #include "core/close_all_form.h"
-#include "core/form_mode.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -28,48 +27,6 @@ private Q_SLOTS:
     {
         QCOMPARE(world->dialogs.takeComplaints(), QStringList());
         world.reset();
-    }
-
-    void modeSwitchesTheMenus_data()
-    {
-        QTest::addColumn<QString>("window");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QStringList>("menus");
-        QTest::addColumn<QString>("text");
-        const QStringList registration{u"disable mnuLink"_s, u"disable mnuDataUpdate"_s,
-                                       u"enable mnuDataEntry"_s, u"disable mnuDataDelete"_s,
-                                       u"disable mnuCategory"_s};
-        const QStringList display{u"enable mnuLink"_s, u"enable mnuCategory"_s, u"enable mnuDataDelete"_s,
-                                  u"enable mnuDataUpdate"_s, u"disable mnuDataEntry"_s};
-        QTest::newRow("definition, registration")
-            << u"frmMainData"_s << 1 << (registration + QStringList{u"enable mnuDataNoDef"_s})
-            << u"登録モード"_s;
-        QTest::newRow("document, registration")
-            << u"frmRefDoc"_s << 1 << (registration + QStringList{u"enable mnuDataLoadText"_s})
-            << u"登録モード"_s;
-        QTest::newRow("file, registration") << u"frmRefFileEntry"_s << 1 << QStringList() << u"前"_s;
-        QTest::newRow("definition, display")
-            << u"frmMainData"_s << 2 << (display + QStringList{u"disable mnuDataNoDef"_s}) << u"表示モード"_s;
-        QTest::newRow("document, display") << u"frmRefDoc"_s << 2 << display << u"表示モード"_s;
-        QTest::newRow("file, display") << u"frmRefFileEntry"_s << 2 << display << u"表示モード"_s;
-        QTest::newRow("another mode") << u"frmMainData"_s << 3 << QStringList() << u"前"_s;
-        QTest::newRow("no mode") << u"frmMainData"_s << 0 << QStringList() << u"前"_s;
-    }
-
-    void modeSwitchesTheMenus()
-    {
-        QFETCH(QString, window);
-        QFETCH(int, mode);
-        FakeDataWindow form(window);
-        form.mode = u"前"_s;
-        SetFormMode(form, static_cast<qint16>(mode));
-        QStringList menus;
-        for (const QString& call : form.calls.lines()) {
-            if (call.contains(u"able mnu"))
-                menus << QString(call).remove(window + u'.');
-        }
-        QTEST(menus, "menus");
-        QTEST(form.mode, "text");
     }
 
     void closingAllLeavesTheMainWindow()

@@ -77,13 +77,6 @@ private Q_SLOTS:
         QVERIFY(!entry->isEnabled());
     }
 
-    void menuThatTheWindowLacksChangesNothing()
-    {
-        auto* form = new frmMainData(world->session, world->registry);
-        form->setMenuEnabled(u"mnuDataLoadText"_s, false);
-        QCOMPARE(FormWorld::entry(*form, u"mnuDataLoadText"_s), nullptr);
-    }
-
     void longTextWarnsWhileTypingAndTakesTheKey_data()
     {
         QTest::addColumn<int>("index");

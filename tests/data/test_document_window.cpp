@@ -1,4 +1,3 @@
-#include "core/form_mode.h"
 #include "tests/data/form_world.h"
 #include "tests/support/drag.h"
 #include "tests/support/troubled_database.h"
@@ -93,10 +92,10 @@ private Q_SLOTS:
     void displayModeLeavesTextLoadingAsItIs()
     {
         frmRefDoc& form = newWindow();
-        form.setMenuEnabled(u"mnuDataLoadText"_s, false);
-        SetFormMode(form, DisplayFormMode);
+        FormWorld::entry(form, u"mnuDataLoadText"_s)->setEnabled(false);
+        form.setMode(FormMode::Display);
         QVERIFY(!FormWorld::entry(form, u"mnuDataLoadText"_s)->isEnabled());
-        SetFormMode(form, RegistrationFormMode);
+        form.setMode(FormMode::Registration);
         QVERIFY(FormWorld::entry(form, u"mnuDataLoadText"_s)->isEnabled());
     }
 

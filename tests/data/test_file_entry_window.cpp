@@ -81,6 +81,17 @@ private Q_SLOTS:
         QCOMPARE(form->fieldText(2), QString()); // there is no such field
     }
 
+    void modesChangeNothing()
+    {
+        frmRefFileEntry& form = begin();
+        const auto entries = [&] { return entriesOf(*form.findChild<QMenu*>(u"mnuData"_s)); };
+        const QStringList before = entries();
+        form.setMode(FormMode::Display);
+        QCOMPARE(entries(), before);
+        form.setMode(FormMode::Registration);
+        QCOMPARE(entries(), before);
+    }
+
     void fieldsHaveLabelsAndToolTips()
     {
         frmRefFileEntry& form = begin();

@@ -85,6 +85,13 @@ protected:
             found << list->rows().text(row, 0).toString();
         return found;
     }
+    /// The mode text of a data window.
+    QString modeOf(const QString& designName) const
+    {
+        return WindowWorld::control<StatusPanels>(*world->window<FormWindow>(designName),
+                                                  QStringLiteral("sbStatus"))
+            ->text(1);
+    }
     QString count() const
     {
         return WindowWorld::control<StatusPanels>(*window, QStringLiteral("sbStatus"))->text(2);

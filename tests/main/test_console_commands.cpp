@@ -108,7 +108,7 @@ private Q_SLOTS:
         pressChord();
         QCOMPARE(world->loadedNames(), QStringList({u"frmMainMenu"_s, opened}));
         const auto* form = world->window<DataWindow>(opened);
-        QVERIFY(compareText(form->modeText(), u"登録モード"));
+        QVERIFY(compareText(modeOf(opened), u"登録モード"));
         QCOMPARE(form->fieldText(1), identifier);
     }
 
@@ -130,7 +130,7 @@ private Q_SLOTS:
         const auto* form = world->window<DataWindow>(opened);
         QVERIFY(form != nullptr);
         QCOMPARE(form->fieldText(1), QString());
-        QVERIFY(compareText(form->modeText(), u"登録モード"));
+        QVERIFY(compareText(modeOf(opened), u"登録モード"));
         QCOMPARE(world->eventLog.lines.size(), 1);
     }
 

@@ -45,10 +45,10 @@ private Q_SLOTS:
         QCOMPARE(world->loadedNames(), QStringList({u"frmMainMenu"_s}));
         pressKey(list, Qt::Key_Insert, modifiers);
         QCOMPARE(world->loadedNames(), QStringList({u"frmMainMenu"_s, opened}));
-        const auto* registration = world->window<DataWindow>(opened);
+        auto* registration = world->window<FormWindow>(opened);
         QVERIFY(registration != nullptr);
-        QVERIFY(compareText(registration->modeText(), u"登録モード"));
-        QVERIFY(world->window<FormWindow>(opened)->isVisible());
+        QVERIFY(compareText(modeOf(opened), u"登録モード"));
+        QVERIFY(registration->isVisible());
     }
 
     void insertHeldDownRegistersOnce()

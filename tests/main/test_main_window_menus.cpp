@@ -1,5 +1,4 @@
 // The menu bar of the main window: names, captions, order, enabling and what the entries do.
-#include "core/form_mode.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/support/compare_text.h"

@@ -91,15 +91,9 @@ void FakeDataWindow::setCaption(const QString& text)
     caption = text;
 }
 
-void FakeDataWindow::setModeText(const QString& text)
+void FakeDataWindow::setMode(FormMode mode)
 {
-    note(u"setModeText "_s + text);
-    mode = text;
-}
-
-void FakeDataWindow::setMenuEnabled(const QString& menuName, bool enabled)
-{
-    note((enabled ? u"enable "_s : u"disable "_s) + menuName);
+    note(mode == FormMode::Registration ? u"setMode registration"_s : u"setMode display"_s);
 }
 
 void FakeDataWindow::setLinkRows(const std::vector<LinkRow>& rows)

@@ -138,9 +138,7 @@ public:
     QString fieldText(int index) const override { return fields[index]; }
     void setFieldText(int index, const QString& text) override;
     void setCaption(const QString& text) override;
-    QString modeText() const override { return mode; }
-    void setModeText(const QString& text) override;
-    void setMenuEnabled(const QString& menuName, bool enabled) override;
+    void setMode(FormMode mode) override;
     /// Emptying a list that is empty is not worth a line in the log, here and for the categories.
     void setLinkRows(const std::vector<LinkRow>& rows) override;
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
@@ -152,7 +150,6 @@ public:
     QString name;
     QString fields[3];
     QString caption;
-    QString mode;
     std::vector<LinkRow> links;
     std::vector<CategoryRow> categories;
     bool closes = true;               // answers an unload

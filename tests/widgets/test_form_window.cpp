@@ -50,9 +50,7 @@ public:
     QString fieldText(int) const override { return {}; }
     void setFieldText(int, const QString&) override {}
     void setCaption(const QString& caption) override { setWindowTitle(caption); }
-    QString modeText() const override { return {}; }
-    void setModeText(const QString&) override {}
-    void setMenuEnabled(const QString&, bool) override {}
+    void setMode(FormMode) override {}
     void setLinkRows(const std::vector<LinkRow>&) override {}
     void setCategoryRows(const std::vector<CategoryRow>&) override {}
     std::vector<CategoryRow> categoryRows() const override { return {}; }

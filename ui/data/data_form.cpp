@@ -90,15 +90,13 @@ QString DataForm::modeText() const
     return sbStatus->text(1);
 }
 
-void DataForm::setModeText(const QString& text)
+void DataForm::setMode(FormMode mode)
 {
-    sbStatus->setText(1, text);
-}
-
-void DataForm::setMenuEnabled(const QString& menuName, bool enabled)
-{
-    if (QAction* entry = action(menuName))
-        entry->setEnabled(enabled);
+    const bool registers = mode == FormMode::Registration;
+    for (const QString& name : {u"mnuLink"_s, u"mnuCategory"_s, u"mnuDataDelete"_s, u"mnuDataUpdate"_s})
+        action(name)->setEnabled(!registers);
+    action(u"mnuDataEntry"_s)->setEnabled(registers);
+    sbStatus->setText(1, registers ? titles::RegistrationMode : titles::DisplayMode);
 }
 
 void DataForm::setLinkRows(const std::vector<LinkRow>& rows)

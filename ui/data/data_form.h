@@ -36,13 +36,13 @@ public:
     QString fieldText(int index) const override;
     void setFieldText(int index, const QString& text) override;
     void setCaption(const QString& caption) override;
-    QString modeText() const override;
-    void setModeText(const QString& text) override;
-    void setMenuEnabled(const QString& menuName, bool enabled) override;
+    void setMode(FormMode mode) override;
     void setLinkRows(const std::vector<LinkRow>& rows) override;
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override;
 
+    /// Panel 1 of the status bar, the only record of the window's mode.
+    QString modeText() const;
     /// Writes how many full-width characters still fit into a field to panel 2; fields 0 and 2 only.
     void ShowInputCount(qint16 index);
 

@@ -3,7 +3,6 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/deferred_messages.h"
-#include "core/form_mode.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -68,6 +67,12 @@ void frmMainData::buildMenus()
     addRelationMenus({.categoryEntryCaption = u"カテゴリに分類(&E)"_s, .linkCategoryEntry = true});
 }
 
+void frmMainData::setMode(FormMode mode)
+{
+    DataForm::setMode(mode);
+    action(u"mnuDataNoDef"_s)->setEnabled(mode == FormMode::Registration);
+}
+
 bool frmMainData::warnsOnKey(const QKeyEvent& event) const
 {
     return isDigitOrLetterKey(event);
@@ -82,7 +87,7 @@ void frmMainData::RegisterData()
     DeferredMessages messages(session(), rows().database());
     addDatum(messages);
     messages.show();
-    SetFormMode(*this, DisplayFormMode);
+    setMode(FormMode::Display);
     if (!m_saveResult)
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s});
     m_saveResult = true;

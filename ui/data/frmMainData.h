@@ -13,6 +13,8 @@ class frmMainData : public DataForm
 public:
     frmMainData(Session& session, WindowRegistry& registry);
 
+    void setMode(FormMode mode) override;
+
 protected:
     bool warnsOnKey(const QKeyEvent& event) const override;
     void RegisterData() override;

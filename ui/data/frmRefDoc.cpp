@@ -7,7 +7,6 @@
 #include "app/base/titles.h"
 #include "app/base/twips.h"
 #include "core/deferred_messages.h"
-#include "core/form_mode.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -106,6 +105,14 @@ void frmRefDoc::buildSizeButtons()
     setTabOrder(before, &fieldWidget(2));
 }
 
+void frmRefDoc::setMode(FormMode mode)
+{
+    DataForm::setMode(mode);
+    // sic: display mode leaves it as it is, so that texts can be loaded into a shown document too.
+    if (mode == FormMode::Registration)
+        action(u"mnuDataLoadText"_s)->setEnabled(true);
+}
+
 bool frmRefDoc::warnsOnKey(const QKeyEvent&) const
 {
     return true;
@@ -120,7 +127,7 @@ void frmRefDoc::RegisterData()
     DeferredMessages messages(session(), rows().database());
     addDatum(messages);
     m_saveResult = true;
-    SetFormMode(*this, DisplayFormMode);
+    setMode(FormMode::Display);
     messages.show();
 }
 

@@ -13,6 +13,8 @@ class frmRefDoc : public DataForm
 public:
     frmRefDoc(Session& session, WindowRegistry& registry);
 
+    void setMode(FormMode mode) override;
+
 protected:
     bool warnsOnKey(const QKeyEvent& event) const override;
     void RegisterData() override;

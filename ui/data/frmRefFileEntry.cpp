@@ -128,12 +128,6 @@ void frmRefFileEntry::setFieldText(int index, const QString& text)
         m_txtFields[index]->setText(text);
 }
 
-void frmRefFileEntry::setMenuEnabled(const QString& menuName, bool enabled)
-{
-    if (QAction* entry = action(menuName))
-        entry->setEnabled(enabled);
-}
-
 void frmRefFileEntry::setCategoryRows(const std::vector<CategoryRow>& rows)
 {
     showCategoryRows(*lsvCategory, rows);

@@ -27,9 +27,7 @@ public:
     QString fieldText(int index) const override;
     void setFieldText(int index, const QString& text) override;
     void setCaption(const QString& caption) override { setWindowTitle(caption); }
-    QString modeText() const override { return {}; }
-    void setModeText(const QString&) override {}
-    void setMenuEnabled(const QString& menuName, bool enabled) override;
+    void setMode(FormMode) override {} // it only registers
     void setLinkRows(const std::vector<LinkRow>&) override {}
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override;

@@ -22,6 +22,9 @@ struct CategoryRow {
     QString identifier;
 };
 
+/// What a window for data is there for at the moment.
+enum class FormMode { Registration, Display };
+
 /// What the core operations ask of a window that shows or registers one datum.
 class DataWindow : public virtual LoadedWindow
 {
@@ -32,11 +35,8 @@ public:
     virtual QString fieldText(int index) const = 0;
     virtual void setFieldText(int index, const QString& text) = 0;
     virtual void setCaption(const QString& caption) = 0;
-    /// Panel 1 of the window's status bar, the only record of the window's mode.
-    virtual QString modeText() const = 0;
-    virtual void setModeText(const QString& text) = 0;
-    /// Enables or disables the menu or menu entry of this name; a name the window lacks changes nothing.
-    virtual void setMenuEnabled(const QString& menuName, bool enabled) = 0;
+    /// Switches the window's menus and the mode text of its status bar. A window without modes stays as it is.
+    virtual void setMode(FormMode mode) = 0;
     /// Replaces the rows of the link list.
     virtual void setLinkRows(const std::vector<LinkRow>& rows) = 0;
     /// Replaces the rows of the category list.
