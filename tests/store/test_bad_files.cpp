@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -241,6 +242,32 @@ private Q_SLOTS:
 #endif
     }
 
+    void aLinkToADatabaseIsJudgedByWhereTheDatabaseLies()
+    {
+#ifdef Q_OS_UNIX
+        const QString database = m_world->createDatabase();
+        QFile::setPermissions(database, QFile::Permissions::fromInt(0x6666));
+        const QTemporaryDir elsewhere;
+        QFile::setPermissions(elsewhere.path(), QFile::Permissions::fromInt(0x7777));
+        const QString link = elsewhere.filePath(u"link.mdb"_s);
+        QVERIFY(QFile::link(database, link));
+        const auto openingAsAPersonFails = [&] {
+            const WithoutPrivileges person;
+            return openingFails(link);
+        };
+        // The journal has to stand beside the database, not beside the link.
+        QFile::setPermissions(m_world->folder.path(), QFile::Permissions::fromInt(0x5555));
+        QCOMPARE(openingAsAPersonFails(), errors::CannotOpen);
+        QFile::setPermissions(m_world->folder.path(), QFile::Permissions::fromInt(0x7777));
+        QFile::setPermissions(elsewhere.path(), QFile::Permissions::fromInt(0x5555));
+        QCOMPARE(openingAsAPersonFails(), 0);
+        QCOMPARE(mkfifo((database + u"-journal"_s).toUtf8().constData(), 0666), 0);
+        QCOMPARE(openingFails(link), errors::PathFileAccess);
+#else
+        QSKIP("Rights are set otherwise here.");
+#endif
+    }
+
     void creatingNeverTouchesWhatIsThere()
     {
         const QString text = inFolder(u"text.mdb"_s);
@@ -258,6 +285,11 @@ private Q_SLOTS:
     {
         QCOMPARE(errorOf([&] { Database::create(inFolder(u"none/new.mdb"_s)); }), errors::PathNotFound);
         QVERIFY(!QFileInfo::exists(inFolder(u"none"_s)));
+        // What stands behind a zero would not be part of the name.
+        QCOMPARE(errorOf([&] { Database::create(inFolder(u"new.mdb"_s) + QChar::Null + u".bak"_s); }),
+                 errors::PathNotFound);
+        QCOMPARE(errorOf([] { Database::create(QString()); }), errors::PathNotFound);
+        QCOMPARE(QDir(m_world->folder.path()).entryList(QDir::Files), QStringList());
     }
 
     void unusualNamesWork_data()
@@ -295,9 +327,16 @@ private Q_SLOTS:
         QVERIFY(QDir::setCurrent(m_world->folder.path()));
         const qint32 number = openingFails(u"QUILLON.mdb"_s);
         const qint32 addressNumber = openingFails(u"file:QUILLON.mdb?mode=ro"_s);
+#ifdef Q_OS_UNIX
+        const qint32 colonNumber = errorOf([] { Database::create(u":colon.mdb"_s); });
+#endif
         QVERIFY(QDir::setCurrent(before));
         QCOMPARE(number, 0);
         QCOMPARE(addressNumber, errors::DatabaseNotFound);
+#ifdef Q_OS_UNIX
+        QCOMPARE(colonNumber, 0);
+        QVERIFY(QFileInfo::exists(m_world->folder.path() + u"/:colon.mdb"_s));
+#endif
     }
 
 private:

@@ -192,6 +192,23 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(rows), QStringList(u"A-B|M-991231-002"_s));
     }
 
+    void identifiersAreFoundByABeginningOfAnyCharacters()
+    {
+        const auto& categories = m_world->session.RsCategoryID;
+        // The bytes of some are at their end; the next character begins with other ones.
+        for (const QString& letter :
+             {u"A"_s, u"þ"_s, u"ÿ"_s, u"Ā"_s, u"ǿ"_s, u"ヾ"_s, u"ヿ"_s, u"\u3100"_s}) {
+            TestWorld::addRow(categories, {letter, u""_s});
+            TestWorld::addRow(categories, {letter + u"-ÿ"_s, u""_s});
+            TestWorld::addRow(categories, {letter + u"-ÿ-A"_s, u""_s});
+        }
+        for (const QString& letter : {u"A"_s, u"ÿ"_s, u"ǿ"_s, u"ヿ"_s}) {
+            QCOMPARE(categories->filtered(u"Category_ID Like '"_s + letter + u"*'"_s)->recordCount(), 3);
+            QCOMPARE(categories->filtered(u"Category_ID Like '"_s + letter + u"-*'"_s)->recordCount(), 2);
+            QCOMPARE(categories->filtered(u"Category_ID Like '"_s + letter + u"-ÿ*'"_s)->recordCount(), 2);
+        }
+    }
+
     void nullMatchesNothing()
     {
         m_world->session.OpenDb->connection().execute(
@@ -210,6 +227,7 @@ private Q_SLOTS:
         QTest::newRow("2,000 alternative patterns") << u" OR Name Like '*x*'"_s << 1999 << 0;
         QTest::newRow("2,000 conditions") << u" AND Name Like '水'"_s << 1999 << 0;
         QTest::newRow("2,000 equal conditions") << u" AND Name = '水'"_s << 1999 << 0;
+        QTest::newRow("one more") << u" OR Name = 'x'"_s << 2000 << int(errors::CriteriaSyntax);
         QTest::newRow("100,000 alternatives") << u" OR Name = 'x'"_s << 99999 << int(errors::CriteriaSyntax);
         QTest::newRow("100,000 parentheses") << u"("_s << 100000 << int(errors::CriteriaSyntax);
         QTest::newRow("100,000 quotes") << u"'"_s << 100000 << int(errors::CriteriaSyntax);

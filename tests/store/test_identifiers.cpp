@@ -125,6 +125,16 @@ private Q_SLOTS:
         QTest::newRow("small letter") << u"m"_s;
         QTest::newRow("empty") << u""_s;
     }
+    void aTableThatTakesSmallLettersForCapitalsIsNumberedAllTheSame()
+    {
+        m_world->session.OpenDb->execute(u"DROP TABLE Main"_s);
+        m_world->session.OpenDb->execute(
+            u"CREATE TABLE Main (Name TEXT, Object_ID TEXT COLLATE NOCASE, Explanation TEXT)"_s);
+        for (const QString& identifier : {u"m-991231-001"_s, u"M-991231-001"_s, u"M-991231-002"_s})
+            add(m_world->session.RsMain, identifier);
+        QCOMPARE(CreateObject_ID(m_world->session, u"M"_s), u"M-991231-003"_s);
+    }
+
     void anUnknownKindIsReportedOnce()
     {
         QFETCH(QString, kind);

@@ -7,6 +7,7 @@
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
 
 #include <QDir>
 #include <QFile>
@@ -266,6 +267,17 @@ private Q_SLOTS:
         CreateCategoryTables(m_world->session);
     }
 
+    void bothCategoryTablesAreMadeAsOneDurableWrite()
+    {
+        const QString path = m_world->createDatabase();
+        ForeignFile(path).run("DROP TABLE Category_ID; DROP TABLE Category");
+        m_world->session.OpenDb = Database::open(path);
+        const WriteCounter writes(*m_world->session.OpenDb);
+        CreateCategoryTables(m_world->session);
+        QCOMPARE(writes.count, 1);
+        QCOMPARE(tablesOf(path).size(), 7);
+    }
+
     void aNewDatabaseIsOpenedAndTold()
     {
         const QString path = m_world->folder.filePath(u"新 しい'もの.mdb"_s);
@@ -416,6 +428,8 @@ private Q_SLOTS:
         row("table", u"CREATE TABLE Memo (a MEMO)"_s, u"CREATE TABLE Memo (a TEXT)"_s);
         row("query", u"CREATE VIEW t AS SELECT a FROM (SELECT 1 a, 2 MEMO) MEMO"_s,
             u"CREATE VIEW t AS SELECT a FROM (SELECT 1 a, 2 MEMO) MEMO"_s);
+        row("table made of a query", u"CREATE TABLE t AS SELECT * FROM (SELECT 1 a, 2 MEMO)"_s,
+            u"CREATE TABLE t(a,MEMO)"_s);
         row("the table of documents", schema::RefDoc().statement,
             u"CREATE TABLE RefDoc (Name TEXT(50), Object_ID TEXT(12), Explanation TEXT, "
             u"CONSTRAINT RefDoc_Index UNIQUE (Object_ID))"_s);

@@ -314,6 +314,41 @@ private Q_SLOTS:
         QCOMPARE(m_rows->recordCount(), 1);
     }
 
+    void aRowDeletedWhileItIsChangedIsReported()
+    {
+        add(u"a"_s);
+        add(u"b"_s);
+        m_rows->moveFirst();
+        m_rows->edit();
+        m_rows->setField(0, u"A"_s);
+        const auto other = RecordSet::openTable(m_world->session.OpenDb, schema::Main());
+        other->moveFirst();
+        other->deleteRow();
+        QCOMPARE(errorOf([&] { m_rows->update(); }), errors::RecordDeleted);
+        QCOMPARE(TestWorld::rowsOf(m_rows).size(), 1);
+        QCOMPARE(errorOf([&] { m_rows->update(); }), errors::NoCurrentRecord); // it is not tried again
+    }
+
+    void aChangeThatCannotBeginEndsWhatWasBegunBefore()
+    {
+        m_rows->addNew();
+        m_rows->setField(0, u"a"_s);
+        QCOMPARE(errorOf([&] { m_rows->edit(); }), errors::NoCurrentRecord);
+        QCOMPARE(errorOf([&] { m_rows->update(); }), errors::NoCurrentRecord);
+        QCOMPARE(m_rows->recordCount(), 0);
+    }
+
+    void aChangeOfNothingWritesNothing()
+    {
+        add(u"a"_s);
+        m_rows->moveFirst();
+        const qint64 before = m_world->session.OpenDb->connection().totalChanges();
+        m_rows->edit();
+        m_rows->update();
+        QCOMPARE(m_world->session.OpenDb->connection().totalChanges(), before);
+        QCOMPARE(m_rows->field(0), u"a"_s);
+    }
+
     void fieldsOutsideTheTableAreRefused()
     {
         add(u"a"_s);

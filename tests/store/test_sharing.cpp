@@ -107,6 +107,21 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { rows->field(0); }), errors::RecordDeleted);
     }
 
+    void theGreatestRowIsRememberedWhateverIsLookedAtAfterwards()
+    {
+        const auto other = RecordSet::openTable(Database::open(m_path), schema::Main());
+        for (const QString& number : {u"1"_s, u"2"_s})
+            TestWorld::addRow(other, {u"a"_s + number, u"M-991231-00"_s + number, u""_s});
+        const auto last = m_world->session.RsMain;
+        last->moveLast();
+        const auto first = RecordSet::openTable(m_world->session.OpenDb, schema::Main());
+        first->moveFirst();
+        other->moveLast();
+        other->deleteRow();
+        TestWorld::addRow(first, {u"new"_s, u"M-991231-003"_s, u""_s});
+        QCOMPARE(errorOf([&] { last->field(0); }), errors::RecordDeleted);
+    }
+
     void noLockIsHeldBetweenCalls()
     {
         TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});

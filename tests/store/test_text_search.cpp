@@ -230,6 +230,45 @@ private Q_SLOTS:
         }
     }
 
+    void whatOnlyLooksLikeASearchIsAnsweredAsItIsAsked_data()
+    {
+        QTest::addColumn<QString>("criteria");
+        QTest::addColumn<QStringList>("found");
+        QTest::newRow("a search") << u"Name Like '*abc*' OR Explanation Like '*abc*'"_s
+                                  << QStringList({u"both"_s, u"name"_s, u"text"_s, u"in"_s});
+        QTest::newRow("the other way round") << u"Explanation Like '*abc*' OR Name Like '*abc*'"_s
+                                             << QStringList({u"both"_s, u"name"_s, u"text"_s, u"in"_s});
+        QTest::newRow("in both fields")
+            << u"Name Like '*abc*' AND Explanation Like '*abc*'"_s << QStringList(u"both"_s);
+        QTest::newRow("an equal name")
+            << u"Name = 'abc' OR Explanation Like 'abc'"_s << QStringList({u"both"_s, u"text"_s});
+        QTest::newRow("an equal text")
+            << u"Name Like 'abc' OR Explanation = 'abc'"_s << QStringList({u"both"_s, u"name"_s, u"text"_s});
+        QTest::newRow("two patterns") << u"Name Like '*abc*' OR Explanation Like '*xyz*'"_s
+                                      << QStringList({u"both"_s, u"name"_s, u"in"_s, u"other"_s});
+        QTest::newRow("the name twice")
+            << u"Name Like '*abc*' OR Name Like '*abc*'"_s << QStringList({u"both"_s, u"name"_s, u"in"_s});
+        QTest::newRow("the text twice") << u"Explanation Like '*abc*' OR Explanation Like '*abc*'"_s
+                                        << QStringList({u"both"_s, u"text"_s});
+        QTest::newRow("the identifier")
+            << u"Object_ID Like '*abc*' OR Explanation Like '*abc*'"_s << QStringList({u"both"_s, u"text"_s});
+    }
+
+    void whatOnlyLooksLikeASearchIsAnsweredAsItIsAsked()
+    {
+        QFETCH(QString, criteria);
+        QFETCH(QStringList, found);
+        TestWorld world;
+        world.openDatabase(world.createDatabase());
+        const auto& main = world.session.RsMain;
+        TestWorld::addRow(main, {u"ABC"_s, u"both"_s, u"abc"_s});
+        TestWorld::addRow(main, {u"ＡＢＣ"_s, u"name"_s, u"-"_s});
+        TestWorld::addRow(main, {u"-"_s, u"text"_s, u"abc"_s});
+        TestWorld::addRow(main, {u"xabcx"_s, u"in"_s, u"-"_s});
+        TestWorld::addRow(main, {u"-"_s, u"other"_s, u"xyz"_s});
+        QCOMPARE(identifiersOf(main->filtered(criteria)), found);
+    }
+
     void hitsAreNamedAsTheyStandInTheFileAtThatMoment()
     {
         TestWorld world;

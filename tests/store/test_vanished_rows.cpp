@@ -132,6 +132,17 @@ private Q_SLOTS:
         QVERIFY(!m_some->hasCurrentRow());
     }
 
+    void newRowNeverStandsInForTheLastOne()
+    {
+        const auto other =
+            RecordSet::openTable(Database::open(m_world->session.OpenDb->path()), schema::Main());
+        TestWorld::addRow(other, {u"a6"_s, u"M-991231-006"_s, u"x"_s});
+        m_some = main().filtered(Matching);
+        deleteElsewhere({u"a6"_s});
+        TestWorld::addRow(m_world->session.RsMain, {u"c"_s, u"M-991231-007"_s, u"x"_s});
+        QVERIFY(compareLines(walk(*m_some), {u"a1"_s, u"a2"_s, u"a3"_s, u"a4"_s, u"a5"_s}));
+    }
+
     void deletingTheRestPassesOverThem()
     {
         deleteElsewhere({u"a1"_s, u"a3"_s, u"a5"_s});
