@@ -238,6 +238,18 @@ private Q_SLOTS:
                                   << QStringList({u"both"_s, u"name"_s, u"text"_s, u"in"_s});
         QTest::newRow("the other way round") << u"Explanation Like '*abc*' OR Name Like '*abc*'"_s
                                              << QStringList({u"both"_s, u"name"_s, u"text"_s, u"in"_s});
+        QTest::newRow("a beginning") << u"Name Like 'ab*' OR Explanation Like 'ab*'"_s
+                                     << QStringList({u"both"_s, u"name"_s, u"text"_s});
+        QTest::newRow("an end") << u"Name Like '*bc' OR Explanation Like '*bc'"_s
+                                << QStringList({u"both"_s, u"name"_s, u"text"_s});
+        QTest::newRow("the whole") << u"Name Like 'abc' OR Explanation Like 'abc'"_s
+                                   << QStringList({u"both"_s, u"name"_s, u"text"_s});
+        QTest::newRow("nothing between the stars")
+            << criteriaFor(QString()) << QStringList({u"both"_s, u"name"_s, u"text"_s, u"in"_s, u"other"_s});
+        const QString character = u"𠮷"_s;
+        QTest::newRow("a character of two units") << criteriaFor(character) << QStringList(u"other"_s);
+        QTest::newRow("its first half") << criteriaFor(character.first(1)) << QStringList();
+        QTest::newRow("its second half") << criteriaFor(character.last(1)) << QStringList();
         QTest::newRow("in both fields")
             << u"Name Like '*abc*' AND Explanation Like '*abc*'"_s << QStringList(u"both"_s);
         QTest::newRow("an equal name")
@@ -265,7 +277,7 @@ private Q_SLOTS:
         TestWorld::addRow(main, {u"ＡＢＣ"_s, u"name"_s, u"-"_s});
         TestWorld::addRow(main, {u"-"_s, u"text"_s, u"abc"_s});
         TestWorld::addRow(main, {u"xabcx"_s, u"in"_s, u"-"_s});
-        TestWorld::addRow(main, {u"-"_s, u"other"_s, u"xyz"_s});
+        TestWorld::addRow(main, {u"𠮷"_s, u"other"_s, u"xyz"_s});
         QCOMPARE(identifiersOf(main->filtered(criteria)), found);
     }
 
@@ -292,6 +304,22 @@ private Q_SLOTS:
         main->findFirst(u"Object_ID ='M-1'"_s);
         main->deleteRow();
         QCOMPARE(namesOf(hits), QStringList(u"湯 M-2"_s));
+    }
+
+    void hitsThatOthersRenameAreNamedAnew()
+    {
+        TestWorld world;
+        const QString path = world.createDatabase();
+        world.openDatabase(path);
+        const auto& main = world.session.RsMain;
+        TestWorld::addRow(main, {u"水"_s, u"M-1"_s, u"飲む"_s});
+        const auto hits = main->filtered(criteriaFor(u"飲む"_s));
+        QCOMPARE(namesOf(hits), QStringList(u"水 M-1"_s));
+        Database::open(path)->execute(u"UPDATE Main SET Name = '湯'"_s);
+        QCOMPARE(namesOf(hits), QStringList(u"湯 M-1"_s));
+        QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"湯"_s))).size(), 1);
+        world.session.OpenDb->execute(u"UPDATE Main SET Name = '茶'"_s);
+        QCOMPARE(namesOf(hits), QStringList(u"茶 M-1"_s));
     }
 
     void hitsComeInTheOrderOfTheRowsAfterAnEdit()
@@ -364,6 +392,28 @@ private Q_SLOTS:
         QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"水"_s))), QStringList(u"M-1"_s));
     }
 
+    void whatATransactionChangedAndTookBackIsFoundAsItWas()
+    {
+        TestWorld world;
+        world.openDatabase(world.createDatabase());
+        const auto& main = world.session.RsMain;
+        TestWorld::addRow(main, {u"水"_s, u"M-1"_s, u"飲む"_s});
+        TestWorld::addRow(main, {u"水車"_s, u"M-2"_s, u"回る"_s});
+        {
+            const sqlite::Transaction undone(world.session.OpenDb->connection());
+            main->moveFirst();
+            main->edit();
+            main->setField(0, u"火"_s);
+            main->update();
+            main->moveLast();
+            main->deleteRow();
+            QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"火"_s))), QStringList(u"M-1"_s));
+            QVERIFY(identifiersOf(main->filtered(criteriaFor(u"水"_s))).isEmpty());
+        }
+        QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"水"_s))), QStringList({u"M-1"_s, u"M-2"_s}));
+        QVERIFY(identifiersOf(main->filtered(criteriaFor(u"火"_s))).isEmpty());
+    }
+
     void rowsWrittenByAnythingElseAreFoundToo()
     {
         TestWorld world;
@@ -372,6 +422,11 @@ private Q_SLOTS:
         QVERIFY(identifiersOf(main->filtered(criteriaFor(u"水"_s))).isEmpty());
         world.session.OpenDb->execute(u"INSERT INTO Main VALUES ('水', 'M-1', '飲む')"_s);
         QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"水"_s))), QStringList(u"M-1"_s));
+        // Also when the next row is written in the usual way.
+        world.session.OpenDb->execute(u"INSERT INTO Main VALUES ('水車', 'M-2', '回る')"_s);
+        TestWorld::addRow(main, {u"水素"_s, u"M-3"_s, u"軽い"_s});
+        QCOMPARE(identifiersOf(main->filtered(criteriaFor(u"水"_s))),
+                 QStringList({u"M-1"_s, u"M-2"_s, u"M-3"_s}));
     }
 
     void searchingLeavesNothingInTheFile()
