@@ -7,6 +7,11 @@
 
 struct sqlite3;
 
+namespace quillon::testing
+{
+class ConnectionHandle; // for tests that disturb a connection from below
+}
+
 namespace quillon::sqlite
 {
 
@@ -47,9 +52,9 @@ public:
     /// Makes `test` callable in SQL under `name` (ASCII). A null text never matches.
     void addPatternTest(const char* name, PatternTest test);
 
-    sqlite3* handle() const { return m_handle; }
-
 private:
+    friend class testing::ConnectionHandle;
+
     void configure();
     void readSchema(const QString& path);
 

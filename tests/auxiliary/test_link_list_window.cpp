@@ -6,6 +6,7 @@
 #include "store/schema.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/troubled_database.h"
 #include "tests/support/window_probe.h"
 #include "tests/support/window_world.h"
 #include "ui/auxiliary/frmLinkList.h"
@@ -15,8 +16,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
-
-#include <sqlite3.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -371,14 +370,13 @@ private Q_SLOTS:
     void lockedDatabaseKeepsTheLink()
     {
         showThreeLinks();
-        sqlite3_busy_timeout(session().OpenDb->connection().handle(), 0);
-        const auto other = Database::open(session().OpenDb->path());
-        other->connection().execute(u"BEGIN IMMEDIATE"_s);
         selectRow(list(), 0);
         world->dialogs.expect(question(u"水の本"_s, u"水"_s), Answer::Yes);
         world->dialogs.expect(failureBox(u"DeleteLink"_s, errors::Locked));
-        button().click();
-        other->connection().execute(u"ROLLBACK"_s);
+        {
+            const ForeignLock lock(*session().OpenDb, ForeignLock::Kind::Writing);
+            button().click();
+        }
         QCOMPARE(links().size(), 3);
         QCOMPARE(rows().size(), 3);
         QVERIFY(compareText(count(), u"現在の情報リンク総数 ：  3"));

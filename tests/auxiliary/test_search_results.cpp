@@ -4,13 +4,12 @@
 #include "store/schema.h"
 #include "tests/auxiliary/search_world.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/troubled_database.h"
 #include "ui/data/frmMainData.h"
 #include "ui/data/frmRefDoc.h"
 #include "ui/data/frmRefFileEntry.h"
 
 #include <QFile>
-
-#include <sqlite3.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -241,12 +240,11 @@ private Q_SLOTS:
     void lockedDatabaseIsTold()
     {
         world->addDefinition(u"水"_s, u"M-991231-001"_s, u"-"_s);
-        sqlite3_busy_timeout(session().OpenDb->connection().handle(), 0);
-        const auto other = Database::open(world->path);
-        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
-        expectFailedKind(3260);
-        world->search(u"水"_s, u"M"_s);
-        other->connection().execute(u"ROLLBACK"_s);
+        {
+            const ForeignLock lock(*session().OpenDb, ForeignLock::Kind::Exclusive);
+            expectFailedKind(3260);
+            world->search(u"水"_s, u"M"_s);
+        }
         QCOMPARE(found(u"水"_s), QStringList({u"水"_s}));
     }
 

@@ -191,13 +191,12 @@ private Q_SLOTS:
     void fileThatCannotBeReadIsReportedUnderAnotherName()
     {
         addLink(u"R-991231-001"_s, u"M-991231-001"_s);
-        sqlite3_busy_timeout(session().OpenDb->connection().handle(), 0);
-        const auto other = Database::open(session().OpenDb->path());
-        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
-        world->dialogs.expect(failureBox(u"CloseAllForm"_s, 3260));
-        SetAllLinkList(session());
-        QVERIFY(!world->windows.linksLoaded);
-        other->connection().execute(u"ROLLBACK"_s);
+        {
+            const ForeignLock lock(*session().OpenDb, ForeignLock::Kind::Exclusive);
+            world->dialogs.expect(failureBox(u"CloseAllForm"_s, 3260));
+            SetAllLinkList(session());
+            QVERIFY(!world->windows.linksLoaded);
+        }
         SetAllLinkList(session());
         QCOMPARE(list().rows.size(), 1);
     }

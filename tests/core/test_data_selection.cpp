@@ -3,6 +3,7 @@
 #include "tests/support/compare_text.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
 
 #include <QTest>
 
@@ -138,14 +139,11 @@ private Q_SLOTS:
 
     void fileThatCannotBeReadIsReported()
     {
-        session().OpenDb->connection().execute(u"PRAGMA busy_timeout = 0"_s);
-        const auto other = Database::open(session().OpenDb->path());
-        other->connection().execute(u"BEGIN EXCLUSIVE"_s);
+        const ForeignLock lock(*session().OpenDb, ForeignLock::Kind::Exclusive);
         world->dialogs.expect(failureBox(u"CreateDataList"_s, 3260));
         QCOMPARE(CreateDataList(session(), session().RsMain, SelectionUse::Show, ListFill::Replace), 0);
         QVERIFY(compareLines(world->calls.lines(), QStringList{u"frmDataSelect.clearRows"_s} +
                                                        failureCalls(u"CreateDataList"_s, 3260)));
-        other->connection().execute(u"ROLLBACK"_s);
     }
 
     void identifierThatNoSearchCanNameIsListedWithoutAName()

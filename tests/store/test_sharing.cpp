@@ -4,6 +4,7 @@
 #include "store/schema.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -15,17 +16,6 @@
 using namespace quillon;
 using namespace quillon::testing;
 using namespace Qt::Literals::StringLiterals;
-
-namespace
-{
-
-/// Lets an open database give up at once where it would wait for another program to end what it does.
-void haveNoPatience(Session& session)
-{
-    session.OpenDb->connection().execute(u"PRAGMA busy_timeout = 0"_s);
-}
-
-} // namespace
 
 class TestSharing : public QObject
 {
@@ -168,7 +158,7 @@ private Q_SLOTS:
         const auto mine = m_world->session.RsMain;
         TestWorld::addRow(mine, {u"a"_s, u"M-991231-001"_s, u""_s});
         mine->moveFirst();
-        haveNoPatience(m_world->session); // the other will not be done in time anyhow
+        waitForNoLock(*m_world->session.OpenDb); // the other will not be done in time anyhow
         {
             sqlite::Transaction writing(other->connection());
             TestWorld::addRow(theirs, {u"b"_s, u"M-991231-002"_s, u""_s});
@@ -191,7 +181,7 @@ private Q_SLOTS:
         const auto mine = m_world->session.RsMain;
         TestWorld::addRow(mine, {u"a"_s, u"M-991231-001"_s, u""_s});
         sqlite::Connection& connection = m_world->session.OpenDb->connection();
-        haveNoPatience(m_world->session); // the reader will not be done in time anyhow
+        waitForNoLock(*m_world->session.OpenDb); // the reader will not be done in time anyhow
         const auto other = Database::open(m_path);
         const auto theirs = RecordSet::openTable(other, schema::Main());
         other->connection().execute(u"BEGIN"_s);
@@ -220,7 +210,7 @@ private Q_SLOTS:
     {
         const auto other = Database::open(m_path);
         other->connection().execute(u"BEGIN EXCLUSIVE"_s);
-        haveNoPatience(m_world->session);
+        waitForNoLock(*m_world->session.OpenDb);
         QCOMPARE(errorOf([&] { m_world->session.RsMain->recordCount(); }), errors::Locked);
         m_world->dialogs.expect({.text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\n"
                                          u"EXPLANATION : "_s +
@@ -237,7 +227,7 @@ private Q_SLOTS:
         QProcess holder;
         startHelper(holder, u"hold"_s);
         QCOMPARE(errorOf([&] { Database::open(m_path); }), errors::Locked);
-        haveNoPatience(m_world->session);
+        waitForNoLock(*m_world->session.OpenDb);
         QCOMPARE(errorOf([&] {
                      TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M"_s, u""_s});
                  }),

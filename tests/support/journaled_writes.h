@@ -3,6 +3,7 @@
 #include "store/database.h"
 #include "store/schema.h"
 #include "tests/support/call_log.h"
+#include "tests/support/connection_handle.h"
 
 #include <QString>
 #include <QStringList>
@@ -19,7 +20,7 @@ class JournaledWrites
 {
 public:
     JournaledWrites(Database& database, const CallLog& log)
-        : m_database(database), m_handle(database.connection().handle()), m_log(log)
+        : m_database(database), m_handle(ConnectionHandle::of(database)), m_log(log)
     {
         sqlite3_create_function_v2(m_handle, "journal", 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, this, noteRow,
                                    nullptr, nullptr, nullptr);

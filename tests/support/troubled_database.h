@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/database.h"
+#include "tests/support/connection_handle.h"
 
 #include <QString>
 
@@ -11,11 +12,17 @@
 namespace quillon::testing
 {
 
+/// Lets a database fail at once where another program holds a lock.
+inline void waitForNoLock(Database& database)
+{
+    database.connection().execute(QStringLiteral("PRAGMA busy_timeout = 0"));
+}
+
 /// Counts the durable writes of a database as long as it lives.
 class WriteCounter
 {
 public:
-    explicit WriteCounter(Database& database) : m_handle(database.connection().handle())
+    explicit WriteCounter(Database& database) : m_handle(ConnectionHandle::of(database))
     {
         const auto countOne = [](void* counter) {
             ++static_cast<WriteCounter*>(counter)->count;
@@ -61,19 +68,20 @@ class ForeignLock
 {
 public:
     enum class Kind {
-        Reading, // the others can read and begin to write, but finish no write
-        Writing  // the others can read
+        Reading,  // the others can read and begin to write, but finish no write
+        Writing,  // the others can read
+        Exclusive // the others can do nothing
     };
 
     ForeignLock(Database& database, Kind kind) : m_other(Database::open(database.path()))
     {
-        sqlite3_busy_timeout(database.connection().handle(), 0);
-        if (kind == Kind::Writing) {
-            m_other->connection().execute(QStringLiteral("BEGIN IMMEDIATE"));
-        } else {
-            m_other->connection().execute(QStringLiteral("BEGIN"));
+        waitForNoLock(database);
+        const QString begin = kind == Kind::Reading   ? QStringLiteral("BEGIN")
+                              : kind == Kind::Writing ? QStringLiteral("BEGIN IMMEDIATE")
+                                                      : QStringLiteral("BEGIN EXCLUSIVE");
+        m_other->connection().execute(begin);
+        if (kind == Kind::Reading)
             m_other->connection().execute(QStringLiteral("SELECT count(*) FROM sqlite_master"));
-        }
     }
     ~ForeignLock() { m_other->connection().execute(QStringLiteral("ROLLBACK")); }
     ForeignLock(const ForeignLock&) = delete;
@@ -87,7 +95,7 @@ private:
 inline bool othersMayWrite(const QString& path)
 {
     const auto other = Database::open(path);
-    sqlite3_busy_timeout(other->connection().handle(), 0);
+    waitForNoLock(*other);
     try {
         other->connection().execute(QStringLiteral("BEGIN IMMEDIATE"));
     } catch (const Error&) {
