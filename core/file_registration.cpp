@@ -4,7 +4,7 @@
 #include "app/base/titles.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/sqlite/connection.h"
+#include "store/sqlite/transaction.h"
 
 #include <QDir>
 

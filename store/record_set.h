@@ -3,6 +3,7 @@
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/sqlite/statement.h"
+#include "store/sqlite/transaction.h"
 
 #include <QString>
 
@@ -159,7 +160,7 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
         }
         return;
     }
-    const sqlite::ReadTransaction reading(m_database->connection());
+    const sqlite::Transaction reading(m_database->connection(), sqlite::Transaction::Purpose::Reading);
     const auto statement = m_database->connection().prepareOwn(passSql(fields));
     for (const qint64 row : *m_rows) {
         statement->reset();

@@ -2,7 +2,7 @@
 
 #include "app/base/error.h"
 #include "store/database.h"
-#include "store/sqlite/connection.h"
+#include "store/sqlite/transaction.h"
 
 #include <utility>
 

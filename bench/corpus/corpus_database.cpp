@@ -4,6 +4,7 @@
 #include "store/schema.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/statement.h"
+#include "store/sqlite/transaction.h"
 
 #include <QStringList>
 

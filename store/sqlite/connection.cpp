@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "store/sqlite/errors.h"
 #include "store/sqlite/statement.h"
+#include "store/sqlite/transaction.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -106,7 +107,7 @@ void Connection::configure()
 void Connection::readSchema(const QString& path)
 {
     const auto numberOf = [this](const QString& question) {
-        Statement statement(m_handle, question);
+        Statement statement(*this, question);
         return statement.step() ? statement.number(0) : 0;
     };
     // A journal of the other kind needs more files beside this one. Where another program holds the file in that
@@ -122,7 +123,7 @@ void Connection::readSchema(const QString& path)
     if (sqlite3_db_readonly(m_handle, "main") != 0)
         throw Error(errors::CannotOpen);
     // SQLite itself would take the missing end of the last page for zeros.
-    Statement journal(m_handle, u"PRAGMA journal_mode"_s);
+    Statement journal(*this, u"PRAGMA journal_mode"_s);
     const bool hasLog = journal.step() && journal.text(0) == u"wal";
     journal.reset();
     if (!hasLog &&
@@ -133,7 +134,7 @@ void Connection::readSchema(const QString& path)
 
 void Connection::execute(const QString& sql)
 {
-    Statement(m_handle, sql).run();
+    Statement(*this, sql).run();
 }
 
 Statement& Connection::prepare(const QString& sql)
@@ -145,7 +146,7 @@ Statement& Connection::prepare(const QString& sql)
         return *entry.statement;
     }
     auto entry = std::make_shared<Cache::Entry>();
-    entry->statement = std::make_unique<Statement>(m_handle, sql);
+    entry->statement = std::make_unique<Statement>(*this, sql);
     m_cache->ages.push_front(sql);
     entry->age = m_cache->ages.begin();
     m_cache->entries.insert(sql, entry);
@@ -158,7 +159,7 @@ Statement& Connection::prepare(const QString& sql)
 
 std::unique_ptr<Statement> Connection::prepareOwn(const QString& sql)
 {
-    return std::make_unique<Statement>(m_handle, sql);
+    return std::make_unique<Statement>(*this, sql);
 }
 
 qint64 Connection::lastInsertRowid() const
@@ -229,55 +230,16 @@ void Connection::addPatternTest(const char* name, PatternTest test)
                                                nullptr, deletePatternTest));
 }
 
-ReadTransaction::ReadTransaction(Connection& connection) : m_connection(connection)
+void Connection::checkMayWrite() const
 {
-    if (connection.inTransaction())
-        return;
-    connection.execute(u"BEGIN"_s);
-    m_open = true;
+    if (m_transaction != nullptr)
+        m_transaction->checkMayWrite();
 }
 
-ReadTransaction::~ReadTransaction()
+void Connection::statementEnded(const Error* failure)
 {
-    if (!m_open || !m_connection.inTransaction())
-        return;
-    try {
-        m_connection.execute(u"COMMIT"_s);
-    } catch (const Error&) {
-        // Nothing was written that could be lost.
-    }
-}
-
-Transaction::Transaction(Connection& connection) : m_connection(connection)
-{
-    if (connection.inTransaction())
-        return;
-    connection.execute(u"BEGIN IMMEDIATE"_s);
-    m_open = true;
-}
-
-Transaction::~Transaction()
-{
-    if (!m_open || !m_connection.inTransaction())
-        return;
-    try {
-        m_connection.execute(u"ROLLBACK"_s);
-    } catch (const Error&) {
-        // Whatever stands in the way also undoes the transaction, at the latest when the file is opened next.
-    }
-}
-
-void Transaction::commit()
-{
-    if (!m_open)
-        return;
-    // A full disk or a failing one has undone everything by itself; nobody must take that for a success.
-    if (!m_connection.inTransaction()) {
-        m_open = false;
-        throw Error(errors::DiskFull);
-    }
-    m_connection.execute(u"COMMIT"_s);
-    m_open = false;
+    if (m_transaction != nullptr && !inTransaction())
+        m_transaction->endedBySomethingElse(failure);
 }
 
 } // namespace quillon::sqlite

@@ -7,15 +7,23 @@
 
 struct sqlite3;
 
-namespace quillon::testing
+namespace quillon
+{
+
+struct Error;
+
+namespace testing
 {
 class ConnectionHandle; // for tests that disturb a connection from below
 }
+
+} // namespace quillon
 
 namespace quillon::sqlite
 {
 
 class Statement;
+class Transaction;
 
 /// One open SQLite file. Every failure leaves as an `Error` of the program's own numbers.
 class Connection
@@ -53,47 +61,21 @@ public:
     void addPatternTest(const char* name, PatternTest test);
 
 private:
+    friend class Statement;
+    friend class Transaction;
     friend class testing::ConnectionHandle;
 
     void configure();
     void readSchema(const QString& path);
+    /// Refuses what would be written past the open transaction.
+    void checkMayWrite() const;
+    /// To be told how a statement has ended (null: well), which may have ended the open transaction.
+    void statementEnded(const Error* failure);
 
     sqlite3* m_handle = nullptr;
+    Transaction* m_transaction = nullptr; // the outermost one that is open
     struct Cache;
     std::unique_ptr<Cache> m_cache;
-};
-
-/// Keeps the file open for reading as long as it lives, so that many small statements read one state and take the lock
-/// once. Other programs cannot write meanwhile: not for longer than it takes to fill a list.
-class ReadTransaction
-{
-public:
-    explicit ReadTransaction(Connection& connection);
-    ~ReadTransaction();
-    ReadTransaction(const ReadTransaction&) = delete;
-    ReadTransaction& operator=(const ReadTransaction&) = delete;
-
-private:
-    Connection& m_connection;
-    bool m_open = false;
-};
-
-/// A transaction that is rolled back unless it is committed.
-class Transaction
-{
-public:
-    /// Begins at once with the right to write. Inside another transaction it is a part of that one.
-    explicit Transaction(Connection& connection);
-    ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    /// Makes everything since the beginning durable.
-    void commit();
-
-private:
-    Connection& m_connection;
-    bool m_open = false;
 };
 
 } // namespace quillon::sqlite

@@ -1,7 +1,5 @@
 #include "store/sqlite/errors.h"
 
-#include "app/base/error.h"
-
 #include <QByteArrayView>
 
 #include <sqlite3.h>
@@ -75,15 +73,15 @@ qint32 numberOf(sqlite3* connection, int code)
 
 } // namespace
 
-void throwError(sqlite3* connection, int code)
+Error errorOf(sqlite3* connection, int code)
 {
-    throw Error(numberOf(connection, code));
+    return Error(numberOf(connection, code));
 }
 
 void check(sqlite3* connection, int code)
 {
     if (code != SQLITE_OK)
-        throwError(connection, code);
+        throw errorOf(connection, code);
 }
 
 } // namespace quillon::sqlite

@@ -1,6 +1,7 @@
 #include "store/sqlite/statement.h"
 
 #include "app/base/error.h"
+#include "store/sqlite/connection.h"
 #include "store/sqlite/errors.h"
 
 #include <sqlite3.h>
@@ -16,17 +17,18 @@ constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
 
 } // namespace
 
-Statement::Statement(sqlite3* connection, const QString& sql) : m_connection(connection)
+Statement::Statement(Connection& connection, const QString& sql) : m_connection(connection)
 {
     const QByteArray utf8 = sql.toUtf8();
     const char* tail = nullptr;
-    check(connection, sqlite3_prepare_v3(connection, utf8.constData(), static_cast<int>(utf8.size()) + 1, 0,
-                                         &m_statement, &tail));
+    check(connection.m_handle, sqlite3_prepare_v3(connection.m_handle, utf8.constData(),
+                                                  static_cast<int>(utf8.size()) + 1, 0, &m_statement, &tail));
     // A text without any statement gives none and no failure either; what follows the first one would never run.
     if (m_statement == nullptr || !QByteArrayView(tail, utf8.cend()).trimmed().isEmpty()) {
         sqlite3_finalize(m_statement);
         throw Error(errors::CriteriaSyntax);
     }
+    m_writes = sqlite3_stmt_readonly(m_statement) == 0;
 }
 
 Statement::~Statement()
@@ -46,32 +48,35 @@ Statement& Statement::bind(int position, QStringView text)
         text = marked;
         units = text.utf16();
     }
-    check(m_connection, sqlite3_bind_text64(m_statement, position, reinterpret_cast<const char*>(units),
-                                            static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t),
-                                            SQLITE_TRANSIENT, SQLITE_UTF16));
+    check(m_connection.m_handle,
+          sqlite3_bind_text64(m_statement, position, reinterpret_cast<const char*>(units),
+                              static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t), SQLITE_TRANSIENT,
+                              SQLITE_UTF16));
     return *this;
 }
 
 Statement& Statement::bind(int position, qint64 number)
 {
-    check(m_connection, sqlite3_bind_int64(m_statement, position, number));
+    check(m_connection.m_handle, sqlite3_bind_int64(m_statement, position, number));
     return *this;
 }
 
 bool Statement::step()
 {
+    if (m_writes)
+        m_connection.checkMayWrite();
     const int code = sqlite3_step(m_statement);
     if (code == SQLITE_ROW)
         return true;
-    if (code == SQLITE_DONE)
+    if (code == SQLITE_DONE) {
+        m_connection.statementEnded(nullptr);
         return false;
-    try {
-        throwError(m_connection, code);
-    } catch (const Error&) {
-        // The message belongs to the failed step; only now may the statement let go of its locks.
-        sqlite3_reset(m_statement);
-        throw;
     }
+    // The message belongs to the failed step; only afterwards may the statement let go of its locks.
+    const Error error = errorOf(m_connection.m_handle, code);
+    sqlite3_reset(m_statement);
+    m_connection.statementEnded(&error);
+    throw error;
 }
 
 void Statement::run()
@@ -96,8 +101,8 @@ QStringView Statement::text(int column) const
     if (units == nullptr) {
         // No text is either null or lacked memory for its conversion.
         if (sqlite3_column_type(m_statement, column) != SQLITE_NULL &&
-            sqlite3_errcode(m_connection) == SQLITE_NOMEM)
-            throwError(m_connection, SQLITE_NOMEM);
+            sqlite3_errcode(m_connection.m_handle) == SQLITE_NOMEM)
+            throw Error(errors::OutOfMemory);
         return {};
     }
     return QStringView(static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t)));

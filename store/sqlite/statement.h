@@ -3,18 +3,19 @@
 #include <QString>
 #include <QStringView>
 
-struct sqlite3;
 struct sqlite3_stmt;
 
 namespace quillon::sqlite
 {
+
+class Connection;
 
 /// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0.
 class Statement
 {
 public:
     /// Error 3075 when `sql` is not exactly one statement.
-    Statement(sqlite3* connection, const QString& sql);
+    Statement(Connection& connection, const QString& sql);
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -35,8 +36,9 @@ public:
     bool isText(int column) const;
 
 private:
-    sqlite3* m_connection;
+    Connection& m_connection;
     sqlite3_stmt* m_statement = nullptr;
+    bool m_writes = false;
 };
 
 /// Resets a statement when the block ends, so that no read lock outlives it.
