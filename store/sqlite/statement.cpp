@@ -6,6 +6,8 @@
 
 #include <sqlite3.h>
 
+#include <stdexcept>
+
 namespace quillon::sqlite
 {
 
@@ -48,17 +50,24 @@ Statement& Statement::bind(int position, QStringView text)
         text = marked;
         units = text.utf16();
     }
-    check(m_connection.m_handle,
-          sqlite3_bind_text64(m_statement, position, reinterpret_cast<const char*>(units),
-                              static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t), SQLITE_TRANSIENT,
-                              SQLITE_UTF16));
+    checkBound(sqlite3_bind_text64(m_statement, position, reinterpret_cast<const char*>(units),
+                                   static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t),
+                                   SQLITE_TRANSIENT, SQLITE_UTF16));
     return *this;
 }
 
 Statement& Statement::bind(int position, qint64 number)
 {
-    check(m_connection.m_handle, sqlite3_bind_int64(m_statement, position, number));
+    checkBound(sqlite3_bind_int64(m_statement, position, number));
     return *this;
+}
+
+void Statement::checkBound(int code)
+{
+    if (code == SQLITE_RANGE || code == SQLITE_MISUSE)
+        throw std::logic_error(
+            "a value for a parameter that the statement does not have or is using already");
+    check(m_connection.m_handle, code);
 }
 
 bool Statement::step()
@@ -93,8 +102,16 @@ void Statement::reset()
     sqlite3_clear_bindings(m_statement);
 }
 
+void Statement::checkColumn(int column) const
+{
+    // As long as no row stands ready, there are none of its columns either.
+    if (column < 0 || column >= sqlite3_data_count(m_statement))
+        throw std::logic_error("a column that the row of the statement does not have");
+}
+
 QStringView Statement::text(int column) const
 {
+    checkColumn(column);
     // The text first, its length afterwards: the length is that of the converted text.
     const void* units = sqlite3_column_text16(m_statement, column);
     const int bytes = sqlite3_column_bytes16(m_statement, column);
@@ -110,11 +127,13 @@ QStringView Statement::text(int column) const
 
 qint64 Statement::number(int column) const
 {
+    checkColumn(column);
     return sqlite3_column_int64(m_statement, column);
 }
 
 bool Statement::isNull(int column) const
 {
+    checkColumn(column);
     return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
 }
 

@@ -10,7 +10,8 @@ namespace quillon::sqlite
 
 class Connection;
 
-/// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0.
+/// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0. A position or a column
+/// that the statement does not have, and a column while no row stands ready, are mistakes (std::logic_error).
 class Statement
 {
 public:
@@ -28,14 +29,20 @@ public:
     void run();
     void reset();
 
-    /// The text of a column; valid until the next step. Empty for null, see `isNull`.
+    /// The text of a column; valid until the next step. Empty for null, see `isNull`. Numbers are written out, and
+    /// bytes taken for a text in the encoding of the file: other programs may have stored either for a text.
     QStringView text(int column) const;
+    /// The number of a column; what is no number counts as the one that it begins with, or 0.
     qint64 number(int column) const;
+    /// Whether nothing at all is stored there; to be asked before the text.
     bool isNull(int column) const;
     /// Whether a column holds a text and not what only reads as one. To be asked before `text`.
     bool isText(int column) const;
 
 private:
+    void checkBound(int code);
+    void checkColumn(int column) const;
+
     Connection& m_connection;
     sqlite3_stmt* m_statement = nullptr;
     bool m_writes = false;

@@ -117,6 +117,36 @@ private Q_SLOTS:
         QCOMPARE(rows->field(2), QString());
     }
 
+    void numbersAndBytesAreListedAndSearchedAsTexts_data()
+    {
+        QTest::addColumn<QByteArray>("encoding");
+        QTest::addColumn<QString>("bytesAsText");
+        QTest::newRow("UTF-8") << QByteArray("UTF-8") << u"4l\uFFFDA"_s;
+        QTest::newRow("UTF-16le") << QByteArray("UTF-16le") << QString(u"水"_s + QChar(0x41FF));
+    }
+    void numbersAndBytesAreListedAndSearchedAsTexts()
+    {
+        QFETCH(QByteArray, encoding);
+        QFETCH(QString, bytesAsText);
+        ForeignFile(m_path)
+            .run("PRAGMA encoding = '" + encoding + '\'')
+            .run(PlainMain)
+            .run(
+                "INSERT INTO Main VALUES (x'346CFF41', 1.5, 12), (12, 'M-991231-002', x'346CFF41'), ('x', 'y', 'z')");
+        const auto rows = openMain();
+        QCOMPARE(TestWorld::rowsOf(rows),
+                 QStringList({bytesAsText + u"|1.5|12"_s, u"12|M-991231-002|"_s + bytesAsText, u"x|y|z"_s}));
+        // With the copy in memory, and without.
+        QCOMPARE(rows->filtered(u"Name Like '*12*' OR Explanation Like '*12*'"_s)->recordCount(), 2);
+        QCOMPARE(rows->filtered(u"Name Like '*12*'"_s)->recordCount(), 1);
+        const QString criteria = u"Name Like '*%1*' OR Explanation Like '*%1*'"_s.arg(bytesAsText);
+        QStringList names;
+        rows->filtered(criteria)->forEachName([&](QStringView name, QStringView identifier) {
+            names << name.toString() + u'|' + identifier.toString();
+        });
+        QCOMPARE(names, QStringList({bytesAsText + u"|1.5"_s, u"12|M-991231-002"_s}));
+    }
+
     void otherEncodingsWork_data()
     {
         QTest::addColumn<QByteArray>("pragma");
