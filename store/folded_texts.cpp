@@ -2,6 +2,7 @@
 
 #include "store/like_pattern.h"
 #include "store/text_fold.h"
+#include "store/text_scan.h"
 
 #include <algorithm>
 
@@ -111,15 +112,14 @@ void FoldedTexts::shrink()
     }
 }
 
-void FoldedTexts::collectHolding(const Block& block, ScanKernel kernel, QStringView needle,
-                                 std::vector<qint64>& rows)
+void FoldedTexts::collectHolding(const Block& block, QStringView needle, std::vector<qint64>& rows)
 {
     const char16_t* const begin = block.units.data();
     const char16_t* const end = begin + block.units.size();
     const auto size = static_cast<std::size_t>(needle.size());
     std::size_t row = 0;
     const char16_t* from = begin;
-    while ((from = findUnits(kernel, from, end, needle)) != end) {
+    while ((from = findUnits(from, end, needle)) != end) {
         const auto position = static_cast<std::size_t>(from - begin);
         while (row + 1 < block.places.size() && block.places[row + 1].start <= position)
             ++row;
@@ -160,11 +160,11 @@ template <class Collect> std::vector<qint64> FoldedTexts::collect(Collect&& coll
     return rows;
 }
 
-std::vector<qint64> FoldedTexts::holding(ScanKernel kernel, QStringView needle) const
+std::vector<qint64> FoldedTexts::holding(QStringView needle) const
 {
     return collect([&](const Block& block, std::vector<qint64>& rows) {
         if (!block.places.empty())
-            collectHolding(block, kernel, needle, rows);
+            collectHolding(block, needle, rows);
     });
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "store/text_buffer.h"
-#include "store/text_scan.h"
 
 #include <QHash>
 #include <QStringView>
@@ -39,7 +38,7 @@ public:
     void shrink();
 
     /// The rows, ascending, in whose name or text `needle` (folded, at least one unit) stands.
-    std::vector<qint64> holding(ScanKernel kernel, QStringView needle) const;
+    std::vector<qint64> holding(QStringView needle) const;
     /// The rows, ascending, whose name or text matches.
     std::vector<qint64> like(const LikePattern& pattern) const;
 
@@ -86,8 +85,7 @@ private:
     };
 
     Place* find(qint64 number);
-    static void collectHolding(const Block& block, ScanKernel kernel, QStringView needle,
-                               std::vector<qint64>& rows);
+    static void collectHolding(const Block& block, QStringView needle, std::vector<qint64>& rows);
     static void collectLike(const Block& block, const LikePattern& pattern, std::vector<qint64>& rows);
     template <class Collect> std::vector<qint64> collect(Collect&& collectFrom) const;
 

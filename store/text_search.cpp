@@ -98,10 +98,8 @@ std::optional<std::vector<qint64>> TextSearch::rowsFor(const Criteria& criteria,
     if (!pattern || m_connection.inTransaction())
         return std::nullopt;
     const FoldedTexts& texts = upToDate(table);
-    if (const std::optional<QString> needle = plainNeedle(*pattern)) {
-        static const ScanKernel kernel = availableScanKernels().front();
-        return texts.holding(kernel, *needle);
-    }
+    if (const std::optional<QString> needle = plainNeedle(*pattern))
+        return texts.holding(*needle);
     return texts.like(LikePattern(*pattern, LikePattern::Comparing::AsAReader));
 }
 

@@ -114,8 +114,7 @@ private Q_SLOTS:
                     if (isIn(needle, row.first) || isIn(needle, row.second))
                         expected.push_back(number);
                 }
-                for (const ScanKernel way : availableScanKernels())
-                    QCOMPARE(texts.holding(way, comparable), expected);
+                QCOMPARE(texts.holding(comparable), expected);
                 QCOMPARE(texts.like(LikePattern(u'*' + needle + u'*', LikePattern::Comparing::AsAReader)),
                          expected);
                 found += static_cast<int>(expected.size());
