@@ -28,6 +28,28 @@ std::u32string characters(QStringView text)
     return result;
 }
 
+/// The characters of a text that are compared with those of another.
+std::u32string comparable(QStringView text, LikePattern::Comparing comparing)
+{
+    return characters(comparing == LikePattern::Comparing::AsAReader ? foldedText(text) : text.toString());
+}
+
+/// The member of a list at `position`, which moves behind it: a kana and the voice mark after it are one to a reader.
+char32_t nextMember(QStringView list, qsizetype& position, LikePattern::Comparing comparing)
+{
+    const qsizetype start = position;
+    nextCharacter(list, position);
+    std::u32string member = comparable(list.sliced(start, position - start), comparing);
+    if (position < list.size()) {
+        const std::u32string withMark = comparable(list.sliced(start, position + 1 - start), comparing);
+        if (withMark.size() == 1) {
+            ++position;
+            member = withMark;
+        }
+    }
+    return member.front();
+}
+
 } // namespace
 
 bool LikePattern::Element::accepts(char32_t candidate) const
@@ -49,49 +71,34 @@ bool LikePattern::Element::accepts(char32_t candidate) const
     return false;
 }
 
+LikePattern::Element LikePattern::listElement(QStringView list, Comparing comparing)
+{
+    Element element{Element::Kind::List, 0, list.startsWith(u'!'), {}};
+    if (element.negated)
+        list = list.sliced(1);
+    for (qsizetype position = 0; position < list.size();) {
+        const char32_t first = nextMember(list, position, comparing);
+        char32_t last = first;
+        if (position + 1 < list.size() && list[position] == u'-')
+            last = nextMember(list, ++position, comparing);
+        // Backwards there is nothing in between. Which end is the lower one is asked of what a reader compares.
+        if (first <= last)
+            element.ranges.push_back({first, last});
+    }
+    return element;
+}
+
 LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_comparing(comparing)
 {
-    const auto comparable = [comparing](QStringView text) {
-        return characters(comparing == Comparing::AsAReader ? foldedText(text) : text.toString());
-    };
     // Characters are compared in runs, for a kana and the voice mark after it are one character to a reader.
     QString run;
     const auto endRun = [&] {
-        for (const char32_t character : comparable(std::exchange(run, QString())))
+        for (const char32_t character : comparable(std::exchange(run, QString()), comparing))
             m_elements.push_back({Element::Kind::Character, character, false, {}});
     };
     const auto add = [&](Element::Kind kind) {
         endRun();
         m_elements.push_back({kind, 0, false, {}});
-    };
-    // The member of a list at `position`, which moves behind it: a kana and the voice mark after it are one to a reader.
-    const auto nextMember = [&](QStringView list, qsizetype& position) {
-        const qsizetype start = position;
-        nextCharacter(list, position);
-        std::u32string member = comparable(list.sliced(start, position - start));
-        if (position < list.size()) {
-            const std::u32string withMark = comparable(list.sliced(start, position + 1 - start));
-            if (withMark.size() == 1) {
-                ++position;
-                member = withMark;
-            }
-        }
-        return member.front();
-    };
-    const auto makeList = [&](QStringView list) {
-        Element element{Element::Kind::List, 0, list.startsWith(u'!'), {}};
-        if (element.negated)
-            list = list.sliced(1);
-        for (qsizetype position = 0; position < list.size();) {
-            const char32_t first = nextMember(list, position);
-            char32_t last = first;
-            if (position + 1 < list.size() && list[position] == u'-')
-                last = nextMember(list, ++position);
-            // Backwards there is nothing in between. Which end is the lower one is asked of what a reader compares.
-            if (first <= last)
-                element.ranges.push_back({first, last});
-        }
-        return element;
     };
 
     const QStringView text(pattern);
@@ -109,7 +116,7 @@ LikePattern::LikePattern(const QString& pattern, Comparing comparing) : m_compar
             // An empty list stands for nothing at all.
             if (end > position) {
                 endRun();
-                m_elements.push_back(makeList(text.sliced(position, end - position)));
+                m_elements.push_back(listElement(text.sliced(position, end - position), comparing));
             }
             position = end + 1;
         } else {
@@ -127,7 +134,7 @@ bool LikePattern::matches(QStringView text) const
 
 bool LikePattern::matchesComparable(QStringView text) const
 {
-    constexpr std::size_t None = static_cast<std::size_t>(-1);
+    constexpr auto None = static_cast<std::size_t>(-1);
     std::size_t element = 0;
     qsizetype position = 0;
     // Where to go on when the latest run has to take one character more. Earlier runs never need to.

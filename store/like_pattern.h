@@ -39,6 +39,9 @@ private:
         bool accepts(char32_t candidate) const;
     };
 
+    /// What stands between the brackets of a list, such as "!a-z".
+    static Element listElement(QStringView list, Comparing comparing);
+
     Comparing m_comparing;
     std::vector<Element> m_elements;
 };

@@ -69,7 +69,7 @@ sqlite::Statement& RecordSet::prepare(const QString& sql) const
     return m_database->connection().prepare(sql);
 }
 
-std::optional<qint64> RecordSet::firstNumber(sqlite::Statement& statement) const
+std::optional<qint64> RecordSet::firstNumber(sqlite::Statement& statement)
 {
     const sqlite::ResetAtEnd reset(statement);
     if (!statement.step() || statement.isNull(0))

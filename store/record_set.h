@@ -115,7 +115,7 @@ private:
 
     Stamp stamp() const;
     sqlite::Statement& prepare(const QString& sql) const;
-    std::optional<qint64> firstNumber(sqlite::Statement& statement) const;
+    static std::optional<qint64> firstNumber(sqlite::Statement& statement);
     std::vector<qint64> matchingRows(const QString& criteria, qsizetype atMost) const;
     bool rowExists(qint64 row) const;
     std::optional<qint64> firstRow() const;

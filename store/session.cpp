@@ -5,12 +5,15 @@
 
 #include <QDir>
 
+#include <utility>
+
 namespace quillon
 {
 
-Session::Session(const Ports& ports, const QString& currentFolder)
+Session::Session(const Ports& ports, QString currentFolder)
     : reporting{ports.dialogs, ports.eventLog, ports.clock}, dialogs(ports.dialogs), clock(ports.clock),
-      desktop(ports.desktop), files(ports.files), windows(ports.windows), CurrentFolder(currentFolder)
+      desktop(ports.desktop), files(ports.files), windows(ports.windows),
+      CurrentFolder(std::move(currentFolder))
 {
 }
 

@@ -32,7 +32,7 @@ public:
     };
 
     /// `currentFolder`: the process's current folder, base of the file folder and of the Info menu's texts.
-    Session(const Ports& ports, const QString& currentFolder);
+    Session(const Ports& ports, QString currentFolder);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
