@@ -31,7 +31,17 @@ if [ $# = 0 ]; then
     exit 2
 fi
 
-cmake --preset gcc >/dev/null
+# Says what a command said only when it failed.
+quietly()
+{
+    "$@" >"$pieces.said" 2>&1 || {
+        cat "$pieces.said" >&2
+        exit 1
+    }
+}
+
+mkdir -p "$(dirname "$pieces")"
+quietly cmake --preset gcc
 rm -rf "$pieces"
 mkdir -p "$pieces"
 
@@ -77,6 +87,10 @@ moc=
 echo '[' >"$pieces/compile_commands.json"
 for path in "$@"; do
     path=${path%/}
+    if [ ! -e "$path" ]; then
+        echo "tidy.sh: there is no $path" >&2
+        exit 2
+    fi
     if [ -f "$path" ]; then
         if ! grep -q "^$path	" "$pieces/compiled"; then
             echo "tidy.sh: $path is not compiled here" >&2
@@ -121,7 +135,7 @@ mv "$pieces/closed" "$pieces/compile_commands.json"
 
 if [ -n "$moc" ]; then
     # shellcheck disable=SC2086  # a list of words
-    cmake --build --preset gcc --target $moc >/dev/null
+    quietly cmake --build --preset gcc --target $moc
 fi
 read_pieces
 
