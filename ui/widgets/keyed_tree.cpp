@@ -2,11 +2,10 @@
 
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
+#include "ui/widgets/text_drops.h"
 
 #include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -255,24 +254,13 @@ void KeyedTree::endHovering()
 
 void KeyedTree::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!event->mimeData()->hasText()) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    hoverAt(event->position().toPoint());
+    dragMoveEvent(event);
 }
 
 void KeyedTree::dragMoveEvent(QDragMoveEvent* event)
 {
-    if (!event->mimeData()->hasText()) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    hoverAt(event->position().toPoint());
+    if (takesText(*event))
+        hoverAt(event->position().toPoint());
 }
 
 void KeyedTree::dragLeaveEvent(QDragLeaveEvent* event)
@@ -284,18 +272,11 @@ void KeyedTree::dragLeaveEvent(QDragLeaveEvent* event)
 
 void KeyedTree::dropEvent(QDropEvent* event)
 {
-    if (!event->mimeData()->hasText()) {
-        event->ignore();
+    if (!takesText(*event))
         return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
     hoverAt(event->position().toPoint());
     endHovering();
-    const QString text = event->mimeData()->text();
-    // What follows may ask a question; the drag must have ended by then, in this program or in another one.
-    QMetaObject::invokeMethod(
-        this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
+    afterDrop(*this, *event, [this](const QString& text) { Q_EMIT textDropped(text); });
 }
 
 } // namespace quillon

@@ -3,13 +3,12 @@
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
+#include "ui/widgets/text_drops.h"
 #include "ui/widgets/wait_cursor.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -437,27 +436,13 @@ void ReportList::dragEnterEvent(QDragEnterEvent* event)
 
 void ReportList::dragMoveEvent(QDragMoveEvent* event)
 {
-    // Not the base class: it asks the model, and whether the place is free.
-    if (!event->mimeData()->hasText()) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
+    takesText(*event); // not the base class: it asks the model, and whether the place is free
 }
 
 void ReportList::dropEvent(QDropEvent* event)
 {
-    if (!event->mimeData()->hasText()) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    const QString text = event->mimeData()->text();
-    // What follows may ask a question; the drag must have ended by then.
-    QMetaObject::invokeMethod(
-        this, [this, text] { Q_EMIT textDropped(text); }, Qt::QueuedConnection);
+    if (takesText(*event))
+        afterDrop(*this, *event, [this](const QString& text) { Q_EMIT textDropped(text); });
 }
 
 } // namespace quillon
