@@ -7,6 +7,9 @@ namespace quillon
 
 class Session;
 
+/// Characters of every identifier; a text of another length is none.
+inline constexpr qsizetype IdentifierLength = 12;
+
 /// A new identifier of a kind ("M", "R", "F"): kind, date and the first free number of the day.
 /// Empty when that failed (the failure has been reported). Beyond 999 items per kind and day it grows to 13
 /// characters, which no table holds.

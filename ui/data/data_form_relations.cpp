@@ -5,6 +5,7 @@
 #include "core/data_selection.h"
 #include "core/file_data.h"
 #include "core/links.h"
+#include "store/identifiers.h"
 #include "store/session.h"
 #include "ui/data/data_form.h"
 #include "ui/widgets/event_edge.h"
@@ -23,7 +24,6 @@ namespace
 
 constexpr int LinkIdentifierColumn = 2;
 constexpr int CategoryIdentifierColumn = 1;
-constexpr int IdentifierLength = 12; // a dropped text of another length is none
 
 } // namespace
 

@@ -115,8 +115,6 @@ protected:
 private:
     /// The column of the data list that holds the identifier.
     static constexpr int IdentifierColumn = 2;
-    /// Characters of an identifier; a dropped text of another length is none.
-    static constexpr int IdentifierLength = 12;
 
     void buildControls();
     void buildMenus();

@@ -1,5 +1,6 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
+#include "store/identifiers.h"
 #include "store/lookup/data_names.h"
 #include "store/session.h"
 #include "ui/main/category_tree.h"
