@@ -96,12 +96,9 @@ void frmSplash::setUp()
     pgbSplash->setTextVisible(false);
     pgbSplash->hide();
 
-    cmdClose = new QPushButton(u"閉じる(&C)"_s, Frame1);
-    cmdClose->setObjectName(u"cmdClose"_s);
+    cmdClose = addButton(Frame1, u"cmdClose"_s, u"閉じる(&C)"_s, &frmSplash::cmdClose_Click);
     cmdClose->setDefault(true);
     cmdClose->hide();
-    connect(cmdClose, &QPushButton::clicked, this,
-            eventSlot(this->session().reporting, u"cmdClose_Click"_s, [this] { cmdClose_Click(); }));
 
     auto* closing = new QHBoxLayout;
     closing->addStretch();

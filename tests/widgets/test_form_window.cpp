@@ -2,6 +2,7 @@
 #include "app/base/ports/data_window.h"
 #include "store/session.h"
 #include "tests/support/errors_of.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "ui/widgets/form_window.h"
@@ -10,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
@@ -25,6 +27,7 @@ namespace
 class PlainWindow : public FormWindow
 {
 public:
+    using FormWindow::addButton;
     using FormWindow::addEntry;
     using FormWindow::addLine;
     using FormWindow::addMenu;
@@ -33,6 +36,8 @@ public:
 
     std::function<bool()> question = [] { return true; };
     int asked = 0;
+    int clicked = 0;
+    void mnuCount_Click() { ++clicked; }
 
 protected:
     bool queryUnload() override
@@ -132,6 +137,9 @@ private Q_SLOTS:
     void aVisibleWindowBecomesModal();
     void menusAreFoundByTheirNames();
     void captionsStandAsGiven();
+    void entriesAndButtonsRunTheirHandlers();
+    void failuresOfEntriesAndButtonsAreThoseOfTheirClicks_data();
+    void failuresOfEntriesAndButtonsAreThoseOfTheirClicks();
     void menuBarShowsWhatHasChanged();
     void everyNewDataWindowIsFresh();
     void theRegistrationWindowIsShared();
@@ -349,6 +357,47 @@ void TestFormWindow::captionsStandAsGiven()
     QCOMPARE(menu->title(), u"データ&D)"_s);
     QCOMPARE(window->addEntry(menu, u"x"_s, u"画面の切り替え(&F2)"_s)->text(), u"画面の切り替え(&F2)"_s);
     QVERIFY(!menu->toolTipsVisible());
+}
+
+void TestFormWindow::entriesAndButtonsRunTheirHandlers()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ(&D)"_s);
+    window->addEntry(menu, u"mnuCount"_s, u"数える"_s, &PlainWindow::mnuCount_Click)->trigger();
+    QCOMPARE(window->clicked, 1);
+    window->addEntry(menu, u"mnuTen"_s, u"十"_s, [window] { window->clicked += 10; })->trigger();
+    QCOMPARE(window->clicked, 11);
+    window->addEntry(menu, u"mnuNothing"_s, u"無"_s)->trigger();
+    QCOMPARE(window->clicked, 11);
+    const QPushButton* button =
+        window->addButton(window, u"cmdCount"_s, u"数える(&C)"_s, &PlainWindow::mnuCount_Click);
+    QCOMPARE(button, window->findChild<QPushButton*>(u"cmdCount"_s));
+    QCOMPARE(button->text(), u"数える(&C)"_s);
+    window->findChild<QPushButton*>(u"cmdCount"_s)->click();
+    QCOMPARE(window->clicked, 12);
+}
+
+void TestFormWindow::failuresOfEntriesAndButtonsAreThoseOfTheirClicks_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("location");
+    QTest::newRow("an entry") << u"mnuEnd"_s << u"mnuEnd_Click"_s;
+    QTest::newRow("a button") << u"cmdOK"_s << u"cmdOK_Click"_s;
+    QTest::newRow("a button of an array") << u"cmdSize(1)"_s << u"cmdSize_Click"_s;
+}
+
+void TestFormWindow::failuresOfEntriesAndButtonsAreThoseOfTheirClicks()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QString, location);
+    PlainWindow* window = m_world->window(u"a"_s);
+    const auto fail = [] { throw Error(errors::DiskFull); };
+    m_world->dialogs.expect(untrapped(errors::DiskFull));
+    if (name.startsWith(u"mnu"))
+        window->addEntry(window->addMenu(u"mnuData"_s, u"データ(&D)"_s), name, name, fail)->trigger();
+    else
+        window->addButton(window, name, name, fail)->click();
+    QVERIFY(m_world->log.lines.value(0).contains(u"LOCATION : "_s + location + u", "_s));
 }
 
 void TestFormWindow::menuBarShowsWhatHasChanged()

@@ -46,18 +46,13 @@ void frmCategory::arrange()
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    QWidget* before = tvwCategory;
-    const auto addButton = [&](const QString& name, const QString& caption, void (frmCategory::*handler)()) {
-        auto* button = new QPushButton(caption, middle);
-        button->setObjectName(name);
-        connect(button, &QPushButton::clicked, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-        buttons->addWidget(button);
-        setTabOrder(before, button);
-        before = button;
-    };
-    addButton(u"cmdOK"_s, u"OK(&O)"_s, &frmCategory::cmdOK_Click);
-    addButton(u"cmdCancel"_s, u"Cancel(&C)"_s, &frmCategory::cmdCancel_Click);
+    QPushButton* cmdOK = addButton(middle, u"cmdOK"_s, u"OK(&O)"_s, &frmCategory::cmdOK_Click);
+    QPushButton* cmdCancel =
+        addButton(middle, u"cmdCancel"_s, u"Cancel(&C)"_s, &frmCategory::cmdCancel_Click);
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    setTabOrder(tvwCategory, cmdOK);
+    setTabOrder(cmdOK, cmdCancel);
     rows->addLayout(buttons);
     setCentralWidget(middle);
     tvwCategory->setFocus();

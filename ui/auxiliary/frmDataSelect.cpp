@@ -9,7 +9,6 @@
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
 
-#include <QAction>
 #include <QBoxLayout>
 #include <QMenu>
 #include <QPushButton>
@@ -52,13 +51,9 @@ frmDataSelect::frmDataSelect(Session& session, WindowRegistry& registry)
 void frmDataSelect::buildMenus()
 {
     QMenu* mnuOpe = addMenu(u"mnuOpe"_s, u"データ(&D)"_s);
-    const auto entry = [&](const QString& name, const QString& caption, void (frmDataSelect::*handler)()) {
-        connect(addEntry(mnuOpe, name, caption), &QAction::triggered, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-    };
-    entry(u"mnuView"_s, u"表示(&V)"_s, &frmDataSelect::cmdOK_Click);
-    entry(u"mnuDelete"_s, u"削除(&F)"_s, &frmDataSelect::mnuDelete_Click);
-    entry(u"mnuClose"_s, u"閉じる(&C)"_s, &frmDataSelect::cmdCancel_Click);
+    addEntry(mnuOpe, u"mnuView"_s, u"表示(&V)"_s, &frmDataSelect::cmdOK_Click);
+    addEntry(mnuOpe, u"mnuDelete"_s, u"削除(&F)"_s, &frmDataSelect::mnuDelete_Click);
+    addEntry(mnuOpe, u"mnuClose"_s, u"閉じる(&C)"_s, &frmDataSelect::cmdCancel_Click);
 }
 
 void frmDataSelect::arrange()
@@ -80,19 +75,12 @@ void frmDataSelect::arrange()
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    QWidget* before = lsvData;
-    const auto addButton = [&](const QString& name, const QString& caption,
-                               void (frmDataSelect::*handler)()) {
-        auto* button = new QPushButton(caption, middle);
-        button->setObjectName(name);
-        connect(button, &QPushButton::clicked, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-        buttons->addWidget(button);
-        setTabOrder(before, button);
-        before = button;
-    };
-    addButton(u"cmdOK"_s, u"OK"_s, &frmDataSelect::cmdOK_Click);
-    addButton(u"cmdCancel"_s, u"Cancel"_s, &frmDataSelect::cmdCancel_Click);
+    QPushButton* cmdOK = addButton(middle, u"cmdOK"_s, u"OK"_s, &frmDataSelect::cmdOK_Click);
+    QPushButton* cmdCancel = addButton(middle, u"cmdCancel"_s, u"Cancel"_s, &frmDataSelect::cmdCancel_Click);
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    setTabOrder(lsvData, cmdOK);
+    setTabOrder(cmdOK, cmdCancel);
     rows->addLayout(buttons);
     setCentralWidget(middle);
 

@@ -37,13 +37,13 @@ void frmFind::arrange()
 {
     auto* middle = new QWidget(this);
     auto* rows = new QVBoxLayout(middle);
-    const auto find = eventSlot(session().reporting, u"cmdFind_Click"_s, [this] { cmdFind_Click(); });
 
     auto* textRow = new QHBoxLayout;
     txtFind = new QLineEdit(middle);
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->installEventFilter(this);
-    connect(txtFind, &QLineEdit::returnPressed, this, find);
+    connect(txtFind, &QLineEdit::returnPressed, this,
+            eventSlot(session().reporting, u"cmdFind_Click"_s, [this] { cmdFind_Click(); }));
     textRow->addWidget(plainLabel(u"lblFind"_s, u"検索文字列 ："_s, txtFind, middle));
     textRow->addWidget(txtFind, 1);
     rows->addLayout(textRow);
@@ -66,9 +66,7 @@ void frmFind::arrange()
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    auto* cmdFind = new QPushButton(u"検索(&S)"_s, middle);
-    cmdFind->setObjectName(u"cmdFind"_s);
-    connect(cmdFind, &QPushButton::clicked, this, find);
+    QPushButton* cmdFind = addButton(middle, u"cmdFind"_s, u"検索(&S)"_s, &frmFind::cmdFind_Click);
     buttons->addWidget(cmdFind);
     setTabOrder(before, cmdFind);
     rows->addLayout(buttons);

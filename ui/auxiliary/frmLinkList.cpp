@@ -8,7 +8,6 @@
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
 
-#include <QAction>
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -57,14 +56,10 @@ frmLinkList::frmLinkList(Session& session, WindowRegistry& registry)
 void frmLinkList::buildMenus()
 {
     QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
-    const auto entry = [&](const QString& name, const QString& caption, void (frmLinkList::*handler)()) {
-        connect(addEntry(mnuLink, name, caption), &QAction::triggered, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-    };
-    entry(u"mnuLinkShow"_s, u"表示(&S)"_s, &frmLinkList::mnuLinkShow_Click);
-    entry(u"mnuLinkDelete"_s, u"削除(&D)"_s, &frmLinkList::mnuLinkDelete_Click);
+    addEntry(mnuLink, u"mnuLinkShow"_s, u"表示(&S)"_s, &frmLinkList::mnuLinkShow_Click);
+    addEntry(mnuLink, u"mnuLinkDelete"_s, u"削除(&D)"_s, &frmLinkList::mnuLinkDelete_Click);
     addLine(mnuLink, u"mnuLinkLine"_s);
-    entry(u"mnuLinkClose"_s, u"閉じる(&C)"_s, &frmLinkList::mnuLinkClose_Click);
+    addEntry(mnuLink, u"mnuLinkClose"_s, u"閉じる(&C)"_s, &frmLinkList::mnuLinkClose_Click);
 }
 
 void frmLinkList::arrange()
@@ -88,10 +83,8 @@ void frmLinkList::arrange()
     auto* bottom = new QHBoxLayout;
     lblCount = plainLabel(u"lblCount"_s, NoLinksCounted, nullptr, middle);
     bottom->addWidget(lblCount, 1);
-    auto* button = new QPushButton(u"リンク削除(&D)"_s, middle);
-    button->setObjectName(u"cmdLinkDelete"_s);
-    connect(button, &QPushButton::clicked, this,
-            eventSlot(session().reporting, u"cmdLinkDelete_Click"_s, [this] { cmdLinkDelete_Click(); }));
+    QPushButton* button =
+        addButton(middle, u"cmdLinkDelete"_s, u"リンク削除(&D)"_s, &frmLinkList::cmdLinkDelete_Click);
     bottom->addWidget(button);
     rows->addLayout(bottom);
 

@@ -22,7 +22,6 @@
 #include <QAction>
 #include <QFileInfo>
 #include <QKeyEvent>
-#include <QMenu>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -302,14 +301,6 @@ void DataForm::mnuDataCloseAll_Click()
 void DataForm::mnuDataClose_Click()
 {
     unload();
-}
-
-QAction* DataForm::addHandledEntry(QMenu* menu, const QString& name, const QString& caption,
-                                   const std::function<void()>& handler)
-{
-    QAction* entry = addEntry(menu, name, caption);
-    connect(entry, &QAction::triggered, this, eventSlot(session().reporting, name + u"_Click"_s, handler));
-    return entry;
 }
 
 bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)

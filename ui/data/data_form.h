@@ -102,9 +102,6 @@ protected:
     };
     void addRelationMenus(const RelationEntries& entries);
 
-    /// Adds a menu entry that runs `handler` under the entry's name.
-    QAction* addHandledEntry(QMenu* menu, const QString& name, const QString& caption,
-                             const std::function<void()>& handler);
     QWidget& fieldWidget(int index) const { return field(index).widget(); }
     /// The row of the content's label; a window may add controls to it.
     QHBoxLayout& contentLabelRow() const { return *m_contentLabelRow; }

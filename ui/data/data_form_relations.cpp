@@ -11,7 +11,6 @@
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
 
-#include <QAction>
 #include <QMenu>
 
 using namespace Qt::Literals::StringLiterals;
@@ -30,23 +29,19 @@ constexpr int CategoryIdentifierColumn = 1;
 void DataForm::addRelationMenus(const RelationEntries& entries)
 {
     QMenu* mnuLink = addMenu(u"mnuLink"_s, u"リンク(&L)"_s);
-    addHandledEntry(mnuLink, u"mnuLinkMain"_s, u"定義データ(&M)"_s,
-                    [this] { linkToChosen(session().RsMain); });
-    addHandledEntry(mnuLink, u"mnuLinkRefDoc"_s, u"文献データ(&R)"_s,
-                    [this] { linkToChosen(session().RsRefDoc); });
-    addHandledEntry(mnuLink, u"mnuLinkRefFile"_s, u"ファイルデータ(&F)"_s,
-                    [this] { mnuLinkRefFile_Click(); });
+    addEntry(mnuLink, u"mnuLinkMain"_s, u"定義データ(&M)"_s, [this] { linkToChosen(session().RsMain); });
+    addEntry(mnuLink, u"mnuLinkRefDoc"_s, u"文献データ(&R)"_s, [this] { linkToChosen(session().RsRefDoc); });
+    addEntry(mnuLink, u"mnuLinkRefFile"_s, u"ファイルデータ(&F)"_s, &DataForm::mnuLinkRefFile_Click);
     if (entries.linkCategoryEntry)
         addEntry(mnuLink, u"mnuLinkCategory"_s, u"分類先を指定"_s); // does nothing
     addLine(mnuLink, u"mnuLinkLine"_s);
-    addHandledEntry(mnuLink, u"mnuLinkView"_s, u"リンク先表示(&V)"_s, [this] { mnuLinkView_Click(); });
-    addHandledEntry(mnuLink, u"mnuLinkDelete"_s, u"リンク削除(&D)"_s, [this] { mnuLinkDelete_Click(); });
+    addEntry(mnuLink, u"mnuLinkView"_s, u"リンク先表示(&V)"_s, &DataForm::mnuLinkView_Click);
+    addEntry(mnuLink, u"mnuLinkDelete"_s, u"リンク削除(&D)"_s, &DataForm::mnuLinkDelete_Click);
 
     QMenu* mnuCategory = addMenu(u"mnuCategory"_s, u"分類(&C)"_s);
-    addHandledEntry(mnuCategory, u"mnuCategoryEntry"_s, entries.categoryEntryCaption,
-                    [this] { mnuCategoryEntry_Click(); });
-    addHandledEntry(mnuCategory, u"mnuCategoryDelete"_s, u"分類を解除(&D)"_s,
-                    [this] { mnuCategoryDelete_Click(); });
+    addEntry(mnuCategory, u"mnuCategoryEntry"_s, entries.categoryEntryCaption,
+             &DataForm::mnuCategoryEntry_Click);
+    addEntry(mnuCategory, u"mnuCategoryDelete"_s, u"分類を解除(&D)"_s, &DataForm::mnuCategoryDelete_Click);
 }
 
 void DataForm::connectLists()

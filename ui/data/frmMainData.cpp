@@ -49,20 +49,16 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
 void frmMainData::buildMenus()
 {
     QMenu* mnuData = addMenu(u"mnuData"_s, u"データ&D)"_s); // sic: without its opening parenthesis
-    addHandledEntry(mnuData, u"mnuDataDelete"_s, u"削除(&D)"_s, [this] { mnuDataDelete_Click(); });
-    addHandledEntry(mnuData, u"mnuDataUpdate"_s, u"更新(&U)"_s, [this] { mnuDataUpdate_Click(); });
-    addHandledEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s, [this] {
-        mnuDataEntry_Click();
-    })->setEnabled(false);
-    addHandledEntry(mnuData, u"mnuDataNoDef"_s, u"未定義登録(&N)"_s, [this] {
-        mnuDataNoDef_Click();
-    })->setEnabled(false);
+    addEntry(mnuData, u"mnuDataDelete"_s, u"削除(&D)"_s, &frmMainData::mnuDataDelete_Click);
+    addEntry(mnuData, u"mnuDataUpdate"_s, u"更新(&U)"_s, &frmMainData::mnuDataUpdate_Click);
+    addEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s, &frmMainData::mnuDataEntry_Click)->setEnabled(false);
+    addEntry(mnuData, u"mnuDataNoDef"_s, u"未定義登録(&N)"_s, &frmMainData::mnuDataNoDef_Click)
+        ->setEnabled(false);
     addLine(mnuData, u"mnuDataLine"_s);
-    addHandledEntry(mnuData, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, [this] { mnuDataChange_Click(); });
-    addHandledEntry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s,
-                    [this] { mnuDataCloseAll_Click(); });
+    addEntry(mnuData, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, &frmMainData::mnuDataChange_Click);
+    addEntry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmMainData::mnuDataCloseAll_Click);
     addLine(mnuData, u"mnuDataLine2"_s);
-    addHandledEntry(mnuData, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, [this] { mnuDataClose_Click(); });
+    addEntry(mnuData, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, &frmMainData::mnuDataClose_Click);
 
     addRelationMenus({.categoryEntryCaption = u"カテゴリに分類(&E)"_s, .linkCategoryEntry = true});
 }

@@ -10,7 +10,6 @@
 #include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "ui/widgets/event_edge.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -66,19 +65,16 @@ frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
 void frmRefDoc::buildMenus()
 {
     QMenu* mnuOpe = addMenu(u"mnuOpe"_s, u"データ(&D)"_s);
-    addHandledEntry(mnuOpe, u"mnuDataEntry"_s, u"登録(&E)"_s, [this] {
-        mnuDataEntry_Click();
-    })->setEnabled(false);
-    addHandledEntry(mnuOpe, u"mnuDataUpdate"_s, u"更新(&U)"_s, [this] { mnuDataUpdate_Click(); });
-    addHandledEntry(mnuOpe, u"mnuDataDelete"_s, u"削除(&D)"_s, [this] { mnuDataDelete_Click(); });
-    addHandledEntry(mnuOpe, u"mnuDataLoadText"_s, u"テキストファイルの読込(&T)"_s,
-                    [this] { mnuDataLoadText_Click(); });
+    addEntry(mnuOpe, u"mnuDataEntry"_s, u"登録(&E)"_s, &frmRefDoc::mnuDataEntry_Click)->setEnabled(false);
+    addEntry(mnuOpe, u"mnuDataUpdate"_s, u"更新(&U)"_s, &frmRefDoc::mnuDataUpdate_Click);
+    addEntry(mnuOpe, u"mnuDataDelete"_s, u"削除(&D)"_s, &frmRefDoc::mnuDataDelete_Click);
+    addEntry(mnuOpe, u"mnuDataLoadText"_s, u"テキストファイルの読込(&T)"_s,
+             &frmRefDoc::mnuDataLoadText_Click);
     addLine(mnuOpe, u"mnuDataLine"_s);
-    addHandledEntry(mnuOpe, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, [this] { mnuDataChange_Click(); });
-    addHandledEntry(mnuOpe, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s,
-                    [this] { mnuDataCloseAll_Click(); });
+    addEntry(mnuOpe, u"mnuDataChange"_s, u"画面の切り替え(&F2)"_s, &frmRefDoc::mnuDataChange_Click);
+    addEntry(mnuOpe, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmRefDoc::mnuDataCloseAll_Click);
     addLine(mnuOpe, u"mnuDataLine2"_s);
-    addHandledEntry(mnuOpe, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, [this] { mnuDataClose_Click(); });
+    addEntry(mnuOpe, u"mnuDataClose"_s, u"本画面を閉じる(&C)"_s, &frmRefDoc::mnuDataClose_Click);
 
     addRelationMenus({.categoryEntryCaption = u"カテゴリに分類(&A)"_s});
 }
@@ -92,12 +88,9 @@ void frmRefDoc::buildSizeButtons()
     const Size sizes[] = {{u"12(&L)"_s, 12}, {u"10(&N)"_s, 10}, {u"9(&S)"_s, 9}};
     QWidget* before = &fieldWidget(1);
     for (int i = 0; i < 3; ++i) {
-        auto* button = new QPushButton(sizes[i].caption, this);
-        button->setObjectName(u"cmdSize(%1)"_s.arg(i));
+        QPushButton* button = addButton(this, u"cmdSize(%1)"_s.arg(i), sizes[i].caption,
+                                        [this, points = sizes[i].points] { cmdSize_Click(points); });
         button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this,
-                eventSlot(session().reporting, u"cmdSize_Click"_s,
-                          [this, points = sizes[i].points] { cmdSize_Click(points); }));
         contentLabelRow().addWidget(button);
         setTabOrder(before, button);
         before = button;

@@ -41,8 +41,7 @@ frmRefFileEntry::frmRefFileEntry(Session& session, WindowRegistry& registry)
 void frmRefFileEntry::buildMenus()
 {
     QMenu* mnuData = addMenu(u"mnuData"_s, u"データ(&O)"_s);
-    connect(addEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s), &QAction::triggered, this,
-            eventSlot(session().reporting, u"mnuDataEntry_Click"_s, [this] { mnuDataEntry_Click(); }));
+    addEntry(mnuData, u"mnuDataEntry"_s, u"登録(&E)"_s, &frmRefFileEntry::mnuDataEntry_Click);
     addLine(mnuData, u"mnuOpeLine"_s);
     addEntry(mnuData, u"mnuOpeClose"_s, u"閉じる"_s); // does nothing
 }
@@ -58,20 +57,12 @@ void frmRefFileEntry::arrange()
         m_txtFields[index] = line;
         return line;
     };
-    const auto addButton = [&](const QString& name, const QString& caption,
-                               void (frmRefFileEntry::*handler)()) {
-        auto* button = new QPushButton(caption, middle);
-        button->setObjectName(name);
-        connect(button, &QPushButton::clicked, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-        return button;
-    };
 
     auto* fields = new QGridLayout;
     QLineEdit* path = addField(0);
     path->installEventFilter(this);
     describe(path, u"登録するファイルのパス（場所）を入力する。"_s);
-    cmdPath = addButton(u"cmdPath"_s, u"参照(&P)"_s, &frmRefFileEntry::cmdPath_Click);
+    cmdPath = addButton(middle, u"cmdPath"_s, u"参照(&P)"_s, &frmRefFileEntry::cmdPath_Click);
     fields->addWidget(plainLabel(u"lblPath"_s, u"ファイルの指定 :"_s, path, middle), 0, 0);
     fields->addWidget(path, 0, 1);
     fields->addWidget(cmdPath, 0, 2);
@@ -101,8 +92,8 @@ void frmRefFileEntry::arrange()
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    cmdEntry = addButton(u"cmdEntry"_s, u"登録(&E)"_s, &frmRefFileEntry::mnuDataEntry_Click);
-    cmdCancel = addButton(u"cmdCancel"_s, u"ｷｬﾝｾﾙ(&C)"_s, &frmRefFileEntry::cmdCancel_Click);
+    cmdEntry = addButton(middle, u"cmdEntry"_s, u"登録(&E)"_s, &frmRefFileEntry::mnuDataEntry_Click);
+    cmdCancel = addButton(middle, u"cmdCancel"_s, u"ｷｬﾝｾﾙ(&C)"_s, &frmRefFileEntry::cmdCancel_Click);
     buttons->addWidget(cmdEntry);
     buttons->addWidget(cmdCancel);
     rows->addLayout(buttons);

@@ -8,7 +8,6 @@
 #include "store/opening.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
-#include "ui/widgets/event_edge.h"
 
 #include <QAction>
 #include <QMenu>
@@ -27,55 +26,46 @@ const QString DatabaseFilter = u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)|*.
 
 void frmMainMenu::buildMenus()
 {
-    const auto entry = [this](QMenu* menu, const QString& name, const QString& caption,
-                              void (frmMainMenu::*handler)() = nullptr) {
-        QAction* action = addEntry(menu, name, caption);
-        if (handler != nullptr)
-            connect(
-                action, &QAction::triggered, this,
-                eventSlot(session().reporting, name + u"_Click"_s, [this, handler] { (this->*handler)(); }));
-        return action;
-    };
-
     QMenu* mnuFile = addMenu(u"mnuFile"_s, u"ファイル(&F)"_s);
-    entry(mnuFile, u"mnuFileNew"_s, u"新規データベース作成(&N)"_s, &frmMainMenu::mnuFileNew_Click);
-    entry(mnuFile, u"mnuFileOpen"_s, u"既存データベース展開(&O)"_s, &frmMainMenu::mnuFileOpen_Click);
+    addEntry(mnuFile, u"mnuFileNew"_s, u"新規データベース作成(&N)"_s, &frmMainMenu::mnuFileNew_Click);
+    addEntry(mnuFile, u"mnuFileOpen"_s, u"既存データベース展開(&O)"_s, &frmMainMenu::mnuFileOpen_Click);
     addLine(mnuFile, u"mnuFileLine"_s);
-    entry(mnuFile, u"mnuEnd"_s, u"システム終了(&E)"_s, &frmMainMenu::mnuEnd_Click);
+    addEntry(mnuFile, u"mnuEnd"_s, u"システム終了(&E)"_s, &frmMainMenu::mnuEnd_Click);
 
     mnuData = addMenu(u"mnuData"_s, u"データ(&D)"_s);
     QMenu* mnuEntry = addSubmenu(mnuData, u"mnuEntry"_s, u"新規データ登録(&E)"_s);
-    entry(mnuEntry, u"mnuEntryMain"_s, u"定義データ(&M)"_s, &frmMainMenu::mnuEntryMain_Click);
-    entry(mnuEntry, u"mnuEntryRefDoc"_s, u"文献データ(&R)"_s, &frmMainMenu::mnuEntryRefDoc_Click);
+    addEntry(mnuEntry, u"mnuEntryMain"_s, u"定義データ(&M)"_s, &frmMainMenu::mnuEntryMain_Click);
+    addEntry(mnuEntry, u"mnuEntryRefDoc"_s, u"文献データ(&R)"_s, &frmMainMenu::mnuEntryRefDoc_Click);
     // sic: a full-width access key
-    entry(mnuEntry, u"mnuEntryRefFile"_s, u"ファイルデータ(&Ｆ)"_s, &frmMainMenu::mnuEntryRefFile_Click);
-    entry(mnuData, u"mnuDataView"_s, u"データ表示(&V)"_s, &frmMainMenu::mnuDataView_Click);
-    entry(mnuData, u"mnuDataCategoryDelete"_s, u"分類を解除(&C)"_s,
-          &frmMainMenu::mnuDataCategoryDelete_Click);
-    entry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmMainMenu::mnuDataCloseAll_Click);
+    addEntry(mnuEntry, u"mnuEntryRefFile"_s, u"ファイルデータ(&Ｆ)"_s, &frmMainMenu::mnuEntryRefFile_Click);
+    addEntry(mnuData, u"mnuDataView"_s, u"データ表示(&V)"_s, &frmMainMenu::mnuDataView_Click);
+    addEntry(mnuData, u"mnuDataCategoryDelete"_s, u"分類を解除(&C)"_s,
+             &frmMainMenu::mnuDataCategoryDelete_Click);
+    addEntry(mnuData, u"mnuDataCloseAll"_s, u"全画面を閉じる(&A)"_s, &frmMainMenu::mnuDataCloseAll_Click);
     addLine(mnuData, u"mnuDataLine"_s);
-    entry(mnuData, u"mnuDataDelete"_s, u"データ削除(&D)"_s, &frmMainMenu::mnuDataDelete_Click);
+    addEntry(mnuData, u"mnuDataDelete"_s, u"データ削除(&D)"_s, &frmMainMenu::mnuDataDelete_Click);
 
     mnuCategory = addMenu(u"mnuCategory"_s, u"カテゴリ(&C)"_s);
-    entry(mnuCategory, u"mnuCategoryEntry"_s, u"新規カテゴリ登録(&E)"_s,
-          &frmMainMenu::mnuCategoryEntry_Click);
-    entry(mnuCategory, u"mnuCategoryDelete"_s, u"カテゴリ削除(&D)"_s, &frmMainMenu::mnuCategoryDelete_Click);
-    entry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s, &frmMainMenu::mnuCategoryRename_Click);
+    addEntry(mnuCategory, u"mnuCategoryEntry"_s, u"新規カテゴリ登録(&E)"_s,
+             &frmMainMenu::mnuCategoryEntry_Click);
+    addEntry(mnuCategory, u"mnuCategoryDelete"_s, u"カテゴリ削除(&D)"_s,
+             &frmMainMenu::mnuCategoryDelete_Click);
+    addEntry(mnuCategory, u"mnuCategoryRename"_s, u"名称変更(&R)"_s, &frmMainMenu::mnuCategoryRename_Click);
 
     mnuFind = addMenu(u"mnuFind"_s, u"検索(&F)"_s);
-    entry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s, &frmMainMenu::mnuFindName_Click);
+    addEntry(mnuFind, u"mnuFindName"_s, u"全文検索(&D)"_s, &frmMainMenu::mnuFindName_Click);
 
     mnuInfo = addMenu(u"mnuInfo"_s, u"情報(&I)"_s);
     mnuInfoLink =
-        entry(mnuInfo, u"mnuInfoLink"_s, u"データリンク状況の表示(&L)"_s, &frmMainMenu::mnuInfoLink_Click);
+        addEntry(mnuInfo, u"mnuInfoLink"_s, u"データリンク状況の表示(&L)"_s, &frmMainMenu::mnuInfoLink_Click);
     // It has no action and is never enabled.
-    entry(mnuInfo, u"mnuInfoCategory"_s, u"データ分類状況の表示(&C)"_s)->setEnabled(false);
+    addEntry(mnuInfo, u"mnuInfoCategory"_s, u"データ分類状況の表示(&C)"_s)->setEnabled(false);
     mnuInfoEntry =
-        entry(mnuInfo, u"mnuInfoEntry"_s, u"データ登録状況の表示(&E)"_s, &frmMainMenu::mnuInfoEntry_Click);
+        addEntry(mnuInfo, u"mnuInfoEntry"_s, u"データ登録状況の表示(&E)"_s, &frmMainMenu::mnuInfoEntry_Click);
     addLine(mnuInfo, u"mnuInfoLine"_s);
-    entry(mnuInfo, u"mnuInfoReadme"_s, u"Readme.txt (&R)"_s, &frmMainMenu::mnuInfoReadme_Click);
-    entry(mnuInfo, u"mnuInfoRef"_s, u"機能仕様書.txt (&F)"_s, &frmMainMenu::mnuInfoRef_Click);
-    entry(mnuInfo, u"mnuInfoSystem"_s, u"システム情報 (&S)"_s, &frmMainMenu::mnuInfoSystem_Click);
+    addEntry(mnuInfo, u"mnuInfoReadme"_s, u"Readme.txt (&R)"_s, &frmMainMenu::mnuInfoReadme_Click);
+    addEntry(mnuInfo, u"mnuInfoRef"_s, u"機能仕様書.txt (&F)"_s, &frmMainMenu::mnuInfoRef_Click);
+    addEntry(mnuInfo, u"mnuInfoSystem"_s, u"システム情報 (&S)"_s, &frmMainMenu::mnuInfoSystem_Click);
 
     mnuData->menuAction()->setEnabled(false);
     mnuCategory->menuAction()->setEnabled(false);

@@ -193,7 +193,8 @@ void FormWindow::showModal()
         before->activateWindow();
 }
 
-QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& caption)
+QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& caption,
+                              const Handler& handler)
 {
     auto* entry = new QAction(caption, menu);
     entry->setObjectName(name);
@@ -201,7 +202,20 @@ QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& c
     entry->setMenuRole(QAction::NoRole);
     menu->addAction(entry);
     m_actions.insert(name, entry);
+    if (handler)
+        connect(entry, &QAction::triggered, this,
+                eventSlot(m_session.reporting, name + u"_Click"_s, handler));
     return entry;
+}
+
+QPushButton* FormWindow::addButton(QWidget* parent, const QString& name, const QString& caption,
+                                   const Handler& handler)
+{
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    connect(button, &QPushButton::clicked, this,
+            eventSlot(m_session.reporting, name.section(u'(', 0, 0) + u"_Click"_s, handler));
+    return button;
 }
 
 QMenu* FormWindow::addMenu(const QString& name, const QString& caption)

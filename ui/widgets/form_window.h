@@ -7,8 +7,11 @@
 #include <QSizeF>
 #include <QString>
 
+#include <functional>
+
 class QAction;
 class QMenu;
+class QPushButton;
 
 namespace quillon
 {
@@ -54,8 +57,25 @@ protected:
     /// Enter presses the button that has the focus, as it does in dialogs.
     void keyPressEvent(QKeyEvent* event) override;
 
-    /// Adds an action to a menu under its design name; captions are used as they stand.
-    QAction* addEntry(QMenu* menu, const QString& name, const QString& caption);
+    using Handler = std::function<void()>;
+
+    /// Adds an entry to a menu under its design name; captions are used as they stand. Choosing it runs `handler`, a
+    /// function or a member of the window, as the event "<name>_Click"; without one it does nothing.
+    QAction* addEntry(QMenu* menu, const QString& name, const QString& caption, const Handler& handler = {});
+    template <class Form>
+    QAction* addEntry(QMenu* menu, const QString& name, const QString& caption, void (Form::*handler)())
+    {
+        return addEntry(menu, name, caption, bound(handler));
+    }
+    /// Makes a button in the same way. One of an array, "cmdSize(1)", runs its handler as "cmdSize_Click".
+    QPushButton* addButton(QWidget* parent, const QString& name, const QString& caption,
+                           const Handler& handler);
+    template <class Form>
+    QPushButton* addButton(QWidget* parent, const QString& name, const QString& caption,
+                           void (Form::*handler)())
+    {
+        return addButton(parent, name, caption, bound(handler));
+    }
     QMenu* addMenu(const QString& name, const QString& caption);
     QMenu* addSubmenu(QMenu* menu, const QString& name, const QString& caption);
     QAction* addLine(QMenu* menu, const QString& name);
@@ -63,6 +83,10 @@ protected:
     QAction* action(const QString& name) const { return m_actions.value(name); }
 
 private:
+    template <class Form> Handler bound(void (Form::*handler)())
+    {
+        return [form = static_cast<Form*>(this), handler] { (form->*handler)(); };
+    }
     bool tryUnload();
     void enforceLeastSize();
 
