@@ -1,11 +1,10 @@
 #pragma once
 
 #include "app/base/ports/clock.h"
-#include "app/base/ports/desktop.h"
 #include "app/base/ports/dialogs.h"
-#include "app/base/ports/event_log.h"
 #include "app/base/system_files.h"
 #include "app/shell/program.h"
+#include "tools/silent_ports.h"
 
 #include <QTemporaryDir>
 
@@ -34,12 +33,6 @@ private:
     QString m_announced;
 };
 
-class NoEventLog : public EventLog
-{
-public:
-    void write(const QString&) override {}
-};
-
 /// A clock that shows what it is set to.
 class SetClock : public Clock
 {
@@ -49,12 +42,6 @@ public:
     QString shortTime() const override { return time.time().toString(u"HH:mm"); }
 
     QDateTime time{QDate(2026, 1, 15), QTime(10, 0)};
-};
-
-class NoDesktop : public Desktop
-{
-public:
-    OpenOutcome open(const QString&) override { return OpenOutcome::OtherFailure; }
 };
 
 /// The program with its main window on the screen, as a person has it before choosing a file.
@@ -85,8 +72,8 @@ public:
 private:
     QTemporaryDir m_folder;
     NoDialogs m_dialogs;
-    NoEventLog m_eventLog;
-    NoDesktop m_desktop;
+    SilentEventLog m_eventLog;
+    SilentDesktop m_desktop;
     SystemFiles m_files;
     Program m_program;
 };

@@ -4,6 +4,7 @@
 #include "app/shell/program.h"
 #include "app/shell/system_ports.h"
 #include "tools/guide.h"
+#include "tools/silent_ports.h"
 
 #include <QString>
 
@@ -16,20 +17,6 @@ class FormWindow;
 
 namespace quillon::tour
 {
-
-/// A desktop that opens nothing: the tour has no business in other programs.
-class NoDesktop : public Desktop
-{
-public:
-    OpenOutcome open(const QString&) override { return OpenOutcome::Opened; }
-};
-
-/// A log that forgets.
-class NoEventLog : public EventLog
-{
-public:
-    void write(const QString&) override {}
-};
 
 /// The program as the tour plays it, and the hands to play it with.
 class Stage
@@ -59,9 +46,9 @@ public:
     Guide& guide;
     QString folder;
     GuidedDialogs dialogs;
-    NoEventLog log;
+    SilentEventLog log;
     SystemClock clock;
-    NoDesktop desktop;
+    SilentDesktop desktop; // the tour has no business in other programs
     SystemFiles files;
     Program program;
 };

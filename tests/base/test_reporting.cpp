@@ -10,6 +10,22 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
+namespace
+{
+
+/// Dialogs whose every box fails in one way.
+template <class Failure> class FailingDialogs : public ScriptedDialogs
+{
+public:
+    explicit FailingDialogs(Failure failure) : m_failure(std::move(failure)) {}
+    Answer messageBox(const MessageBox&) override { throw m_failure; }
+
+private:
+    Failure m_failure;
+};
+
+} // namespace
+
 class TestReporting : public QObject
 {
     Q_OBJECT
@@ -82,9 +98,7 @@ private Q_SLOTS:
 
     void theLineIsWrittenEvenWhenTheBoxFails()
     {
-        struct FailingDialogs : ScriptedDialogs {
-            Answer messageBox(const MessageBox&) override { throw Error(errors::OutOfMemory); }
-        } failing;
+        FailingDialogs failing{Error(errors::OutOfMemory)};
         Reporting broken{failing, eventLog, clock};
         ReportError(broken, 5, u"Main"_s);
         QCOMPARE(eventLog.lines.size(), 1);
@@ -92,9 +106,7 @@ private Q_SLOTS:
 
     void theLineIsWrittenEvenWhenThereIsNoMemoryForTheBox()
     {
-        struct FailingDialogs : ScriptedDialogs {
-            Answer messageBox(const MessageBox&) override { throw std::bad_alloc(); }
-        } failing;
+        FailingDialogs failing{std::bad_alloc()};
         Reporting broken{failing, eventLog, clock};
         ReportError(broken, 7, u"Main"_s);
         QCOMPARE(eventLog.lines.size(), 1);
