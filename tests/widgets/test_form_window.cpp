@@ -20,6 +20,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
+using namespace quillon::testing;
 
 namespace
 {
@@ -87,24 +88,14 @@ struct World {
         return names;
     }
 
-    testing::ScriptedDialogs dialogs;
-    testing::MemoryEventLog log;
-    testing::FixedClock clock;
-    testing::RecordingDesktop desktop;
-    testing::RealFiles files;
+    ScriptedDialogs dialogs;
+    MemoryEventLog log;
+    FixedClock clock;
+    RecordingDesktop desktop;
+    RealFiles files;
     WindowRegistry registry;
     Session session;
 };
-
-qint32 errorOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& error) {
-        return error.number;
-    }
-    return 0;
-}
 
 } // namespace
 
@@ -276,7 +267,7 @@ void TestFormWindow::unloadingTwiceAsksOnce()
 
 void TestFormWindow::deletingAWindowTakesItOutOfTheRegistry()
 {
-    FormWindow& shared = m_world->registry.sharedWindow(u"frmFind"_s);
+    LoadedWindow& shared = m_world->registry.sharedWindow(u"frmFind"_s);
     QCOMPARE(m_world->registry.loadedSharedWindow(u"frmFind"_s), &shared);
     delete &shared;
     QVERIFY(m_world->registry.loaded().empty());
@@ -463,10 +454,10 @@ void TestFormWindow::theRegistrationWindowIsShared()
 
 void TestFormWindow::anUnloadedSharedWindowIsMadeAnew()
 {
-    const QPointer<FormWindow> first = &m_world->registry.sharedWindow(u"frmFind"_s);
-    QVERIFY(first->unload());
-    const FormWindow* second = &m_world->registry.sharedWindow(u"frmFind"_s);
-    QVERIFY(first.data() != second);
+    const LoadedWindow* first = &m_world->registry.sharedWindow(u"frmFind"_s);
+    QVERIFY(m_world->registry.sharedWindow(u"frmFind"_s).unload());
+    const LoadedWindow* second = &m_world->registry.sharedWindow(u"frmFind"_s);
+    QVERIFY(first != second); // the first is deleted later
     QCOMPARE(m_world->loadedNames(), QStringList(u"frmFind"_s));
 }
 
@@ -489,7 +480,7 @@ void TestFormWindow::unknownWindowsAreRefused()
 void TestFormWindow::auxiliaryWindowsAreShown()
 {
     m_world->registry.showAuxiliary(u"frmFind"_s);
-    FormWindow* window = m_world->registry.loadedSharedWindow(u"frmFind"_s);
+    const auto* window = dynamic_cast<FormWindow*>(m_world->registry.loadedSharedWindow(u"frmFind"_s));
     QVERIFY(window != nullptr && window->isVisible() && !window->isModal());
     m_world->registry.showAuxiliary(u"frmFind"_s);
     QCOMPARE(m_world->loadedNames(), QStringList(u"frmFind"_s));

@@ -1,4 +1,5 @@
 #include "app/base/error.h"
+#include "tests/support/errors_of.h"
 #include "ui/widgets/keyed_tree_model.h"
 
 #include <QAbstractItemModelTester>
@@ -6,24 +7,14 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 using quillon::KeyedTreeModel;
+using quillon::testing::errorOf;
 
 namespace
 {
-
-qint32 errorOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const quillon::Error& error) {
-        return error.number;
-    }
-    return 0;
-}
 
 QStringList keys(const KeyedTreeModel& model)
 {

@@ -6,7 +6,6 @@
 #include "app/base/ports/data_window.h"
 #include "app/base/ports/link_list_window.h"
 #include "store/data_kinds.h"
-#include "ui/widgets/form_window.h"
 
 #include <algorithm>
 
@@ -19,7 +18,7 @@ namespace
 {
 
 /// A window as what operations see of it. Error 91 when it is no such window.
-template <class Port> Port& as(FormWindow* window)
+template <class Port> Port& as(LoadedWindow* window)
 {
     auto* port = dynamic_cast<Port*>(window);
     if (port == nullptr)
@@ -36,10 +35,10 @@ void WindowRegistry::setFactory(const QString& windowName, Factory factory)
 
 std::vector<LoadedWindow*> WindowRegistry::loaded() const
 {
-    return {m_windows.begin(), m_windows.end()};
+    return m_windows;
 }
 
-FormWindow* WindowRegistry::create(const QString& windowName) const
+LoadedWindow* WindowRegistry::create(const QString& windowName) const
 {
     const auto factory = m_factories.constFind(windowName);
     if (factory == m_factories.constEnd() || !*factory)
@@ -86,28 +85,28 @@ void WindowRegistry::showAuxiliary(const QString& windowName)
     sharedWindow(windowName).showModeless();
 }
 
-FormWindow& WindowRegistry::sharedWindow(const QString& windowName)
+LoadedWindow& WindowRegistry::sharedWindow(const QString& windowName)
 {
-    if (FormWindow* window = loadedSharedWindow(windowName))
+    if (LoadedWindow* window = loadedSharedWindow(windowName))
         return *window;
-    FormWindow* window = create(windowName);
+    LoadedWindow* window = create(windowName);
     if (window == nullptr)
         throw Error(errors::InvalidArgument);
     m_shared.insert(windowName, window);
     return *window;
 }
 
-FormWindow* WindowRegistry::loadedSharedWindow(const QString& windowName) const
+LoadedWindow* WindowRegistry::loadedSharedWindow(const QString& windowName) const
 {
     return m_shared.value(windowName, nullptr);
 }
 
-void WindowRegistry::add(FormWindow* window)
+void WindowRegistry::add(LoadedWindow* window)
 {
     m_windows.push_back(window);
 }
 
-void WindowRegistry::remove(FormWindow* window)
+void WindowRegistry::remove(LoadedWindow* window)
 {
     std::erase(m_windows, window);
     m_shared.removeIf([window](const auto& entry) { return entry.value() == window; });

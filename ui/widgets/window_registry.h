@@ -11,14 +11,12 @@
 namespace quillon
 {
 
-class FormWindow;
-
 /// The loaded windows in the order of loading, and the factories of further ones.
 /// Qt's own list of windows has no dependable order.
 class WindowRegistry : public Windows
 {
 public:
-    using Factory = std::function<FormWindow*()>;
+    using Factory = std::function<LoadedWindow*()>;
 
     /// How a window of this design name is made, for example "frmMainData".
     void setFactory(const QString& windowName, Factory factory);
@@ -33,19 +31,19 @@ public:
     void showAuxiliary(const QString& windowName) override;
 
     /// The shared instance of a window, created on first use; it is not shown. Error 5 for an unknown name.
-    FormWindow& sharedWindow(const QString& windowName);
+    LoadedWindow& sharedWindow(const QString& windowName);
     /// The shared instance as far as it is loaded, else null.
-    FormWindow* loadedSharedWindow(const QString& windowName) const;
+    LoadedWindow* loadedSharedWindow(const QString& windowName) const;
 
     /// Called by windows themselves.
-    void add(FormWindow* window);
-    void remove(FormWindow* window);
+    void add(LoadedWindow* window);
+    void remove(LoadedWindow* window);
 
 private:
-    FormWindow* create(const QString& windowName) const;
+    LoadedWindow* create(const QString& windowName) const;
 
-    std::vector<FormWindow*> m_windows;
-    QHash<QString, FormWindow*> m_shared;
+    std::vector<LoadedWindow*> m_windows;
+    QHash<QString, LoadedWindow*> m_shared;
     QHash<QString, Factory> m_factories;
 };
 
