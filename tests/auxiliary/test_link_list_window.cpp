@@ -6,6 +6,7 @@
 #include "store/schema.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/held_key.h"
 #include "tests/support/troubled_database.h"
 #include "tests/support/window_probe.h"
 #include "tests/support/window_world.h"
@@ -473,8 +474,7 @@ private Q_SLOTS:
         QTest::keyRelease(form->windowHandle(), Qt::Key_Return);
         QVERIFY(isOpen());
         // The rest of a key that is held down since another window had it.
-        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
-        QCoreApplication::sendEvent(&list(), &repeated);
+        repeatKey(list(), Qt::Key_Return);
         QTest::keyRelease(form->windowHandle(), Qt::Key_Return);
         QVERIFY(isOpen());
     }

@@ -1,6 +1,7 @@
 // The search window: its texts, what it refuses, its keys, and how it hands over what it finds.
 #include "tests/auxiliary/search_world.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/held_key.h"
 #include "tests/support/modal_script.h"
 
 #include <QPointer>
@@ -27,12 +28,6 @@ private:
     std::unique_ptr<SearchWorld> world;
 
     Session& session() const { return world->session(); }
-    static void repeatKey(QWidget& control, Qt::Key key)
-    {
-        QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
-        QCoreApplication::sendEvent(&control, &repeated);
-        WindowWorld::processEvents();
-    }
     /// Leaves a definition as the pending source of a link that the person did not choose.
     void leaveALinkPending() const
     {
@@ -297,7 +292,9 @@ private Q_SLOTS:
         QTest::keyPress(&world->textBox(), key);
         // Held down it would list the same again and again.
         repeatKey(world->textBox(), key);
+        WindowWorld::processEvents();
         repeatKey(world->textBox(), key);
+        WindowWorld::processEvents();
         QTest::keyRelease(&world->textBox(), key);
         QCOMPARE(world->names(), QStringList({u"氷"_s}));
     }
@@ -308,6 +305,7 @@ private Q_SLOTS:
         QTest::keyPress(&world->textBox(), Qt::Key_Return);
         // The box has been answered by a press that goes on.
         repeatKey(world->textBox(), Qt::Key_Return);
+        WindowWorld::processEvents();
         QTest::keyRelease(&world->textBox(), Qt::Key_Return);
     }
 
@@ -373,6 +371,7 @@ private Q_SLOTS:
     {
         world->searchWindow();
         repeatKey(world->textBox(), Qt::Key_Escape);
+        WindowWorld::processEvents();
         QCOMPARE(world->windowCount(u"frmFind"_s), 1);
     }
 

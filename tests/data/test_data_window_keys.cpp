@@ -1,4 +1,5 @@
 #include "tests/data/twin_fixture.h"
+#include "tests/support/held_key.h"
 #include "ui/data/window_switch.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -231,6 +232,21 @@ private Q_SLOTS:
         QCOMPARE(world->windowCount(), 1);
     }
 
+    void escapeHeldDownClosesOneWindow_data() { bothKindsInEveryField(); }
+
+    void escapeHeldDownClosesOneWindow()
+    {
+        QFETCH(int, index);
+        const QPointer<DataForm> behind(&open(1));
+        const QPointer<DataForm> front(&open(2));
+        QTest::keyPress(&field(*front, index), Qt::Key_Escape);
+        FormWorld::processEvents();
+        QVERIFY(front.isNull());
+        repeatKey(field(*behind, index), Qt::Key_Escape);
+        FormWorld::processEvents();
+        QVERIFY(!behind.isNull());
+    }
+
     void escapeBelongsToACompositionFirst_data() { bothKinds(); }
 
     void escapeBelongsToACompositionFirst()
@@ -327,6 +343,26 @@ private Q_SLOTS:
         }
         QVERIFY(FormWorld::choose(*forms[current], u"mnuDataChange"_s));
         QTRY_COMPARE(QApplication::activeWindow(), forms[(current + 1) % forms.size()]);
+    }
+
+    void switchKeyHeldDownSwitchesOnce_data() { bothKinds(); }
+
+    void switchKeyHeldDownSwitchesOnce()
+    {
+        DataForm& first = open(1);
+        open(2);
+        DataForm& third = open(3);
+        QTRY_COMPARE(QApplication::activeWindow(), &third);
+        for (const QString& place : {u"txtFields(0)"_s, u"lsvLink"_s}) {
+            repeatKey(*third.findChild<QWidget*>(place), Qt::Key_F2);
+            FormWorld::processEvents();
+            QCOMPARE(QApplication::activeWindow(), &third);
+        }
+        repeatKey(third, Qt::Key_F2);
+        FormWorld::processEvents();
+        QCOMPARE(QApplication::activeWindow(), &third);
+        holdKey(FormWorld::name(third), Qt::Key_F2);
+        QTRY_COMPARE(QApplication::activeWindow(), &first);
     }
 
     void switchLeavesACompositionAlone_data() { bothKinds(); }

@@ -1,5 +1,6 @@
 #include "tests/data/form_world.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/held_key.h"
 
 #include <QDir>
 #include <QFile>
@@ -284,10 +285,8 @@ private Q_SLOTS:
     {
         const QPointer<frmRefFileEntry> form(&begin());
         QLineEdit& path = FormWorld::name(*form);
-        for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-            QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
-            QCoreApplication::sendEvent(&path, &repeated);
-        }
+        for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
+            repeatKey(path, key);
         FormWorld::processEvents();
         QVERIFY(!form.isNull());
     }

@@ -139,21 +139,6 @@ protected:
             QCoreApplication::sendEvent(view, &event);
         }
     }
-    /// A key that is held so long that it repeats, as the window system tells it.
-    static void holdKey(QWidget* view, int key)
-    {
-        const auto send = [&](QEvent::Type type, bool repeated) {
-            QKeyEvent event(type, key, Qt::NoModifier, QString(), repeated);
-            QCoreApplication::sendEvent(view, &event);
-        };
-        send(QEvent::KeyPress, false);
-        for (int time = 0; time < 3; ++time) {
-            send(QEvent::KeyRelease, true);
-            send(QEvent::KeyPress, true);
-        }
-        send(QEvent::KeyRelease, false);
-    }
-
     void expectNotice(const QString& text, const QString& title = QStringLiteral("Quillon"))
     {
         world->dialogs.expect(MessageBox{.text = text, .title = title});

@@ -1,6 +1,7 @@
 // Keys in the category tree and the data list of the main window.
 #include "app/base/ports/data_window.h"
 #include "tests/main/main_window_fixture.h"
+#include "tests/support/held_key.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -54,7 +55,7 @@ private Q_SLOTS:
     void insertHeldDownRegistersOnce()
     {
         chooseNode(u"A"_s);
-        holdKey(list, Qt::Key_Insert);
+        holdKey(*list, Qt::Key_Insert);
         QCOMPARE(world->loadedNames(), QStringList({u"frmMainMenu"_s, u"frmMainData"_s}));
         // Each further time would file the new datum once more.
         QCOMPARE(world->window<DataWindow>(u"frmMainData"_s)->categoryRows().size(), std::size_t(1));
@@ -64,7 +65,7 @@ private Q_SLOTS:
     {
         selectRows({0});
         expectQuestion(u"<水> を削除しますか。"_s, Answer::Cancel);
-        holdKey(list, Qt::Key_Delete);
+        holdKey(*list, Qt::Key_Delete);
         expectQuestion(u"<水> を削除しますか。"_s, Answer::Ok);
         pressKey(list, Qt::Key_Delete, Qt::KeypadModifier);
         QCOMPARE(names().size(), 6);
@@ -122,17 +123,16 @@ private Q_SLOTS:
     void keysHeldInTheTreeAskOnce()
     {
         expectQuestion(NewCategoryQuestion, Answer::Cancel);
-        holdKey(tree, Qt::Key_Insert);
+        holdKey(*tree, Qt::Key_Insert);
         tree->select(tree->nodes().position(u"B"_s));
         expectQuestion(u"<乙> を削除しますか。"_s, Answer::Cancel);
-        holdKey(tree, Qt::Key_Delete);
+        holdKey(*tree, Qt::Key_Delete);
     }
 
     void keyOfABoxDoesNothingInTheTree()
     {
         // The press went to a box that has closed; what is left of the key arrives here.
-        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier, QString(), true);
-        QCoreApplication::sendEvent(tree, &repeated);
+        repeatKey(*tree, Qt::Key_Delete);
         QTest::keyRelease(tree, Qt::Key_Delete);
         QTest::keyRelease(tree, Qt::Key_Insert);
         QCOMPARE(window->nodeCount(), 13);

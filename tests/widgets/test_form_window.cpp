@@ -3,6 +3,7 @@
 #include "store/session.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/held_key.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "ui/widgets/form_window.h"
@@ -132,6 +133,7 @@ private Q_SLOTS:
     void failuresOfEntriesAndButtonsAreThoseOfTheirClicks_data();
     void failuresOfEntriesAndButtonsAreThoseOfTheirClicks();
     void menuBarShowsWhatHasChanged();
+    void enterHeldDownPressesTheButtonOnce();
     void everyNewDataWindowIsFresh();
     void theRegistrationWindowIsShared();
     void anUnloadedSharedWindowIsMadeAnew();
@@ -430,6 +432,19 @@ void TestFormWindow::menuBarShowsWhatHasChanged()
     menus.last()->menuAction()->setVisible(true);
     entries.last()->setVisible(true);
     bothLookAlike();
+}
+
+void TestFormWindow::enterHeldDownPressesTheButtonOnce()
+{
+    PlainWindow* window = m_world->window(u"a"_s);
+    auto* button = new QPushButton(u"実行"_s, window);
+    const QSignalSpy clicked(button, &QPushButton::clicked);
+    button->setFocus();
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        quillon::testing::holdKey(*window, key);
+        QTest::keyClick(window, Qt::Key_Escape); // another key presses nothing
+    }
+    QCOMPARE(clicked.size(), 2);
 }
 
 void TestFormWindow::everyNewDataWindowIsFresh()
