@@ -160,11 +160,20 @@ private Q_SLOTS:
     void closeEntryDoesNothing()
     {
         frmRefFileEntry& form = begin();
+        const QString path = writeOutside(u"a.txt"_s);
+        FormWorld::enter(FormWorld::name(form), path);
+        form.setCategoryRows({{u"川"_s, u"A"_s}});
         QVERIFY(FormWorld::entry(form, u"mnuOpeClose"_s)->isEnabled());
         QVERIFY(FormWorld::choose(form, u"mnuOpeClose"_s));
         FormWorld::processEvents();
         QCOMPARE(world->windowCount(), 1);
         QVERIFY(form.isVisible());
+        QCOMPARE(form.fieldText(0), path);
+        QCOMPARE(form.fieldText(1), Picture);
+        QCOMPARE(rowsOf(FormWorld::rows(form, u"lsvCategory"_s)), QStringList(u"川|A|"_s));
+        QCOMPARE(world->registeredFiles(), QStringList());
+        world->dialogs.expect(AskRegister, Answer::Cancel); // closing asks as before
+        QVERIFY(!FormWorld::closes(form));
     }
 
     void emptyWindowClosesWithoutAsking() { QVERIFY(FormWorld::closes(begin())); }

@@ -272,11 +272,27 @@ private Q_SLOTS:
 
     void entryWithoutAMeaningDoesNothing()
     {
-        form = &world->show(Water);
-        QVERIFY(FormWorld::choose(*form, u"mnuLinkCategory"_s));
+        addLink(Water, Ice);
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, Water});
+        auto& water = world->show(Water);
+        form = &water;
+        for (const QString& list : {u"lsvLink"_s, u"lsvCategory"_s})
+            selectRow(FormWorld::list(water, list), 0);
+        FormWorld::enter(FormWorld::name(water), u"お湯"_s);
+        QVERIFY(FormWorld::choose(water, u"mnuLinkCategory"_s));
         FormWorld::processEvents();
         QCOMPARE(world->windowCount(), 1);
         QVERIFY(!world->session.LinkSourceMode);
+        QVERIFY(!world->session.CategoryChosen);
+        QCOMPARE(water.fieldText(0), u"お湯"_s);
+        QCOMPARE(shownLinks(), QStringList(u"氷|定義|M-991231-002"_s));
+        QCOMPARE(rowsOf(FormWorld::rows(water, u"lsvCategory"_s)), QStringList(u"不明|A|"_s));
+        QCOMPARE(world->links(), QStringList(u"M-991231-001|M-991231-002"_s));
+        QCOMPARE(world->memberships(), QStringList(u"A|M-991231-001"_s));
+        world->dialogs.expect(
+            MessageBox{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
+            Answer::Cancel);
+        QVERIFY(!FormWorld::closes(water)); // closing asks as before
     }
 
     void droppedIdentifierIsLinked_data()
