@@ -355,7 +355,7 @@ void TestFormWindow::captionsStandAsGiven()
 void TestFormWindow::entriesAndButtonsRunTheirHandlers()
 {
     PlainWindow* window = m_world->window(u"a"_s);
-    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ(&D)"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"表"_s);
     window->addEntry(menu, u"mnuCount"_s, u"数える"_s, &PlainWindow::mnuCount_Click)->trigger();
     QCOMPARE(window->clicked, 1);
     window->addEntry(menu, u"mnuTen"_s, u"十"_s, [window] { window->clicked += 10; })->trigger();
@@ -387,7 +387,7 @@ void TestFormWindow::failuresOfEntriesAndButtonsAreThoseOfTheirClicks()
     const auto fail = [] { throw Error(errors::DiskFull); };
     m_world->dialogs.expect(untrapped(errors::DiskFull));
     if (name.startsWith(u"mnu"))
-        window->addEntry(window->addMenu(u"mnuData"_s, u"データ(&D)"_s), name, name, fail)->trigger();
+        window->addEntry(window->addMenu(u"mnuData"_s, u"表"_s), name, name, fail)->trigger();
     else
         window->addButton(window, name, name, fail)->click();
     QVERIFY(m_world->log.lines.value(0).contains(u"LOCATION : "_s + location + u", "_s));
