@@ -117,14 +117,14 @@ void ClassifyManyData(Session& session, const QString& categoryIdentifier, const
                       const std::function<void()>& advance)
 {
     Database& database = required(session.RsCategory).database();
-    DeferredMessages messages(session, database);
+    DeferredMessages messages(database);
     inWriteTransaction(database, [&] {
         for (const QString& identifier : identifiers) {
             ClassifyDatum(session, messages, categoryIdentifier, identifier);
             advance();
         }
     });
-    messages.show();
+    messages.show(session);
 }
 
 void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)

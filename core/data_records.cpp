@@ -137,7 +137,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
     std::vector<bool> deleted;
     deleted.reserve(static_cast<std::size_t>(identifiers.size()));
     Database& database = required(session.RsMain).database();
-    DeferredMessages messages(session, database);
+    DeferredMessages messages(database);
     inWriteTransaction(database, [&] {
         IdentifierSet gone;
         for (const QString& identifier : identifiers) {
@@ -149,7 +149,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
                         rows.deleteRow();
                         rowDeleted = true;
                     } else {
-                        messages.add([&session] { tellNotFound(session); });
+                        messages.add(tellNotFound);
                     }
                     gone.insert(identifier);
                 });
@@ -169,7 +169,7 @@ std::vector<bool> DeleteManyData(Session& session, const QStringList& identifier
             });
         });
     });
-    messages.show();
+    messages.show(session);
     return deleted;
 }
 

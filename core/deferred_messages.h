@@ -14,15 +14,13 @@ namespace quillon
 {
 
 /// What there is to tell about a durable write. It waits for the end of the write: no box may stand open while the
-/// file is locked for other programs.
+/// file is locked for other programs. Who wrote may hand it on to whoever shows it.
 class DeferredMessages
 {
 public:
-    DeferredMessages(Session& session, Database& database) : m_session(session), m_database(database) {}
-    DeferredMessages(const DeferredMessages&) = delete;
-    DeferredMessages& operator=(const DeferredMessages&) = delete;
+    explicit DeferredMessages(Database& database) : m_database(database) {}
 
-    void add(std::function<void()> message) { m_messages.push_back(std::move(message)); }
+    void add(std::function<void(Session&)> message) { m_messages.push_back(std::move(message)); }
     /// Runs a part of the write under its own name: a failure is kept and ends that part.
     template <class Operation> void trap(const QString& location, Operation&& operation)
     {
@@ -30,22 +28,21 @@ public:
             // A full disk, for one, undoes everything by itself; then there is no write to go on with.
             if (!m_database.connection().inTransaction())
                 throw error;
-            add([this, location, number = error.number] {
-                ReportError(m_session.reporting, number, location);
+            add([location, number = error.number](Session& session) {
+                ReportError(session.reporting, number, location);
             });
         };
         guardedBy(onFailure, std::forward<Operation>(operation));
     }
-    void show() const
+    void show(Session& session) const
     {
         for (const auto& message : m_messages)
-            message();
+            message(session);
     }
 
 private:
-    Session& m_session;
-    Database& m_database;
-    std::vector<std::function<void()>> m_messages;
+    Database& m_database; // that of the write, for as long as it goes on
+    std::vector<std::function<void(Session&)>> m_messages;
 };
 
 } // namespace quillon

@@ -21,21 +21,24 @@ const std::array<DataKind, Count>& all()
                                                      .title = titles::DefinitionData,
                                                      .windowName = u"frmMainData"_s,
                                                      .isShownInWindow = true,
-                                                     .captionJoint = u"画面 - "_s},
+                                                     .captionJoint = u"画面 - "_s,
+                                                     .limits = {.name = 25, .content = 127}},
                                                     {.letter = u'R',
                                                      .recordSet = &Session::RsRefDoc,
                                                      .shortName = u"文献"_s,
                                                      .title = titles::DocumentData,
                                                      .windowName = u"frmRefDoc"_s,
                                                      .isShownInWindow = true,
-                                                     .captionJoint = u"画面-"_s},
+                                                     .captionJoint = u"画面-"_s,
+                                                     .limits = {.name = 25, .content = 32000}},
                                                     {.letter = u'F',
                                                      .recordSet = &Session::RsRefFile,
                                                      .shortName = u"FILE"_s,
                                                      .title = titles::FileData,
                                                      .windowName = u"frmRefFileEntry"_s,
                                                      .isShownInWindow = false,
-                                                     .captionJoint = {}}}};
+                                                     .captionJoint = {},
+                                                     .limits = {}}}};
     return kinds;
 }
 

@@ -13,6 +13,13 @@
 namespace quillon
 {
 
+/// How long the texts of a datum may be when they are saved, in full-width characters (two bytes of code page 932
+/// each). Exactly the limit is already too long.
+struct TextLimits {
+    double name = 0;
+    double content = 0;
+};
+
 /// What the program knows of a kind of data; the first character of an identifier tells the kind.
 struct DataKind {
     QChar letter;
@@ -22,6 +29,7 @@ struct DataKind {
     QString windowName;   // of the window that registers a datum and, if any does, shows it
     bool isShownInWindow; // otherwise the file of the datum is opened
     QString captionJoint; // in the caption of its window, between the short name and the name of the datum
+    TextLimits limits;    // of what a person writes
 };
 
 namespace data_kinds

@@ -3,15 +3,10 @@
 #include "app/base/input_checks.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
-#include "core/categories.h"
 #include "core/close_all_form.h"
 #include "core/data_records.h"
-#include "core/deferred_messages.h"
 #include "store/data_kinds.h"
-#include "store/database.h"
-#include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_transaction.h"
 #include "ui/data/category_rows.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
@@ -20,7 +15,6 @@
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
-#include <QFileInfo>
 #include <QKeyEvent>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,15 +25,13 @@ namespace quillon
 namespace
 {
 
-constexpr int IdentifierField = 1;
-constexpr double NameLimit = 25; // full-width characters
-constexpr int NameBytes = 50;    // the remaining count counts down from here
+constexpr int NameBytes = 50; // the remaining count counts down from here
 
 } // namespace
 
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
     : FormWindow(session, registry, design.kind.windowName), m_design(design),
-      m_databaseFile(openDatabaseFile())
+      m_databaseFile(openDatabaseFile(session))
 {
     setWindowTitle(design.title);
     buildFields();
@@ -122,23 +114,9 @@ bool DataForm::showsDatum() const
     return modeText() == titles::DisplayMode;
 }
 
-RecordSet& DataForm::rows() const
+DatumPlace DataForm::place() const
 {
-    return required(session().*m_design.kind.recordSet);
-}
-
-QString DataForm::openDatabaseFile() const
-{
-    return session().OpenDb ? session().OpenDb->path() : QString();
-}
-
-bool DataForm::findRow() const
-{
-    // A database that was opened later may hold another datum of the same identifier.
-    const QString open = openDatabaseFile();
-    if (m_databaseFile != open && QFileInfo(m_databaseFile) != QFileInfo(open))
-        return false;
-    return rows().goTo(data_field::Object_ID, fieldText(1));
+    return {.kind = &m_design.kind, .databaseFile = m_databaseFile, .identifier = fieldText(1)};
 }
 
 void DataForm::ShowInputCount(qint16 index)
@@ -155,52 +133,32 @@ void DataForm::ShowInputCount(qint16 index)
 
 bool DataForm::CheckInput()
 {
-    Reporting& reporting = session().reporting;
-    // Both checks of a field run: a text can only fail one of them, but neither may hide the other.
-    const bool nameFits = MaxTextCheck(reporting, fieldText(0), NameLimit, u"名称"_s);
-    const bool nameFilled = NullCheck(reporting, fieldText(0));
-    if (!nameFits || !nameFilled)
-        return false;
-    // sic: a document's content is called "定義" here, too.
-    const bool contentFits = MaxTextCheck(reporting, fieldText(2), m_design.contentLimit, u"定義"_s);
-    const bool contentFilled = NullCheck(reporting, fieldText(2));
-    return contentFits && contentFilled;
+    return CheckDatum(session(), m_design.kind, shownTexts());
 }
 
-void DataForm::addDatum(DeferredMessages& messages)
+std::optional<SavedDatum> DataForm::registerShownDatum()
 {
-    inWriteTransaction(rows().database(), [&] {
-        addRow();
-        classifyInListedCategories(messages);
-    });
-    m_databaseFile = openDatabaseFile();
+    auto saved = RegisterDatum(session(), m_design.kind, fieldText(1), shownTexts(), listedCategories());
+    if (saved)
+        m_databaseFile = saved->place.databaseFile;
+    return saved;
 }
 
-void DataForm::addRow()
+QStringList DataForm::listedCategories() const
 {
-    RecordSet& recordSet = rows();
-    recordSet.addNew();
-    for (int i = 0; i <= session().MainLastFieldIndex; ++i)
-        recordSet.setField(i, fieldText(i));
-    recordSet.update();
-}
-
-void DataForm::changeRow()
-{
-    RecordSet& recordSet = rows();
-    recordSet.edit();
-    for (int i = 0; i <= session().MainLastFieldIndex; ++i) {
-        // The row was found by its identifier. Saving that again would write its index again, too.
-        if (i != IdentifierField)
-            recordSet.setField(i, fieldText(i));
-    }
-    recordSet.update();
-}
-
-void DataForm::classifyInListedCategories(DeferredMessages& messages)
-{
+    QStringList identifiers;
     for (const CategoryRow& category : categoryRows())
-        ClassifyDatum(session(), messages, category.identifier, fieldText(1));
+        identifiers << category.identifier;
+    return identifiers;
+}
+
+bool DataForm::isUnchanged()
+{
+    if (!showsDatum())
+        return fieldText(0).isEmpty() && fieldText(2).isEmpty();
+    // A datum that was deleted elsewhere has nothing left to be updated.
+    const auto stored = StoredTexts(session(), place());
+    return !stored || *stored == shownTexts();
 }
 
 bool DataForm::QuerySave()
@@ -208,15 +166,7 @@ bool DataForm::QuerySave()
     if (m_deleted)
         return true;
     const bool shows = showsDatum();
-    bool unchanged = false;
-    if (shows) {
-        // A datum that was deleted elsewhere has nothing left to be updated.
-        unchanged = !findRow() || (fieldText(0) == rows().field(0) && fieldText(1) == rows().field(1) &&
-                                   fieldText(2) == rows().field(2));
-    } else {
-        unchanged = fieldText(0).isEmpty() && fieldText(2).isEmpty();
-    }
-    if (unchanged) {
+    if (isUnchanged()) {
         m_saveResult = true;
         return true;
     }
@@ -269,21 +219,11 @@ void DataForm::mnuDataEntry_Click()
 
 void DataForm::mnuDataUpdate_Click()
 {
-    if (!CheckInput())
+    const auto saved = UpdateDatum(session(), place(), shownTexts(),
+                                   m_design.updateClassifies ? listedCategories() : QStringList());
+    if (!saved)
         return;
-    const auto goToRow = [this] {
-        if (!findRow())
-            throw Error(errors::NoCurrentRecord);
-    };
-    goToRow(); // a datum that is gone is reported as that, whoever may be writing
-    DeferredMessages messages(session(), rows().database());
-    inWriteTransaction(rows().database(), [&] {
-        goToRow();
-        changeRow();
-        if (m_design.updateClassifies)
-            classifyInListedCategories(messages);
-    });
-    messages.show();
+    saved->messages.show(session());
     session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});
     m_saveResult = true;
 }

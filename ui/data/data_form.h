@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
+#include "core/data_entry.h"
 #include "ui/data/text_fields.h"
 #include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
@@ -19,7 +20,6 @@ namespace quillon
 {
 
 struct DataKind;
-class DeferredMessages;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -62,7 +62,6 @@ protected:
         QString modeToolTip;
         QString countToolTip;
         int contentBytes = 0;          // the remaining count counts down from here
-        double contentLimit = 0;       // full-width characters, checked on saving
         double typingLimit = 0;        // full-width characters, checked while typing
         QString updateTitle;           // of the notice after an update
         bool acceptsDrops = false;     // data can be dropped on the link list to link them
@@ -78,11 +77,8 @@ protected:
 
     /// Whether name and content are filled and short enough; tells the user when they are not.
     bool CheckInput();
-    /// The window's table.
-    RecordSet& rows() const;
-    /// Adds a row of the fields to the window's table and files the datum in every category of the category list, as
-    /// one durable write. What went wrong in filing waits in `messages`.
-    void addDatum(DeferredMessages& messages);
+    /// Registers what the window shows, in every category of the category list. Nothing when the input was refused.
+    std::optional<SavedDatum> registerShownDatum();
     /// The question before closing; true lets the window close.
     bool QuerySave();
     bool showsDatum() const; // display mode
@@ -118,15 +114,12 @@ protected:
 
 private:
     TextField& field(int index) const;
-    /// The full name of the open database file, empty when none is open.
-    QString openDatabaseFile() const;
-    /// Goes to the datum's row; false when it is gone.
-    bool findRow() const;
-    void addRow();
-    /// Saves the fields to the row that was found.
-    void changeRow();
-    /// Files the datum in every category of the category list, inside a durable write.
-    void classifyInListedCategories(DeferredMessages& messages);
+    DatumTexts shownTexts() const { return {.name = fieldText(0), .content = fieldText(2)}; }
+    DatumPlace place() const;
+    /// The identifiers of the category list.
+    QStringList listedCategories() const;
+    /// Whether closing the window would lose nothing.
+    bool isUnchanged();
     void buildFields();
     void buildLists();
     void arrange();

@@ -2,9 +2,7 @@
 
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
-#include "core/deferred_messages.h"
 #include "store/data_kinds.h"
-#include "store/record_set.h"
 #include "store/session.h"
 #include "ui/data/digit_letter_key.h"
 
@@ -37,7 +35,6 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
                 .modeToolTip = {},
                 .countToolTip = {},
                 .contentBytes = 254,
-                .contentLimit = 127,
                 .typingLimit = 127,
                 .updateTitle = u"定義"_s,
                 .acceptsDrops = true,
@@ -76,13 +73,12 @@ bool frmMainData::warnsOnKey(const QKeyEvent& event) const
 
 void frmMainData::RegisterData()
 {
-    if (!CheckInput()) {
+    const auto saved = registerShownDatum();
+    if (!saved) {
         m_saveResult = false;
         return;
     }
-    DeferredMessages messages(session(), rows().database());
-    addDatum(messages);
-    messages.show();
+    saved->messages.show(session());
     setMode(FormMode::Display);
     if (!m_saveResult)
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s});

@@ -6,9 +6,7 @@
 #include "app/base/text_file.h"
 #include "app/base/titles.h"
 #include "app/base/twips.h"
-#include "core/deferred_messages.h"
 #include "store/data_kinds.h"
-#include "store/record_set.h"
 #include "store/session.h"
 
 #include <QAction>
@@ -53,7 +51,6 @@ frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
                 .modeToolTip = u"現在の文献データ画面のステータスを表示します。"_s,
                 .countToolTip = u"入力可能文字数を表示します。"_s,
                 .contentBytes = ContentBytes,
-                .contentLimit = 32000,
                 .typingLimit = 32768,
                 .updateTitle = titles::DocumentData})
 {
@@ -113,15 +110,14 @@ bool frmRefDoc::warnsOnKey(const QKeyEvent&) const
 
 void frmRefDoc::RegisterData()
 {
-    if (!CheckInput()) {
+    const auto saved = registerShownDatum();
+    if (!saved) {
         m_saveResult = false;
         return;
     }
-    DeferredMessages messages(session(), rows().database());
-    addDatum(messages);
     m_saveResult = true;
     setMode(FormMode::Display);
-    messages.show();
+    saved->messages.show(session());
 }
 
 void frmRefDoc::mnuDataLoadText_Click()
