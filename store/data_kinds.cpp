@@ -14,31 +14,32 @@ namespace data_kinds
 
 const std::array<DataKind, Count>& all()
 {
-    // sic: one caption has blanks around its hyphen, the other has none.
-    static const std::array<DataKind, Count> kinds{{{.letter = u'M',
-                                                     .recordSet = &Session::RsMain,
-                                                     .shortName = u"定義"_s,
-                                                     .title = titles::DefinitionData,
-                                                     .windowName = u"frmMainData"_s,
-                                                     .isShownInWindow = true,
-                                                     .captionJoint = u"画面 - "_s,
-                                                     .limits = {.name = 25, .content = 127}},
-                                                    {.letter = u'R',
-                                                     .recordSet = &Session::RsRefDoc,
-                                                     .shortName = u"文献"_s,
-                                                     .title = titles::DocumentData,
-                                                     .windowName = u"frmRefDoc"_s,
-                                                     .isShownInWindow = true,
-                                                     .captionJoint = u"画面-"_s,
-                                                     .limits = {.name = 25, .content = 32000}},
-                                                    {.letter = u'F',
-                                                     .recordSet = &Session::RsRefFile,
-                                                     .shortName = u"FILE"_s,
-                                                     .title = titles::FileData,
-                                                     .windowName = u"frmRefFileEntry"_s,
-                                                     .isShownInWindow = false,
-                                                     .captionJoint = {},
-                                                     .limits = {}}}};
+    // sic: one caption has blanks around its hyphen, the other has none. A document of more than is saved may be typed.
+    static const std::array<DataKind, Count> kinds{
+        {{.letter = u'M',
+          .recordSet = &Session::RsMain,
+          .shortName = u"定義"_s,
+          .title = titles::DefinitionData,
+          .windowName = u"frmMainData"_s,
+          .isShownInWindow = true,
+          .captionJoint = u"画面 - "_s,
+          .limits = {.name = 25, .content = 127, .typing = 127, .room = 127}},
+         {.letter = u'R',
+          .recordSet = &Session::RsRefDoc,
+          .shortName = u"文献"_s,
+          .title = titles::DocumentData,
+          .windowName = u"frmRefDoc"_s,
+          .isShownInWindow = true,
+          .captionJoint = u"画面-"_s,
+          .limits = {.name = 25, .content = 32000, .typing = 32768, .room = 32768}},
+         {.letter = u'F',
+          .recordSet = &Session::RsRefFile,
+          .shortName = u"FILE"_s,
+          .title = titles::FileData,
+          .windowName = u"frmRefFileEntry"_s,
+          .isShownInWindow = false,
+          .captionJoint = {},
+          .limits = {}}}};
     return kinds;
 }
 

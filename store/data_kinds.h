@@ -13,11 +13,12 @@
 namespace quillon
 {
 
-/// How long the texts of a datum may be when they are saved, in full-width characters (two bytes of code page 932
-/// each). Exactly the limit is already too long.
+/// How long the texts of a datum may be, in full-width characters (two bytes of code page 932 each).
 struct TextLimits {
-    double name = 0;
-    double content = 0;
+    double name = 0;    // on saving; exactly the limit is already too long, for the content as well
+    double content = 0; // on saving
+    double typing = 0;  // warned about while typing, whatever the field
+    double room = 0;    // from which the room left for the content is counted down
 };
 
 /// What the program knows of a kind of data; the first character of an identifier tells the kind.

@@ -22,13 +22,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
-namespace
-{
-
-constexpr int NameBytes = 50; // the remaining count counts down from here
-
-} // namespace
-
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
     : FormWindow(session, registry, design.kind.windowName), m_design(design),
       m_databaseFile(openDatabaseFile(session))
@@ -121,14 +114,14 @@ DatumPlace DataForm::place() const
 
 void DataForm::ShowInputCount(qint16 index)
 {
-    const auto show = [&](const QString& label, int bytes) {
-        const auto used = static_cast<double>(field(index).byteLength());
-        sbStatus->setText(2, label + u"：残り全角"_s + shortestDecimal((bytes - used) / 2) + u"文字"_s);
+    const auto show = [&](const QString& label, double room) {
+        const double used = static_cast<double>(field(index).byteLength()) / 2;
+        sbStatus->setText(2, label + u"：残り全角"_s + shortestDecimal(room - used) + u"文字"_s);
     };
     if (index == 0)
-        show(u"名称"_s, NameBytes);
+        show(u"名称"_s, m_design.kind.limits.name);
     else if (index == 2)
-        show(m_design.contentLabel, m_design.contentBytes);
+        show(m_design.contentLabel, m_design.kind.limits.room);
 }
 
 bool DataForm::CheckInput()
@@ -262,7 +255,8 @@ bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
         }
         // sic: every field is checked as if it were the name, with the limit of the content.
         if (warnsOnKey(event))
-            MaxLengthCheck(session().reporting, field(index).byteLength(), m_design.typingLimit, u"名称"_s);
+            MaxLengthCheck(session().reporting, field(index).byteLength(), m_design.kind.limits.typing,
+                           u"名称"_s);
     }
     // Before the key acts, so the count is always one key behind.
     ShowInputCount(static_cast<qint16>(index));

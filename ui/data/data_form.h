@@ -61,8 +61,6 @@ protected:
         QString modeText; // before the opener sets one
         QString modeToolTip;
         QString countToolTip;
-        int contentBytes = 0;          // the remaining count counts down from here
-        double typingLimit = 0;        // full-width characters, checked while typing
         QString updateTitle;           // of the notice after an update
         bool acceptsDrops = false;     // data can be dropped on the link list to link them
         bool updateClassifies = false; // an update files the datum in the listed categories again

@@ -34,8 +34,6 @@ frmMainData::frmMainData(Session& session, WindowRegistry& registry)
                 .modeText = titles::DisplayMode,
                 .modeToolTip = {},
                 .countToolTip = {},
-                .contentBytes = 254,
-                .typingLimit = 127,
                 .updateTitle = u"定義"_s,
                 .acceptsDrops = true,
                 .updateClassifies = true})

@@ -25,7 +25,6 @@ namespace
 
 constexpr double LeastWidth = 7000;  // twips
 constexpr double LeastHeight = 7000; // twips
-constexpr int ContentBytes = 65536;  // what the content can hold, in bytes of code page 932
 
 } // namespace
 
@@ -50,8 +49,6 @@ frmRefDoc::frmRefDoc(Session& session, WindowRegistry& registry)
                 .modeText = u"ステータス"_s,
                 .modeToolTip = u"現在の文献データ画面のステータスを表示します。"_s,
                 .countToolTip = u"入力可能文字数を表示します。"_s,
-                .contentBytes = ContentBytes,
-                .typingLimit = 32768,
                 .updateTitle = titles::DocumentData})
 {
     buildMenus();
@@ -136,17 +133,18 @@ void frmRefDoc::mnuDataLoadText_Click()
                     u"ファイルが大きすぎて読み込めません。"
                     u"文献の内容に読み込めるのは全角で32,768文字までです。ファイルを分割してください。"_s);
     };
+    const auto contentBytes = static_cast<qint64>(2 * data_kinds::document().limits.room); // in code page 932
     // The longest encoding of what fits is three bytes of UTF-8 for a half-width character, and a mark before them.
-    constexpr qint64 MostBytes = 3 * (ContentBytes + 1);
+    const qint64 mostBytes = 3 * (contentBytes + 1);
     QString text;
     try {
-        text = decodeTextFile(session().files.readFile(m_chosenPath, MostBytes));
+        text = decodeTextFile(session().files.readFile(m_chosenPath, mostBytes));
     } catch (const Error& error) {
         if (error.number != errors::Overflow)
             throw;
         refuse();
     }
-    if (platform::byteLength932(text) > ContentBytes)
+    if (platform::byteLength932(text) > contentBytes)
         refuse();
     setFieldText(2, text);
 }
