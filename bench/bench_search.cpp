@@ -33,11 +33,11 @@ sumOf(const char16_t* units, qsizetype count)
     return sum;
 }
 
-void readOnce(const std::vector<QStringView>& stretches)
+void readOnce(const std::vector<QStringView>& blocks)
 {
     quint64 sum = 0;
-    for (const QStringView stretch : stretches)
-        sum += sumOf(stretch.utf16(), stretch.size());
+    for (const QStringView block : blocks)
+        sum += sumOf(block.utf16(), block.size());
     benchmark::DoNotOptimize(sum);
 }
 

@@ -87,11 +87,11 @@ template <class Visit> void SearchedCorpus::forEachCopy(Visit&& visit)
 
 std::vector<QStringView> SearchedCorpus::foldedTexts()
 {
-    std::vector<QStringView> stretches;
+    std::vector<QStringView> blocks;
     forEachCopy([&](const FoldedTexts& copy) {
-        copy.forEachStretch([&](QStringView stretch) { stretches.push_back(stretch); });
+        copy.forEachBlock([&](QStringView block) { blocks.push_back(block); });
     });
-    return stretches;
+    return blocks;
 }
 
 double SearchedCorpus::bytesHeld()

@@ -33,7 +33,7 @@ public:
     bool isAsDeclared(const TableSchema& table);
 
     sqlite::Connection& connection() { return m_connection; }
-    /// The fast way of searching names and texts.
+    /// The search of names and texts in memory.
     TextSearch& textSearch() { return m_textSearch; }
     /// The full name of the file.
     const QString& path() const { return m_path; }

@@ -69,7 +69,7 @@ void FoldedTexts::remove(qint64 number)
     if (place == nullptr)
         return;
     // Its units stay and belong to nobody; a search that comes upon them passes over them.
-    m_goneUnits += place->end() - place->start;
+    m_deadUnits += place->end() - place->start;
     place->nameSize = Nothing;
     place->textSize = Nothing;
     place->storedStart = Nothing;
@@ -94,11 +94,6 @@ void FoldedTexts::put(const Row& row)
         m_empty = false;
     }
     m_units += static_cast<qsizetype>(needed);
-}
-
-void FoldedTexts::clear()
-{
-    *this = FoldedTexts();
 }
 
 void FoldedTexts::shrink()

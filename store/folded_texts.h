@@ -33,7 +33,6 @@ public:
     void put(const Row& row);
     /// Takes a row out, if it is there.
     void remove(qint64 number);
-    void clear();
     /// Gives back memory that was only there to grow into.
     void shrink();
 
@@ -47,11 +46,11 @@ public:
     void forEachName(const std::vector<qint64>& rows, const VisitName& visit) const;
 
     /// Whether so much belongs to rows that were replaced or taken out that reading all of it anew pays.
-    bool isWasteful() const { return m_goneUnits > m_units / 4; }
+    bool needsRebuilding() const { return m_deadUnits > m_units / 4; }
     /// Bytes held, for the benchmarks.
     qsizetype bytesHeld() const;
-    /// Calls `visit` with every stretch of folded units, for the benchmarks.
-    template <class Visit> void forEachStretch(Visit&& visit) const
+    /// Calls `visit` with every block of folded units, for the benchmarks.
+    template <class Visit> void forEachBlock(Visit&& visit) const
     {
         for (const Block& block : m_blocks)
             visit(QStringView(block.units.data(), static_cast<qsizetype>(block.units.size())));
@@ -95,7 +94,7 @@ private:
     qint64 m_greatest = std::numeric_limits<qint64>::min();
     bool m_empty = true;
     qsizetype m_units = 0;
-    qsizetype m_goneUnits = 0;
+    qsizetype m_deadUnits = 0;
 };
 
 } // namespace quillon

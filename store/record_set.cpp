@@ -413,7 +413,7 @@ void RecordSet::deleteEveryRow()
 void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
                              const std::function<bool(const Row&)>& matches)
 {
-    std::vector<qint64> doomed;
+    std::vector<qint64> matching;
     const int rowid = static_cast<int>(fields.size());
     const auto pass = m_database->connection().prepareOwn(
         u"SELECT "_s + selectList(fields) + u", rowid FROM "_s + quoted(m_table.name) + u" ORDER BY rowid"_s);
@@ -421,10 +421,10 @@ void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
         const qint64 row = pass->number(rowid);
         const bool ours = !m_rows || std::binary_search(m_rows->begin(), m_rows->end(), row);
         if (ours && matches(Row(*pass)))
-            doomed.push_back(row);
+            matching.push_back(row);
     }
     sqlite::Statement& removal = prepare(u"DELETE FROM "_s + quoted(m_table.name) + u" WHERE rowid = ?"_s);
-    for (const qint64 row : doomed) {
+    for (const qint64 row : matching) {
         removal.bind(1, row).run();
         m_database->noteRow(m_table.name, row);
         if (m_database->connection().changes() > 0)

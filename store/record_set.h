@@ -34,7 +34,7 @@ public:
 
     /// The number of rows at this moment; in a filtered set without the rows that are gone.
     qint64 recordCount() const;
-    /// About as many, found without counting: in a table the highest row number. For choosing the faster of two ways.
+    /// About as many, found without counting: in a table the highest row number. For choosing how to read.
     qint64 roughCount() const;
     bool hasRows() const;
     /// True when the cursor has moved past the last row (or the set is empty).

@@ -142,7 +142,7 @@ FoldedTexts& TextSearch::upToDate(const TableSchema& table)
     const qint64 version = m_connection.dataVersion();
     std::shared_ptr<Copy>& copy = m_copies[table.name];
     constexpr qsizetype ManyRows = 10000;
-    if (copy == nullptr || copy->dataVersion != version || copy->texts.isWasteful() ||
+    if (copy == nullptr || copy->dataVersion != version || copy->texts.needsRebuilding() ||
         copy->written.size() > ManyRows) {
         m_copies.remove(table.name);
         auto fresh = std::make_shared<Copy>();

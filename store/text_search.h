@@ -33,7 +33,7 @@ public:
     TextSearch& operator=(const TextSearch&) = delete;
 
     /// The rows, ascending, for which the criteria hold; nothing when they are not a search of names and explanations
-    /// for one pattern, or when this way is not open at the moment.
+    /// for one pattern, or while a transaction is open, whose end nobody knows.
     std::optional<std::vector<qint64>> rowsFor(const Criteria& criteria, const TableSchema& table);
 
     /// To be told after every single row that a record set has added, changed or deleted.

@@ -24,8 +24,8 @@ public:
     /// `nameField` and `identifierField`: positions in the table of `recordSet`, which may be null.
     NameLookup(const std::shared_ptr<RecordSet>& recordSet, int nameField, int identifierField);
 
-    /// Whether this way of looking up is open: not without a table, and not for an identifier that no criteria text
-    /// can hold. The caller then takes the ordinary way with its ordinary failure.
+    /// Whether an identifier can be looked up here: not without a table, and not one that no criteria text can hold. The
+    /// caller then searches with criteria, which fails as usual.
     bool canLookUp(QStringView identifier) const;
     /// The name, "不明" when there is no such row.
     QString name(QStringView identifier);
