@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace quillon::platform
 {
 
@@ -14,7 +17,7 @@ Collator::~Collator() = default;
 void Collator::appendKey(QStringView text, std::string& keys) const
 {
     const auto* units = reinterpret_cast<const wchar_t*>(text.utf16());
-    const int length = static_cast<int>(text.size());
+    const auto length = static_cast<int>(std::min<qsizetype>(text.size(), std::numeric_limits<int>::max()));
     if (length == 0)
         return;
     const int needed = LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, nullptr, 0, nullptr, nullptr, 0);

@@ -1,13 +1,13 @@
 #include "app/base/platform/copying.h"
 
 #include "app/base/error.h"
-#include "app/base/platform/windows/wide_text.h"
+#include "app/base/platform/files.h"
+#include "app/base/platform/windows/handle.h"
 
 #include <QDir>
 
-#include <windows.h>
-
-using namespace Qt::Literals::StringLiterals;
+#include <array>
+#include <exception>
 
 namespace quillon::platform
 {
@@ -15,15 +15,22 @@ namespace quillon::platform
 namespace
 {
 
-[[noreturn]] void throwLastError()
+/// Throws the failure that the system's last error stands for.
+[[noreturn]] void throwLastError(qint32 whenMissing)
 {
     switch (GetLastError()) {
     case ERROR_FILE_NOT_FOUND:
-        throw Error(errors::FileNotFound);
     case ERROR_PATH_NOT_FOUND:
-        throw Error(errors::PathNotFound);
+    case ERROR_DIRECTORY: // a file where a folder is wanted, or nothing at all
+    case ERROR_INVALID_DRIVE:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+        throw Error(whenMissing);
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
         throw Error(errors::PermissionDenied);
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
@@ -33,11 +40,65 @@ namespace
     }
 }
 
-DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEGER, LARGE_INTEGER, DWORD,
-                            DWORD, HANDLE, HANDLE, void* progress)
+/// A file that is gone again unless it is kept.
+class FileBeside
 {
-    (*static_cast<const Files::Progress*>(progress))(done.QuadPart, total.QuadPart);
+public:
+    explicit FileBeside(const QString& folder)
+    {
+        if (GetTempFileNameW(wide(folder), L"qln", 0, m_name.data()) == 0)
+            throwLastError(errors::PathNotFound);
+    }
+    ~FileBeside()
+    {
+        if (!m_kept)
+            DeleteFileW(name());
+    }
+    FileBeside(const FileBeside&) = delete;
+    FileBeside& operator=(const FileBeside&) = delete;
+
+    const wchar_t* name() const { return m_name.data(); }
+    /// Gives the file its name, in place of a file that has it.
+    void keepAs(const QString& path)
+    {
+        const DWORD present = GetFileAttributesW(wide(path));
+        if (present != INVALID_FILE_ATTRIBUTES && (present & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            throw Error(errors::PathFileAccess); // not a matter of permission, as the system would say
+        if (MoveFileExW(name(), wide(path), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0)
+            throwLastError(errors::PathNotFound);
+        m_kept = true;
+    }
+
+private:
+    std::array<wchar_t, MAX_PATH> m_name = {};
+    bool m_kept = false;
+};
+
+/// Who is told, and what he threw: no exception can pass through the system's function.
+struct Listener {
+    const Files::Progress& progress;
+    std::exception_ptr thrown;
+};
+
+DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEGER, LARGE_INTEGER, DWORD,
+                            DWORD reason, HANDLE, HANDLE, void* data)
+{
+    if (reason == CALLBACK_STREAM_SWITCH)
+        return PROGRESS_CONTINUE; // nothing is done yet
+    auto& listener = *static_cast<Listener*>(data);
+    try {
+        listener.progress(done.QuadPart, total.QuadPart);
+    } catch (...) {
+        listener.thrown = std::current_exception();
+        return PROGRESS_CANCEL;
+    }
     return PROGRESS_CONTINUE;
+}
+
+bool writeToDisk(const wchar_t* name)
+{
+    const Handle file = openExisting(QString::fromWCharArray(name), GENERIC_WRITE, 0);
+    return file && FlushFileBuffers(file.get()) != 0;
 }
 
 } // namespace
@@ -45,20 +106,26 @@ DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEG
 void copyFile(const QString& source, const QString& folder, const QString& name,
               const Files::Progress& progress)
 {
+    const QString from = QDir::toNativeSeparators(source);
+    if (GetFileAttributesW(wide(from)) == INVALID_FILE_ATTRIBUTES)
+        throwLastError(errors::FileNotFound);
+    if (!isOrdinaryFile(source))
+        throw Error(errors::PathFileAccess);
     const QString inFolder = QDir::toNativeSeparators(folder);
-    wchar_t beside[MAX_PATH];
-    if (GetTempFileNameW(wide(inFolder), L"qln", 0, beside) == 0)
-        throwLastError();
-    const QString target = inFolder + u'\\' + name;
+    FileBeside copy(inFolder);
+    Listener listener{progress, nullptr};
     BOOL cancelled = FALSE;
-    if (CopyFileExW(wide(QDir::toNativeSeparators(source)), beside, progress ? tellProgress : nullptr,
-                    const_cast<Files::Progress*>(&progress), &cancelled, 0) == 0 ||
-        MoveFileExW(beside, wide(target), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
-        const DWORD failure = GetLastError();
-        DeleteFileW(beside);
-        SetLastError(failure);
-        throwLastError();
+    if (CopyFileExW(wide(from), copy.name(), progress ? tellProgress : nullptr, &listener, &cancelled, 0) ==
+        0) {
+        if (listener.thrown)
+            std::rethrow_exception(listener.thrown);
+        throwLastError(errors::FileNotFound);
     }
+    // What is read-only would make a copy that cannot be replaced.
+    SetFileAttributesW(copy.name(), FILE_ATTRIBUTE_NORMAL);
+    if (!writeToDisk(copy.name()))
+        throwLastError(errors::PathNotFound);
+    copy.keepAs(inFolder + u'\\' + name);
 }
 
 } // namespace quillon::platform

@@ -1,10 +1,8 @@
 #include "app/base/platform/files.h"
 
-#include "app/base/platform/windows/wide_text.h"
+#include "app/base/platform/windows/handle.h"
 
 #include <QDir>
-
-#include <windows.h>
 
 namespace quillon::platform
 {
@@ -14,24 +12,27 @@ namespace
 
 bool mayOpen(const QString& path, DWORD access, DWORD flags)
 {
-    const HANDLE handle = CreateFileW(wide(QDir::toNativeSeparators(path)), access,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, flags, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return GetLastError() == ERROR_SHARING_VIOLATION;
-    CloseHandle(handle);
-    return true;
+    return openExisting(QDir::toNativeSeparators(path), access, flags) != nullptr ||
+           GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
 } // namespace
 
 bool isOrdinaryFile(const QString& path)
 {
+    const QString native = QDir::toNativeSeparators(path);
     // A file with the attribute hidden or system counts as missing.
-    const DWORD attributes = GetFileAttributesW(wide(QDir::toNativeSeparators(path)));
+    const DWORD attributes = GetFileAttributesW(wide(native));
     constexpr DWORD extraordinary =
         FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & extraordinary) == 0;
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & extraordinary) != 0)
+        return false;
+    // The names of devices have attributes like files, and those of a link do not tell whether it leads anywhere.
+    const Handle file = openExisting(native, 0, FILE_FLAG_BACKUP_SEMANTICS);
+    BY_HANDLE_FILE_INFORMATION found = {};
+    return file && GetFileType(file.get()) == FILE_TYPE_DISK &&
+           GetFileInformationByHandle(file.get(), &found) != 0 &&
+           (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool mayWriteIn(const QString& folder)
