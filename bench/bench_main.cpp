@@ -1,5 +1,4 @@
 #include "app/base/error.h"
-#include "app/base/platform/memory.h"
 #include "app/shell/japanese_interface.h"
 #include "bench/corpora.h"
 #include "bench/result_table.h"
@@ -13,7 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 
 int main(int argc, char* argv[])
 {
-    quillon::platform::keepFreedMemory(); // as the program does
     // Takes its own options out of the command line.
     benchmark::Initialize(&argc, argv);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))

@@ -1,5 +1,4 @@
 #include "app/base/error.h"
-#include "app/base/platform/memory.h"
 #include "app/shell/japanese_interface.h"
 #include "bench/corpora.h"
 #include "bench/corpus/corpus.h"
@@ -60,7 +59,6 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "Run this through bench/count-instructions.sh.\n");
         return 2;
     }
-    platform::keepFreedMemory(); // as the program does
     QApplication application(argc, argv);
     setUpJapaneseInterface(application);
     // What blinks does so at any time.

@@ -1,5 +1,4 @@
 #include "app/base/error.h"
-#include "app/base/platform/memory.h"
 #include "app/shell/japanese_interface.h"
 #include "bench/corpora.h"
 #include "bench/corpus/corpus.h"
@@ -93,7 +92,6 @@ void write(const QString& path, const QString& text)
 
 int main(int argc, char* argv[])
 {
-    platform::keepFreedMemory(); // as the program does
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/platform/memory.h"
+#include <QString>
 
-#include <cstddef>
+#include <algorithm>
 
 namespace quillon
 {
@@ -11,23 +11,31 @@ namespace quillon
 class TextBuffer
 {
 public:
-    const char16_t* data() const { return static_cast<const char16_t*>(m_memory.get()); }
-    std::size_t size() const { return m_size; }
-    std::size_t capacity() const { return m_memory.get_deleter().bytes / sizeof(char16_t); }
+    const char16_t* data() const { return QStringView(m_room).utf16(); }
+    std::size_t size() const { return static_cast<std::size_t>(m_size); }
+    std::size_t capacity() const { return static_cast<std::size_t>(m_room.capacity()); }
 
     /// Makes room for at least so many units in all.
-    void reserve(std::size_t units);
+    void reserve(std::size_t units) { m_room.reserve(static_cast<qsizetype>(units)); }
     /// Room behind the last unit for `atMost` further ones; `added` then tells how many of them there are.
-    char16_t* roomFor(std::size_t atMost);
-    void added(std::size_t units) { m_size += units; }
+    char16_t* roomFor(std::size_t atMost)
+    {
+        const qsizetype needed = m_size + static_cast<qsizetype>(atMost);
+        if (needed > m_room.size())
+            m_room.resize(std::max(needed, m_room.capacity())); // which fills nothing
+        return reinterpret_cast<char16_t*>(m_room.data()) + m_size;
+    }
+    void added(std::size_t units) { m_size += static_cast<qsizetype>(units); }
     /// Gives back the room behind the last unit.
-    void shrink() { moveTo(m_size); }
+    void shrink()
+    {
+        m_room.truncate(m_size);
+        m_room.squeeze();
+    }
 
 private:
-    void moveTo(std::size_t capacity);
-
-    platform::LargeMemory m_memory;
-    std::size_t m_size = 0;
+    QString m_room;
+    qsizetype m_size = 0;
 };
 
 } // namespace quillon

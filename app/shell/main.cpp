@@ -1,5 +1,4 @@
 #include "app/base/platform/command_line.h"
-#include "app/base/platform/memory.h"
 #include "app/base/system_files.h"
 #include "app/shell/command_line.h"
 #include "app/shell/japanese_interface.h"
@@ -22,7 +21,6 @@ int main(int argc, char** argv)
     if (commandLine.request != CommandLine::Request::Run)
         return answerOnTerminal(commandLine);
 
-    platform::keepFreedMemory();
     // The toolkit gets the program's name only: a file may be named like one of its options.
     int toolkitCount = 1;
     QApplication application(toolkitCount, argv);
