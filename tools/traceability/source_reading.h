@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/traceability/tokens.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -9,9 +11,6 @@
 namespace quillon::traceability
 {
 
-/// Stands in a text for what is only known when the program runs.
-inline constexpr QChar Hole(0xfffc);
-
 /// A function or a variable outside of functions.
 struct Declaration {
     QString scope; // the namespace or class around it
@@ -19,11 +18,9 @@ struct Declaration {
     bool function = false;
     bool constant = false;
     bool slot = false;
-    /// The texts in their order, adjacent ones joined, without escapes. Texts added up with `+` are one, with a hole
-    /// for every other summand and for `%1`.
-    QStringList texts;
-    /// Whatever else it names, as `name` and as `scope::name`.
-    QStringList words;
+    QStringList texts; // see `textsOf`
+    QStringList words; // whatever else it names, see `wordsOf`
+    std::vector<Token> tokens;
 };
 
 struct Source {
