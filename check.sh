@@ -25,6 +25,12 @@ usage()
     sed -n '2,/^set -eu$/s/^# \{0,1\}//p' "$root/check.sh" | sed '$d'
 }
 
+# The history may belong to somebody else, as in a container.
+history()
+{
+    git -c safe.directory='*' "$@"
+}
+
 all_steps="format scripts gcc tidy sanitize"
 steps=
 base=
@@ -36,7 +42,7 @@ while [ $# -gt 0 ]; do
             usage
             exit 0 ;;
         --base)
-            if [ $# -lt 2 ] || ! git rev-parse --verify --quiet "$2^{commit}" >/dev/null; then
+            if [ $# -lt 2 ] || ! history rev-parse --verify --quiet "$2^{commit}" >/dev/null; then
                 echo "check.sh: --base needs a revision" >&2
                 exit 2
             fi
@@ -78,12 +84,12 @@ gcc()
 # Paths under tests/ that changed, the newest first: what is not committed yet, then commit by commit.
 changed_paths()
 {
-    git diff --name-only HEAD -- tests
-    git ls-files --others --exclude-standard -- tests
+    history diff --name-only HEAD -- tests
+    history ls-files --others --exclude-standard -- tests
     if [ -n "$base" ]; then
-        git diff --name-only "$base" HEAD -- tests
+        history diff --name-only "$base" HEAD -- tests
     else
-        git log --max-count=10 --name-only --format= | grep '^tests/'
+        history log --max-count=10 --name-only --format= | grep '^tests/'
     fi
 }
 
@@ -108,17 +114,17 @@ tidy()
     folders=$(sources | grep -v '^tests/' | xargs -n 1 dirname | sort -u; echo tests/support)
     if [ $every_test = yes ]; then
         sources | grep '^tests/.*\.cpp$' | grep -v '^tests/support/' >"$logs/tests"
-    elif git rev-parse --verify --quiet HEAD >/dev/null; then
-        changed_paths | tests_of >"$logs/changed"
+    elif history rev-parse --verify --quiet HEAD >/dev/null; then
+        changed_paths | tests_of >"$logs/tests"
+        changed=$(wc -l <"$logs/tests")
         # A change of everything does not fit into the time of a build server.
-        if [ -n "$base" ]; then
-            cp "$logs/changed" "$logs/tests"
-        else
-            head -n $most_tests "$logs/changed" >"$logs/tests"
+        if [ -z "$base" ] && [ "$changed" -gt $most_tests ]; then
+            sed -i "$most_tests q" "$logs/tests"
+            echo "$most_tests of $changed changed tests read" >"$logs/note"
         fi
     else
-        echo "git does not tell here what has changed; --all reads all tests." >&2
-        return 1
+        : >"$logs/tests"
+        echo "no tests read, for there is no history that tells what has changed" >"$logs/note"
     fi
     # shellcheck disable=SC2046,SC2086  # lists of words
     tools/tidy.sh $folders $(cat "$logs/tests")
@@ -154,12 +160,15 @@ failed=
 for step in ${steps:-$all_steps}; do
     printf '%-9s' "$step"
     started=$(date +%s)
+    rm -f "$logs/note"
     times >"$logs/before"
     result=ok
     ("$step") >"$logs/$step.log" 2>&1 || result=FAILED
     times >"$logs/after"
-    printf '%-6s %5d s, %d s of processor time\n' "$result" $(($(date +%s) - started)) \
-        $(($(seconds_in "$logs/after") - $(seconds_in "$logs/before")))
+    note=
+    [ ! -f "$logs/note" ] || note="; $(cat "$logs/note")"
+    printf '%-6s %5d s, %d s of processor time%s\n' "$result" $(($(date +%s) - started)) \
+        $(($(seconds_in "$logs/after") - $(seconds_in "$logs/before"))) "$note"
     if [ $result != ok ]; then
         failed="$failed $step"
         sed "s/^/    /" "$logs/$step.log"
