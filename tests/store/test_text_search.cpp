@@ -442,6 +442,25 @@ private Q_SLOTS:
         QVERIFY(file.readAll() == before);
     }
 
+    void aCopyOfWhichMuchIsGoneIsToBeReadAnew()
+    {
+        const QString text(100, u'あ');
+        const auto row = [&](qint64 number) {
+            return FoldedTexts::Row{
+                .number = number, .name = std::nullopt, .text = QStringView(text), .identifier = {}};
+        };
+        FoldedTexts texts;
+        for (int i = 0; i < 100; ++i)
+            texts.put(row(i));
+        QVERIFY(!texts.isWasteful());
+        for (int i = 0; i < 20; ++i)
+            texts.remove(i);
+        QVERIFY(!texts.isWasteful());
+        for (int i = 20; i < 50; ++i)
+            texts.put(row(i));
+        QVERIFY(texts.isWasteful());
+    }
+
     void theCopyTakesLessRoomThanTheTextsInUtf8()
     {
         FoldedTexts texts;
