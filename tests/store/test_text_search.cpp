@@ -452,13 +452,13 @@ private Q_SLOTS:
         FoldedTexts texts;
         for (int i = 0; i < 100; ++i)
             texts.put(row(i));
-        QVERIFY(!texts.isWasteful());
+        QVERIFY(!texts.needsRebuilding());
         for (int i = 0; i < 20; ++i)
             texts.remove(i);
-        QVERIFY(!texts.isWasteful());
+        QVERIFY(!texts.needsRebuilding());
         for (int i = 20; i < 50; ++i)
             texts.put(row(i));
-        QVERIFY(texts.isWasteful());
+        QVERIFY(texts.needsRebuilding());
     }
 
     void theCopyTakesLessRoomThanTheTextsInUtf8()
