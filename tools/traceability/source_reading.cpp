@@ -61,7 +61,7 @@ private:
         if (atWord(u"template"))
             skipTemplateParameters();
         const std::size_t begin = m_at;
-        Declaration made{.scope = scope, .name = {}, .texts = {}, .words = {}};
+        Declaration made{.scope = scope, .name = {}, .texts = {}, .words = {}, .tokens = {}};
         QString word; // the last one, which is the name when a bracket or a value follows
         bool holds = false;
         bool assigned = false;
