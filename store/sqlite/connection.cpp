@@ -3,7 +3,6 @@
 #include "app/base/error.h"
 #include "store/sqlite/errors.h"
 #include "store/sqlite/statement.h"
-#include "store/sqlite/transaction.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -12,7 +11,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <exception>
 #include <list>
 
 using namespace Qt::Literals::StringLiterals;
@@ -60,43 +58,28 @@ Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_uniqu
 {
     if (mode == Mode::CreateNew)
         createEmptyFile(path);
-    // Never with the right to create: a file that vanishes in between must not come back empty.
-    const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_handle,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE |
-                                         SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
-    try {
-        check(m_handle, code);
-        configure();
-        if (mode == Mode::CreateNew) {
-            execute(u"PRAGMA encoding = 'UTF-16le'"_s);
-            // An empty transaction writes the header, so that even a file without tables is a database.
-            execute(u"BEGIN IMMEDIATE"_s);
-            execute(u"COMMIT"_s);
-        }
-        readSchema(path);
-    } catch (...) {
-        m_cache.reset();
-        sqlite3_close_v2(m_handle);
-        throw;
+    m_handle.open(path.toUtf8().constData());
+    configure();
+    if (mode == Mode::CreateNew) {
+        execute(u"PRAGMA encoding = 'UTF-16le'"_s);
+        // An empty transaction writes the header, so that even a file without tables is a database.
+        execute(u"BEGIN IMMEDIATE"_s);
+        execute(u"COMMIT"_s);
     }
+    readSchema(path);
 }
 
-Connection::~Connection()
-{
-    m_cache.reset();
-    sqlite3_close_v2(m_handle);
-}
+Connection::~Connection() = default;
 
 void Connection::configure()
 {
-    sqlite3_busy_timeout(m_handle, PatienceInMilliseconds);
+    sqlite3_busy_timeout(m_handle.get(), PatienceInMilliseconds);
     // A file from elsewhere brings no code of its own to run.
     for (const int forbidden :
          {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_TRUSTED_SCHEMA,
           SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL})
-        check(m_handle, sqlite3_db_config(m_handle, forbidden, 0, nullptr));
-    check(m_handle, sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
+        check(m_handle.get(), sqlite3_db_config(m_handle.get(), forbidden, 0, nullptr));
+    check(m_handle.get(), sqlite3_db_config(m_handle.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
     execute(u"PRAGMA cell_size_check = ON"_s);
     execute(u"PRAGMA synchronous = FULL"_s);
     execute(u"PRAGMA cache_size = -8192"_s); // kibibytes: names are looked up all over the file
@@ -107,7 +90,7 @@ void Connection::configure()
 void Connection::readSchema(const QString& path)
 {
     const auto numberOf = [this](const QString& question) {
-        Statement statement(*this, question);
+        Statement statement(m_handle, question);
         return statement.step() ? statement.number(0) : 0;
     };
     // A journal of the other kind needs more files beside this one. Where another program holds the file in that
@@ -120,10 +103,10 @@ void Connection::readSchema(const QString& path)
     }
     execute(u"BEGIN"_s);
     numberOf(u"SELECT count(*) FROM sqlite_master"_s);
-    if (sqlite3_db_readonly(m_handle, "main") != 0)
+    if (sqlite3_db_readonly(m_handle.get(), "main") != 0)
         throw Error(errors::CannotOpen);
     // SQLite itself would take the missing end of the last page for zeros.
-    Statement journal(*this, u"PRAGMA journal_mode"_s);
+    Statement journal(m_handle, u"PRAGMA journal_mode"_s);
     const bool hasLog = journal.step() && journal.text(0) == u"wal";
     journal.reset();
     if (!hasLog &&
@@ -134,7 +117,7 @@ void Connection::readSchema(const QString& path)
 
 void Connection::execute(const QString& sql)
 {
-    Statement(*this, sql).run();
+    Statement(m_handle, sql).run();
 }
 
 Statement& Connection::prepare(const QString& sql)
@@ -146,7 +129,7 @@ Statement& Connection::prepare(const QString& sql)
         return *entry.statement;
     }
     auto entry = std::make_shared<Cache::Entry>();
-    entry->statement = std::make_unique<Statement>(*this, sql);
+    entry->statement = std::make_unique<Statement>(m_handle, sql);
     m_cache->ages.push_front(sql);
     entry->age = m_cache->ages.begin();
     m_cache->entries.insert(sql, entry);
@@ -159,22 +142,22 @@ Statement& Connection::prepare(const QString& sql)
 
 std::unique_ptr<Statement> Connection::prepareOwn(const QString& sql)
 {
-    return std::make_unique<Statement>(*this, sql);
+    return std::make_unique<Statement>(m_handle, sql);
 }
 
 qint64 Connection::lastInsertRowid() const
 {
-    return sqlite3_last_insert_rowid(m_handle);
+    return sqlite3_last_insert_rowid(m_handle.get());
 }
 
 int Connection::changes() const
 {
-    return sqlite3_changes(m_handle);
+    return sqlite3_changes(m_handle.get());
 }
 
 qint64 Connection::totalChanges() const
 {
-    return sqlite3_total_changes64(m_handle);
+    return sqlite3_total_changes64(m_handle.get());
 }
 
 qint64 Connection::dataVersion()
@@ -182,11 +165,6 @@ qint64 Connection::dataVersion()
     Statement& statement = prepare(u"PRAGMA data_version"_s);
     const ResetAtEnd reset(statement);
     return statement.step() ? statement.number(0) : 0;
-}
-
-bool Connection::inTransaction() const
-{
-    return sqlite3_get_autocommit(m_handle) == 0;
 }
 
 namespace
@@ -209,7 +187,7 @@ void runPatternTest(sqlite3_context* context, int, sqlite3_value** arguments)
     try {
         const auto& test = *static_cast<Connection::PatternTest*>(sqlite3_user_data(context));
         sqlite3_result_int(context, test(sharedText(arguments[0]), sharedText(arguments[1])) ? 1 : 0);
-    } catch (const std::exception&) {
+    } catch (...) {
         sqlite3_result_error_nomem(context);
     }
 }
@@ -224,22 +202,10 @@ void deletePatternTest(void* test)
 void Connection::addPatternTest(const char* name, PatternTest test)
 {
     // SQLite calls the deleter in the end, also when this call fails.
-    check(m_handle, sqlite3_create_function_v2(m_handle, name, 2,
-                                               SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
-                                               new PatternTest(std::move(test)), runPatternTest, nullptr,
-                                               nullptr, deletePatternTest));
-}
-
-void Connection::checkMayWrite() const
-{
-    if (m_transaction != nullptr)
-        m_transaction->checkMayWrite();
-}
-
-void Connection::statementEnded(const Error* failure)
-{
-    if (m_transaction != nullptr && !inTransaction())
-        m_transaction->endedBySomethingElse(failure);
+    check(m_handle.get(), sqlite3_create_function_v2(m_handle.get(), name, 2,
+                                                     SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
+                                                     new PatternTest(std::move(test)), runPatternTest,
+                                                     nullptr, nullptr, deletePatternTest));
 }
 
 } // namespace quillon::sqlite

@@ -1,16 +1,14 @@
 #pragma once
 
+#include "store/sqlite/handle.h"
+
 #include <QString>
 
 #include <functional>
 #include <memory>
 
-struct sqlite3;
-
 namespace quillon
 {
-
-struct Error;
 
 namespace testing
 {
@@ -53,7 +51,7 @@ public:
     qint64 totalChanges() const;
     /// A number that changes whenever another connection has written the file.
     qint64 dataVersion();
-    bool inTransaction() const;
+    bool inTransaction() const { return m_handle.inTransaction(); }
 
     /// A test of a pattern against a text, as an SQL function: name(pattern, text).
     using PatternTest = std::function<bool(const QString& pattern, QStringView text)>;
@@ -61,21 +59,15 @@ public:
     void addPatternTest(const char* name, PatternTest test);
 
 private:
-    friend class Statement;
     friend class Transaction;
     friend class testing::ConnectionHandle;
 
     void configure();
     void readSchema(const QString& path);
-    /// Refuses what would be written past the open transaction.
-    void checkMayWrite() const;
-    /// To be told how a statement has ended (null: well), which may have ended the open transaction.
-    void statementEnded(const Error* failure);
 
-    sqlite3* m_handle = nullptr;
-    Transaction* m_transaction = nullptr; // the outermost one that is open
+    Handle m_handle;
     struct Cache;
-    std::unique_ptr<Cache> m_cache;
+    std::unique_ptr<Cache> m_cache; // goes before the handle
 };
 
 } // namespace quillon::sqlite

@@ -1,8 +1,8 @@
 #include "store/sqlite/statement.h"
 
 #include "app/base/error.h"
-#include "store/sqlite/connection.h"
 #include "store/sqlite/errors.h"
+#include "store/sqlite/handle.h"
 
 #include <sqlite3.h>
 
@@ -19,12 +19,12 @@ constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
 
 } // namespace
 
-Statement::Statement(Connection& connection, const QString& sql) : m_connection(connection)
+Statement::Statement(Handle& handle, const QString& sql) : m_handle(handle)
 {
     const QByteArray utf8 = sql.toUtf8();
     const char* tail = nullptr;
-    check(connection.m_handle, sqlite3_prepare_v3(connection.m_handle, utf8.constData(),
-                                                  static_cast<int>(utf8.size()) + 1, 0, &m_statement, &tail));
+    check(handle.get(), sqlite3_prepare_v3(handle.get(), utf8.constData(), static_cast<int>(utf8.size()) + 1,
+                                           0, &m_statement, &tail));
     // A text without any statement gives none and no failure either; what follows the first one would never run.
     if (m_statement == nullptr || !QByteArrayView(tail, utf8.cend()).trimmed().isEmpty()) {
         sqlite3_finalize(m_statement);
@@ -67,24 +67,24 @@ void Statement::checkBound(int code)
     if (code == SQLITE_RANGE || code == SQLITE_MISUSE)
         throw std::logic_error(
             "a value for a parameter that the statement does not have or is using already");
-    check(m_connection.m_handle, code);
+    check(m_handle.get(), code);
 }
 
 bool Statement::step()
 {
     if (m_writes)
-        m_connection.checkMayWrite();
+        m_handle.checkMayWrite();
     const int code = sqlite3_step(m_statement);
     if (code == SQLITE_ROW)
         return true;
     if (code == SQLITE_DONE) {
-        m_connection.statementEnded(nullptr);
+        m_handle.statementEnded(nullptr);
         return false;
     }
     // The message belongs to the failed step; only afterwards may the statement let go of its locks.
-    const Error error = errorOf(m_connection.m_handle, code);
+    const Error error = errorOf(m_handle.get(), code);
     sqlite3_reset(m_statement);
-    m_connection.statementEnded(&error);
+    m_handle.statementEnded(&error);
     throw error;
 }
 
@@ -118,7 +118,7 @@ QStringView Statement::text(int column) const
     if (units == nullptr) {
         // No text is either null or lacked memory for its conversion.
         if (sqlite3_column_type(m_statement, column) != SQLITE_NULL &&
-            sqlite3_errcode(m_connection.m_handle) == SQLITE_NOMEM)
+            sqlite3_errcode(m_handle.get()) == SQLITE_NOMEM)
             throw Error(errors::OutOfMemory);
         return {};
     }
@@ -139,6 +139,7 @@ bool Statement::isNull(int column) const
 
 bool Statement::isText(int column) const
 {
+    checkColumn(column);
     return sqlite3_column_type(m_statement, column) == SQLITE_TEXT;
 }
 

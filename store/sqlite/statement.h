@@ -8,7 +8,7 @@ struct sqlite3_stmt;
 namespace quillon::sqlite
 {
 
-class Connection;
+class Handle;
 
 /// A prepared statement: bind, step, read. Positions of parameters count from 1, columns from 0. A position or a column
 /// that the statement does not have, and a column while no row stands ready, are mistakes (std::logic_error).
@@ -16,7 +16,7 @@ class Statement
 {
 public:
     /// Error 3075 when `sql` is not exactly one statement.
-    Statement(Connection& connection, const QString& sql);
+    Statement(Handle& handle, const QString& sql);
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -43,7 +43,7 @@ private:
     void checkBound(int code);
     void checkColumn(int column) const;
 
-    Connection& m_connection;
+    Handle& m_handle; // of the connection, which outlives its statements
     sqlite3_stmt* m_statement = nullptr;
     bool m_writes = false;
 };

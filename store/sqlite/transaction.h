@@ -1,9 +1,5 @@
 #pragma once
 
-#include "app/base/error.h"
-
-#include <optional>
-
 namespace quillon::sqlite
 {
 
@@ -35,22 +31,13 @@ public:
     void commit();
 
 private:
-    friend class Connection;
     enum class Role { Whole, Part, None };
 
-    /// To be asked, as the outermost one, before anything is written.
-    void checkMayWrite() const;
-    /// Without a failure it was a statement that is none of this class.
-    void endedBySomethingElse(const Error* failure);
-    bool isGone() const;
-    void checkIsThere() const;
     void end() noexcept;
 
     Connection& m_connection;
     Purpose m_purpose;
     Role m_role = Role::None; // what there is to end
-    bool m_isGone = false;    // of the outermost one
-    std::optional<Error> m_undoneBy;
 };
 
 } // namespace quillon::sqlite

@@ -11,7 +11,7 @@ namespace quillon::testing
 class ConnectionHandle
 {
 public:
-    static sqlite3* of(Database& database) { return database.connection().m_handle; }
+    static sqlite3* of(Database& database) { return database.connection().m_handle.get(); }
 };
 
 } // namespace quillon::testing

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/base/error.h"
+
+#include <optional>
+
+struct sqlite3;
+
+namespace quillon::sqlite
+{
+
+/// What a connection, its statements and its transactions have in common: SQLite's own handle, and what has become of the
+/// outermost transaction that is open on it.
+class Handle
+{
+public:
+    Handle() = default;
+    /// Closes the file.
+    ~Handle();
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    /// Opens a file for reading and writing; it must be there. Errors as SQLite has them.
+    void open(const char* path);
+    /// Null before `open`.
+    sqlite3* get() const { return m_handle; }
+
+    /// Whether any transaction is open, be it begun by a statement.
+    bool inTransaction() const;
+    /// Whether the outermost transaction is one of class `Transaction`.
+    bool hasTransaction() const { return m_transaction.has_value(); }
+    /// To be told by the outermost transaction when it has begun, and before it ends.
+    void transactionBegun(bool mayWrite) { m_transaction = OpenTransaction{.mayWrite = mayWrite}; }
+    void transactionEnds() { m_transaction.reset(); }
+
+    /// Whether something else has ended the transaction: a failing or full disk does.
+    bool isTransactionGone() const;
+    /// Refuses to go on with a transaction that is gone: fails as the statement did that met with the disk.
+    void checkTransactionIsThere() const;
+    /// Refuses what would be written past the open transaction.
+    void checkMayWrite() const;
+    /// To be told how a statement has ended (null: well), which may have ended the open transaction.
+    void statementEnded(const Error* failure);
+
+private:
+    struct OpenTransaction {
+        bool mayWrite = false;
+        bool isGone = false;
+        std::optional<Error> undoneBy = {};
+    };
+
+    sqlite3* m_handle = nullptr;
+    std::optional<OpenTransaction> m_transaction;
+};
+
+} // namespace quillon::sqlite
