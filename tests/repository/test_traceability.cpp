@@ -213,8 +213,13 @@ private Q_SLOTS:
                                               "private Q_SLOTS:\n"
                                               "    void init() {}\n"
                                               "    void waterIsTold() { expectWater(); }\n"
-                                              "    void fireIsTold_data() { row(Fire); }\n"
-                                              "    void fireIsTold() { expect(u\"土: 石\"_s); }\n"
+                                              "    void fireIsTold_data()\n    {\n"
+                                              "        QTest::addColumn<QString>(\"text\");\n"
+                                              "        QTest::newRow(\"fire\") << Fire;\n    }\n"
+                                              "    void fireIsTold()\n    {\n"
+                                              "        QFETCH(QString, text);\n"
+                                              "        expect(text);\n"
+                                              "        expect(u\"土: 石\"_s);\n    }\n"
                                               "};\n"_s},
         });
         QCOMPARE(findings.subjects.size(), 1U);
@@ -227,6 +232,71 @@ private Q_SLOTS:
                               u"無い箱 | core/same.cpp | "_s,
                               u"土: "_s + Hole + u" | ui/main/window.cpp | "_s + fire}));
         QCOMPARE(untestedMessages(findings), u"無い箱  core/same.cpp\n"_s);
+    }
+
+    void testIsNamedOnlyWhereItAsserts_data()
+    {
+        QTest::addColumn<QString>("helpers");
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<bool>("asserts");
+        const QString table = u"struct Entry { QString name; std::function<void()> expect; };\n"
+                              "std::vector<Entry> table()\n{\n"
+                              "    const auto tells = [](const QString& name, const QString& text) {\n"
+                              "        return Entry{name, [text] { expect(text); }};\n    };\n"
+                              "    return {tells(u\"a\"_s, u\"水の箱\"_s)};\n}\n"
+                              "QStringList namesOf(const std::vector<Entry>& entries)\n{\n"
+                              "    QStringList names;\n"
+                              "    for (const Entry& entry : entries)\n        names << entry.name;\n"
+                              "    return names;\n}\n"_s;
+        const auto row = [](const char* name, const QString& helpers, const QString& body, bool asserts) {
+            QTest::newRow(name) << helpers << body << asserts;
+        };
+        row("mentioned", {}, u"write(u\"水の箱\"_s);"_s, false);
+        row("compared", {}, u"QCOMPARE(a, u\"水の箱\"_s);"_s, true);
+        row("local name", {}, u"const QString b = u\"水の箱\"_s; QVERIFY(compareText(a, b));"_s, true);
+        row("local name that only writes", {}, u"const QString b = u\"水の箱\"_s; write(b); QVERIFY(a);"_s,
+            false);
+        row("searched", {}, u"QVERIFY(any_of(l, [](auto t) { return t == u\"水の箱\"_s; }));"_s, true);
+        row("helper that asserts", u"void told(const QString& t) { QCOMPARE(box(), t); }\n"_s,
+            u"told(u\"水の箱\"_s);"_s, true);
+        row("helper that does not", u"void told(const QString& t) { write(t); QVERIFY(true); }\n"_s,
+            u"told(u\"水の箱\"_s);"_s, false);
+        row("helper with a value of its own",
+            u"void told(int n, const QString& t = u\"水の箱\"_s) { QCOMPARE(box(n), t); }\n"_s, u"told(1);"_s,
+            true);
+        row("helper that gets another value",
+            u"void told(int n, const QString& t = u\"水の箱\"_s) { QCOMPARE(box(n), t); }\n"_s,
+            u"told(1, u\"火の箱\"_s);"_s, false);
+        row("helper that calls itself",
+            u"void told(int n) { if (n > 0) told(n - 1); expect(u\"水の箱\"_s); }\n"_s, u"told(1);"_s, true);
+        row("lambda that calls itself", {}, u"f = [&](int n) { f(n - 1); expect(u\"水の箱\"_s); }; f(2);"_s,
+            true);
+        row("table that is gone through", table, u"QCOMPARE(namesOf(table()), QStringList());"_s, false);
+        row("table that is filled",
+            u"std::vector<Entry> table()\n{\n    std::vector<Entry> all;\n"
+            "    all.push_back({u\"a\"_s, [] { expect(u\"水の箱\"_s); }});\n    return all;\n}\n"_s,
+            u"QVERIFY(!table().empty());"_s, false);
+        row("table that is run", table, u"for (const Entry& entry : table()) entry.expect();"_s, true);
+        row("member", {}, u"const Box b{.text = u\"水の箱\"_s, .title = t}; QCOMPARE(a, b.text);"_s, true);
+        row("other member", {}, u"const Box b{.text = u\"水の箱\"_s, .title = t}; QCOMPARE(a, b.title);"_s,
+            false);
+    }
+
+    void testIsNamedOnlyWhereItAsserts()
+    {
+        QFETCH(QString, helpers);
+        QFETCH(QString, body);
+        QFETCH(bool, asserts);
+        const Findings findings = findingsOf({
+            {u"core/a.cpp"_s, u"void f() { box(u\"水の箱\"_s); }\n"_s},
+            {u"tests/core/test_a.cpp"_s, helpers +
+                                             u"class TestA : public QObject\n{\n"
+                                             "private Q_SLOTS:\n"
+                                             "    void water()\n    {\n"_s +
+                                             body + u"\n    }\n};\n"_s},
+        });
+        QCOMPARE(findings.messages.size(), 1U);
+        QCOMPARE(findings.messages[0].heldBy, asserts ? QStringList(u"core/test_a: water"_s) : QStringList());
     }
 
     void messageMayBeNamedInPieces()

@@ -16,7 +16,7 @@ constexpr qsizetype NamedTests = 6;
 
 const QString Head =
     u"# What the tests hold\n\n"
-    u"Each behaviour of the program with its test, then each text that people see with the tests that name it.\n"
+    u"Each behaviour of the program with its test, then each text that people see with the tests that assert it.\n"
     u"`quillon-traceability` writes this file from the sources; the test `traceability` fails when the file is out of\n"
     u"date or a text has no test.\n"_s;
 const QString TextsHead =

@@ -1,3 +1,4 @@
+#include "tools/traceability/assertions.h"
 #include "tools/traceability/source_reading.h"
 #include "tools/traceability/traceability.h"
 
@@ -63,8 +64,6 @@ bool isForPeople(const QString& text)
                        [](QChar c) { return c.isLetter() && c.unicode() >= 0x370; });
 }
 
-using Named = QMultiHash<QString, const Declaration*>;
-
 /// Collects what stands in a file and in the files that it includes, once each.
 void collectNamed(const Files& files, const QString& path, QStringList& included, Named& named)
 {
@@ -80,50 +79,6 @@ void collectNamed(const Files& files, const QString& path, QStringList& included
     for (const QString& other : file->second.source.includes)
         collectNamed(files, other, included, named);
 }
-
-/// What each function and constant says that the tests of one file can name.
-class Sayings
-{
-public:
-    Sayings(const Files& files, const QString& path)
-    {
-        QStringList included;
-        Named named;
-        collectNamed(files, path, included, named);
-        for (auto at = named.cbegin(); at != named.cend(); ++at) {
-            Saying& saying = m_sayings[at.key()];
-            saying.texts << at.value()->texts;
-            std::copy_if(at.value()->words.begin(), at.value()->words.end(), std::back_inserter(saying.names),
-                         [&](const QString& word) { return named.contains(word); });
-        }
-    }
-
-    /// Every text in a function or constant and in whatever it names.
-    QSet<QString> textsOf(const QString& name) const
-    {
-        QSet<QString> texts;
-        QSet<QString> seen;
-        QStringList names = {name};
-        while (!names.isEmpty()) {
-            const QString next = names.takeLast();
-            const auto saying = m_sayings.find(next);
-            if (saying == m_sayings.end() || seen.contains(next))
-                continue;
-            seen << next;
-            for (const QString& text : saying->texts)
-                texts << text;
-            names << saying->names;
-        }
-        return texts;
-    }
-
-private:
-    struct Saying {
-        QStringList texts;
-        QStringList names;
-    };
-    QHash<QString, Saying> m_sayings;
-};
 
 /// The names of the test functions of a file.
 QStringList behavioursOf(const Source& source)
@@ -249,11 +204,15 @@ Findings findingsIn(const QString& root)
     TestsByText testsWith;
     const Files tests = filesBelow(root, {u"tests"_s});
     for (const auto& [path, file] : tests) {
-        const Sayings sayings(tests, path);
+        QStringList included;
+        Named named;
+        collectNamed(tests, path, included, named);
+        Assertions assertions(named);
         const QString program = path.section(u'/', 1).section(u'.', 0, 0);
         const Subject subject{path, file.comment, behavioursOf(file.source)};
         for (const QString& name : subject.behaviours) {
-            for (const QString& text : sayings.textsOf(name) + sayings.textsOf(name + u"_data"_s))
+            const QSet<QString> texts = assertions.textsOf(name);
+            for (const QString& text : texts)
                 testsWith[text] << program + u": "_s + name;
         }
         if (!subject.behaviours.isEmpty())

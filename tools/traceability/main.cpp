@@ -53,6 +53,6 @@ int main(int argc, char** argv)
     }
     const QString untested = untestedMessages(findings);
     if (!untested.isEmpty())
-        std::fprintf(stderr, "no test names these texts:\n%s", qUtf8Printable(untested));
+        std::fprintf(stderr, "no test asserts these texts:\n%s", qUtf8Printable(untested));
     return right && (!check || untested.isEmpty()) ? 0 : 1;
 }

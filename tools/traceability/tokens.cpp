@@ -41,9 +41,20 @@ QString withoutEscapes(QString text)
 
 int step(const Token& token)
 {
-    static const QStringList opening = {u"("_s, u"["_s, u"{"_s};
-    static const QStringList closing = {u")"_s, u"]"_s, u"}"_s};
-    return isSignOf(token, opening) ? 1 : isSignOf(token, closing) ? -1 : 0;
+    if (token.kind != Token::Kind::Sign || token.text.size() != 1)
+        return 0;
+    switch (token.text[0].unicode()) {
+    case u'(':
+    case u'[':
+    case u'{':
+        return 1;
+    case u')':
+    case u']':
+    case u'}':
+        return -1;
+    default:
+        return 0;
+    }
 }
 
 std::size_t behindBrackets(Tokens tokens, std::size_t at)

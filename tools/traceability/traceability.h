@@ -20,7 +20,7 @@ struct Subject {
 struct Message {
     QString text;
     QStringList shownBy; // files
-    QStringList heldBy;  // "folder/program: test"
+    QStringList heldBy;  // "folder/program: test", those that assert it
 };
 
 struct Findings {
@@ -37,7 +37,7 @@ bool holds(const QString& text, const QString& message);
 /// A name in camel case as the sentence it is: "cancelKeepsTheRow" becomes "Cancel keeps the row".
 QString sentenceOf(const QString& name);
 
-/// The messages that no test names, one to a line with the files that show it.
+/// The messages that no test asserts, one to a line with the files that show it.
 QString untestedMessages(const Findings& findings);
 
 /// The document that tells the findings.
