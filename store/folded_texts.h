@@ -79,7 +79,7 @@ private:
         std::vector<Place> places;
 
         void append(const Row& row);
-        QStringView at(quint32 start, quint32 size) const { return QStringView(units.data() + start, size); }
+        QStringView at(quint32 start, quint32 size) const { return {units.data() + start, size}; }
         void visitName(const Place& place, const VisitName& visit) const;
     };
 

@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "store/criteria_sql.h"
+#include "store/quoted.h"
 
 #include <QStringList>
 
@@ -16,11 +17,6 @@ namespace quillon
 
 namespace
 {
-
-QString quoted(const QString& name)
-{
-    return u'"' + name + u'"';
-}
 
 constexpr qsizetype Unlimited = std::numeric_limits<qsizetype>::max();
 

@@ -44,7 +44,7 @@ const char16_t* findPlainly(const char16_t* begin, const char16_t* end, const Ne
 
 #ifdef __SSE2__
 
-constexpr int VectorUnits = sizeof(__m128i) / sizeof(char16_t);
+constexpr qsizetype VectorUnits = sizeof(__m128i) / sizeof(char16_t);
 
 __m128i load(const char16_t* units)
 {
@@ -64,11 +64,12 @@ const char16_t* findWithVectors(const char16_t* begin, const char16_t* end, cons
     // Most blocks hold nothing: one is a cache line, asked with one branch. What comes two pages later is sent for at
     // the same time; waiting for memory is what takes longest here. Sending for what is not there does no harm.
     constexpr int Vectors = 4;
-    constexpr int BlockUnits = Vectors * VectorUnits;
-    constexpr int Ahead = 128 * BlockUnits;
+    constexpr qsizetype BlockUnits = Vectors * VectorUnits;
+    constexpr qsizetype Ahead = 128 * BlockUnits;
     const char16_t* place = begin;
     for (; end - place >= needle.lastPosition + BlockUnits; place += BlockUnits) {
         _mm_prefetch(reinterpret_cast<const char*>(place + Ahead), _MM_HINT_T0);
+        // NOLINTNEXTLINE(modernize-avoid-c-arrays): as a template argument the type would lose its alignment
         const __m128i both[Vectors] = {compare(place), compare(place + VectorUnits),
                                        compare(place + 2 * VectorUnits), compare(place + 3 * VectorUnits)};
         const __m128i any = _mm_or_si128(_mm_or_si128(both[0], both[1]), _mm_or_si128(both[2], both[3]));

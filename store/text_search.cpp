@@ -2,6 +2,7 @@
 
 #include "store/criteria.h"
 #include "store/like_pattern.h"
+#include "store/quoted.h"
 #include "store/schema.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/statement.h"
@@ -50,11 +51,6 @@ std::optional<QString> plainNeedle(const QString& pattern)
     if (needle.front().isLowSurrogate() || needle.back().isHighSurrogate())
         return std::nullopt;
     return needle;
-}
-
-QString quoted(const QString& name)
-{
-    return u'"' + name + u'"';
 }
 
 QString selection(const TableSchema& table)
