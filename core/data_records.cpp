@@ -18,6 +18,7 @@
 #include "store/session.h"
 #include "store/write_transaction.h"
 
+#include <array>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -59,13 +60,13 @@ void show(Session& session, const DataKind& kind, const QString& identifier)
         return;
     }
     // Read before the window appears: nothing may rely on the cursor once events can run.
-    const QString fields[] = {rows.field(0), rows.field(1), rows.field(2)};
+    const std::array fields = {rows.field(0), rows.field(1), rows.field(2)};
     DataWindow& window = session.windows.newDataWindow(QString(kind.letter));
     window.showModeless();
     window.setCaption(kind.shortName + kind.captionJoint + fields[0]);
     window.setMode(FormMode::Display);
     for (int i = 0; i < 3; ++i)
-        window.setFieldText(i, fields[i]);
+        window.setFieldText(i, fields[static_cast<std::size_t>(i)]);
     SetLinkList(session, window, identifier);
     AddCategory(session, window, identifier);
 }

@@ -11,6 +11,8 @@
 #include "store/record_set.h"
 #include "store/session.h"
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -24,7 +26,7 @@ void ShowRefFile(Session& session, const QString& identifier)
             throw Error(errors::NoCurrentRecord);
         const QString folder = session.inCurrentFolder(titles::FileFolder);
         // Registration writes the file's name into the first field; the third one may name another file.
-        const QString names[] = {rows.field(data_field::Explanation), rows.field(data_field::Name)};
+        const std::array names = {rows.field(data_field::Explanation), rows.field(data_field::Name)};
         const auto refuse = [&](const QString& text) {
             session.dialogs.messageBox({.text = text, .title = titles::SystemAudit});
         };
