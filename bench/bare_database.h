@@ -50,7 +50,11 @@ private:
 class Touched
 {
 public:
+    Touched() = default;
     ~Touched();
+    Touched(const Touched&) = delete;
+    Touched& operator=(const Touched&) = delete;
+
     void text(QStringView text)
     {
         for (const QChar character : text)

@@ -24,7 +24,7 @@ sumOf(const char16_t* units, qsizetype count)
 {
     quint64 sum = 0;
     for (; count >= 4; units += 4, count -= 4) {
-        quint64 four;
+        quint64 four = 0;
         std::memcpy(&four, units, sizeof four);
         sum += four;
     }

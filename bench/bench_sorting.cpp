@@ -9,6 +9,7 @@
 #include <unicode/ucol.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <stdexcept>
 #include <vector>
@@ -65,9 +66,9 @@ std::vector<quint32> sortedByKeys(const std::vector<QString>& texts)
             keys.resize(keys.size() * 2 + length);
             length = makeKey();
         }
-        quint8 prefix[8] = {};
-        std::memcpy(prefix, keys.data() + used, std::min(length, sizeof prefix));
-        entries.push_back({qFromBigEndian<quint64>(prefix), static_cast<quint32>(used),
+        std::array<quint8, sizeof(quint64)> prefix = {};
+        std::memcpy(prefix.data(), keys.data() + used, std::min(length, prefix.size()));
+        entries.push_back({qFromBigEndian<quint64>(prefix.data()), static_cast<quint32>(used),
                            static_cast<quint32>(length), static_cast<quint32>(entries.size())});
         used += length;
     }

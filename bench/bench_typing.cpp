@@ -101,7 +101,8 @@ public:
         window.asDataWindow()->setFieldText(2, text);
         field = window.findChild<QPlainTextEdit*>(u"txtFields(2)"_s);
         beginTyping(*field);
-        m_before = field->document()->characterCount();
+        const QTextDocument& document = *field->document();
+        m_before = document.characterCount();
     }
     void checkTyped(benchmark::State& state) const
     {

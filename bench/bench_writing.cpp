@@ -76,7 +76,7 @@ public:
         QCoreApplication::processEvents();
     }
     /// Some data all over their table, `Writes` or more of them.
-    QStringList some(const char* sql)
+    QStringList some(const char* sql) const
     {
         QStringList texts;
         BareStatement statement(bare, sql);

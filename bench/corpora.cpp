@@ -90,7 +90,7 @@ corpus::Options growingCorpus(int items)
 
 QString keptCorpus(const QString& folder, const corpus::Options& options)
 {
-    const QString path = QDir(folder).absoluteFilePath(nameOf(options));
+    QString path = QDir(folder).absoluteFilePath(nameOf(options));
     if (QFile::exists(path))
         return path;
     std::fprintf(stderr, "making %s\n", qPrintable(path));

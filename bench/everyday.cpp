@@ -13,13 +13,14 @@
 #include <QProgressBar>
 
 #include <stdexcept>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::bench
 {
 
-Everyday::Everyday(const QString& path) : m_path(path), m_program(std::make_unique<QuietProgram>())
+Everyday::Everyday(QString path) : m_path(std::move(path)), m_program(std::make_unique<QuietProgram>())
 {
     m_program->open(m_path);
     const ReportModel& rows = m_program->list().rows();

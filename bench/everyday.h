@@ -33,7 +33,7 @@ class Everyday
 {
 public:
     /// `path`: a database of the corpus maker. Registering writes to it.
-    explicit Everyday(const QString& path);
+    explicit Everyday(QString path);
 
     /// Puts the progress bar of the main window into one that is not shown, as the last step before a task: it paints
     /// itself by the clock, which no count of instructions can repeat.

@@ -154,6 +154,7 @@ QString growthPicture(std::vector<Growth> operations)
         return one.seconds.back() > other.seconds.back();
     });
     std::vector<double> ends;
+    ends.reserve(operations.size());
     for (const Growth& growth : operations)
         ends.push_back(axes.y(growth.seconds.back()));
     const std::vector<double> labels = labelHeights(ends);

@@ -18,8 +18,8 @@ struct Pair {
 
 /// One row of the table of results.
 struct RowText {
-    const char* operation;
-    const char* floor;
+    const char* operation = nullptr;
+    const char* floor = nullptr;
     double figure = 0; // what the ratio has to stay at or below; 0: nothing is asked
 };
 

@@ -115,6 +115,7 @@ SearchTimes timesOf(benchmark::State& state, SearchedCorpus& corpus, const std::
             // A rival that takes seconds leaves the texts idle, and the system may take their memory away meanwhile.
             corpus.search(strings[i].text);
             std::vector<double> together;
+            together.reserve(static_cast<std::size_t>(searchesPerRival));
             for (int search = 0; search < searchesPerRival; ++search)
                 together.push_back(secondsFor([&] { corpus.search(strings[i].text); }));
             searches[i].push_back(median(together)); // as many rounds as the rival has
