@@ -55,6 +55,11 @@ private:
         ++m_at;
     }
 
+    static bool followsName(const Token& token)
+    {
+        return token.isSign(u"(") || token.isSign(u"{") || token.isSign(u"=");
+    }
+
     void readDeclaration(const QString& scope, bool inSlots)
     {
         static const QStringList holders = {u"namespace"_s, u"class"_s, u"struct"_s, u"union"_s};
@@ -79,9 +84,8 @@ private:
                 ++m_at;
                 return;
             }
-            if (token.isSign(u"=") && word != u"operator"_s)
-                assigned = true;
-            if (!named && (token.isSign(u"(") || token.isSign(u"{") || token.isSign(u"="))) {
+            assigned |= token.isSign(u"=") && word != u"operator"_s;
+            if (!named && followsName(token)) {
                 made.name = word;
                 made.function = token.isSign(u"(");
             }
