@@ -82,6 +82,8 @@ public:
             delete dynamic_cast<FormWindow*>(window);
         processEvents();
     }
+    FormWorld(const FormWorld&) = delete;
+    FormWorld& operator=(const FormWorld&) = delete;
 
     /// Adds a datum of the kind of its identifier.
     void add(const QString& name, const QString& identifier, const QString& explanation)

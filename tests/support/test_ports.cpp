@@ -14,12 +14,12 @@ namespace quillon::testing
 namespace
 {
 
-int kindNumber(const QString& kind)
+std::size_t kindNumber(const QString& kind)
 {
     const auto number = u"MRF"_s.indexOf(kind);
     if (kind.size() != 1 || number < 0)
         throw Error(errors::ObjectNotSet);
-    return static_cast<int>(number);
+    return static_cast<std::size_t>(number);
 }
 
 QString statusCall(int panel, const QString& text)
@@ -82,7 +82,7 @@ bool FakeDataWindow::unload()
 void FakeDataWindow::setFieldText(int index, const QString& text)
 {
     note(u"setFieldText %1 "_s.arg(index) + text);
-    fields[index] = text;
+    fields[static_cast<std::size_t>(index)] = text;
 }
 
 void FakeDataWindow::setCaption(const QString& text)
@@ -255,7 +255,7 @@ LinkListWindow& FakeWindows::linkList()
 
 FakeDataWindow& FakeWindows::create(const QString& kind)
 {
-    static const QString names[] = {u"frmMainData"_s, u"frmRefDoc"_s, u"frmRefFileEntry"_s};
+    static const std::array names = {u"frmMainData"_s, u"frmRefDoc"_s, u"frmRefFileEntry"_s};
     auto window = std::make_unique<FakeDataWindow>(names[kindNumber(kind)], calls);
     FakeDataWindow& created = *window;
     created.onUnload = [this, &created] { std::erase(list, &created); };

@@ -14,6 +14,7 @@
 
 #include <QStringList>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -127,15 +128,15 @@ private:
 class FakeDataWindow : public DataWindow
 {
 public:
-    explicit FakeDataWindow(const QString& designName, CallLog log = {})
-        : calls(std::move(log)), name(designName)
+    explicit FakeDataWindow(QString designName, CallLog log = {})
+        : calls(std::move(log)), name(std::move(designName))
     {
     }
 
     QString windowName() const override { return name; }
     bool unload() override;
     void bringToFront() override { note(QStringLiteral("bringToFront")); }
-    QString fieldText(int index) const override { return fields[index]; }
+    QString fieldText(int index) const override { return fields[static_cast<std::size_t>(index)]; }
     void setFieldText(int index, const QString& text) override;
     void setCaption(const QString& text) override;
     void setMode(FormMode mode) override;
@@ -148,7 +149,7 @@ public:
 
     CallLog calls;
     QString name;
-    QString fields[3];
+    std::array<QString, 3> fields;
     QString caption;
     std::vector<LinkRow> links;
     std::vector<CategoryRow> categories;
@@ -253,7 +254,7 @@ public:
     bool linksLoaded = false;
     std::vector<LoadedWindow*> list;
     std::vector<std::unique_ptr<FakeDataWindow>> dataWindows; // in the order of creation
-    FakeDataWindow* shared[3] = {nullptr, nullptr, nullptr};
+    std::array<FakeDataWindow*, 3> shared = {nullptr, nullptr, nullptr};
 
 private:
     FakeDataWindow& create(const QString& kind);

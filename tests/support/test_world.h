@@ -16,6 +16,8 @@ class TestWorld
 public:
     TestWorld();
     ~TestWorld();
+    TestWorld(const TestWorld&) = delete;
+    TestWorld& operator=(const TestWorld&) = delete;
 
     /// Creates an empty database "QUILLON.mdb" with its seven tables in the current folder; returns its full name.
     QString createDatabase(const QString& name = QStringLiteral("QUILLON.mdb"));

@@ -26,6 +26,8 @@ public:
     WindowWorld();
     /// Destroys all windows without asking them anything.
     ~WindowWorld();
+    WindowWorld(const WindowWorld&) = delete;
+    WindowWorld& operator=(const WindowWorld&) = delete;
 
     /// Creates an empty database with its seven tables in the current folder; returns its full name.
     QString createDatabase(const QString& name = QStringLiteral("QUILLON.mdb"));

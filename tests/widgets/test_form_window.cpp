@@ -79,6 +79,8 @@ struct World {
             delete dynamic_cast<FormWindow*>(registry.loaded().front());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
 
     PlainWindow* window(const QString& name) { return new PlainWindow(session, registry, name); }
     QStringList loadedNames() const
