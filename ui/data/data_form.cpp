@@ -199,7 +199,7 @@ void DataForm::SwitchDataWindow(const QString& identifier)
 void DataForm::mnuDataDelete_Click()
 {
     const QPointer<DataForm> self(this);
-    if (!DeleteData(session(), fieldText(1), 3) || !self)
+    if (!DeleteData(session(), fieldText(1), 3) || self.isNull())
         return;
     m_deleted = true;
     unload();

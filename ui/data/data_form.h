@@ -32,6 +32,8 @@ class DataForm : public FormWindow, public DataWindow
 
 public:
     ~DataForm() override;
+    DataForm(const DataForm&) = delete;
+    DataForm& operator=(const DataForm&) = delete;
 
     QString fieldText(int index) const override;
     void setFieldText(int index, const QString& text) override;
@@ -142,7 +144,7 @@ private:
 
     const Design m_design;
     QString m_databaseFile; // where the datum shown lies
-    std::array<TextField*, 3> m_txtFields;
+    std::array<TextField*, 3> m_txtFields = {nullptr, nullptr, nullptr};
     QHBoxLayout* m_contentLabelRow = nullptr;
     Composition m_composition;
 };

@@ -76,6 +76,8 @@ void DataForm::SetLinkSource()
     session().LinkSourceForm = this;
 }
 
+// The session may get another table while the choice goes on; this one is held until its end.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a reference would hold nothing
 void DataForm::linkToChosen(std::shared_ptr<RecordSet> table)
 {
     const QPointer<DataForm> self(this); // the choice may take the window with it
@@ -98,7 +100,7 @@ void DataForm::mnuLinkRefFile_Click()
         return;
     }
     const QPointer<DataForm> self(this);
-    if (RegisterFileAndLink(session(), fieldText(1)) && self)
+    if (RegisterFileAndLink(session(), fieldText(1)) && !self.isNull())
         SetLinkList(session(), *this, fieldText(1));
 }
 

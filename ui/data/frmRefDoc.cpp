@@ -15,6 +15,8 @@
 #include <QMenu>
 #include <QPushButton>
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -79,11 +81,12 @@ void frmRefDoc::buildSizeButtons()
         QString caption;
         int points;
     };
-    const Size sizes[] = {{u"12(&L)"_s, 12}, {u"10(&N)"_s, 10}, {u"9(&S)"_s, 9}};
+    const std::array<Size, 3> sizes = {{{u"12(&L)"_s, 12}, {u"10(&N)"_s, 10}, {u"9(&S)"_s, 9}}};
     QWidget* before = &fieldWidget(1);
-    for (int i = 0; i < 3; ++i) {
-        QPushButton* button = addButton(this, u"cmdSize(%1)"_s.arg(i), sizes[i].caption,
-                                        [this, points = sizes[i].points] { cmdSize_Click(points); });
+    int index = 0;
+    for (const Size& size : sizes) {
+        QPushButton* button = addButton(this, u"cmdSize(%1)"_s.arg(index++), size.caption,
+                                        [this, points = size.points] { cmdSize_Click(points); });
         button->setAutoDefault(false);
         contentLabelRow().addWidget(button);
         setTabOrder(before, button);

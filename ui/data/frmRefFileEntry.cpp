@@ -54,7 +54,7 @@ void frmRefFileEntry::arrange()
     const auto addField = [&](int index) {
         auto* line = new QLineEdit(middle);
         line->setObjectName(u"txtFields(%1)"_s.arg(index));
-        m_txtFields[index] = line;
+        m_txtFields[static_cast<std::size_t>(index)] = line;
         return line;
     };
 
@@ -110,13 +110,13 @@ void frmRefFileEntry::arrange()
 
 QString frmRefFileEntry::fieldText(int index) const
 {
-    return index == 0 || index == 1 ? m_txtFields[index]->text() : QString();
+    return index == 0 || index == 1 ? m_txtFields[static_cast<std::size_t>(index)]->text() : QString();
 }
 
 void frmRefFileEntry::setFieldText(int index, const QString& text)
 {
     if (index == 0 || index == 1)
-        m_txtFields[index]->setText(text);
+        m_txtFields[static_cast<std::size_t>(index)]->setText(text);
 }
 
 void frmRefFileEntry::setCategoryRows(const std::vector<CategoryRow>& rows)

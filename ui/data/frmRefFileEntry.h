@@ -4,6 +4,8 @@
 #include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
+#include <array>
+
 class QLineEdit;
 class QPushButton;
 class QProgressBar;
@@ -48,7 +50,7 @@ private:
     /// Lets the file be copied and its row be written, and shows how far that is.
     FileRegistration copyAndWrite();
 
-    QLineEdit* m_txtFields[2] = {nullptr, nullptr};
+    std::array<QLineEdit*, 2> m_txtFields = {nullptr, nullptr};
     QPushButton* cmdPath = nullptr;
     QPushButton* cmdEntry = nullptr;
     QPushButton* cmdCancel = nullptr;

@@ -35,6 +35,8 @@ class frmMainMenu : public FormWindow, public MainWindowPort
 public:
     frmMainMenu(Session& session, WindowRegistry& registry);
     ~frmMainMenu() override;
+    frmMainMenu(const frmMainMenu&) = delete;
+    frmMainMenu& operator=(const frmMainMenu&) = delete;
 
     // What operations below the windows ask for.
     void clearDataList() override;

@@ -58,7 +58,7 @@ void frmMainMenu::SizeControls(float& x)
         x = static_cast<float>(metrics::PaneLimit);
     if (x > width - metrics::PaneLimit)
         x = static_cast<float>(width - metrics::PaneLimit);
-    const double position = static_cast<double>(x);
+    const auto position = static_cast<double>(x);
     tvwCategory->resize(pixelsFromTwips(position), tvwCategory->height());
     lsvData->setGeometry(pixelsFromTwips(position + metrics::ListLeftBeyondTree), lsvData->y(),
                          pixelsFromTwips(width - (position + metrics::ListWidthLessTree)),
@@ -78,9 +78,8 @@ void frmMainMenu::placeSplitter(double left, int top, int height)
 
 void frmMainMenu::imgSplitter_MouseDown()
 {
-    const int handleWidth = static_cast<int>(metrics::SplitterWidth);
-    picSplitter->setGeometry(pixelsFromTwips(m_splitterLeft), imgSplitter->y(),
-                             pixelsFromTwips(handleWidth / 2),
+    const int barWidth = static_cast<int>(metrics::SplitterWidth) / 2; // whole twips
+    picSplitter->setGeometry(pixelsFromTwips(m_splitterLeft), imgSplitter->y(), pixelsFromTwips(barWidth),
                              imgSplitter->height() - pixelsFromTwips(metrics::SplitterBarHeightLess));
     picSplitter->raise();
     picSplitter->show();

@@ -48,8 +48,8 @@ void TextColumn::makeRoom(qsizetype units)
     if ((capacity + (needed << ChunkBits)) > (qsizetype(1) << 32))
         throw Error(errors::OutOfMemory);
     m_used = capacity;
-    m_owned.push_back(
-        std::make_unique_for_overwrite<char16_t[]>(static_cast<std::size_t>(needed << ChunkBits)));
+    // NOLINTNEXTLINE(modernize-avoid-c-arrays): as the member it goes to
+    m_owned.push_back(std::make_unique_for_overwrite<char16_t[]>(std::size_t(needed << ChunkBits)));
     for (qsizetype chunk = 0; chunk < needed; ++chunk)
         m_chunks.push_back(m_owned.back().get() + (chunk << ChunkBits));
 }

@@ -36,9 +36,10 @@ private:
     static constexpr qsizetype ChunkUnits = qsizetype(1) << ChunkBits;
 
     std::vector<char16_t*> m_chunks; // a long text takes several in a row
-    std::vector<std::unique_ptr<char16_t[]>> m_owned;
-    qsizetype m_used = 0;   // units, over all chunks
-    qsizetype m_wasted = 0; // units of cells that are gone
+    // Plain arrays, because those of the library would fill them with zeros first.
+    std::vector<std::unique_ptr<char16_t[]>> m_owned; // NOLINT(modernize-avoid-c-arrays)
+    qsizetype m_used = 0;                             // units, over all chunks
+    qsizetype m_wasted = 0;                           // units of cells that are gone
     std::vector<quint32> m_offsets;
 };
 

@@ -28,6 +28,8 @@ class FormWindow : public QMainWindow, public virtual LoadedWindow
 public:
     FormWindow(Session& session, WindowRegistry& registry, const QString& windowName);
     ~FormWindow() override;
+    FormWindow(const FormWindow&) = delete;
+    FormWindow& operator=(const FormWindow&) = delete;
 
     QString windowName() const override { return objectName(); }
     bool unload() override;

@@ -20,6 +20,8 @@ class KeyedTreeModel : public QAbstractItemModel
 public:
     explicit KeyedTreeModel(QObject* parent = nullptr);
     ~KeyedTreeModel() override;
+    KeyedTreeModel(const KeyedTreeModel&) = delete;
+    KeyedTreeModel& operator=(const KeyedTreeModel&) = delete;
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& child) const override;

@@ -27,6 +27,8 @@ class LaidOutLines
 public:
     LaidOutLines();
     ~LaidOutLines();
+    LaidOutLines(const LaidOutLines&) = delete;
+    LaidOutLines& operator=(const LaidOutLines&) = delete;
 
     /// The line of a text in this font; it stays as it is until the next call.
     LaidOutLine& line(const QString& text, const QFont& font);

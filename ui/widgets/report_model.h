@@ -31,6 +31,8 @@ public:
 
     explicit ReportModel(const std::vector<Column>& columns, QObject* parent = nullptr);
     ~ReportModel() override;
+    ReportModel(const ReportModel&) = delete;
+    ReportModel& operator=(const ReportModel&) = delete;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
