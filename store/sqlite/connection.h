@@ -7,15 +7,10 @@
 #include <functional>
 #include <memory>
 
-namespace quillon
-{
-
-namespace testing
+namespace quillon::testing
 {
 class ConnectionHandle; // for tests that disturb a connection from below
 }
-
-} // namespace quillon
 
 namespace quillon::sqlite
 {

@@ -85,7 +85,7 @@ bool Statement::step()
     const Error error = errorOf(m_handle.get(), code);
     sqlite3_reset(m_statement);
     m_handle.statementEnded(&error);
-    throw error;
+    throw Error(error);
 }
 
 void Statement::run()
@@ -122,7 +122,7 @@ QStringView Statement::text(int column) const
             throw Error(errors::OutOfMemory);
         return {};
     }
-    return QStringView(static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t)));
+    return {static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t))};
 }
 
 qint64 Statement::number(int column) const
