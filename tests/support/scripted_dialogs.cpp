@@ -30,7 +30,7 @@ QString describe(const std::variant<MessageBox, InputBox, FileDialog>& box)
     return u"file dialog %1 filter <%2> name <%3> folder <%4> overwrite prompt %5"_s
         .arg(file.purpose == FileDialog::Purpose::Open ? u"open"_s : u"save"_s, file.filter, file.fileName,
              file.folder)
-        .arg(file.promptBeforeOverwriting);
+        .arg(file.promptBeforeOverwriting ? 1 : 0);
 }
 
 } // namespace

@@ -24,6 +24,7 @@ WindowWorld::WindowWorld() : program({dialogs, eventLog, clock, desktop, files},
 
 WindowWorld::~WindowWorld() = default;
 
+// NOLINTNEXTLINE(readability-make-member-function-const): the world has a file more afterwards
 QString WindowWorld::createDatabase(const QString& name)
 {
     QString path = folder.filePath(name);

@@ -185,7 +185,7 @@ void DictionaryColumn::shrink()
 
 qsizetype DictionaryColumn::bytesHeld() const
 {
-    qsizetype bytes = static_cast<qsizetype>(m_cells.capacity() * sizeof(quint16));
+    auto bytes = static_cast<qsizetype>(m_cells.capacity()) * qsizetype(sizeof(quint16));
     for (const QString& word : m_words)
         bytes += static_cast<qsizetype>(2 * sizeof(QString)) + word.size() * 2;
     return bytes;

@@ -241,6 +241,7 @@ QMenu* FormWindow::addSubmenu(QMenu* menu, const QString& name, const QString& c
     return submenu;
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): one of the functions that build a window's menus
 QAction* FormWindow::addLine(QMenu* menu, const QString& name)
 {
     QAction* line = menu->addSeparator();

@@ -231,7 +231,7 @@ bool ReportList::selectsCurrentRow(const QKeyEvent& event)
 {
     // The list that gets the focus has a current row already. Moving on from it would leave it out, and at the ends
     // of the list it could never be selected.
-    const bool withControl = event.modifiers() & Qt::ControlModifier;
+    const bool withControl = event.modifiers().testFlag(Qt::ControlModifier);
     if (withControl || !currentIndex().isValid() || selectionModel()->hasSelection())
         return false;
     switch (event.key()) {

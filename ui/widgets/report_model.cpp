@@ -263,8 +263,8 @@ void ReportModel::removeRowsAt(std::vector<int> rows)
     }
     const std::vector<RowRange> ranges = rangesOf(rows);
     if (ranges.size() <= RangesRemovedSingly) {
-        for (auto range = ranges.rbegin(); range != ranges.rend(); ++range)
-            removeRange(range->first, range->last);
+        std::for_each(ranges.rbegin(), ranges.rend(),
+                      [this](const RowRange& range) { removeRange(range.first, range.last); });
     } else {
         // The rows that go are moved to the end and leave as one range, so that what is selected stays selected.
         Q_EMIT scatteredRowsAboutToBeRemoved();
@@ -326,7 +326,7 @@ void ReportModel::dropCells()
 
 qsizetype ReportModel::bytesHeld() const
 {
-    qsizetype bytes = static_cast<qsizetype>(m_order.capacity() * sizeof(quint32));
+    auto bytes = static_cast<qsizetype>(m_order.capacity()) * qsizetype(sizeof(quint32));
     for (const CellColumn& column : m_columns)
         bytes += std::visit([](const auto& cells) { return cells.bytesHeld(); }, column);
     for (const std::vector<quint32>& ranks : m_ranks)

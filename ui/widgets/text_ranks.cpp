@@ -5,6 +5,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -55,9 +56,9 @@ std::vector<quint32> Keys::ranks() const
     std::vector<Entry> entries(m_starts.size());
     for (std::size_t row = 0; row < entries.size(); ++row) {
         const std::string_view key = at(static_cast<quint32>(row));
-        char bytes[sizeof(quint64)] = {};
-        std::memcpy(bytes, key.data(), std::min(key.size(), sizeof bytes));
-        entries[row] = {qFromBigEndian<quint64>(bytes), static_cast<quint32>(row)};
+        std::array<char, sizeof(quint64)> bytes = {};
+        std::memcpy(bytes.data(), key.data(), std::min(key.size(), bytes.size()));
+        entries[row] = {qFromBigEndian<quint64>(bytes.data()), static_cast<quint32>(row)};
     }
     std::sort(entries.begin(), entries.end(), [this](const Entry& left, const Entry& right) {
         if (left.prefix != right.prefix)

@@ -30,7 +30,7 @@ template <class Port> Port& as(LoadedWindow* window)
 
 void WindowRegistry::setFactory(const QString& windowName, Factory factory)
 {
-    m_factories.insert(windowName, std::move(factory));
+    m_factories[windowName] = std::move(factory);
 }
 
 std::vector<LoadedWindow*> WindowRegistry::loaded() const
