@@ -76,6 +76,12 @@ void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIden
     }
 }
 
+void deleteAll(RecordSet& memberships)
+{
+    if (memberships.recordCount() > 0)
+        inWriteTransaction(memberships.database(), [&] { memberships.deleteEveryRow(); });
+}
+
 } // namespace
 
 void AddCategory(Session& session, DataWindow& window, const QString& identifier)
@@ -172,13 +178,16 @@ std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifie
     return taken;
 }
 
+void deleteMembershipsOf(Session& session, const QString& identifier)
+{
+    deleteAll(*required(session.RsCategory).filtered(u"Object_ID ='"_s + identifier + u"'"_s));
+}
+
 void DeleteRelationalCategory(Session& session, const QString& identifier)
 {
     guarded(session.reporting, u"DeleteRelationalCategory"_s, [&] {
-        const auto memberships =
-            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s);
-        if (required(memberships).recordCount() > 0)
-            inWriteTransaction(memberships->database(), [&] { memberships->deleteEveryRow(); });
+        deleteAll(required(
+            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s)));
     });
 }
 

@@ -44,6 +44,8 @@ std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifie
 
 /// Takes a datum out of every category. Failures are reported as "DeleteRelationalCategory".
 void DeleteRelationalCategory(Session& session, const QString& identifier);
+/// The same as a part of a larger write. Not trapped.
+void deleteMembershipsOf(Session& session, const QString& identifier);
 
 /// Deletes a category with the memberships in it; its data stay, and so do its subcategories.
 /// `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.

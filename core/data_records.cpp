@@ -6,20 +6,21 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
-#include "core/deferred_messages.h"
 #include "core/file_data.h"
 #include "core/links.h"
 #include "core/mode.h"
 #include "store/data_kinds.h"
+#include "store/database.h"
 #include "store/identifiers.h"
 #include "store/lookup/data_names.h"
 #include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/write_transaction.h"
+#include "store/sqlite/connection.h"
 
+#include <algorithm>
 #include <array>
-#include <utility>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -28,12 +29,6 @@ namespace quillon
 
 namespace
 {
-
-void tellNotFound(Session& session)
-{
-    session.dialogs.messageBox(
-        {.text = u"指定されたデータが見つかりませんでした。"_s, .title = titles::DataResearch});
-}
 
 DataWindow* windowShowing(Session& session, const DataKind& kind, const QString& identifier)
 {
@@ -103,75 +98,170 @@ void CreateRegisterForm(Session& session, const QString& kind)
     });
 }
 
-bool DeleteData(Session& session, const QString& identifier, qint16 mode)
+namespace
 {
-    bool deleted = false;
+
+/// Deletes a datum and what hangs on it as one write. `seenName`: as what it was seen, where that matters.
+/// The name of the row that was deleted; null when it is gone.
+std::optional<QString> deleteWhole(Session& session, const QString& identifier,
+                                   const std::optional<QString>& seenName)
+{
+    RecordSet& rows = dataTableOf(session, identifier);
+    sqlite::Transaction write(rows.database().connection());
+    std::optional<QString> name;
+    if (rows.goTo(data_field::Object_ID, identifier)) {
+        name = rows.field(data_field::Name);
+        if (seenName && *seenName != *name)
+            return std::nullopt; // another datum by now: it stays, and all that hangs on it
+        rows.deleteRow();
+    }
+    // Also for a datum whose row is gone, so that nothing is left that points to it.
+    deleteLinksOf(session, identifier);
+    deleteMembershipsOf(session, identifier);
+    write.commit();
+    return name;
+}
+
+/// The deletion of many data, and what there is to tell about it afterwards.
+class DeletionOfMany
+{
+public:
+    DeletionOfMany(Session& session, const std::vector<ListedDatum>& data) : m_session(session), m_data(data)
+    {
+    }
+
+    /// Deletes all as one write; the relations of all go in one pass over each table.
+    /// False, and nothing is changed, when these cannot all go.
+    bool deleteTogether(const std::function<void()>& advance)
+    {
+        sqlite::Connection& connection = required(m_session.RsMain).database().connection();
+        RecordSet& links = required(m_session.RsLink);
+        RecordSet& memberships = required(m_session.RsCategory);
+        sqlite::Transaction write(connection);
+        IdentifierSet cleared;
+        for (const ListedDatum& datum : m_data) {
+            tryTwice(
+                [&] {
+                    RecordSet& rows = dataTableOf(m_session, datum.identifier);
+                    const bool found = rows.goTo(data_field::Object_ID, datum.identifier);
+                    if (found && rows.field(data_field::Name) != datum.name)
+                        return Deletion::Gone; // another datum by now: it stays, and all that hangs on it
+                    if (found)
+                        rows.deleteRow();
+                    cleared.insert(datum.identifier);
+                    return found ? Deletion::Deleted : Deletion::Gone;
+                },
+                [&] { return connection.inTransaction(); });
+            advance();
+        }
+        try {
+            links.deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
+                return cleared.contains(link.text(0)) || cleared.contains(link.text(1));
+            });
+            memberships.deleteRowsIf(
+                {1}, [&](const RecordSet::Row& membership) { return cleared.contains(membership.text(0)); });
+        } catch (const Error&) {
+            // A full disk, for one, undoes everything by itself; then there is nothing to try in another way.
+            if (!connection.inTransaction())
+                throw;
+            return false;
+        }
+        write.commit();
+        return true;
+    }
+
+    /// Deletes each as a write of its own, so that one that cannot go keeps no other.
+    void deleteEach()
+    {
+        m_outcome.clear();
+        m_failures.clear();
+        for (const ListedDatum& datum : m_data) {
+            tryTwice(
+                [&] {
+                    return deleteWhole(m_session, datum.identifier, datum.name) ? Deletion::Deleted
+                                                                                : Deletion::Gone;
+                },
+                [] { return true; });
+        }
+    }
+
+    void tell() const
+    {
+        for (const qint32 number : m_failures)
+            ReportError(m_session.reporting, number, Location);
+        tellNotFound(m_session, std::count(m_outcome.begin(), m_outcome.end(), Deletion::Gone));
+    }
+
+    const std::vector<Deletion>& outcome() const { return m_outcome; }
+
+    static inline const QString Location = u"DeleteData"_s;
+
+private:
+    template <class Operation, class CanGoOn> void tryTwice(Operation&& operation, CanGoOn&& canGoOn)
+    {
+        Deletion outcome = Deletion::Kept;
+        std::optional<qint32> failure;
+        for (int attempt = 0; attempt < 2 && outcome == Deletion::Kept; ++attempt) {
+            const auto onFailure = [&](const Error& error) {
+                if (!canGoOn())
+                    throw error;
+                failure = error.number;
+            };
+            guardedBy(onFailure, [&] { outcome = operation(); });
+        }
+        if (outcome == Deletion::Kept && failure)
+            m_failures.push_back(*failure);
+        m_outcome.push_back(outcome);
+    }
+
+    Session& m_session;
+    const std::vector<ListedDatum>& m_data;
+    std::vector<Deletion> m_outcome;
+    std::vector<qint32> m_failures;
+};
+
+} // namespace
+
+Deletion DeleteDatum(Session& session, const QString& identifier, qint16 mode)
+{
+    Deletion outcome = Deletion::Kept;
     guarded(session.reporting, u"DeleteData"_s, [&] {
+        std::optional<QString> askedName;
         if (asks(mode)) {
+            askedName = GetDataName(session, identifier);
             const Answer answer = session.dialogs.messageBox(
-                {.text = u"<"_s + GetDataName(session, identifier) + u"> を削除しますか。"_s,
-                 .buttons = Buttons::OkCancel});
+                {.text = u"<"_s + *askedName + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
             if (answer != Answer::Ok)
                 return;
         }
-        RecordSet& rows = dataTableOf(session, identifier);
-        if (rows.goTo(data_field::Object_ID, identifier)) {
-            const QString name = rows.field(data_field::Name);
-            rows.deleteRow();
-            deleted = true;
-            if (tells(mode))
-                session.dialogs.messageBox({.text = u"< "_s + name + u" >を削除しました。"_s,
-                                            .title = GetDivName(session, identifier, DivName::Title)});
-        } else {
-            tellNotFound(session);
-        }
-        // Also for a datum whose row is gone, so that nothing is left that points to it.
-        DeleteRelationalLink(session, identifier);
-        DeleteRelationalCategory(session, identifier);
+        const std::optional<QString> name = deleteWhole(session, identifier, askedName);
+        outcome = name ? Deletion::Deleted : Deletion::Gone;
+        if (!name)
+            tellNotFound(session, 1);
+        else if (tells(mode))
+            session.dialogs.messageBox({.text = u"< "_s + *name + u" >を削除しました。"_s,
+                                        .title = GetDivName(session, identifier, DivName::Title)});
     });
-    return deleted;
+    return outcome;
 }
 
-std::vector<bool> DeleteManyData(Session& session, const QStringList& identifiers,
-                                 const std::function<void()>& advance)
+bool DeleteData(Session& session, const QString& identifier, qint16 mode)
 {
-    std::vector<bool> deleted;
-    deleted.reserve(static_cast<std::size_t>(identifiers.size()));
-    Database& database = required(session.RsMain).database();
-    DeferredMessages messages(database);
-    inWriteTransaction(database, [&] {
-        IdentifierSet gone;
-        for (const QString& identifier : identifiers) {
-            bool rowDeleted = false;
-            for (int attempt = 0; attempt < 2 && !rowDeleted; ++attempt) {
-                messages.trap(u"DeleteData"_s, [&] {
-                    RecordSet& rows = dataTableOf(session, identifier);
-                    if (rows.goTo(data_field::Object_ID, identifier)) {
-                        rows.deleteRow();
-                        rowDeleted = true;
-                    } else {
-                        messages.add(tellNotFound);
-                    }
-                    gone.insert(identifier);
-                });
-            }
-            deleted.push_back(rowDeleted);
-            advance();
-        }
-        const auto isGone = [&](QStringView identifier) { return gone.contains(identifier); };
-        messages.trap(u"DeleteRelationalLink"_s, [&] {
-            required(session.RsLink).deleteRowsIf({0, 1}, [&](const RecordSet::Row& link) {
-                return isGone(link.text(0)) || isGone(link.text(1));
-            });
-        });
-        messages.trap(u"DeleteRelationalCategory"_s, [&] {
-            required(session.RsCategory).deleteRowsIf({1}, [&](const RecordSet::Row& membership) {
-                return isGone(membership.text(0));
-            });
-        });
+    return DeleteDatum(session, identifier, mode) == Deletion::Deleted;
+}
+
+std::vector<Deletion> DeleteManyData(Session& session, const std::vector<ListedDatum>& data,
+                                     const std::function<void()>& advance)
+{
+    std::vector<Deletion> outcome(data.size(), Deletion::Kept);
+    guarded(session.reporting, DeletionOfMany::Location, [&] {
+        DeletionOfMany deletion(session, data);
+        if (!deletion.deleteTogether(advance))
+            deletion.deleteEach();
+        outcome = deletion.outcome();
+        deletion.tell();
     });
-    messages.show(session);
-    return deleted;
+    return outcome;
 }
 
 } // namespace quillon

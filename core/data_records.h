@@ -1,7 +1,8 @@
 #pragma once
 
+#include "core/listed_datum.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <vector>
@@ -19,15 +20,26 @@ void ShowData(Session& session, const QString& identifier);
 /// that is selected in the main window. Failures are reported as "CreateRegisterForm".
 void CreateRegisterForm(Session& session, const QString& kind);
 
-/// Deletes a datum with its links and memberships; those go even when its row is gone already. The copied file of a
-/// file datum stays. `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.
-/// True when the row was deleted. Failures are reported as "DeleteData".
+/// What became of a datum that was to be deleted.
+enum class Deletion {
+    Deleted,
+    Gone, ///< its row was gone already, or another datum has its identifier now
+    Kept, ///< cancelled, or a failure was reported
+};
+
+/// Deletes a datum with its links and memberships as one write: together or not at all. Links and memberships go even
+/// when its row is gone already. The copied file of a file datum stays. `mode`: 1 or 3 asks first, 2 or more tells
+/// afterwards, 0 is silent. Failures are reported as "DeleteData".
+Deletion DeleteDatum(Session& session, const QString& identifier, qint16 mode);
+
+/// The same. True when the row was deleted.
 bool DeleteData(Session& session, const QString& identifier, qint16 mode);
 
-/// `DeleteData` without questions and notices for many data, as one durable write. A datum that fails is tried once
-/// more and then passed over; the boxes about that come after the write. `advance` is called after each datum.
-/// For each identifier, whether its row was deleted. Throws when nothing could be deleted at all.
-std::vector<bool> DeleteManyData(Session& session, const QStringList& identifiers,
-                                 const std::function<void()>& advance);
+/// Deletes many data without questions as one durable write. A datum that fails is tried once more and then passed
+/// over; one that bears another name by now is another datum and stays. The boxes about all that come after the write,
+/// a single one for those that are gone. `advance` is called after each datum. Failures are reported as "DeleteData".
+/// What became of each.
+std::vector<Deletion> DeleteManyData(Session& session, const std::vector<ListedDatum>& data,
+                                     const std::function<void()>& advance);
 
 } // namespace quillon

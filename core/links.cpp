@@ -28,12 +28,16 @@ std::shared_ptr<RecordSet> linksOneWay(Session& session, const QString& target, 
                            u"Object_ID ='"_s + target + u"' AND Link_Object_ID ='"_s + source + u"'"_s);
 }
 
-/// The links in which a datum stands on either side.
-std::shared_ptr<RecordSet> linksOf(Session& session, const QString& identifier)
+/// The criteria of the links in which a datum stands on either side.
+QString touching(const QString& identifier)
 {
-    return GetFilterResult(session.reporting, session.RsLink,
-                           u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s + identifier +
-                               u"'"_s);
+    return u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s + identifier + u"'"_s;
+}
+
+void deleteAll(RecordSet& links)
+{
+    if (links.recordCount() > 0)
+        inWriteTransaction(links.database(), [&] { links.deleteEveryRow(); });
 }
 
 } // namespace
@@ -90,12 +94,15 @@ bool DeleteLink(Session& session, const QString& a, const QString& b)
     return done;
 }
 
+void deleteLinksOf(Session& session, const QString& identifier)
+{
+    deleteAll(*required(session.RsLink).filtered(touching(identifier)));
+}
+
 void DeleteRelationalLink(Session& session, const QString& identifier)
 {
     guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
-        const auto links = linksOf(session, identifier);
-        if (required(links).recordCount() > 0)
-            inWriteTransaction(links->database(), [&] { links->deleteEveryRow(); });
+        deleteAll(required(GetFilterResult(session.reporting, session.RsLink, touching(identifier))));
     });
 }
 
@@ -103,7 +110,7 @@ void SetLinkList(Session& session, DataWindow& window, const QString& identifier
 {
     guarded(session.reporting, u"SetLinkList"_s, [&] {
         window.setLinkRows({});
-        const auto links = linksOf(session, identifier);
+        const auto links = GetFilterResult(session.reporting, session.RsLink, touching(identifier));
         DataNameLookup names(session);
         std::vector<LinkRow> rows;
         required(links).forEachRow({0, 1}, [&](const RecordSet::Row& link) {

@@ -19,6 +19,8 @@ bool DeleteLink(Session& session, const QString& a, const QString& b);
 
 /// Deletes every link of a datum without a word. Failures are reported as "DeleteRelationalLink".
 void DeleteRelationalLink(Session& session, const QString& identifier);
+/// The same as a part of a larger write. Not trapped.
+void deleteLinksOf(Session& session, const QString& identifier);
 
 /// Fills a data window's link list with the links of a datum, from the datum's own point of view: each row is the
 /// partner, on whichever side it is stored. Failures are reported as "SetLinkList".

@@ -3,6 +3,7 @@
 #include "store/record_set.h"
 #include "tests/support/drag.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/troubled_database.h"
 #include "tests/support/window_probe.h"
 #include "tests/support/window_world.h"
 #include "ui/auxiliary/frmDataSelect.h"
@@ -278,6 +279,18 @@ private Q_SLOTS:
     void failedDeletionKeepsRowAndCount()
     {
         fillDefinitions();
+        refuseDeletion(*world->session().OpenDb, u"Main"_s, u"1"_s);
+        selectRow(list(), 0);
+        world->dialogs.expect(question(u"水"_s));
+        world->dialogs.expect(failureBox(u"DeleteData"_s, errors::InvalidArgument));
+        act(u"Delete"_s);
+        QCOMPARE(rows().size(), 3);
+        QCOMPARE(panel(3), u"表示データ数：3"_s);
+    }
+
+    void datumThatTurnsOutToBeGoneLeavesTheList()
+    {
+        fillDefinitions();
         world->session().RsMain->moveFirst();
         world->session().RsMain->deleteRow();
         selectRow(list(), 0);
@@ -285,8 +298,8 @@ private Q_SLOTS:
         world->dialogs.expect(MessageBox{.text = u"指定されたデータが見つかりませんでした。"_s,
                                          .title = u"Quillon データ調査分析部"_s});
         act(u"Delete"_s);
-        QCOMPARE(rows().size(), 3);
-        QCOMPARE(panel(3), u"表示データ数：3"_s);
+        QCOMPARE(rows().size(), 2);
+        QCOMPARE(panel(3), u"表示データ数：2"_s);
     }
 
     void windowClosesWithoutAsking_data()

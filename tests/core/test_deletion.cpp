@@ -1,6 +1,5 @@
 #include "core/data_records.h"
 #include "store/record_set.h"
-#include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/journaled_writes.h"
 #include "tests/support/test_world.h"
@@ -95,11 +94,11 @@ private Q_SLOTS:
         if (tells) {
             world->dialogs.expect(
                 {.text = u"< 水 >を削除しました。"_s, .title = u"Quillon 定義データ管理部"_s});
-            // The row goes before the notice, what hangs on it afterwards.
+            // Everything is gone before it is told.
             world->dialogs.meanwhile([&] {
                 QCOMPARE(definitions(), QStringList(u"氷|M-991231-002|固体"_s));
-                QCOMPARE(links().size(), 4);
-                QCOMPARE(memberships().size(), 3);
+                QCOMPARE(links(), QStringList(u"M-991231-002|R-991231-001"_s));
+                QCOMPARE(memberships(), QStringList(u"A|M-991231-002"_s));
                 QVERIFY(othersMayWrite(path));
             });
         }
@@ -109,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(memberships(), QStringList(u"A|M-991231-002"_s));
     }
 
-    void rowGoesFirstThenComesTheNoticeThenGoWhatHangsOnIt()
+    void rowAndWhatHangsOnItGoAsOneWriteBeforeTheNotice()
     {
         const JournaledWrites writes(database(), world->calls);
         world->dialogs.expect(question(u"水"_s));
@@ -117,24 +116,22 @@ private Q_SLOTS:
         QVERIFY(DeleteData(session(), Water, 3));
         QVERIFY(compareLines(
             world->calls.lines(),
-            {messageBoxCall(u"<水> を削除しますか。"_s), u"delete Main 水|M-991231-001|液体"_s, u"commit"_s,
-             messageBoxCall(u"< 水 >を削除しました。"_s), u"delete Link M-991231-001|M-991231-002"_s,
-             u"delete Link R-991231-001|M-991231-001"_s, u"delete Link M-991231-001|M-991231-001"_s,
-             u"commit"_s, u"delete Category A|M-991231-001"_s, u"delete Category B-A|M-991231-001"_s,
-             u"commit"_s}));
+            {messageBoxCall(u"<水> を削除しますか。"_s), u"delete Main 水|M-991231-001|液体"_s,
+             u"delete Link M-991231-001|M-991231-002"_s, u"delete Link R-991231-001|M-991231-001"_s,
+             u"delete Link M-991231-001|M-991231-001"_s, u"delete Category A|M-991231-001"_s,
+             u"delete Category B-A|M-991231-001"_s, u"commit"_s,
+             messageBoxCall(u"< 水 >を削除しました。"_s)}));
     }
 
-    void missingRowIsToldBeforeWhatHangsOnItGoes()
+    void whatHangsOnAMissingRowGoesAsOneWriteBeforeThatIsTold()
     {
         executeElsewhere(u"DELETE FROM Main WHERE Name = '水'"_s);
         const JournaledWrites writes(database(), world->calls);
         world->dialogs.expect(NotFound);
         QVERIFY(!DeleteData(session(), Water, 0));
-        QCOMPARE(world->calls.lines().value(0), messageBoxCall(NotFound.text));
         QCOMPARE(world->calls.about(u"delete Link"_s).size(), 3);
         QCOMPARE(world->calls.about(u"delete Category"_s).size(), 2);
-        QCOMPARE(world->calls.lines().value(4), u"commit"_s);
-        QCOMPARE(world->calls.lines().value(7), u"commit"_s);
+        QCOMPARE(world->calls.lines().mid(5), QStringList({u"commit"_s, messageBoxCall(NotFound.text)}));
     }
 
     void eachKindIsToldUnderItsOwnTitle_data()
@@ -261,19 +258,29 @@ private Q_SLOTS:
         world->dialogs.expect(failureBox(u"DeleteData"_s, 91));
         QVERIFY(!DeleteData(session(), Water, 0));
         QCOMPARE(links().size(), 4);
-        QCOMPARE(errorOf([&] { DeleteManyData(session(), {Water}, [] {}); }), errors::ObjectNotSet);
+        world->dialogs.expect(failureBox(u"DeleteData"_s, 91));
+        QCOMPARE(DeleteManyData(session(), {{.identifier = Water, .name = u"水"_s}}, [] {}),
+                 std::vector<Deletion>{Deletion::Kept});
     }
 
-    void missingTablesOfRelationsAreReportedAndTheDatumIsDeletedAllTheSame()
+    void missingTableOfRelationsIsReportedAndTheDatumStays_data()
     {
-        session().RsLink.reset();
-        session().RsCategory.reset();
-        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
-        world->dialogs.expect(failureBox(u"DeleteRelationalLink"_s, 91));
-        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 91));
-        world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 91));
-        QVERIFY(DeleteData(session(), Water, 0));
-        QCOMPARE(definitions().size(), 1);
+        QTest::addColumn<bool>("links");
+        QTest::newRow("links") << true;
+        QTest::newRow("memberships") << false;
+    }
+
+    void missingTableOfRelationsIsReportedAndTheDatumStays()
+    {
+        QFETCH(bool, links);
+        const QStringList before = this->links() + memberships();
+        const auto table =
+            std::exchange(links ? session().RsLink : session().RsCategory, std::shared_ptr<RecordSet>());
+        world->dialogs.expect(failureBox(u"DeleteData"_s, 91));
+        QVERIFY(!DeleteData(session(), Water, 2));
+        QCOMPARE(definitions().size(), 2);
+        (links ? session().RsLink : session().RsCategory) = table;
+        QCOMPARE(this->links() + memberships(), before);
     }
 
     void refusedRowKeepsItsRelations_data()
@@ -294,17 +301,40 @@ private Q_SLOTS:
         QCOMPARE(memberships().size(), 3);
     }
 
-    void refusedLinkIsReportedAndTheRestGoes()
+    void refusedRelationKeepsTheWholeDatum_data()
     {
-        refuseDeletion(database(), u"Link"_s, u"OLD.Link_Object_ID = 'R-991231-001'"_s);
-        world->dialogs.expect({.text = u"< 水 >を削除しました。"_s, .title = u"Quillon 定義データ管理部"_s});
-        world->dialogs.expect(failureBox(u"DeleteRelationalLink"_s, 5));
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<Refusal>("refusal");
+        QTest::newRow("link") << u"Link"_s << Refusal::OfTheStatement;
+        QTest::newRow("membership") << u"Category"_s << Refusal::OfTheStatement;
+        QTest::newRow("membership, everything") << u"Category"_s << Refusal::OfTheTransaction;
+    }
+
+    void refusedRelationKeepsTheWholeDatum()
+    {
+        QFETCH(QString, table);
+        QFETCH(Refusal, refusal);
+        const QStringList before = definitions() + links() + memberships();
+        refuseDeletion(database(), table, u"OLD.Object_ID = 'M-991231-001'"_s, refusal);
+        world->dialogs.expect(failureBox(u"DeleteData"_s, 5));
         world->dialogs.meanwhile([&] { QVERIFY(othersMayWrite(path)); });
-        QVERIFY(DeleteData(session(), Water, 2));
-        // What was deleted before the failure stays deleted; what came after it stays.
-        QCOMPARE(links(), QStringList({u"R-991231-001|M-991231-001"_s, u"M-991231-001|M-991231-001"_s,
-                                       u"M-991231-002|R-991231-001"_s}));
-        QCOMPARE(memberships(), QStringList(u"A|M-991231-002"_s));
+        QVERIFY(!DeleteData(session(), Water, 2));
+        QCOMPARE(definitions() + links() + memberships(), before);
+        allowDeletion(database(), table);
+        QVERIFY(DeleteData(session(), Water, 0));
+        QCOMPARE(definitions().size(), 1);
+    }
+
+    void datumThatTakesTheIdentifierDuringTheQuestionStays()
+    {
+        world->dialogs.expect(question(u"水"_s));
+        world->dialogs.meanwhile(
+            [&] { executeElsewhere(u"UPDATE Main SET Name = '湯' WHERE Name = '水'"_s); });
+        world->dialogs.expect(NotFound);
+        QCOMPARE(DeleteDatum(session(), Water, 3), Deletion::Gone);
+        QCOMPARE(definitions().first(), u"湯|M-991231-001|液体"_s);
+        QCOMPARE(links().size(), 4);
+        QCOMPARE(memberships().size(), 3);
     }
 
     void lockedFileIsReportedAndNothingIsDeleted_data()
@@ -329,19 +359,17 @@ private Q_SLOTS:
         QVERIFY(DeleteData(session(), Water, 0));
     }
 
-    void lockThatComesWithTheNoticeKeepsTheRelations()
+    void lockThatComesWithTheNoticeLeavesNothingBehind()
     {
         std::unique_ptr<ForeignLock> lock;
         world->dialogs.expect({.text = u"< 水 >を削除しました。"_s, .title = u"Quillon 定義データ管理部"_s});
         world->dialogs.meanwhile(
             [&] { lock = std::make_unique<ForeignLock>(database(), ForeignLock::Kind::Writing); });
-        world->dialogs.expect(failureBox(u"DeleteRelationalLink"_s, 3260));
-        world->dialogs.expect(failureBox(u"DeleteRelationalCategory"_s, 3260));
         QVERIFY(DeleteData(session(), Water, 2));
         lock.reset();
         QCOMPARE(definitions().size(), 1);
-        QCOMPARE(links().size(), 4);
-        QCOMPARE(memberships().size(), 3);
+        QCOMPARE(links().size(), 1);
+        QCOMPARE(memberships().size(), 1);
     }
 
     void copiedFileStaysInItsFolder()

@@ -99,16 +99,48 @@ private Q_SLOTS:
         QCOMPARE(WindowWorld::rowsOf(session().RsRefDoc), QStringList());
     }
 
-    void missingDatumIsTriedTwiceAndItsRowStays()
+    void missingDatumIsToldAndItsRowLeavesTheList()
     {
         database().connection().execute(u"DELETE FROM Main WHERE Object_ID = 'M-991231-002'"_s);
         selectRows({0, 1, 2});
         expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
         expectNotFound();
+        chooseEntry(u"mnuDataDelete"_s);
+        QCOMPARE(names(), QStringList({u"金"_s, u"木"_s, u"論文"_s, u"図.png"_s}));
+        QCOMPARE(memberships(), QStringList({u"A-B|R-991231-001"_s}));
+    }
+
+    void severalMissingDataAreToldOnceWithTheirNumber()
+    {
+        database().connection().execute(u"DELETE FROM Main WHERE Object_ID < 'M-991231-003'"_s);
+        selectRows({0, 1, 2});
+        expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
+        expectNotice(u"指定されたデータが見つかりませんでした。\r\n(2 件)"_s, u"Quillon データ調査分析部"_s);
+        chooseEntry(u"mnuDataDelete"_s);
+        QCOMPARE(names(), QStringList({u"金"_s, u"木"_s, u"論文"_s, u"図.png"_s}));
+    }
+
+    void questionForOneRowReadsTheNameWhenItAsks()
+    {
+        database().connection().execute(u"UPDATE Main SET Name = '湯' WHERE Name = '水'"_s);
+        selectRows({0});
+        expectQuestion(u"<湯> を削除しますか。"_s, Answer::Ok);
+        chooseEntry(u"mnuDataDelete"_s);
+        QCOMPARE(definitions().first(), u"火|M-991231-002|炎"_s);
+        QCOMPARE(names().first(), u"火"_s);
+    }
+
+    void severalRowsPassOverTheOneThatHasAnotherNameByNow()
+    {
+        database().connection().execute(u"UPDATE Main SET Name = '湯' WHERE Name = '水'"_s);
+        selectRows({0, 2});
+        expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
         expectNotFound();
         chooseEntry(u"mnuDataDelete"_s);
+        QCOMPARE(definitions(), QStringList({u"湯|M-991231-001|H2O"_s, u"火|M-991231-002|炎"_s,
+                                             u"金|M-991231-004|Au"_s, u"木|M-991231-005|樹"_s}));
+        QCOMPARE(memberships().size(), 4);
         QCOMPARE(names(), QStringList({u"火"_s, u"金"_s, u"木"_s, u"論文"_s, u"図.png"_s}));
-        QCOMPARE(memberships(), QStringList({u"A-B|R-991231-001"_s}));
     }
 
     void datumListedTwiceIsDeletedOnce()
@@ -118,9 +150,8 @@ private Q_SLOTS:
         selectRows({0, 2});
         expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
         expectNotFound();
-        expectNotFound();
         chooseEntry(u"mnuDataDelete"_s);
-        QCOMPARE(names(), QStringList({u"火"_s, u"水"_s, u"論文"_s}));
+        QCOMPARE(names(), QStringList({u"火"_s, u"論文"_s}));
         QCOMPARE(definitions().size(), 4);
         QCOMPARE(memberships(), QStringList({u"A|M-991231-002"_s, u"A-B|R-991231-001"_s}));
     }
@@ -130,7 +161,6 @@ private Q_SLOTS:
         refuseDeletion(database(), u"Main"_s, u"OLD.Object_ID = 'M-991231-002'"_s);
         selectRows({0, 1, 2});
         expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
-        expectFailure(u"DeleteData"_s, errors::InvalidArgument);
         expectFailure(u"DeleteData"_s, errors::InvalidArgument);
         chooseEntry(u"mnuDataDelete"_s);
         QCOMPARE(names(), QStringList({u"火"_s, u"金"_s, u"木"_s, u"論文"_s, u"図.png"_s}));
@@ -154,7 +184,7 @@ private Q_SLOTS:
             const ForeignLock lock(database(),
                                    writing ? ForeignLock::Kind::Writing : ForeignLock::Kind::Reading);
             expectQuestion(u"選択された複数のデータを削除しますか。"_s, Answer::Ok);
-            expectPlainFailure(errors::Locked, SystemOperation);
+            expectFailure(u"DeleteData"_s, errors::Locked);
             chooseEntry(u"mnuDataDelete"_s);
         }
         QCOMPARE(rows(), listed);

@@ -150,7 +150,10 @@ void frmDataSelect::cmdOK_Click()
 void frmDataSelect::mnuDelete_Click()
 {
     const int row = rowToActOn();
-    if (row < 0 || !DeleteData(session(), lsvData->rows().text(row, IdentifierColumn).toString(), 1))
+    if (row < 0)
+        return;
+    const QString identifier = lsvData->rows().text(row, IdentifierColumn).toString();
+    if (DeleteDatum(session(), identifier, 1) == Deletion::Kept)
         return;
     const int count = lsvData->rows().rowCount();
     lsvData->rows().removeRowsAt({row});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/main_window_port.h"
+#include "core/listed_datum.h"
 #include "ui/main/data_list.h"
 #include "ui/main/fill_progress.h"
 #include "ui/widgets/form_window.h"
@@ -133,6 +134,8 @@ private:
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error);
     void classifySelectedRows(const QString& categoryKey);
+    /// What these rows of the data list show.
+    std::vector<ListedDatum> dataIn(const std::vector<int>& rows) const;
     /// The identifiers of these rows of the data list.
     QStringList identifiersOf(const std::vector<int>& rows) const;
     void openTextFile(const QString& fileName, const QString& missing);

@@ -1,6 +1,7 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/data_records.h"
+#include "store/lookup/data_names.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"
 #include "ui/main/frmMainMenu.h"
@@ -10,6 +11,16 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+std::vector<ListedDatum> frmMainMenu::dataIn(const std::vector<int>& rows) const
+{
+    std::vector<ListedDatum> data;
+    data.reserve(rows.size());
+    for (const int row : rows)
+        data.push_back({.identifier = lsvData->rows().text(row, IdentifierColumn).toString(),
+                        .name = lsvData->rows().text(row, 0).toString()});
+    return data;
+}
 
 QStringList frmMainMenu::identifiersOf(const std::vector<int>& rows) const
 {
@@ -37,33 +48,36 @@ void frmMainMenu::mnuDataView_Click()
 
 void frmMainMenu::mnuDataDelete_Click()
 {
-    guardedBy(
-        [this](const Error& error) { showFailure(error); },
-        [&] {
-            std::vector<int> rows = lsvData->selectedRows();
-            if (rows.empty()) {
-                session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
-                return;
-            }
-            const QString question =
-                CheckMultiSelect()
-                    ? u"選択された複数のデータを削除しますか。"_s
-                    : u"<"_s + lsvData->rows().text(rows.front(), 0).toString() + u"> を削除しますか。"_s;
-            if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
-                return;
-            std::vector<bool> deleted;
-            {
-                const FillProgress::Showing showing(*m_progress, static_cast<qint64>(rows.size()));
-                deleted = DeleteManyData(session(), identifiersOf(rows), [this] { m_progress->advance(); });
-            }
-            // Only rows whose data are really gone leave the list, and only once that is durable.
-            std::vector<int> gone;
-            for (std::size_t i = 0; i < rows.size(); ++i) {
-                if (deleted[i])
-                    gone.push_back(rows[i]);
-            }
-            lsvData->rows().removeRowsAt(std::move(gone));
-        });
+    guardedBy([this](const Error& error) { showFailure(error); },
+              [&] {
+                  std::vector<int> rows = lsvData->selectedRows();
+                  if (rows.empty()) {
+                      session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
+                      return;
+                  }
+                  std::vector<ListedDatum> data = dataIn(rows);
+                  // What a question names is what it acts on; the list may be older.
+                  if (!CheckMultiSelect())
+                      data.front().name = GetDataName(session(), data.front().identifier);
+                  const QString question = CheckMultiSelect()
+                                               ? u"選択された複数のデータを削除しますか。"_s
+                                               : u"<"_s + data.front().name + u"> を削除しますか。"_s;
+                  if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) !=
+                      Answer::Ok)
+                      return;
+                  std::vector<Deletion> outcome;
+                  {
+                      const FillProgress::Showing showing(*m_progress, static_cast<qint64>(rows.size()));
+                      outcome = DeleteManyData(session(), data, [this] { m_progress->advance(); });
+                  }
+                  // Only rows whose data are really gone leave the list, and only once that is durable.
+                  std::vector<int> gone;
+                  for (std::size_t i = 0; i < rows.size(); ++i) {
+                      if (outcome[i] != Deletion::Kept)
+                          gone.push_back(rows[i]);
+                  }
+                  lsvData->rows().removeRowsAt(std::move(gone));
+              });
 }
 
 void frmMainMenu::mnuDataCategoryDelete_Click()
