@@ -95,7 +95,7 @@ void makeDocuments(const Options& options, const Items& items, const TextMaker& 
     Random random(options.seed, DocumentTexts);
     for (int i = 0; i < items.documents.size(); ++i) {
         const int weight = weights[static_cast<std::size_t>(i)];
-        const QString name = texts.documentName(random);
+        const QString name = TextMaker::documentName(random);
         const QString text = texts.document(random, name, bytesLeft * weight / weightLeft);
         rows.addRow({name, items.documents.identifier(i), text});
         bytesLeft = std::max<qint64>(0, bytesLeft - bytesUtf8(text));
@@ -103,12 +103,12 @@ void makeDocuments(const Options& options, const Items& items, const TextMaker& 
     }
 }
 
-void makeFiles(const Options& options, const Items& items, const TextMaker& texts, RowSink& rows)
+void makeFiles(const Options& options, const Items& items, RowSink& rows)
 {
     rows.beginTable(schema::RefFile());
     Random random(options.seed, FileTexts);
     for (int i = 0; i < items.files.size(); ++i)
-        rows.addRow({texts.fileName(random), items.files.identifier(i), u"未入力"_s});
+        rows.addRow({TextMaker::fileName(random), items.files.identifier(i), u"未入力"_s});
 }
 
 void makeLinks(const Options& options, const Items& items, RowSink& rows)
@@ -134,13 +134,12 @@ void makeLinks(const Options& options, const Items& items, RowSink& rows)
     }
 }
 
-void makeCategories(const Options& options, const CategoryPlan& categories, const TextMaker& texts,
-                    RowSink& rows)
+void makeCategories(const Options& options, const CategoryPlan& categories, RowSink& rows)
 {
     rows.beginTable(schema::Category_ID());
     Random random(options.seed, CategoryNames);
     for (int i = 0; i < categories.size(); ++i)
-        rows.addRow({categories.identifier(i), texts.categoryName(random)});
+        rows.addRow({categories.identifier(i), TextMaker::categoryName(random)});
 }
 
 /// Files data into categories, none into a category and one above or below it.
@@ -237,9 +236,9 @@ void makeCorpus(const Options& options, RowSink& rows)
     const CategoryPlan categories(options.categories, Random(options.seed, CategoryShape));
     makeDefinitions(options, items, texts, rows);
     makeDocuments(options, items, texts, rows);
-    makeFiles(options, items, texts, rows);
+    makeFiles(options, items, rows);
     makeLinks(options, items, rows);
-    makeCategories(options, categories, texts, rows);
+    makeCategories(options, categories, rows);
     makeMemberships(options, items, categories, rows);
 }
 

@@ -156,7 +156,7 @@ QString TextMaker::definitionName(Random& random) const
     }
 }
 
-QString TextMaker::documentName(Random& random) const
+QString TextMaker::documentName(Random& random)
 {
     const Vocabulary& words = vocabulary();
     static const std::vector<QString> Kinds = {
@@ -174,7 +174,7 @@ QString TextMaker::documentName(Random& random) const
     }
 }
 
-QString TextMaker::fileName(Random& random) const
+QString TextMaker::fileName(Random& random)
 {
     const Vocabulary& words = vocabulary();
     for (;;) {
@@ -203,7 +203,7 @@ QString TextMaker::fileName(Random& random) const
     }
 }
 
-QString TextMaker::categoryName(Random& random) const
+QString TextMaker::categoryName(Random& random)
 {
     const Vocabulary& words = vocabulary();
     for (;;) {

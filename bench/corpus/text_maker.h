@@ -17,9 +17,9 @@ public:
     TextMaker();
 
     QString definitionName(Random& random) const;
-    QString documentName(Random& random) const;
-    QString fileName(Random& random) const;
-    QString categoryName(Random& random) const;
+    static QString documentName(Random& random);
+    static QString fileName(Random& random);
+    static QString categoryName(Random& random);
     QString definition(Random& random) const;
     /// A document of about `bytes` bytes of UTF-8: a heading, then paragraphs; lines end in CR LF.
     QString document(Random& random, const QString& name, qint64 bytes) const;
