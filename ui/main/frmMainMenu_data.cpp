@@ -14,12 +14,12 @@ namespace quillon
 
 std::vector<ListedDatum> frmMainMenu::dataIn(const std::vector<int>& rows) const
 {
-    std::vector<ListedDatum> data;
-    data.reserve(rows.size());
+    std::vector<ListedDatum> listed;
+    listed.reserve(rows.size());
     for (const int row : rows)
-        data.push_back({.identifier = lsvData->rows().text(row, IdentifierColumn).toString(),
-                        .name = lsvData->rows().text(row, 0).toString()});
-    return data;
+        listed.push_back({.identifier = lsvData->rows().text(row, IdentifierColumn).toString(),
+                          .name = lsvData->rows().text(row, 0).toString()});
+    return listed;
 }
 
 QStringList frmMainMenu::identifiersOf(const std::vector<int>& rows) const
@@ -55,20 +55,20 @@ void frmMainMenu::mnuDataDelete_Click()
                       session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
                       return;
                   }
-                  std::vector<ListedDatum> data = dataIn(rows);
+                  std::vector<ListedDatum> listed = dataIn(rows);
                   // What a question names is what it acts on; the list may be older.
                   if (!CheckMultiSelect())
-                      data.front().name = GetDataName(session(), data.front().identifier);
+                      listed.front().name = GetDataName(session(), listed.front().identifier);
                   const QString question = CheckMultiSelect()
                                                ? u"選択された複数のデータを削除しますか。"_s
-                                               : u"<"_s + data.front().name + u"> を削除しますか。"_s;
+                                               : u"<"_s + listed.front().name + u"> を削除しますか。"_s;
                   if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) !=
                       Answer::Ok)
                       return;
                   std::vector<Deletion> outcome;
                   {
                       const FillProgress::Showing showing(*m_progress, static_cast<qint64>(rows.size()));
-                      outcome = DeleteManyData(session(), data, [this] { m_progress->advance(); });
+                      outcome = DeleteManyData(session(), listed, [this] { m_progress->advance(); });
                   }
                   // Only rows whose data are really gone leave the list, and only once that is durable.
                   std::vector<int> gone;
