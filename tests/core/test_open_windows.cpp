@@ -80,6 +80,36 @@ private Q_SLOTS:
         CloseAllForm(world->session);
         QCOMPARE(world->windows.list.size(), 3U);
     }
+
+    void closingTheDataWindowsLeavesTheOthers()
+    {
+        open();
+        world->windows.list.push_back(&world->windows.selection);
+        open();
+        QVERIFY(CloseDataWindows(world->session));
+        const std::vector<LoadedWindow*> left = {&world->mainWindow, &world->windows.selection};
+        QCOMPARE(world->windows.list, left);
+    }
+
+    void dataWindowThatStaysEndsTheClosing()
+    {
+        open();
+        FakeDataWindow& second = open();
+        FakeDataWindow& third = open();
+        second.closes = false;
+        QVERIFY(!CloseDataWindows(world->session));
+        const std::vector<LoadedWindow*> left = {&world->mainWindow, &second, &third};
+        QCOMPARE(world->windows.list, left);
+    }
+
+    void dataWindowThatTakesAnotherWithItLeavesNoneToAsk()
+    {
+        FakeDataWindow& first = open();
+        open();
+        first.onUnload = [this] { world->windows.list.resize(1); };
+        QVERIFY(CloseDataWindows(world->session));
+        QCOMPARE(world->windows.list.size(), 1U);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestOpenWindows)

@@ -179,16 +179,11 @@ bool DataForm::QuerySave()
             m_saveResult = false;
         return false;
     }
-    // A save that fails keeps the window open with all its input, whatever was saved before.
-    bool ran = false;
-    handleEvent(session().reporting, shows ? u"mnuDataUpdate_Click"_s : u"mnuDataEntry_Click"_s, [&] {
-        if (shows)
-            mnuDataUpdate_Click();
-        else
-            mnuDataEntry_Click();
-        ran = true;
-    });
-    return ran && m_saveResult;
+    // A save that is refused or fails keeps the window open with all its input, whatever was saved before.
+    bool saved = false;
+    handleEvent(session().reporting, shows ? u"mnuDataUpdate_Click"_s : u"mnuDataEntry_Click"_s,
+                [&] { saved = shows ? UpdateData() : RegisterData(); });
+    return saved;
 }
 
 void DataForm::SwitchDataWindow(const QString& identifier)
@@ -210,15 +205,21 @@ void DataForm::mnuDataEntry_Click()
     RegisterData();
 }
 
-void DataForm::mnuDataUpdate_Click()
+bool DataForm::UpdateData()
 {
     const auto saved = UpdateDatum(session(), place(), shownTexts(),
                                    m_design.updateClassifies ? listedCategories() : QStringList());
     if (!saved)
-        return;
+        return false;
     saved->messages.show(session());
     session().dialogs.messageBox({.text = u"本データを更新しました。"_s, .title = m_design.updateTitle});
     m_saveResult = true;
+    return true;
+}
+
+void DataForm::mnuDataUpdate_Click()
+{
+    UpdateData();
 }
 
 void DataForm::mnuDataChange_Click()

@@ -72,8 +72,10 @@ protected:
 
     /// Whether a key in a field is followed by a warning about the text's length.
     virtual bool warnsOnKey(const QKeyEvent& event) const = 0;
-    /// Adds the datum to its table and turns the window into one that shows it.
-    virtual void RegisterData() = 0;
+    /// Adds the datum to its table and turns the window into one that shows it. False when the input was refused.
+    virtual bool RegisterData() = 0;
+    /// Writes what the window shows into the row of its datum. False when the input was refused.
+    bool UpdateData();
 
     /// Whether name and content are filled and short enough; tells the user when they are not.
     bool CheckInput();
@@ -109,7 +111,7 @@ protected:
     ReportList* lsvLink = nullptr;
     ReportList* lsvCategory = nullptr;
     StatusPanels* sbStatus = nullptr;
-    bool m_saveResult = false; // registered or updated, or the last answer of QuerySave
+    bool m_saveResult = false; // registered or updated, or the last answer of QuerySave; keeps a notice away
     bool m_deleted = false;    // the datum is gone, closing asks nothing
 
 private:

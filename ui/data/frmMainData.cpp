@@ -69,18 +69,19 @@ bool frmMainData::warnsOnKey(const QKeyEvent& event) const
     return isDigitOrLetterKey(event);
 }
 
-void frmMainData::RegisterData()
+bool frmMainData::RegisterData()
 {
     const auto saved = registerShownDatum();
     if (!saved) {
         m_saveResult = false;
-        return;
+        return false;
     }
     saved->messages.show(session());
     setMode(FormMode::Display);
     if (!m_saveResult)
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s});
     m_saveResult = true;
+    return true;
 }
 
 void frmMainData::mnuDataNoDef_Click()
@@ -93,7 +94,8 @@ void frmMainData::mnuDataNoDef_Click()
     if (!CheckInput())
         return;
     m_saveResult = true; // keeps the ordinary notice of a registration away
-    RegisterData();
+    if (!RegisterData())
+        return;
     session().dialogs.messageBox({.text = u"未定義登録を行いました。"_s, .title = u"定義"_s});
 }
 

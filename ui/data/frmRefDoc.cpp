@@ -108,16 +108,17 @@ bool frmRefDoc::warnsOnKey(const QKeyEvent&) const
     return true;
 }
 
-void frmRefDoc::RegisterData()
+bool frmRefDoc::RegisterData()
 {
     const auto saved = registerShownDatum();
     if (!saved) {
         m_saveResult = false;
-        return;
+        return false;
     }
     m_saveResult = true;
     setMode(FormMode::Display);
     saved->messages.show(session());
+    return true;
 }
 
 void frmRefDoc::mnuDataLoadText_Click()

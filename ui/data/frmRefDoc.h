@@ -17,7 +17,7 @@ public:
 
 protected:
     bool warnsOnKey(const QKeyEvent& event) const override;
-    void RegisterData() override;
+    bool RegisterData() override;
 
 private:
     void buildMenus();
