@@ -117,12 +117,13 @@ for path in "$@"; do
     for source in $sources; do
         echo "#include \"$source\""
     done >"$piece"
-    # It is compiled as the first of its files is.
-    first=${sources# }
-    first=${first%% *}
+    # It is compiled as that of its files is which sees most folders.
+    most=$(for source in $sources; do
+        grep "^$source	" "$pieces/compiled" | head -n 1
+    done | awk -F '\t' '{ print length($2) - 4 * length($1) "\t" $1 }' | sort -rn | head -n 1 | cut -f 2)
     {
         printf '{\n  "directory": "%s",\n' "$root/build/gcc"
-        grep "^$first	" "$pieces/compiled" | head -n 1 | cut -f 2- | sed "s|$root/$first|$root/$piece|g"
+        grep "^$most	" "$pieces/compiled" | head -n 1 | cut -f 2- | sed "s|$root/$most|$root/$piece|g"
         printf '  "file": "%s"\n},\n' "$root/$piece"
     } >>"$pieces/compile_commands.json"
     printf '%s\t%s\n' "$(name_of "$path")" "$root/$piece" >>"$pieces/list"

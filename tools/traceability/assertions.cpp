@@ -37,6 +37,16 @@ bool isLoopOverValues(Tokens loop)
     return nextOf(loop, 0, {u":"_s}) + 1 < loop.size();
 }
 
+/// Keeps the brackets around a token: for each, whether it has the arguments of an algorithm.
+void noteBracket(Tokens tokens, std::size_t at, std::vector<bool>& searching)
+{
+    if (step(tokens[at]) > 0)
+        searching.push_back(isSign(tokens, at, u"(") && at > 0 && tokens[at - 1].isWord() &&
+                            tokens[at - 1].text[0].isLower());
+    else if (step(tokens[at]) < 0 && !searching.empty())
+        searching.pop_back();
+}
+
 } // namespace
 
 QSet<QString> Assertions::textsOf(const QString& test)
@@ -117,7 +127,7 @@ void Assertions::call(Tokens tokens, std::size_t at, Tokens arguments, const Env
         callFunction(*function, given);
 }
 
-void Assertions::callFunction(const Declaration& declaration, const std::vector<Value>& arguments)
+void Assertions::callFunction(const Declaration& function, const std::vector<Value>& arguments)
 {
     // Most functions of a test assert nothing, nor does what they call, unless it is given to them.
     const auto mayRun = [](const Value& argument) {
@@ -125,17 +135,17 @@ void Assertions::callFunction(const Declaration& declaration, const std::vector<
                std::any_of(argument.tokens.begin(), argument.tokens.end(),
                            [](const Token& token) { return token.isSign(u"["); });
     };
-    if (!reachesAssertion(declaration) && std::none_of(arguments.begin(), arguments.end(), mayRun))
+    if (!reachesAssertion(function) && std::none_of(arguments.begin(), arguments.end(), mayRun))
         return;
-    const Function function = functionOf(declaration);
-    if (function.body.empty() || m_running.contains(&declaration))
+    const Function read = functionOf(function);
+    if (read.body.empty() || m_running.contains(&function))
         return;
-    const Environment& where = environmentOf(declaration, arguments);
+    const Environment& where = environmentOf(function, arguments);
     if (!m_run.insert(&where).second)
         return;
-    m_running.insert(&declaration);
-    run(function.body, where, Lambdas::Wait);
-    m_running.erase(&declaration);
+    m_running.insert(&function);
+    run(read.body, where, Lambdas::Wait);
+    m_running.erase(&function);
 }
 
 bool Assertions::reachesAssertion(const Declaration& declaration)
@@ -195,8 +205,25 @@ void Assertions::assertTexts(const Value& value, const QString& member)
 {
     if (value.tokens.empty() || !m_seen.insert({value.tokens.data(), value.where, member}).second)
         return;
+    const std::vector<Token> tokens = assertParts(value, member);
+    for (const QString& text : quillon::traceability::textsOf(tokens))
+        m_texts << text;
+    for (std::size_t at = 0; at < tokens.size(); ++at) {
+        const bool isMember = at > 0 && isMemberAccess(tokens, at - 1);
+        if (!tokens[at].isWord() || (isMember && !isSign(tokens, at + 1, u"(")))
+            continue; // a member belongs to what stands before it
+        std::size_t next = at + 1;
+        while (isSign(tokens, next, u"(") || isSign(tokens, next, u"["))
+            next = behindBrackets(tokens, next);
+        const QString taken = memberTakenAt(tokens, next);
+        assertNamed(tokens[at].text, *value.where, taken.isEmpty() ? member : taken);
+    }
+}
+
+std::vector<Token> Assertions::assertParts(const Value& value, const QString& member)
+{
     const Tokens all = value.tokens;
-    std::vector<Token> tokens;   // those that say something themselves
+    std::vector<Token> tokens;
     std::vector<bool> searching; // for each bracket around: whether it has the arguments of an algorithm
     for (std::size_t at = 0; at < all.size();) {
         const Lambda lambda = lambdaAt(all, at);
@@ -219,26 +246,11 @@ void Assertions::assertTexts(const Value& value, const QString& member)
             tokens.push_back({Token::Kind::Sign, u"()"_s});
             at = end;
         } else {
-            if (step(all[at]) > 0)
-                searching.push_back(isSign(all, at, u"(") && at > 0 && all[at - 1].isWord() &&
-                                    all[at - 1].text[0].isLower());
-            else if (step(all[at]) < 0 && !searching.empty())
-                searching.pop_back();
+            noteBracket(all, at, searching);
             tokens.push_back(all[at++]);
         }
     }
-    for (const QString& text : quillon::traceability::textsOf(tokens))
-        m_texts << text;
-    for (std::size_t at = 0; at < tokens.size(); ++at) {
-        const bool isMember = at > 0 && isMemberAccess(tokens, at - 1);
-        if (!tokens[at].isWord() || (isMember && !isSign(tokens, at + 1, u"(")))
-            continue; // a member belongs to what stands before it
-        std::size_t next = at + 1;
-        while (isSign(tokens, next, u"(") || isSign(tokens, next, u"["))
-            next = behindBrackets(tokens, next);
-        const QString taken = memberTakenAt(tokens, next);
-        assertNamed(tokens[at].text, *value.where, taken.isEmpty() ? member : taken);
-    }
+    return tokens;
 }
 
 bool Assertions::isFollowed(const QString& name, const Environment& where) const
@@ -295,7 +307,8 @@ std::vector<Assertions::Value> Assertions::valuesOf(Tokens arguments, const Envi
 const Assertions::Environment& Assertions::environmentOf(const Declaration& declaration,
                                                          const std::vector<Value>& arguments)
 {
-    std::vector<std::pair<const Token*, const Environment*>> places;
+    Places places;
+    places.reserve(arguments.size());
     for (const Value& argument : arguments)
         places.emplace_back(argument.tokens.data(), argument.where);
     const Environment*& known = m_environmentsOf[{&declaration, places}];
@@ -317,12 +330,14 @@ const Assertions::Environment& Assertions::environmentOf(const Declaration& decl
     return where;
 }
 
+void Assertions::note(const QString& name, Tokens value, Environment& into)
+{
+    if (!value.empty())
+        into.names[name].push_back({value, &into});
+}
+
 void Assertions::collectNames(Tokens tokens, Environment& into)
 {
-    const auto note = [&](const QString& name, Tokens value) {
-        if (!value.empty())
-            into.names[name].push_back({value, &into});
-    };
     for (std::size_t at = 0; at < tokens.size(); ++at) {
         if (!tokens[at].isWord())
             continue;
@@ -333,34 +348,37 @@ void Assertions::collectNames(Tokens tokens, Environment& into)
         if (isSign(tokens, at + 1, u"=") && !isMember) {
             const std::size_t end = nextOf(tokens, at + 2, {u";"_s, u","_s});
             const Tokens value = tokens.subspan(at + 2, end - at - 2);
-            note(name, value);
+            note(name, value, into);
             if (const Lambda lambda = lambdaAt(value, 0); lambda.end > 0)
                 collectArguments(tokens, name, lambda.parameters, into);
         } else if ((isSign(tokens, at + 1, u"{") || isSign(tokens, at + 1, u"(")) && isDeclared &&
                    !tokens[at - 1].isWord(u"return")) {
-            note(name, insideBrackets(tokens, at + 1));
+            note(name, insideBrackets(tokens, at + 1), into);
         } else if (isSign(tokens, at + 1, u"<<") || isSign(tokens, at + 1, u"+=")) {
             const std::size_t end = nextOf(tokens, at + 2, {u";"_s});
-            note(name, tokens.subspan(at + 2, end - at - 2));
+            note(name, tokens.subspan(at + 2, end - at - 2), into);
         } else if (isMemberAccess(tokens, at + 1) && isWord(tokens, at + 2) && isSign(tokens, at + 3, u"(")) {
             if (isAdding(tokens[at + 2].text))
-                note(name, insideBrackets(tokens, at + 3));
+                note(name, insideBrackets(tokens, at + 3), into);
         } else if (name == u"for" && isSign(tokens, at + 1, u"(")) {
-            const Tokens loop = insideBrackets(tokens, at + 1);
-            const std::size_t colon = nextOf(loop, 0, {u":"_s});
-            if (colon + 1 >= loop.size())
-                continue;
-            const Tokens range = loop.subspan(colon + 1);
-            // The last word before the colon, or those in brackets.
-            if (isSign(loop, colon - 1, u"]")) {
-                for (std::size_t in = colon - 1; in > 0 && !loop[in].isSign(u"["); --in) {
-                    if (loop[in].isWord())
-                        note(loop[in].text, range);
-                }
-            } else if (colon > 0 && loop[colon - 1].isWord()) {
-                note(loop[colon - 1].text, range);
-            }
+            collectLoop(insideBrackets(tokens, at + 1), into);
         }
+    }
+}
+
+void Assertions::collectLoop(Tokens loop, Environment& into)
+{
+    const std::size_t colon = nextOf(loop, 0, {u":"_s});
+    if (colon == 0 || colon + 1 >= loop.size())
+        return;
+    const Tokens range = loop.subspan(colon + 1);
+    // The last word before the colon, or those in brackets.
+    std::size_t first = colon - 1;
+    while (isSign(loop, colon - 1, u"]") && first > 0 && !loop[first].isSign(u"["))
+        --first;
+    for (std::size_t at = first; at < colon; ++at) {
+        if (loop[at].isWord())
+            note(loop[at].text, range, into);
     }
 }
 

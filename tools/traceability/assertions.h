@@ -55,6 +55,8 @@ private:
 
     /// Counts the texts of a value; of its members only the one called `member`, when it is told by name.
     void assertTexts(const Value& value, const QString& member);
+    /// Counts the texts of the calls and members in it, and returns the tokens that say something themselves.
+    std::vector<Token> assertParts(const Value& value, const QString& member);
     void assertNamed(const QString& name, const Environment& where, const QString& member);
     /// Whether what a call makes of its arguments can be read in the tests.
     bool isFollowed(const QString& name, const Environment& where) const;
@@ -66,8 +68,10 @@ private:
     /// The local names of a function that is called with these arguments.
     const Environment& environmentOf(const Declaration& declaration, const std::vector<Value>& arguments);
     /// Notes what flows into the local names of some tokens.
-    void collectNames(Tokens tokens, Environment& into);
-    void collectArguments(Tokens tokens, const QString& lambda, Tokens parameters, Environment& into);
+    static void collectNames(Tokens tokens, Environment& into);
+    static void note(const QString& name, Tokens value, Environment& into);
+    static void collectLoop(Tokens loop, Environment& into);
+    static void collectArguments(Tokens tokens, const QString& lambda, Tokens parameters, Environment& into);
     /// Notes the columns of test data that a function makes.
     void collectColumns(const Declaration& data, Environment& into);
     void collectRows(Tokens tokens, const Environment& where, QStringList& columns, Environment& into);
