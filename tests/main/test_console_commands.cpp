@@ -151,9 +151,7 @@ private Q_SLOTS:
 
     void caddWithoutADatabaseIsReportedUnderItsMenuEntry()
     {
-        expectConsole(u"CADD"_s);
-        expectQuestion(u"新規にカテゴリを登録しますか。"_s, Answer::Ok);
-        world->dialogs.expect(InputBox{.prompt = u"カテゴリ名を入力してください。"_s}, u"丙"_s);
+        expectConsole(u"CADD"_s); // there is no selected node to read
         expectFailure(u"mnuCategoryEntry_Click"_s, errors::ObjectNotSet);
         pressChord();
         QCOMPARE(window->nodeCount(), 0);
@@ -181,11 +179,13 @@ private Q_SLOTS:
         QCOMPARE(window->nodeCount(), 12);
     }
 
-    void cdelWithoutADatabaseIsRefused()
+    void cdelWithoutADatabaseIsToldByTheConsole()
     {
         expectConsole(u"CDEL"_s);
-        expectNotice(u"カテゴリが選択されていません。"_s);
+        expectNotice(
+            u"対処不能なエラーが発生しました。\r\n説明：カテゴリツリーの項目が選択されていません。"_s);
         pressChord();
+        QVERIFY(world->eventLog.lines.isEmpty());
     }
 
     void infoShowsTheLinks_data() { bothSpellings(u"INFO/L"_s); }

@@ -280,21 +280,19 @@ private Q_SLOTS:
         QCOMPARE(window->nodeCount(), 13);
     }
 
-    void deletedCategoryLeavesItsNeighbourSelectedAndTheListAlone_data()
+    void deletedCategoryLeavesNoneSelectedAndTheListAlone_data()
     {
         QTest::addColumn<QString>("deleted");
         QTest::addColumn<QString>("question");
-        QTest::addColumn<QString>("selected");
-        QTest::newRow("the next one") << u"A-A"_s << u"<甲の一> を削除しますか。"_s << u"A-B"_s;
-        QTest::newRow("the one before the last") << u"A-B"_s << u"<甲の二> を削除しますか。"_s << u"A-A"_s;
-        QTest::newRow("the one before, too") << u"B"_s << u"<乙> を削除しますか。"_s << u"A"_s;
+        QTest::newRow("a first one") << u"A-A"_s << u"<甲の一> を削除しますか。"_s;
+        QTest::newRow("a last one") << u"A-B"_s << u"<甲の二> を削除しますか。"_s;
+        QTest::newRow("one of the top level") << u"B"_s << u"<乙> を削除しますか。"_s;
     }
 
-    void deletedCategoryLeavesItsNeighbourSelectedAndTheListAlone()
+    void deletedCategoryLeavesNoneSelectedAndTheListAlone()
     {
         QFETCH(QString, deleted);
         QFETCH(QString, question);
-        QFETCH(QString, selected);
         chooseNode(deleted);
         const QStringList listed = rows();
         const QString counted = count();
@@ -302,7 +300,7 @@ private Q_SLOTS:
         chooseEntry(u"mnuCategoryDelete"_s);
         QCOMPARE(window->nodeCount(), 12);
         QCOMPARE(tree->nodes().position(deleted), 0);
-        QCOMPARE(selectedKey(), selected);
+        QCOMPARE(selectedKey(), QString());
         QCOMPARE(rows(), listed);
         QCOMPARE(count(), counted);
         for (const QString& row : categories() + memberships())
@@ -310,7 +308,44 @@ private Q_SLOTS:
         QCOMPARE(definitions().size(), 5); // its data stay
     }
 
-    void lastCategoryLeavesTheRootSelected()
+    void rowsOfADeletedCategoryAreTakenOutOfNoOther()
+    {
+        const QString noCategory = u"カテゴリが選択されていません。"_s;
+        chooseNode(u"A-A"_s);
+        expectQuestion(u"<甲の一> を削除しますか。"_s, Answer::Ok);
+        chooseEntry(u"mnuCategoryDelete"_s);
+        const QStringList before = memberships();
+        list->selectAll();
+        expectNotice(noCategory);
+        chooseEntry(u"mnuDataCategoryDelete"_s);
+        // Neither of the next one that gets its identifier.
+        select(u"A"_s);
+        registerCategory(u"甲の下に新規のカテゴリを登録しますか。"_s, u"新"_s);
+        WindowWorld::addRow(session().RsCategory, {u"A-A"_s, u"M-991231-001"_s});
+        select(u"A-A"_s);
+        expectNotice(noCategory);
+        chooseEntry(u"mnuDataCategoryDelete"_s);
+        QCOMPARE(memberships(), before + QStringList(u"A-A|M-991231-001"_s));
+        QCOMPARE(names(), QStringList(u"水"_s));
+    }
+
+    void withoutASelectedNodeEveryEntryFailsBeforeItAsks()
+    {
+        tree->clearSelection();
+        expectFailure(u"mnuCategoryEntry_Click"_s, errors::ObjectNotSet);
+        chooseEntry(u"mnuCategoryEntry"_s);
+        for (const QString& entry : {u"mnuCategoryRename"_s, u"mnuCategoryDelete"_s}) {
+            world->dialogs.expect(MessageBox{.text = u"対処不能なエラーが発生しました。\r\n説明："
+                                                     u"カテゴリツリーの項目が選択されていません。"_s,
+                                             .title = u"Quillon 障害対策部"_s});
+            chooseEntry(entry);
+            QVERIFY(world->eventLog.lines.last().contains(
+                u"LOCATION : %1_Click, ErrorNumber : 91,"_s.arg(entry)));
+        }
+        QCOMPARE(categories().size(), 4);
+    }
+
+    void lastCategoryLeavesNoneSelected()
     {
         for (const QString& key : {u"A-A"_s, u"A-B"_s, u"A"_s, u"B"_s}) {
             select(key);
@@ -318,7 +353,7 @@ private Q_SLOTS:
                            Answer::Ok);
             chooseEntry(u"mnuCategoryDelete"_s);
         }
-        QCOMPARE(selectedKey(), u"CATEGORY"_s);
+        QCOMPARE(selectedKey(), QString());
         QCOMPARE(categories(), QStringList());
         QCOMPARE(memberships(), QStringList());
     }
@@ -361,7 +396,7 @@ private Q_SLOTS:
         chooseEntry(u"mnuCategoryRename"_s);
         expectQuestion(u"<孫> を削除しますか。"_s, Answer::Ok);
         chooseEntry(u"mnuCategoryDelete"_s);
-        QCOMPARE(selectedKey(), u"B"_s);
+        select(u"B"_s);
         expectQuestion(u"<乙> を削除しますか。"_s, Answer::Ok);
         chooseEntry(u"mnuCategoryDelete"_s);
         QCOMPARE(nodeTexts(), QStringList({u"A=甲"_s, u"A-A=甲の一"_s, u"A-B=甲の二"_s}));

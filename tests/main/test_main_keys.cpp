@@ -129,6 +129,60 @@ private Q_SLOTS:
         holdKey(*tree, Qt::Key_Delete);
     }
 
+    void everyKeyThatSelectsANodeListsItsData_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::newRow("Page Down") << int(Qt::Key_PageDown) << u"A"_s << u"B"_s;
+        QTest::newRow("Page Up") << int(Qt::Key_PageUp) << u"A"_s << u"DIV"_s;
+        QTest::newRow("Home") << int(Qt::Key_Home) << u"A"_s << u"DIV"_s;
+        QTest::newRow("End") << int(Qt::Key_End) << u"A"_s << u"B"_s;
+        QTest::newRow("Down") << int(Qt::Key_Down) << u"A"_s << u"B"_s;
+        QTest::newRow("Up") << int(Qt::Key_Up) << u"B"_s << u"A"_s;
+        QTest::newRow("Left") << int(Qt::Key_Left) << u"A-A"_s << u"A"_s;
+        QTest::newRow("Right") << int(Qt::Key_Right) << u"CATEGORY"_s << u"A"_s;
+    }
+
+    void everyKeyThatSelectsANodeListsItsData()
+    {
+        QFETCH(int, key);
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        WindowWorld::addRow(session().RsCategory, {u"B"_s, u"M-991231-003"_s});
+        chooseNode(to);
+        const QStringList expected = rows();
+        chooseNode(from);
+        QVERIFY(rows() != expected);
+        pressKey(tree, key);
+        QCOMPARE(selectedKey(), to);
+        QCOMPARE(rows(), expected);
+        QVERIFY(compareText(count(), u"表示データ数 ： "_s + QString::number(expected.size())));
+    }
+
+    void typedNameListsTheNodesData()
+    {
+        QInputMethodEvent typed;
+        typed.setCommitString(u"甲"_s);
+        QCoreApplication::sendEvent(tree, &typed);
+        QCOMPARE(selectedKey(), u"A"_s);
+        QCOMPARE(names(), QStringList({u"水"_s, u"火"_s, u"水"_s, u"論文"_s}));
+    }
+
+    void rowsAreTakenOutOfTheCategoryThatIsListed()
+    {
+        // While a key is held down in the tree, the list has not followed yet.
+        WindowWorld::addRow(session().RsCategory, {u"B"_s, u"M-991231-002"_s});
+        chooseNode(u"A"_s);
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+        QCoreApplication::sendEvent(tree, &press);
+        QCOMPARE(selectedKey(), u"B"_s);
+        selectRows({1}); // 火
+        QVERIFY(WindowWorld::choose(*window, u"mnuDataCategoryDelete"_s));
+        QCOMPARE(memberships(), QStringList({u"A|M-991231-001"_s, u"A-A|M-991231-001"_s,
+                                             u"A-B|R-991231-001"_s, u"B|M-991231-002"_s}));
+    }
+
     void keyOfABoxDoesNothingInTheTree()
     {
         // The press went to a box that has closed; what is left of the key arrives here.

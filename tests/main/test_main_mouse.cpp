@@ -93,6 +93,17 @@ private Q_SLOTS:
         QCOMPARE(names().size(), 4);
     }
 
+    void branchThatIsClosedOverTheSelectedNodeIsListedInItsPlace()
+    {
+        chooseNode(u"A-A"_s);
+        QCOMPARE(names(), QStringList(u"水"_s));
+        const QRect node = tree->visualRect(tree->nodes().indexOf(tree->nodes().position(u"A"_s)));
+        click(tree, Qt::LeftButton, {node.left() - tree->indentation() / 2, node.center().y()});
+        QCOMPARE(selectedKey(), u"A"_s);
+        QCOMPARE(names(), QStringList({u"水"_s, u"火"_s, u"水"_s, u"論文"_s}));
+        QVERIFY(compareText(count(), u"表示データ数 ： 4"));
+    }
+
     void rightClickInTheListSelectsTheRowAndShowsTheMenu()
     {
         click(list, Qt::RightButton, rowAt(2));

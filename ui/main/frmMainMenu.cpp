@@ -143,6 +143,7 @@ void frmMainMenu::clearDataList()
 {
     const bool hadRows = lsvData->rows().rowCount() > 0;
     lsvData->rows().clear();
+    m_listedNode.clear();
     // The count must not speak of rows that are gone; before the first list there is nothing to correct.
     if (hadRows)
         showDataCount();
@@ -155,12 +156,26 @@ void frmMainMenu::setStatus(int panel, const QString& text)
 
 void frmMainMenu::rebuildCategoryTree()
 {
+    m_listedNode.clear();
     BuildCategoryTree(session(), *tvwCategory, *m_progress);
 }
 
 int frmMainMenu::selectedNodeIndex() const
 {
     return tvwCategory->selectedPosition();
+}
+
+int frmMainMenu::requiredNodeIndex() const
+{
+    const int node = selectedNodeIndex();
+    if (node == 0)
+        throw Error(errors::ObjectNotSet, u"カテゴリツリーの項目が選択されていません。"_s);
+    return node;
+}
+
+int frmMainMenu::listedNodeIndex() const
+{
+    return m_listedNode.isEmpty() ? 0 : tvwCategory->nodes().position(m_listedNode);
 }
 
 int frmMainMenu::nodeCount() const

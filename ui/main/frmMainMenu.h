@@ -130,6 +130,10 @@ private:
     /// Lists what the node at a position of the tree stands for, and counts it; nothing for position 0.
     void ShowDataList(int node);
     void showDataCount();
+    /// The position of the node whose data are listed, 0 when it is not in the tree any more.
+    int listedNodeIndex() const;
+    /// The position of the selected node. Error 91 when none is selected.
+    int requiredNodeIndex() const;
     bool treeHasNodes() const { return nodeCount() > 0; }
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error);
@@ -147,6 +151,7 @@ private:
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;
     bool Moving = false;
+    QString m_listedNode;      // the key of the node whose data are listed
     double m_splitterLeft = 0; // where the handle stands, in twips
 
     /// What the file dialog of the File menu remembers between its showings.

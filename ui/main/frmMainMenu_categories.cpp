@@ -13,7 +13,7 @@ namespace quillon
 void frmMainMenu::mnuCategoryEntry_Click()
 {
     guarded(session().reporting, u"mnuCategoryEntry_Click"_s, [&] {
-        const int selected = selectedNodeIndex();
+        const int selected = requiredNodeIndex();
         // Below the data by kind, too, a new category is one of the top level.
         const bool topLevel = selected <= LastFixedNode;
         const QString parentKey = topLevel ? keyOf(FixedNode::Categories).toString() : nodeKey(selected);
@@ -30,14 +30,13 @@ void frmMainMenu::mnuCategoryEntry_Click()
         const QString identifier = GetNewCategory_ID(parentKey, topLevel);
         RegisterCategory(session(), identifier, name);
         tvwCategory->nodes().add(parentKey, identifier, name);
-        if (selected > 0)
-            tvwCategory->expandNode(selected);
+        tvwCategory->expandNode(selected);
     });
 }
 
 void frmMainMenu::mnuCategoryRename_Click()
 {
-    const int selected = selectedNodeIndex();
+    const int selected = requiredNodeIndex();
     if (selected <= LastFixedNode) {
         session().dialogs.messageBox({.text = u"指定された項目はカテゴリではありません。"_s});
         return;
@@ -62,7 +61,7 @@ void frmMainMenu::mnuCategoryRename_Click()
 
 void frmMainMenu::mnuCategoryDelete_Click()
 {
-    const int selected = selectedNodeIndex();
+    const int selected = requiredNodeIndex();
     if (selected <= LastFixedNode) {
         session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
         return;
@@ -72,8 +71,13 @@ void frmMainMenu::mnuCategoryDelete_Click()
             {.text = u"サブカテゴリが存在します。先にサブカテゴリを削除して下さい。"_s});
         return;
     }
-    if (DeleteCategory(session(), nodeKey(selected), 1))
-        tvwCategory->nodes().remove(selected);
+    const QString key = nodeKey(selected);
+    if (!DeleteCategory(session(), key, 1))
+        return;
+    tvwCategory->nodes().remove(selected);
+    // The list stays, but as that of no category: the next one with this key is another.
+    if (key == m_listedNode)
+        m_listedNode.clear();
 }
 
 } // namespace quillon

@@ -80,12 +80,6 @@ void frmMainMenu::ExecSystemCommand(const QString& command)
     const auto tell = [&s](const QString& text, const QString& title) {
         s.dialogs.messageBox({.text = text, .title = title});
     };
-    const auto selectedNode = [this] {
-        const int node = selectedNodeIndex();
-        if (node == 0)
-            throw Error(errors::ObjectNotSet, u"カテゴリツリーの項目が選択されていません。"_s);
-        return node;
-    };
     const auto nothing = [] {};
     const std::vector<std::pair<QString, std::function<void()>>> commands = {
         {u"PRIVATE"_s,
@@ -132,9 +126,9 @@ void frmMainMenu::ExecSystemCommand(const QString& command)
                       truth(s.CategoryChosen) + u"\r\nCATEGORY_NAME : "_s + s.ChosenCategoryName,
                   Intelligence);
          }},
-        {u"CID"_s, [&] { tell(nodeKey(selectedNode()), titles::SystemAudit); }},
+        {u"CID"_s, [&] { tell(nodeKey(requiredNodeIndex()), titles::SystemAudit); }},
         {u"CID/COUNT"_s, [&] { tell(QString::number(nodeCount()), titles::SystemAudit); }},
-        {u"CINDEX"_s, [&] { tell(QString::number(selectedNode()), titles::SystemAudit); }},
+        {u"CINDEX"_s, [&] { tell(QString::number(requiredNodeIndex()), titles::SystemAudit); }},
     };
     for (const auto& [word, action] : commands) {
         if (word == command) {

@@ -82,8 +82,9 @@ void frmMainMenu::mnuDataDelete_Click()
 
 void frmMainMenu::mnuDataCategoryDelete_Click()
 {
-    const int selected = selectedNodeIndex();
-    if (selected <= LastFixedNode) {
+    // What is listed tells what the rows are taken out of; the selected node may have moved on already.
+    const int listed = listedNodeIndex();
+    if (listed <= LastFixedNode) {
         session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
         return;
     }
@@ -92,7 +93,7 @@ void frmMainMenu::mnuDataCategoryDelete_Click()
         session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
         return;
     }
-    const std::size_t taken = TakeOutOfCategory(session(), nodeKey(selected), identifiersOf(rows));
+    const std::size_t taken = TakeOutOfCategory(session(), nodeKey(listed), identifiersOf(rows));
     const bool all = taken == rows.size();
     rows.resize(taken);
     lsvData->rows().removeRowsAt(std::move(rows));

@@ -35,8 +35,9 @@ void frmMainMenu::ShowDataList(int node)
 {
     if (!treeHasNodes())
         return;
+    m_listedNode = node == 0 ? QString() : nodeKey(node);
     if (node > LastFixedNode)
-        m_filler->ShowCategory(nodeKey(node));
+        m_filler->ShowCategory(m_listedNode);
     else
         m_filler->ShowFixedNode(static_cast<FixedNode>(node));
     showDataCount();

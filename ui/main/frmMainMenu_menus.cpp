@@ -128,10 +128,8 @@ void frmMainMenu::openChosenFile(const QString& path)
             {.text = u"指定されたファイルが見つかりません。"_s, .title = titles::DataResearch});
         return;
     }
-    if (OpenDbFile(session(), path)) {
-        m_filler->ShowFixedNode(FixedNode::AllData);
-        showDataCount();
-    }
+    if (OpenDbFile(session(), path))
+        ShowDataList(positionOf(FixedNode::AllData));
 }
 
 void frmMainMenu::mnuEnd_Click()

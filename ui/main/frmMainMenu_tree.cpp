@@ -22,6 +22,12 @@ void frmMainMenu::connectTree()
     connect(tvwCategory, &KeyedTree::nodeClicked, this, [this](int node) {
         handleEvent(session().reporting, u"tvwCategory_NodeClick"_s, [&] { tvwCategory_NodeClick(node); });
     });
+    connect(tvwCategory, &KeyedTree::nodeChosen, this, [this](int node) {
+        handleEvent(session().reporting, u"tvwCategory_NodeClick"_s, [&] {
+            if (nodeKey(node) != m_listedNode) // a key may have listed it already
+                tvwCategory_NodeClick(node);
+        });
+    });
     connect(tvwCategory, &KeyedTree::keyReleased, this, [this](int key) {
         handleEvent(session().reporting, u"tvwCategory_KeyUp"_s, [&] { tvwCategory_KeyUp(key); });
     });

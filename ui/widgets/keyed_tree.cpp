@@ -6,6 +6,7 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -20,6 +21,13 @@ namespace
 constexpr int ExpandDelay = 700; // milliseconds over a closed node until it opens
 constexpr int ScrollInterval = 80;
 constexpr int ScrollMargin = 16;
+
+bool isAtOrBelow(QModelIndex index, const QModelIndex& top)
+{
+    while (index.isValid() && index != top)
+        index = index.parent();
+    return index.isValid();
+}
 
 /// Shows the node under something that is dragged as if it were selected, in the colours of the palette.
 class NodeDelegate : public OneLineDelegate
@@ -64,17 +72,28 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeView(parent), m_model(new KeyedTree
     });
     m_scrollTimer.setInterval(ScrollInterval);
     connect(&m_scrollTimer, &QTimer::timeout, this, &KeyedTree::scrollWhileHovering);
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] { m_dropHighlight = 0; });
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        m_dropHighlight = 0;
+        m_choiceToTell = false;
+    });
+    connect(this, &QTreeView::collapsed, this, &KeyedTree::selectInsteadOfHidden);
+}
+
+QModelIndex KeyedTree::selectedNode() const
+{
+    const QModelIndexList selected = selectionModel()->selectedIndexes();
+    return selected.isEmpty() ? QModelIndex() : selected.first();
 }
 
 int KeyedTree::selectedPosition() const
 {
-    const QModelIndexList selected = selectionModel()->selectedIndexes();
-    return selected.isEmpty() ? 0 : m_model->position(selected.first());
+    return m_model->position(selectedNode());
 }
 
 void KeyedTree::select(int position)
 {
+    const QScopedValueRollback byProgram(m_byProgram, true);
+    m_choiceToTell = false;
     setCurrentIndex(m_model->indexOf(position));
 }
 
@@ -115,13 +134,11 @@ void KeyedTree::mousePressEvent(QMouseEvent* event)
     const QPoint position = event->position().toPoint();
     const QModelIndex index = indexAt(position);
     m_pressedNode = QModelIndex();
-    m_selectedByPress = false;
     if (event->button() == Qt::LeftButton) {
         if (index.isValid() && !isOnBranchArrow(index, position))
             m_pressedNode = index;
-        const int before = selectedPosition();
+        m_buttonIsDown = true;
         QTreeView::mousePressEvent(event);
-        m_selectedByPress = selectedPosition() != before;
         return;
     }
     if (event->button() == Qt::RightButton)
@@ -135,7 +152,7 @@ void KeyedTree::selectForMenu(const QModelIndex& index)
         return;
     setCurrentIndex(index);
     // Before the menu opens: what it acts on must be what is shown for the node.
-    Q_EMIT nodeClicked(m_model->position(index));
+    tellChoice();
 }
 
 void KeyedTree::mouseMoveEvent(QMouseEvent* event)
@@ -152,13 +169,16 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event)
     QTreeView::mouseReleaseEvent(event);
     if (event->button() != Qt::LeftButton)
         return;
+    m_buttonIsDown = false;
     const QModelIndex pressed = std::exchange(m_pressedNode, QPersistentModelIndex());
-    const bool selected = std::exchange(m_selectedByPress, false);
     const bool clicked = viewport()->rect().contains(position) && indexAt(position) == pressed;
-    // A key may have taken the selection elsewhere while the button was down; then the key tells.
-    const bool stands = selectionModel()->isSelected(pressed);
-    if (pressed.isValid() && stands && (clicked || selected))
+    // A key may have taken the selection elsewhere while the button was down.
+    if (pressed.isValid() && clicked && selectionModel()->isSelected(pressed)) {
+        m_choiceToTell = false;
         Q_EMIT nodeClicked(m_model->position(pressed));
+    } else if (!m_pressedKeys.any()) {
+        tellChoice();
+    }
 }
 
 void KeyedTree::keyPressEvent(QKeyEvent* event)
@@ -170,7 +190,34 @@ void KeyedTree::keyPressEvent(QKeyEvent* event)
         event->ignore();
         return;
     }
+    if (selectsCurrentNode(*event)) {
+        setCurrentIndex(currentIndex());
+        scrollTo(currentIndex());
+        event->accept();
+        return;
+    }
     QTreeView::keyPressEvent(event);
+    const bool goesToAnEnd = event->key() == Qt::Key_Home || event->key() == Qt::Key_End;
+    if (goesToAnEnd && currentIndex().isValid() && !selectionModel()->hasSelection())
+        setCurrentIndex(currentIndex()); // it stood there already
+}
+
+bool KeyedTree::selectsCurrentNode(const QKeyEvent& event) const
+{
+    // Where a node was removed its neighbour is where the keyboard stands. Moving on from it would leave it out.
+    if (!currentIndex().isValid() || selectionModel()->hasSelection())
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        return true;
+    default:
+        return false;
+    }
 }
 
 void KeyedTree::keyReleaseEvent(QKeyEvent* event)
@@ -179,6 +226,8 @@ void KeyedTree::keyReleaseEvent(QKeyEvent* event)
     QTreeView::keyReleaseEvent(event);
     if (pressedHere)
         Q_EMIT keyReleased(event->key(), event->modifiers());
+    if (!event->isAutoRepeat() && !m_buttonIsDown)
+        tellChoice();
 }
 
 void KeyedTree::focusInEvent(QFocusEvent* event)
@@ -197,7 +246,48 @@ void KeyedTree::currentChanged(const QModelIndex& current, const QModelIndex& pr
 void KeyedTree::focusOutEvent(QFocusEvent* event)
 {
     m_pressedKeys.forget();
+    m_buttonIsDown = false;
     QTreeView::focusOutEvent(event);
+    // What is up again now is told to somebody else. The change of the focus comes to its end first: what is told may
+    // show a box.
+    QMetaObject::invokeMethod(this, &KeyedTree::tellChoice, Qt::QueuedConnection);
+}
+
+void KeyedTree::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    if (m_byProgram)
+        return;
+    m_choiceToTell = true;
+    if (!m_buttonIsDown && !m_pressedKeys.any())
+        tellChoice();
+}
+
+void KeyedTree::tellChoice()
+{
+    const int chosen = selectedPosition();
+    if (std::exchange(m_choiceToTell, false) && chosen != 0)
+        Q_EMIT nodeChosen(chosen);
+}
+
+void KeyedTree::selectInsteadOfHidden(const QModelIndex& closed)
+{
+    const QModelIndex selected = selectedNode();
+    if (selected != closed && isAtOrBelow(selected, closed))
+        setCurrentIndex(closed);
+}
+
+void KeyedTree::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
+{
+    const QScopedValueRollback byProgram(m_byProgram, true);
+    const QModelIndex selected = selectedNode();
+    bool goes = false;
+    for (int row = first; row <= last; ++row)
+        goes = goes || isAtOrBelow(selected, m_model->index(row, 0, parent));
+    // The keyboard goes on from the neighbour, but nobody has selected that.
+    QTreeView::rowsAboutToBeRemoved(parent, first, last);
+    if (goes)
+        selectionModel()->clearSelection();
 }
 
 void KeyedTree::contextMenuEvent(QContextMenuEvent* event)

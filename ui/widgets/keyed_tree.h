@@ -10,8 +10,9 @@
 namespace quillon
 {
 
-/// A tree view over keyed nodes. A node click is told apart from a change of the selection by the program.
-/// Once a node is selected, only choosing another one changes that.
+/// A tree view over keyed nodes. What the person selects is told apart from a change of the selection by the program.
+/// The selected node is never hidden: a branch that is closed over it is selected in its place. When the selected
+/// node is removed, no other one is selected for it.
 class KeyedTree : public QTreeView
 {
     Q_OBJECT
@@ -31,9 +32,12 @@ public:
     void setDropHighlight(int position);
 
 Q_SIGNALS:
-    /// A node was clicked with the left mouse button, or the mouse selected it in another way: by a right click, or
-    /// by a press that was then dragged off the node.
+    /// A node was clicked with the left mouse button, the selected one or another.
     void nodeClicked(int position);
+    /// The person has selected another node by anything but a click: by keys, typed text, a right click, a press that
+    /// was dragged off the node, by closing a branch or through assistive technology. Told when the key or the button
+    /// is up again, a held one once, and at the latest when the focus leaves the tree.
+    void nodeChosen(int position);
     /// A key was pressed; the tree has not acted on it yet. A held key is told once.
     void keyPressed(int key, Qt::KeyboardModifiers modifiers);
     /// A key that had been pressed in the tree was released; the tree has already acted on it.
@@ -58,10 +62,16 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
 
 private:
+    QModelIndex selectedNode() const;
+    bool selectsCurrentNode(const QKeyEvent& event) const;
+    void selectInsteadOfHidden(const QModelIndex& closed);
+    void tellChoice();
     void selectForMenu(const QModelIndex& index);
     bool isOnBranchArrow(const QModelIndex& index, const QPoint& position) const;
     void hoverAt(const QPoint& position);
@@ -71,7 +81,9 @@ private:
     KeyedTreeModel* m_model;
     PressedKeys m_pressedKeys;
     QPersistentModelIndex m_pressedNode;
-    bool m_selectedByPress = false; // the press that is under way has changed the selection
+    bool m_buttonIsDown = false;
+    bool m_byProgram = false;    // whether it is the program that changes the selection now
+    bool m_choiceToTell = false; // the person has selected another node and that has not been told yet
     int m_dropHighlight = 0;
     QPoint m_hoverPosition;
     QTimer m_expandTimer;

@@ -20,6 +20,7 @@ public:
     /// Whether this is the real release of a key that was pressed here.
     bool release(const QKeyEvent& event) { return !event.isAutoRepeat() && m_keys.remove(event.key()); }
     void forget() { m_keys.clear(); }
+    bool any() const { return !m_keys.isEmpty(); }
 
 private:
     QSet<int> m_keys;
