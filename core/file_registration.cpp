@@ -1,12 +1,17 @@
 #include "core/file_registration.h"
 
+#include "app/base/error.h"
 #include "app/base/extract_string.h"
 #include "app/base/titles.h"
 #include "store/record_set.h"
+#include "store/schema.h"
 #include "store/session.h"
 #include "store/sqlite/transaction.h"
 
 #include <QDir>
+
+#include <memory>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,23 +21,46 @@ namespace quillon
 namespace
 {
 
-void writeRows(Session& session, const FileEntry& entry, const QString& fileName)
+/// Refuses what could not be written whatever the copying came to.
+void checkRow(Session& session, const FileEntry& entry, const QString& fileName)
+{
+    const auto widthOf = [](int field) {
+        return schema::RefFile().fields[static_cast<std::size_t>(field)].width;
+    };
+    const int nameWidth = widthOf(data_field::Name);
+    if (fileName.size() > nameWidth)
+        throw Error(
+            errors::FieldTooSmall,
+            u"ファイル名「%1」は長すぎます（%2 文字）。%3 文字以内の名前に変えてから登録してください。"_s.arg(
+                fileName, QString::number(fileName.size()), QString::number(nameWidth)));
+    if (entry.identifier.isEmpty())
+        throw Error(errors::InvalidArgument);
+    if (entry.identifier.size() > widthOf(data_field::Object_ID))
+        throw Error(errors::FieldTooSmall);
+    if (required(session.RsRefFile).goTo(data_field::Object_ID, entry.identifier))
+        throw Error(errors::DuplicateKey);
+}
+
+/// Runs `beforeCommit` when the rows have been accepted; its failure takes them back.
+template <class Step>
+void writeRows(Session& session, const FileEntry& entry, const QString& fileName, Step&& beforeCommit)
 {
     RecordSet& files = required(session.RsRefFile);
-    // Both rows or none: a failure leaves the copied file, but nothing that names it.
+    // Both rows or none: nothing names a file that could not be registered.
     sqlite::Transaction transaction(files.database().connection());
     files.addNew();
     files.setField(0, fileName);
     files.setField(1, entry.identifier);
     files.setField(2, u"未入力"_s);
     files.update();
-    if (entry.category) {
+    if (entry.category && required(session.RsCategoryID).goTo(category_field::Category_ID, *entry.category)) {
         RecordSet& memberships = required(session.RsCategory);
         memberships.addNew();
         memberships.setField(0, *entry.category);
         memberships.setField(1, entry.identifier);
         memberships.update();
     }
+    std::forward<Step>(beforeCommit)();
     transaction.commit();
 }
 
@@ -46,10 +74,22 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
     if (!session.files.folderExists(folder))
         return FileRegistration::NoFolderForFiles;
     const QString name = ExtractString(session.reporting, entry.path, QDir::separator());
-    if (progress)
-        progress(0, 0);
-    session.files.copyInto(entry.path, folder, name, progress);
-    writeRows(session, entry, name);
+    checkRow(session, entry, name);
+    if (progress && !progress(0, 0))
+        return FileRegistration::Cancelled;
+    const std::unique_ptr<StagedCopy> copy = session.files.stageCopy(entry.path, folder, name, progress);
+    if (!copy)
+        return FileRegistration::Cancelled;
+    // A copy of a new name stays, whatever becomes of its row. One that replaces another datum's file waits until the
+    // row has been accepted, and gives way to that file again when it cannot be made durable.
+    const bool replaces = session.files.entryExists(folder + QDir::separator() + name);
+    if (!replaces)
+        copy->place();
+    writeRows(session, entry, name, [&] {
+        if (replaces)
+            copy->place();
+    });
+    copy->keep();
     return FileRegistration::Registered;
 }
 

@@ -13,20 +13,23 @@ class Session;
 
 /// An outside file that is to become a file datum.
 struct FileEntry {
-    QString path;
+    QString path;                    // as it was typed
     QString identifier;              // of the new datum
     std::optional<QString> category; // the one it is filed in
 };
 
 enum class FileRegistration {
     Registered,
-    FileNotFound,    // no ordinary file has this path
-    NoFolderForFiles // the folder of registered files is missing; it is never made here
+    FileNotFound,     // no ordinary file has this path
+    NoFolderForFiles, // the folder of registered files is missing; it is never made here
+    Cancelled         // by `progress`; nothing has changed
 };
 
 /// Copies a file into the folder of registered files, where it replaces one of the same name, and adds its row and its
-/// membership, both or none. `progress` is called first when the copying begins.
-/// Not trapped: a failing copy (53, 61, 70, 75, 76) or row (3022, 3163, 3260); in the latter case the copy stays.
+/// membership, both or none. A category that is gone gets no membership. `progress` is called first when the copying
+/// begins. A name that is too long and an identifier that is taken are refused before that.
+/// Not trapped: a failing copy (53, 61, 70, 75, 76) or row (3022, 3163, 3260). Then a file that was to be replaced
+/// stands as it was; only a copy whose name was new stays.
 FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Files::Progress& progress);
 
 } // namespace quillon

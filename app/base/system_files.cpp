@@ -58,12 +58,12 @@ std::optional<QString> SystemFiles::storedFile(const QString& folder, const QStr
     return path;
 }
 
-void SystemFiles::copyInto(const QString& source, const QString& folder, const QString& name,
-                           const Progress& progress) const
+std::unique_ptr<StagedCopy> SystemFiles::stageCopy(const QString& source, const QString& folder,
+                                                   const QString& name, const Progress& progress) const
 {
     if (!isBareName(name))
         throw Error(errors::PathFileAccess);
-    platform::copyFile(source, folder, name, progress);
+    return platform::stageCopy(source, folder, name, progress);
 }
 
 QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const

@@ -13,8 +13,8 @@ public:
     bool fileExists(const QString& path) const override;
     bool folderExists(const QString& path) const override;
     std::optional<QString> storedFile(const QString& folder, const QString& name) const override;
-    void copyInto(const QString& source, const QString& folder, const QString& name,
-                  const Progress& progress) const override;
+    std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
+                                          const Progress& progress) const override;
     QByteArray readFile(const QString& path, qint64 atMost) const override;
 };
 

@@ -97,7 +97,14 @@ class TestCopying : public QObject
         return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
                                         QDir::NoDotAndDotDot);
     }
-    void copy(const QString& from, const QString& name) { files.copyInto(from, folder(), name, {}); }
+    void copy(const QString& from, const QString& name) { copyTo(folder(), from, name, {}); }
+    void copyTo(const QString& where, const QString& from, const QString& name,
+                const Files::Progress& progress) const
+    {
+        const auto staged = files.stageCopy(from, where, name, progress);
+        staged->place();
+        staged->keep();
+    }
 
 private Q_SLOTS:
     void init()
@@ -124,12 +131,11 @@ private Q_SLOTS:
             content[i] = static_cast<char>(i * 7 + i / 251);
         makeFile(source(), content);
         qint64 before = 0;
-        files.copyInto(source(), folder(), u"a"_s, [&](qint64 done, qint64 total) {
-            QVERIFY(done > before);
-            QCOMPARE(total, size);
+        copyTo(folder(), source(), u"a"_s, [&](qint64 done, qint64 total) {
             // A half copied file never bears the name.
-            QVERIFY(!entries().contains(u"a"_s));
+            const bool asItShouldBe = done > before && total == size && !entries().contains(u"a"_s);
             before = done;
+            return asItShouldBe;
         });
         QCOMPARE(before, size); // the last call tells that everything is done
         QVERIFY(contentOf(inFolder(u"a"_s)) == content);
@@ -202,12 +208,12 @@ private Q_SLOTS:
 
     void missingFolderIsTold()
     {
-        const auto copyTo = [&](const QString& where) {
-            return errorOf([&] { files.copyInto(source(), where, u"a"_s, {}); });
+        const auto errorOfCopyingTo = [&](const QString& where) {
+            return errorOf([&] { copyTo(where, source(), u"a"_s, {}); });
         };
-        QCOMPARE(copyTo(root->filePath(u"nowhere"_s)), errors::PathNotFound);
-        QCOMPARE(copyTo(source()), errors::PathNotFound); // a plain file in the folder's place
-        QCOMPARE(copyTo(source() + u"/below"_s), errors::PathNotFound);
+        QCOMPARE(errorOfCopyingTo(root->filePath(u"nowhere"_s)), errors::PathNotFound);
+        QCOMPARE(errorOfCopyingTo(source()), errors::PathNotFound); // a plain file in the folder's place
+        QCOMPARE(errorOfCopyingTo(source() + u"/below"_s), errors::PathNotFound);
         QVERIFY(!QFile::exists(root->filePath(u"nowhere"_s)));
     }
 
@@ -242,10 +248,60 @@ private Q_SLOTS:
         const auto giveUp = [&](qint64, qint64) {
             if (++calls == 2)
                 throw Error(errors::OutOfMemory);
+            return true;
         };
-        QCOMPARE(errorOf([&] { files.copyInto(source(), folder(), u"a"_s, giveUp); }), errors::OutOfMemory);
+        QCOMPARE(errorOf([&] { copyTo(folder(), source(), u"a"_s, giveUp); }), errors::OutOfMemory);
         QCOMPARE(entries(), QStringList(u"a"_s));
         QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void copyThatIsEndedLeavesNothing()
+    {
+        makeFile(source(), QByteArray(3 << 20, 'x'));
+        makeFile(inFolder(u"a"_s), "old");
+        int calls = 0;
+        QVERIFY(!files.stageCopy(source(), folder(), u"a"_s, [&](qint64, qint64) { return ++calls < 2; }));
+        QCOMPARE(calls, 2);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void copyThatIsNotPlacedLeavesNothing()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        QVERIFY(files.stageCopy(source(), folder(), u"a"_s, {}) != nullptr);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void copyThatIsNotKeptGivesWayToWhatHadItsName()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        {
+            const auto staged = files.stageCopy(source(), folder(), u"a"_s, {});
+            QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+            staged->place();
+            QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        }
+        QCOMPARE(entries(), QStringList(u"a"_s));
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+    }
+
+    void copyOfANewNameStaysOnceItIsPlaced()
+    {
+        files.stageCopy(source(), folder(), u"a"_s, {})->place();
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void copyIsAsOldAsItsFile()
+    {
+        const QDateTime date(QDate(1999, 12, 31), QTime(23, 45, 6));
+        QFile file(source());
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(date, QFileDevice::FileModificationTime));
+        file.close();
+        copy(source(), u"a"_s);
+        QCOMPARE(QFileInfo(inFolder(u"a"_s)).lastModified(), date);
     }
 
 #ifdef Q_OS_LINUX
@@ -257,7 +313,7 @@ private Q_SLOTS:
         QVERIFY(child >= 0);
         if (child == 0) {
             // The bytes are on their way: what a crash or a power failure does.
-            files.copyInto(source(), folder(), u"a"_s, [](qint64, qint64) { _exit(17); });
+            files.stageCopy(source(), folder(), u"a"_s, [](qint64, qint64) -> bool { _exit(17); });
             _exit(0);
         }
         int status = 0;
@@ -352,7 +408,7 @@ private Q_SLOTS:
     void folderMayBeALink()
     {
         QVERIFY(QFile::link(u"RefFile"_s, root->filePath(u"link"_s)));
-        files.copyInto(source(), root->filePath(u"link"_s), u"a"_s, {});
+        copyTo(root->filePath(u"link"_s), source(), u"a"_s, {});
         QCOMPARE(entries(), QStringList(u"a"_s));
     }
 

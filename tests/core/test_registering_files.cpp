@@ -1,6 +1,7 @@
 // Registering outside files, without a window.
 #include "core/file_registration.h"
 #include "store/record_set.h"
+#include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 #include "tests/support/troubled_database.h"
@@ -64,6 +65,8 @@ private Q_SLOTS:
         world = std::make_unique<TestWorld>();
         world->openDatabase(world->createDatabase());
         QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
+        for (const QString& category : {u"A"_s, u"A-B"_s})
+            TestWorld::addRow(session().RsCategoryID, {category, u"分類"_s + category});
     }
 
     void cleanup()
@@ -101,12 +104,15 @@ private Q_SLOTS:
     {
         const QString path = write(u"a.txt"_s, "content");
         QList<std::pair<qint64, qint64>> steps;
+        QStringList copiesAtFirst{u"never asked"_s};
         const auto note = [&](qint64 done, qint64 total) {
             if (steps.isEmpty())
-                QCOMPARE(copies(), QStringList());
+                copiesAtFirst = copies();
             steps.append({done, total});
+            return true;
         };
         RegisterFile(session(), {.path = path, .identifier = Picture, .category = {}}, note);
+        QCOMPARE(copiesAtFirst, QStringList());
         QCOMPARE(steps.first(), std::pair(qint64(0), qint64(0)));
         QCOMPARE(steps.last(), std::pair(qint64(7), qint64(7)));
     }
@@ -148,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(memberships(), QStringList());
     }
 
-    void rowThatIsRefusedLeavesTheCopyAndNoMembership_data()
+    void rowThatCannotBeWrittenIsRefusedBeforeTheCopy_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("identifier");
@@ -156,9 +162,10 @@ private Q_SLOTS:
         QTest::newRow("name too long") << QString(51, u'a') << Picture << errors::FieldTooSmall;
         QTest::newRow("identifier taken") << u"a.txt"_s << u"F-991231-000"_s << errors::DuplicateKey;
         QTest::newRow("identifier too long") << u"a.txt"_s << u"F-991231-1000"_s << errors::FieldTooSmall;
+        QTest::newRow("no identifier") << u"a.txt"_s << QString() << errors::InvalidArgument;
     }
 
-    void rowThatIsRefusedLeavesTheCopyAndNoMembership()
+    void rowThatCannotBeWrittenIsRefusedBeforeTheCopy()
     {
         QFETCH(QString, name);
         QFETCH(QString, identifier);
@@ -166,17 +173,97 @@ private Q_SLOTS:
         TestWorld::addRow(session().RsRefFile, {u"先客"_s, u"F-991231-000"_s, u"未入力"_s});
         const QString path = write(name, "a");
         QCOMPARE(errorOf([&] { registerPath(path, u"A"_s, identifier); }), number);
-        QCOMPARE(copies(), QStringList({name}));
+        QCOMPARE(copies(), QStringList());
         QCOMPARE(fileRows(), QStringList({u"先客|F-991231-000|未入力"_s}));
         QCOMPARE(memberships(), QStringList());
+    }
+
+    void refusalOfANameTellsTheNameAndHowLongItMayBe()
+    {
+        const QString name = QString(47, u'長') + u".txt"_s;
+        QString told;
+        try {
+            registerPath(write(name, "a"));
+        } catch (const Error& error) {
+            told = error.description;
+        }
+        QVERIFY(compareText(
+            told,
+            u"ファイル名「%1」は長すぎます（51 文字）。50 文字以内の名前に変えてから登録してください。"_s.arg(
+                name)));
     }
 
     void membershipThatIsRefusedTakesTheRowWithIt()
     {
         TestWorld::addRow(session().RsCategory, {u"A"_s, Picture});
-        QCOMPARE(errorOfRegistering(write(u"a.txt"_s, "a"), u"A"_s), errors::DuplicateKey);
+        const QString path = write(u"a.txt"_s, "a");
+        QCOMPARE(errorOfRegistering(path, u"A"_s), errors::DuplicateKey);
         QCOMPARE(fileRows(), QStringList());
         QCOMPARE(memberships().size(), 1);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("a")); // a new name stays
+    }
+
+    void categoryThatIsGoneDoesNotComeBack()
+    {
+        QCOMPARE(registerPath(write(u"a.txt"_s, "a"), u"GONE"_s), FileRegistration::Registered);
+        QCOMPARE(fileRows().size(), 1);
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void fileOfAnotherDatumStaysWhenTheRowCannotBeWritten_data()
+    {
+        QTest::addColumn<int>("lock");
+        QTest::newRow("another program writes") << int(ForeignLock::Kind::Writing);
+        QTest::newRow("another program reads") << int(ForeignLock::Kind::Reading);
+        QTest::newRow("another program has it alone") << int(ForeignLock::Kind::Exclusive);
+    }
+
+    void fileOfAnotherDatumStaysWhenTheRowCannotBeWritten()
+    {
+        QFETCH(int, lock);
+        write(u"RefFile/a.txt"_s, "of another datum");
+        TestWorld::addRow(session().RsRefFile, {u"a.txt"_s, u"F-991231-000"_s, u"未入力"_s});
+        const QString path = write(u"a.txt"_s, "new");
+        {
+            const ForeignLock other(*session().OpenDb, static_cast<ForeignLock::Kind>(lock));
+            QCOMPARE(errorOfRegistering(path, u"A"_s), errors::Locked);
+        }
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("of another datum"));
+        QCOMPARE(copies(), QStringList(u"a.txt"_s));
+        QCOMPARE(fileRows(), QStringList({u"a.txt|F-991231-000|未入力"_s}));
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void fileOfAnotherDatumStaysWhenTheMembershipIsRefused()
+    {
+        write(u"RefFile/a.txt"_s, "of another datum");
+        TestWorld::addRow(session().RsCategory, {u"A"_s, Picture});
+        QCOMPARE(errorOfRegistering(write(u"a.txt"_s, "new"), u"A"_s), errors::DuplicateKey);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("of another datum"));
+        QCOMPARE(copies(), QStringList(u"a.txt"_s));
+    }
+
+    void copyThatIsCancelledChangesNothing_data()
+    {
+        QTest::addColumn<int>("calls"); // of the progress until it is cancelled
+        QTest::newRow("before it begins") << 1;
+        QTest::newRow("in the middle") << 2;
+        QTest::newRow("at the end") << 4;
+    }
+
+    void copyThatIsCancelledChangesNothing()
+    {
+        QFETCH(int, calls);
+        write(u"RefFile/a.txt"_s, "of another datum");
+        const QString path = write(u"a.txt"_s, QByteArray(3 << 20, 'x'));
+        const auto cancel = [&](qint64, qint64) { return --calls > 0; };
+        QCOMPARE(RegisterFile(session(), {.path = path, .identifier = Picture, .category = u"A"_s}, cancel),
+                 FileRegistration::Cancelled);
+        QCOMPARE(calls, 0);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("of another datum"));
+        QCOMPARE(copies(), QStringList(u"a.txt"_s));
+        QCOMPARE(fileRows(), QStringList());
+        QCOMPARE(memberships(), QStringList());
     }
 
     void lockedDatabaseGetsTheFileLater()

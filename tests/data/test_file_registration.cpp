@@ -125,6 +125,8 @@ private Q_SLOTS:
     {
         begin();
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture});
+        for (const QString& category : {u"A-B"_s, u"C"_s})
+            TestWorld::addRow(world->session.RsCategoryID, {category, u"分類"_s});
         form->setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
         world->dialogs.expect(Registered);
         registerPath(write(u"a.txt"_s, "a"));
@@ -288,15 +290,18 @@ private Q_SLOTS:
         QCOMPARE(copies(), QStringList({u"a.txt"_s}));
     }
 
-    void nameThatIsTooLongLeavesItsCopyWithoutARow()
+    void nameThatIsTooLongIsToldAndLeavesNoCopy()
     {
         world->giveCategories(1);
         world->mainWindow.selected = 10;
         const QString name = QString(47, u'a') + u".txt"_s; // 51 characters
         const QString path = write(name, "a");
-        world->dialogs.expect(failure(3163));
+        MessageBox tooLong = failure(3163);
+        tooLong.text = u"対処不能なエラーが発生しました。\r\n説明：ファイル名「%1」は長すぎます（51 文字）。"
+                       u"50 文字以内の名前に変えてから登録してください。"_s.arg(name);
+        world->dialogs.expect(tooLong);
         registerPath(path);
-        QCOMPARE(copies(), QStringList({name}));
+        QCOMPARE(copies(), QStringList());
         verifyNothingHappened(path);
     }
 
@@ -308,7 +313,7 @@ private Q_SLOTS:
         QCOMPARE(world->registeredFiles(), QStringList({name + u"|F-991231-001|未入力"_s}));
     }
 
-    void identifierThatIsTakenLeavesTheCopyWithoutARow()
+    void identifierThatIsTakenIsToldAndLeavesNoCopy()
     {
         begin();
         world->add(u"先客"_s, Picture, u"未入力"_s);
@@ -316,13 +321,14 @@ private Q_SLOTS:
         world->dialogs.expect(failure(3022));
         QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
         QCOMPARE(world->registeredFiles(), QStringList({u"先客|F-991231-001|未入力"_s}));
-        QCOMPARE(copied(u"a.txt"_s), QByteArray("a"));
+        QCOMPARE(copies(), QStringList());
         QVERIFY(!form.isNull());
     }
 
     void failingMembershipWritesNoRowEither()
     {
         begin();
+        world->giveCategories(1);
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture}); // it is filed there already
         form->setCategoryRows({{u"川"_s, u"A"_s}});
         FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));

@@ -35,22 +35,22 @@ QString joined(const QStringList& rows)
 
 } // namespace
 
-void RealFiles::copyInto(const QString& source, const QString& folder, const QString& name,
-                         const Progress& progress) const
+std::unique_ptr<StagedCopy> RealFiles::stageCopy(const QString& source, const QString& folder,
+                                                 const QString& name, const Progress& progress) const
 {
     calls.note(u"copy "_s + source + u" to "_s + folder + QDir::separator() + name);
     const auto watched = [&](qint64 done, qint64 total) {
-        if (progress)
-            progress(done, total);
+        const bool goesOn = !progress || progress(done, total);
         if (whileCopying)
             whileCopying();
+        return goesOn;
     };
     if (copyFailure != 0) {
         watched(0, 2);
         watched(1, 2);
         throw Error(copyFailure);
     }
-    SystemFiles::copyInto(source, folder, name, watched);
+    return SystemFiles::stageCopy(source, folder, name, watched);
 }
 
 bool FakeMainWindow::unload()

@@ -79,8 +79,8 @@ class RealFiles : public SystemFiles
 public:
     explicit RealFiles(CallLog log = {}) : calls(std::move(log)) {}
 
-    void copyInto(const QString& source, const QString& folder, const QString& name,
-                  const Progress& progress) const override;
+    std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
+                                          const Progress& progress) const override;
 
     mutable CallLog calls;
     qint32 copyFailure = 0;             // the number of the failure that every copy ends in, when set

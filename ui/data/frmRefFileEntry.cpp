@@ -165,6 +165,8 @@ void frmRefFileEntry::registerFile()
         session().dialogs.messageBox(
             {.text = titles::FileFolderMissing, .title = fileTitle, .icon = Icon::Information});
         break;
+    case FileRegistration::Cancelled:
+        break;
     case FileRegistration::Registered:
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
         CloseWithoutAsking = true;
@@ -182,18 +184,20 @@ FileRegistration frmRefFileEntry::copyAndWrite()
     constexpr qint64 PaintInterval = 33; // milliseconds
     PaintPace pace(session().clock, {.first = PaintInterval, .next = PaintInterval});
     const auto progress = [&](qint64 done, qint64 total) {
+        constexpr bool GoOn = true;
         if (!cursor) {
             cursor.emplace();
             pace.start();
         }
         if (!pace.isDue())
-            return;
+            return GoOn;
         constexpr int Steps = 1000;
         m_progress->setRange(0, Steps);
         m_progress->setValue(total > 0 ? static_cast<int>(done * Steps / total) : 0);
         m_progress->show();
         centralWidget()->layout()->activate();
         m_progress->repaint();
+        return GoOn;
     };
     const auto finish = qScopeGuard([this] { m_progress->hide(); });
     return RegisterFile(session(), entry, progress);

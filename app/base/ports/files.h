@@ -4,10 +4,24 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace quillon
 {
+
+/// A finished copy of a file that does not bear its name yet. It is gone with this object unless it has been placed.
+class StagedCopy
+{
+public:
+    virtual ~StagedCopy() = default;
+
+    /// Gives the copy its name. What had the name until then gets it back, as it was, together with the end of this
+    /// object, unless `keep` has been called. Errors: 61, 70, 75, 76; then everything is as it was.
+    virtual void place() = 0;
+    /// Lets go of what had the name before.
+    virtual void keep() = 0;
+};
 
 /// The questions the program asks of the file system.
 class Files
@@ -25,12 +39,12 @@ public:
     /// bare file name, or when a link leads out of the folder.
     virtual std::optional<QString> storedFile(const QString& folder, const QString& name) const = 0;
 
-    /// Called now and then during long work with files: bytes done, bytes in all.
-    using Progress = std::function<void(qint64 done, qint64 total)>;
-    /// Copies the file `source` to `name` in `folder`, replacing a file of that name. Either the whole copy stands in
-    /// the end or everything is as it was. Errors: 53, 61, 70, 75, 76.
-    virtual void copyInto(const QString& source, const QString& folder, const QString& name,
-                          const Progress& progress) const = 0;
+    /// Called now and then during long work with files: bytes done, bytes in all. False ends the work.
+    using Progress = std::function<bool(qint64 done, qint64 total)>;
+    /// Copies the file `source`, with its date, so that it can be placed as `name` in `folder`. Null, and nothing is
+    /// left, when `progress` has ended the work. Errors: 53, 61, 70, 75, 76.
+    virtual std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder,
+                                                  const QString& name, const Progress& progress) const = 0;
     /// The bytes of an ordinary file. Errors: 53, 70, 75, and 6 when there are more than `atMost` bytes.
     virtual QByteArray readFile(const QString& path, qint64 atMost) const = 0;
 };

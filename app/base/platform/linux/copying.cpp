@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -88,6 +89,27 @@ public:
         m_name.clear();
     }
 
+    /// Gives what bears a name another one for the time being, and that is the answer; empty when nothing bears it.
+    QByteArray setAside(const QByteArray& name) const
+    {
+        struct stat status = {};
+        if (lstat(name.constData(), &status) != 0) {
+            if (errno == ENOENT)
+                return {};
+            throwLastError(errors::PathNotFound);
+        }
+        if (S_ISDIR(status.st_mode))
+            throw Error(errors::PathFileAccess);
+        QByteArray aside = freeName();
+        if (aside.isEmpty())
+            throwLastError(errors::PathNotFound);
+        // As a second name, so that there is a file of that name at every moment; not every file system has these.
+        if (linkat(AT_FDCWD, name.constData(), AT_FDCWD, aside.constData(), 0) != 0 &&
+            rename(name.constData(), aside.constData()) != 0)
+            throwLastError(errors::PathNotFound);
+        return aside;
+    }
+
 private:
     int make()
     {
@@ -162,14 +184,71 @@ private:
     Descriptor m_file;
 };
 
-void copyBytes(int from, int to, qint64 total, const Files::Progress& progress)
+/// A copy that lies beside its place.
+class CopyBeside : public StagedCopy
+{
+public:
+    CopyBeside(const QByteArray& folder, const QByteArray& name)
+        : m_folder(folder), m_path(folder + '/' + name), m_beside(folder)
+    {
+    }
+    ~CopyBeside() override { putBack(); }
+    CopyBeside(const CopyBeside&) = delete;
+    CopyBeside& operator=(const CopyBeside&) = delete;
+
+    int file() const { return m_beside.file(); }
+    void place() override
+    {
+        m_former = m_beside.setAside(m_path);
+        try {
+            m_beside.keepAs(m_path);
+        } catch (const Error&) {
+            putBack();
+            throw;
+        }
+        syncNames();
+    }
+    void keep() override
+    {
+        if (!m_former.isEmpty())
+            unlink(m_former.constData());
+        m_former.clear();
+    }
+
+private:
+    void putBack()
+    {
+        if (m_former.isEmpty())
+            return;
+        // Two names of the same file both stay in a renaming.
+        if (rename(m_former.constData(), m_path.constData()) == 0)
+            unlink(m_former.constData());
+        m_former.clear();
+        syncNames();
+    }
+    /// Lets the names, too, outlive a power failure.
+    void syncNames() const
+    {
+        const Descriptor entries(open(m_folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (entries >= 0)
+            fsync(entries);
+    }
+
+    QByteArray m_folder;
+    QByteArray m_path;
+    FileBeside m_beside;
+    QByteArray m_former; // the name for the time being of what bore this one's
+};
+
+/// False when `progress` has ended it.
+bool copyBytes(int from, int to, qint64 total, const Files::Progress& progress)
 {
     std::vector<char> buffer(std::size_t{1} << 20);
     qint64 done = 0;
     for (;;) {
         const ssize_t count = read(from, buffer.data(), buffer.size());
         if (count == 0)
-            return;
+            return true;
         if (count < 0) {
             if (errno == EINTR)
                 continue;
@@ -184,15 +263,15 @@ void copyBytes(int from, int to, qint64 total, const Files::Progress& progress)
                 throwLastError(errors::PathNotFound);
         }
         done += count;
-        if (progress)
-            progress(done, total);
+        if (progress && !progress(done, total))
+            return false;
     }
 }
 
 } // namespace
 
-void copyFile(const QString& source, const QString& folder, const QString& name,
-              const Files::Progress& progress)
+std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
+                                      const Files::Progress& progress)
 {
     // A pipe must not be waited for, not even in opening it.
     const Descriptor from(open(QFile::encodeName(source).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -201,18 +280,19 @@ void copyFile(const QString& source, const QString& folder, const QString& name,
     struct stat status = {};
     if (fstat(from, &status) != 0 || !S_ISREG(status.st_mode))
         throw Error(errors::PathFileAccess);
-    const QByteArray inFolder = QFile::encodeName(folder);
-    FileBeside copy(inFolder);
-    copyBytes(from, copy.file(), status.st_size, progress);
+    auto copy = std::make_unique<CopyBeside>(QFile::encodeName(folder), QFile::encodeName(name));
+    const int file = copy->file();
+    if (!copyBytes(from, file, status.st_size, progress))
+        return nullptr;
     // The copy can be read by whoever could read the file, and be written by its owner. Where the file system knows no
     // such permissions, as on many a memory stick, it has its own.
-    static_cast<void>(fchmod(copy.file(), (status.st_mode & 0777) | S_IRUSR | S_IWUSR));
-    if (fsync(copy.file()) != 0)
+    static_cast<void>(fchmod(file, (status.st_mode & 0777) | S_IRUSR | S_IWUSR));
+    // It is as old as the file, too.
+    const std::array dates = {status.st_atim, status.st_mtim};
+    static_cast<void>(futimens(file, dates.data()));
+    if (fsync(file) != 0)
         throwLastError(errors::PathNotFound);
-    copy.keepAs(inFolder + '/' + QFile::encodeName(name));
-    const Descriptor entries(open(inFolder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (entries >= 0)
-        fsync(entries); // the new name, too, outlives a power failure
+    return copy;
 }
 
 } // namespace quillon::platform
