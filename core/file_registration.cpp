@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/extract_string.h"
 #include "app/base/titles.h"
+#include "core/typed_path.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -68,16 +69,17 @@ void writeRows(Session& session, const FileEntry& entry, const QString& fileName
 
 FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Files::Progress& progress)
 {
-    if (!session.files.fileExists(entry.path) || entry.path.endsWith(QDir::separator()))
+    const std::optional<QString> path = fileMeantBy(session.files, entry.path);
+    if (!path)
         return FileRegistration::FileNotFound;
     const QString folder = session.inCurrentFolder(titles::FileFolder);
     if (!session.files.folderExists(folder))
         return FileRegistration::NoFolderForFiles;
-    const QString name = ExtractString(session.reporting, entry.path, QDir::separator());
+    const QString name = ExtractString(session.reporting, *path, QDir::separator());
     checkRow(session, entry, name);
     if (progress && !progress(0, 0))
         return FileRegistration::Cancelled;
-    const std::unique_ptr<StagedCopy> copy = session.files.stageCopy(entry.path, folder, name, progress);
+    const std::unique_ptr<StagedCopy> copy = session.files.stageCopy(*path, folder, name, progress);
     if (!copy)
         return FileRegistration::Cancelled;
     // A copy of a new name stays, whatever becomes of its row. One that replaces another datum's file waits until the

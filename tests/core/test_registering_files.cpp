@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTest>
+#include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -264,6 +265,43 @@ private Q_SLOTS:
         QCOMPARE(copies(), QStringList(u"a.txt"_s));
         QCOMPARE(fileRows(), QStringList());
         QCOMPARE(memberships(), QStringList());
+    }
+
+    void pathMayComeAsItWasCopiedElsewhere_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<bool>("encoded");
+        QTest::newRow("blank at the end") << QString() << u" "_s << false;
+        QTest::newRow("line break at the end") << QString() << u" \r\n"_s << false;
+        QTest::newRow("full-width blank at the end") << QString() << u"\u3000"_s << false;
+        QTest::newRow("quotation marks") << u"\""_s << u"\""_s << false;
+        QTest::newRow("quotation marks and a line break") << u"\""_s << u"\"\n"_s << false;
+        QTest::newRow("single quotation marks") << u"'"_s << u"'"_s << false;
+        QTest::newRow("address") << u"file://"_s << QString() << true;
+        QTest::newRow("address with the computer") << u"file://localhost"_s << QString() << true;
+        QTest::newRow("address in quotation marks") << u"\"FILE://"_s << u"\" "_s << true;
+    }
+
+    void pathMayComeAsItWasCopiedElsewhere()
+    {
+        QFETCH(QString, before);
+        QFETCH(QString, after);
+        QFETCH(bool, encoded);
+        const QString name = u"図 100%20#1?.txt"_s;
+        QString path = write(name, "content");
+        if (encoded)
+            path = QString::fromLatin1(QUrl::toPercentEncoding(path, "/"));
+        QCOMPARE(registerPath(before + path + after), FileRegistration::Registered);
+        QCOMPARE(fileRows(), QStringList({name + u"|F-991231-001|未入力"_s}));
+    }
+
+    void pathAsItStandsGoesBeforeWhatItMayMean()
+    {
+        write(u"a.txt"_s, "without");
+        const QString path = write(u"a.txt "_s, "with a blank");
+        QCOMPARE(registerPath(path), FileRegistration::Registered);
+        QCOMPARE(copied(u"a.txt "_s), QByteArray("with a blank"));
     }
 
     void lockedDatabaseGetsTheFileLater()
