@@ -11,6 +11,8 @@
 #include "store/record_set.h"
 #include "store/session.h"
 
+#include <QScopeGuard>
+
 #include <array>
 
 using namespace Qt::Literals::StringLiterals;
@@ -51,8 +53,12 @@ void ShowRefFile(Session& session, const QString& identifier)
 
 bool RegisterFileAndLink(Session& session, const QString& identifier)
 {
+    // Whatever comes of it, nothing that is chosen afterwards is linked any more.
+    const auto endPendingLink = qScopeGuard([&session] { session.LinkSourceMode = false; });
     const auto kind = QString(data_kinds::file().letter);
     const QString registered = CreateObject_ID(session, kind);
+    if (registered.isEmpty())
+        return false; // why has been told
     DataWindow& window = session.windows.registrationWindow(kind);
     window.setFieldText(1, registered);
     window.showModal();

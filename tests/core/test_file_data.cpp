@@ -341,6 +341,51 @@ private Q_SLOTS:
         QCOMPARE(world->calls.lines().count(u"frmRefFileEntry.showModal"_s), 2);
     }
 
+    void pendingLinkEndsWithTheRegistration_data()
+    {
+        QTest::addColumn<bool>("registers");
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("registered") << true << false;
+        QTest::newRow("cancelled") << false << false;
+        QTest::newRow("failed") << true << true;
+    }
+
+    void pendingLinkEndsWithTheRegistration()
+    {
+        QFETCH(bool, registers);
+        QFETCH(bool, fails);
+        session().windows.registrationWindow(u"F"_s);
+        auto& fake = *world->windows.dataWindows.back();
+        fake.whileModal = [&] {
+            QVERIFY(session().LinkSourceMode);
+            if (registers)
+                TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, fake.fields[1], u"未入力"_s});
+            if (fails)
+                session().RsLink.reset();
+        };
+        session().LinkSourceMode = true;
+        session().LinkSourceID = Water;
+        session().LinkSourceName = u"水"_s;
+        if (fails)
+            QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::ObjectNotSet);
+        else
+            QCOMPARE(RegisterFileAndLink(session(), Water), registers);
+        QVERIFY(!session().LinkSourceMode);
+        // What the console shows of it stays.
+        QCOMPARE(session().LinkSourceID, Water);
+        QCOMPARE(session().LinkSourceName, u"水"_s);
+    }
+
+    void withoutAnIdentifierNothingIsRegistered()
+    {
+        session().RsRefFile.reset();
+        world->dialogs.expect(failureBox(u"ExistCheck"_s, errors::ObjectNotSet));
+        session().LinkSourceMode = true;
+        QVERIFY(!RegisterFileAndLink(session(), Water));
+        QVERIFY(!world->calls.lines().contains(u"frmRefFileEntry.showModal"_s));
+        QVERIFY(!session().LinkSourceMode);
+    }
+
     void failureToLinkGoesToTheCaller()
     {
         session().windows.registrationWindow(u"F"_s);
