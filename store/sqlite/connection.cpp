@@ -145,6 +145,16 @@ std::unique_ptr<Statement> Connection::prepareOwn(const QString& sql)
     return std::make_unique<Statement>(m_handle, sql);
 }
 
+void Connection::watchRows(std::unique_ptr<RowListener> listener)
+{
+    m_handle.setWatch(nullptr);
+    m_watch.reset();
+    if (!listener)
+        return;
+    m_watch = std::make_unique<RowWatch>(m_handle.get(), std::move(listener));
+    m_handle.setWatch(m_watch.get());
+}
+
 qint64 Connection::lastInsertRowid() const
 {
     return sqlite3_last_insert_rowid(m_handle.get());

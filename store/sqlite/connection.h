@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/sqlite/handle.h"
+#include "store/sqlite/row_watch.h"
 
 #include <QString>
 
@@ -53,6 +54,9 @@ public:
     /// Makes `test` callable in SQL under `name` (ASCII). A null text never matches.
     void addPatternTest(const char* name, PatternTest test);
 
+    /// Tells `listener` of every row that is overwritten or deleted from now on. Not while a transaction is open.
+    void watchRows(std::unique_ptr<RowListener> listener);
+
 private:
     friend class Transaction;
     friend class testing::ConnectionHandle;
@@ -61,6 +65,7 @@ private:
     void readSchema(const QString& path);
 
     Handle m_handle;
+    std::unique_ptr<RowWatch> m_watch; // if there is a listener
     struct Cache;
     std::unique_ptr<Cache> m_cache; // goes before the handle
 };

@@ -9,6 +9,8 @@ struct sqlite3;
 namespace quillon::sqlite
 {
 
+class RowWatch;
+
 /// What a connection, its statements and its transactions have in common: SQLite's own handle, and what has become of the
 /// outermost transaction that is open on it.
 class Handle
@@ -42,6 +44,10 @@ public:
     /// To be told how a statement has ended (null: well), which may have ended the open transaction.
     void statementEnded(const Error* failure);
 
+    /// Who is told of the statements and of the parts of transactions; null: nobody.
+    RowWatch* watch() const { return m_watch; }
+    void setWatch(RowWatch* watch) { m_watch = watch; }
+
 private:
     struct OpenTransaction {
         bool mayWrite = false;
@@ -50,6 +56,7 @@ private:
     };
 
     sqlite3* m_handle = nullptr;
+    RowWatch* m_watch = nullptr;
     std::optional<OpenTransaction> m_transaction;
 };
 

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "store/sqlite/errors.h"
 #include "store/sqlite/handle.h"
+#include "store/sqlite/row_watch.h"
 
 #include <sqlite3.h>
 
@@ -74,16 +75,23 @@ bool Statement::step()
 {
     if (m_writes)
         m_handle.checkMayWrite();
+    RowWatch* const watch = m_handle.watch();
+    if (watch != nullptr && m_writes && sqlite3_stmt_busy(m_statement) == 0)
+        watch->writeBegins();
     const int code = sqlite3_step(m_statement);
     if (code == SQLITE_ROW)
         return true;
     if (code == SQLITE_DONE) {
         m_handle.statementEnded(nullptr);
+        if (watch != nullptr)
+            watch->statementEnded();
         return false;
     }
     // The message belongs to the failed step; only afterwards may the statement let go of its locks.
     const Error error = errorOf(m_handle.get(), code);
     sqlite3_reset(m_statement);
+    if (watch != nullptr && m_writes)
+        watch->writeFailed();
     m_handle.statementEnded(&error);
     throw Error(error);
 }

@@ -1,6 +1,7 @@
 #include "store/sqlite/transaction.h"
 
 #include "store/sqlite/connection.h"
+#include "store/sqlite/row_watch.h"
 
 #include <sqlite3.h>
 
@@ -25,6 +26,8 @@ Transaction::Transaction(Connection& connection, Purpose purpose)
     } else if (writes) {
         connection.execute(u"SAVEPOINT part"_s);
         m_role = Role::Part;
+        if (RowWatch* const watch = connection.m_handle.watch())
+            m_watched = watch->partBegins();
     }
 }
 
@@ -44,8 +47,11 @@ void Transaction::commit()
         end();
         throw;
     }
+    RowWatch* const watch = m_connection.m_handle.watch();
     if (std::exchange(m_role, Role::None) == Role::Whole)
         m_connection.m_handle.transactionEnds();
+    else if (watch != nullptr)
+        watch->partEnds(m_watched, RowWatch::Part::Stays);
 }
 
 void Transaction::end() noexcept
@@ -61,6 +67,9 @@ void Transaction::end() noexcept
         sqlite3_exec(m_connection.m_handle.get(),
                      role == Role::Whole ? "ROLLBACK" : "ROLLBACK TO part; RELEASE part", nullptr, nullptr,
                      nullptr);
+    RowWatch* const watch = m_connection.m_handle.watch();
+    if (role == Role::Part && watch != nullptr)
+        watch->partEnds(m_watched, RowWatch::Part::Undone);
 }
 
 } // namespace quillon::sqlite

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 namespace quillon::sqlite
 {
 
@@ -37,7 +39,8 @@ private:
 
     Connection& m_connection;
     Purpose m_purpose;
-    Role m_role = Role::None; // what there is to end
+    Role m_role = Role::None;  // what there is to end
+    std::size_t m_watched = 0; // of a part that is watched: where it began
 };
 
 } // namespace quillon::sqlite

@@ -1,0 +1,157 @@
+#include "store/sqlite/row_watch.h"
+
+#include "store/sqlite/errors.h"
+
+// The header declares the hook only to whoever knows that the library has it.
+#define SQLITE_ENABLE_PREUPDATE_HOOK
+#include <sqlite3.h>
+
+#include <cstring>
+#include <utility>
+
+namespace quillon::sqlite
+{
+
+namespace
+{
+
+bool areEqual(sqlite3_value* a, sqlite3_value* b)
+{
+    if (sqlite3_value_type(a) != sqlite3_value_type(b))
+        return false;
+    switch (sqlite3_value_type(a)) {
+    case SQLITE_NULL:
+        return true;
+    case SQLITE_INTEGER:
+        return sqlite3_value_int64(a) == sqlite3_value_int64(b);
+    case SQLITE_FLOAT: {
+        // By their bits: nothing that reads otherwise may pass for the same.
+        const double values[] = {sqlite3_value_double(a), sqlite3_value_double(b)};
+        return std::memcmp(&values[0], &values[1], sizeof(double)) == 0;
+    }
+    case SQLITE_TEXT: {
+        const void* const first = sqlite3_value_text16(a);
+        const void* const second = sqlite3_value_text16(b);
+        const int bytes = sqlite3_value_bytes16(a);
+        return first != nullptr && second != nullptr && bytes == sqlite3_value_bytes16(b) &&
+               std::memcmp(first, second, static_cast<std::size_t>(bytes)) == 0;
+    }
+    default: {
+        const int bytes = sqlite3_value_bytes(a);
+        return bytes == sqlite3_value_bytes(b) &&
+               (bytes == 0 || std::memcmp(sqlite3_value_blob(a), sqlite3_value_blob(b),
+                                          static_cast<std::size_t>(bytes)) == 0);
+    }
+    }
+}
+
+} // namespace
+
+int OldRow::fieldCount() const
+{
+    return sqlite3_preupdate_count(m_connection);
+}
+
+StoredValue OldRow::field(int index) const
+{
+    sqlite3_value* value = nullptr;
+    check(m_connection, sqlite3_preupdate_old(m_connection, index, &value));
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER:
+        return {.type = StoredValue::Type::Number, .number = sqlite3_value_int64(value)};
+    case SQLITE_FLOAT:
+        return {.type = StoredValue::Type::Real, .real = sqlite3_value_double(value)};
+    case SQLITE_TEXT: {
+        // The text first, its length afterwards: the length is that of the converted text.
+        const void* const units = sqlite3_value_text16(value);
+        const int bytes = sqlite3_value_bytes16(value);
+        if (units == nullptr)
+            throw Error(errors::OutOfMemory);
+        return {.type = StoredValue::Type::Text,
+                .text = {static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t))}};
+    }
+    case SQLITE_BLOB: {
+        const void* const bytes = sqlite3_value_blob(value);
+        return {
+            .type = StoredValue::Type::Bytes,
+            .bytes = {static_cast<const char*>(bytes), bytes == nullptr ? 0 : sqlite3_value_bytes(value)}};
+    }
+    default:
+        return {};
+    }
+}
+
+bool OldRow::changes() const
+{
+    if (m_isDeleted)
+        return true;
+    for (int index = 0; index < fieldCount(); ++index) {
+        sqlite3_value* before = nullptr;
+        sqlite3_value* after = nullptr;
+        check(m_connection, sqlite3_preupdate_old(m_connection, index, &before));
+        check(m_connection, sqlite3_preupdate_new(m_connection, index, &after));
+        if (!areEqual(before, after))
+            return true;
+    }
+    return false;
+}
+
+RowWatch::RowWatch(sqlite3* connection, std::unique_ptr<RowListener> listener)
+    : m_connection(connection), m_listener(std::move(listener))
+{
+    sqlite3_preupdate_hook(connection, beforeChange, this);
+    sqlite3_rollback_hook(connection, rolledBack, this);
+}
+
+RowWatch::~RowWatch()
+{
+    sqlite3_preupdate_hook(m_connection, nullptr, nullptr);
+    sqlite3_rollback_hook(m_connection, nullptr, nullptr);
+}
+
+void RowWatch::beforeChange(void* watch, sqlite3* connection, int operation, const char* database,
+                            const char* table, long long oldRow, long long /*newRow*/)
+{
+    // A row that is new replaces nothing, and what lies in memory for the time of the run is nobody's data.
+    if (operation == SQLITE_INSERT || std::strcmp(database, "main") != 0)
+        return;
+    RowListener& listener = *static_cast<RowWatch*>(watch)->m_listener;
+    // No exception may pass through SQLite.
+    try {
+        const OldRow row(connection, table, oldRow, operation == SQLITE_DELETE);
+        if (row.changes())
+            listener.rowGoes(row);
+    } catch (...) {
+        listener.missed();
+    }
+}
+
+void RowWatch::rolledBack(void* watch)
+{
+    static_cast<RowWatch*>(watch)->m_listener->putBack(0);
+}
+
+void RowWatch::statementEnded()
+{
+    if (m_listener->told() == 0)
+        return;
+    if (sqlite3_get_autocommit(m_connection) != 0)
+        m_listener->durable();
+    else if (m_parts == 0)
+        m_listener->settled();
+}
+
+std::size_t RowWatch::partBegins()
+{
+    ++m_parts;
+    return m_listener->told();
+}
+
+void RowWatch::partEnds(std::size_t began, Part part)
+{
+    --m_parts;
+    if (part == Part::Undone)
+        m_listener->putBack(began);
+}
+
+} // namespace quillon::sqlite
