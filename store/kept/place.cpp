@@ -1,0 +1,101 @@
+#include "store/kept/place.h"
+
+#include "app/base/platform/user_folders.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::kept
+{
+
+namespace
+{
+
+constexpr QFileDevice::Permissions ForTheUserAlone =
+    QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+
+/// The file as its folder names it; also for one that is not there at the moment.
+QString withoutLinks(const QString& path)
+{
+    const QFileInfo info(path);
+    const QString canonical = info.canonicalFilePath();
+    if (!canonical.isEmpty())
+        return canonical;
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    return folder.isEmpty() ? info.absoluteFilePath() : folder + u'/' + info.fileName();
+}
+
+/// What every system accepts as a part of a name, and short enough for what follows.
+QString readableName(const QString& database)
+{
+    constexpr qsizetype Longest = 60; // characters of up to three bytes, of the 255 that a name may have
+    QString name = QFileInfo(database).fileName().left(Longest);
+    const auto isUnfit = [](QChar character) {
+        return character < u' ' || QStringView(u"<>:\"/\\|?*").contains(character);
+    };
+    std::replace_if(name.begin(), name.end(), isUnfit, u'_');
+    return name;
+}
+
+bool makeFolder(const QString& path)
+{
+    return QDir(path).exists() || QDir().mkdir(path, ForTheUserAlone) || QDir(path).exists();
+}
+
+} // namespace
+
+std::optional<QString> keptFolder()
+{
+    const QString named = qEnvironmentVariable("QUILLON_COPIES");
+    if (named == u"off")
+        return std::nullopt;
+    return named.isEmpty() ? platform::userDataFolder() : QDir::current().absoluteFilePath(named);
+}
+
+Place::Place(const QString& keptFolder, const QString& database)
+    : m_keptFolder(keptFolder), m_database(withoutLinks(database))
+{
+    const QByteArray hash = QCryptographicHash::hash(m_database.toUtf8(), QCryptographicHash::Sha256).toHex();
+    constexpr qsizetype Digits = 8;
+    m_folder = keptFolder + u'/' + readableName(m_database) + u'-' + QString::fromLatin1(hash.first(Digits));
+}
+
+QString Place::history() const
+{
+    return m_folder + u"/history"_s;
+}
+
+QString Place::copies() const
+{
+    return m_folder + u"/copies"_s;
+}
+
+QString Place::files() const
+{
+    return m_folder + u"/files"_s;
+}
+
+bool Place::make(const QString& inside) const
+{
+    if (QDir(inside).exists())
+        return true;
+    if (!QDir().mkpath(QFileInfo(m_keptFolder).path()) || !makeFolder(m_keptFolder) ||
+        !makeFolder(m_folder) || !makeFolder(inside))
+        return false;
+    // For whoever finds the folder without the database.
+    QFile about(m_folder + u"/database.json"_s);
+    if (!about.exists() && about.open(QIODevice::WriteOnly | QIODevice::NewOnly,
+                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+        about.write(QJsonDocument(QJsonObject{{u"path"_s, m_database}}).toJson());
+    return true;
+}
+
+} // namespace quillon::kept

@@ -1,0 +1,116 @@
+#include "store/kept/place.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <optional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using kept::Place;
+
+/// Where what is kept for a database lies.
+class TestPlace : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> folder;
+
+    QString kept() const { return folder->filePath(u"kept"_s); }
+    QString fileIn(const QString& name) const
+    {
+        QString path = folder->filePath(name);
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) ? QFileInfo(path).canonicalFilePath() : QString();
+    }
+
+private Q_SLOTS:
+    void init() { folder.emplace(); }
+    void cleanup()
+    {
+        qunsetenv("QUILLON_COPIES");
+        qunsetenv("XDG_DATA_HOME");
+        folder.reset();
+    }
+
+    void theUsersDataFolderIsThePlaceUnlessAnotherIsNamed()
+    {
+        qputenv("XDG_DATA_HOME", "/somewhere/data");
+#ifdef Q_OS_LINUX
+        QCOMPARE(kept::keptFolder(), u"/somewhere/data/quillon"_s);
+#endif
+        qputenv("QUILLON_COPIES", "/elsewhere");
+        QCOMPARE(kept::keptFolder(), u"/elsewhere"_s);
+        qputenv("QUILLON_COPIES", "here");
+        QCOMPARE(kept::keptFolder(), QDir::currentPath() + u"/here"_s);
+    }
+
+    void keepingCanBeSwitchedOff()
+    {
+        qputenv("QUILLON_COPIES", "off");
+        QCOMPARE(kept::keptFolder(), std::nullopt);
+    }
+
+    void aPersonCanReadWhoseFolderItIs()
+    {
+        const QString database = fileIn(u"研究ノート.mdb"_s);
+        const Place place(kept(), database);
+        QVERIFY(QFileInfo(place.folder()).fileName().startsWith(u"研究ノート.mdb-"_s));
+        QVERIFY(place.make(place.history()));
+        QFile about(place.folder() + u"/database.json"_s);
+        QVERIFY(about.open(QIODevice::ReadOnly));
+        QCOMPARE(QJsonDocument::fromJson(about.readAll())[u"path"].toString(), database);
+    }
+
+    void databasesOfTheSameNameHavePlacesOfTheirOwn()
+    {
+        QVERIFY(QDir(folder->path()).mkdir(u"other"_s));
+        const Place one(kept(), fileIn(u"a.mdb"_s));
+        const Place other(kept(), fileIn(u"other/a.mdb"_s));
+        QVERIFY(one.folder() != other.folder());
+    }
+
+    void aLinkLeadsToThePlaceOfItsFile()
+    {
+        const QString database = fileIn(u"a.mdb"_s);
+        const QString link = folder->filePath(u"link.mdb"_s);
+        QVERIFY(QFile::link(database, link));
+        QCOMPARE(Place(kept(), link).folder(), Place(kept(), database).folder());
+    }
+
+    void aLongNameOrOneOfOddCharactersMakesAFolderAllTheSame()
+    {
+        for (const QString& name : {QString(70, u'水') + u".mdb"_s, u"a:b?*\\c.mdb"_s, u"改\n行.mdb"_s}) {
+            const Place place(kept(), folder->filePath(name));
+            QVERIFY2(place.make(place.copies()), qPrintable(name));
+        }
+    }
+
+    void everythingIsForTheUserAlone()
+    {
+        const Place place(kept(), fileIn(u"a.mdb"_s));
+        QVERIFY(place.make(place.files()));
+        constexpr auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ExeGroup |
+                                QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
+        for (const QString& path :
+             {kept(), place.folder(), place.files(), place.folder() + u"/database.json"_s}) {
+            QVERIFY2(QFileInfo::exists(path), qPrintable(path));
+            QVERIFY2((QFileInfo(path).permissions() & others) == QFileDevice::Permissions(),
+                     qPrintable(path));
+        }
+    }
+
+    void aPlaceThatCannotBeMadeIsTold()
+    {
+        const Place place(fileIn(u"a file"_s), fileIn(u"a.mdb"_s));
+        QVERIFY(!place.make(place.history()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPlace)
+#include "test_place.moc"
