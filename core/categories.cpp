@@ -6,10 +6,12 @@
 #include "app/base/ports/main_window_port.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/category_entry.h"
 #include "core/deferred_messages.h"
 #include "core/mode.h"
 #include "store/filter_result.h"
 #include "store/lookup/category_names.h"
+#include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_transaction.h"
@@ -119,18 +121,28 @@ void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& 
     });
 }
 
-void ClassifyManyData(Session& session, const QString& categoryIdentifier, const QStringList& identifiers,
-                      const std::function<void()>& advance)
+std::vector<std::size_t> ClassifyManyData(Session& session, const CategoryRow& category,
+                                          const std::vector<ListedDatum>& data,
+                                          const std::function<void()>& advance)
 {
     Database& database = required(session.RsCategory).database();
     DeferredMessages messages(database);
+    std::vector<std::size_t> gone;
     inWriteTransaction(database, [&] {
-        for (const QString& identifier : identifiers) {
-            ClassifyDatum(session, messages, categoryIdentifier, identifier);
+        requireCategory(session, category);
+        for (std::size_t i = 0; i < data.size(); ++i) {
+            messages.trap(u"ClassifyCategory"_s, [&] {
+                if (isStillThere(session, data[i]))
+                    ClassifyDatum(session, messages, category.identifier, data[i].identifier);
+                else
+                    gone.push_back(i);
+            });
             advance();
         }
     });
     messages.show(session);
+    tellNotFound(session, static_cast<qsizetype>(gone.size()));
+    return gone;
 }
 
 void DeleteParentCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
@@ -148,34 +160,36 @@ void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, co
     memberships->deleteRow();
 }
 
-std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
-                              const QStringList& identifiers)
+void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
+                       const std::vector<ListedDatum>& data)
 {
-    // sic: without the hyphen before the wildcard, so that the category itself matches too.
-    const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
-                                             u"Category_ID Like '"_s + categoryIdentifier + u"*'"_s);
-    QHash<QString, int> filed; // how often a datum is filed there
-    required(memberships).forEachRow({1}, [&](const RecordSet::Row& row) {
-        ++filed[row.text(0).toString()];
-    });
-    QHash<QString, int> wanted; // how often it is to be taken out
-    std::size_t taken = 0;
-    for (const QString& identifier : identifiers) {
-        if (wanted.value(identifier) == filed.value(identifier))
-            break;
-        ++wanted[identifier];
-        ++taken;
+    RecordSet& memberships = required(session.RsCategory);
+    sqlite::Transaction write(memberships.database().connection());
+    qsizetype gone = 0;
+    QHash<QString, int> wanted; // how often a datum is to be taken out
+    {
+        DataNameLookup names(session, static_cast<qint64>(data.size()));
+        for (const ListedDatum& datum : data) {
+            // No identifier with a quote is ever given out, let alone again.
+            if (datum.identifier.contains(u'\'') || names.name(datum.identifier) == datum.name)
+                ++wanted[datum.identifier];
+            else
+                ++gone;
+        }
     }
-    inWriteTransaction(memberships->database(), [&] {
-        memberships->deleteRowsIf({1}, [&](const RecordSet::Row& row) {
+    // sic: without the hyphen before the wildcard, so that the category itself matches too.
+    memberships.filtered(u"Category_ID Like '"_s + categoryIdentifier + u"*'"_s)
+        ->deleteRowsIf({1}, [&](const RecordSet::Row& row) {
             const auto left = wanted.find(row.text(0).toString());
             if (left == wanted.end() || *left == 0)
                 return false;
             --*left;
             return true;
         });
-    });
-    return taken;
+    write.commit();
+    for (const int left : wanted)
+        gone += left;
+    tellNotFound(session, gone);
 }
 
 void deleteMembershipsOf(Session& session, const QString& identifier)
@@ -189,6 +203,13 @@ void DeleteRelationalCategory(Session& session, const QString& identifier)
         deleteAll(required(
             GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s)));
     });
+}
+
+bool HasSubcategories(Session& session, const QString& categoryIdentifier)
+{
+    return required(session.RsCategoryID)
+        .filtered(u"Category_ID Like '"_s + categoryIdentifier + u"-*'"_s)
+        ->hasRows();
 }
 
 bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 mode)
@@ -209,8 +230,10 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
         bool found = false;
         // The memberships first: should anything go wrong, a category without members is left at worst.
         inWriteTransaction(required(memberships).database(), [&] {
-            memberships->deleteEveryRow();
             found = categories.goTo(category_field::Category_ID, categoryIdentifier);
+            if (asks(mode) && name != (found ? categories.field(category_field::Name) : titles::Unknown))
+                throw Error(errors::NoCurrentRecord); // another one by now: it stays, and its members do
+            memberships->deleteEveryRow();
             if (found)
                 categories.deleteRow();
         });

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/listed_datum.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <functional>
+#include <vector>
 
 namespace quillon
 {
@@ -11,6 +13,7 @@ namespace quillon
 class DataWindow;
 class DeferredMessages;
 class Session;
+struct CategoryRow;
 
 /// Fills a data window's category list with the categories of a datum. Failures are reported as "AddCategory".
 void AddCategory(Session& session, DataWindow& window, const QString& identifier);
@@ -23,11 +26,13 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
 void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& categoryIdentifier,
                    const QString& identifier);
 
-/// Files many data in a category, each as ClassifyCategory does, as one durable write. Failures of single ones are
-/// reported when all have had their turn; a failure that undoes everything is not trapped.
-/// `advance` is called once for each of `identifiers`.
-void ClassifyManyData(Session& session, const QString& categoryIdentifier, const QStringList& identifiers,
-                      const std::function<void()>& advance);
+/// Files many data in a category that was asked about, each as ClassifyCategory does, as one durable write. Data that
+/// are gone, or bear another name by now, are passed over. What there is to tell about single ones comes when all have
+/// had their turn; a failure that undoes everything is not trapped, nor is error 3021 when the category is gone.
+/// `advance` is called once for each datum. The places in `data` of those that are gone.
+std::vector<std::size_t> ClassifyManyData(Session& session, const CategoryRow& category,
+                                          const std::vector<ListedDatum>& data,
+                                          const std::function<void()>& advance);
 
 /// Takes a datum out of every ancestor of a category, outermost first. Failures are reported as
 /// "DeleteParentCategory".
@@ -37,19 +42,23 @@ void DeleteParentCategory(Session& session, const QString& categoryIdentifier, c
 void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier);
 
 /// Takes data out of a category, each out of the first of the category and its subcategories in which it is filed; a
-/// datum that is named twice leaves two of them. One durable write. Not trapped.
-/// How many of `identifiers`, from the first on, were taken out: the first that is not filed there ends it.
-std::size_t TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
-                              const QStringList& identifiers);
+/// datum that is named twice leaves two of them. One durable write. Data that are filed nowhere there any more, or bear
+/// another name by now, are passed over and told afterwards. Not trapped.
+void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
+                       const std::vector<ListedDatum>& data);
 
 /// Takes a datum out of every category. Failures are reported as "DeleteRelationalCategory".
 void DeleteRelationalCategory(Session& session, const QString& identifier);
 /// The same as a part of a larger write. Not trapped.
 void deleteMembershipsOf(Session& session, const QString& identifier);
 
+/// Whether there are categories below a category. Not trapped.
+bool HasSubcategories(Session& session, const QString& categoryIdentifier);
+
 /// Deletes a category with the memberships in it; its data stay, and so do its subcategories.
 /// `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.
-/// False when the user cancels or a failure was reported, as "DeleteCategory".
+/// False when the user cancels or a failure was reported, as "DeleteCategory"; it is one when the category that was
+/// asked about is another by then.
 bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 mode);
 
 /// Lets the user choose one of the main window's categories and files a datum in it. Not trapped: error 35600 when

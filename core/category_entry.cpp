@@ -1,8 +1,10 @@
 #include "core/category_entry.h"
 
 #include "app/base/error.h"
+#include "app/base/ports/data_window.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/sqlite/connection.h"
 
 #include <limits>
 
@@ -24,24 +26,44 @@ QString newCategoryIdentifier(const QString& beginning, const std::function<bool
     throw Error(errors::Overflow);
 }
 
-void RegisterCategory(Session& session, const QString& categoryIdentifier, const QString& name)
+void RegisterCategory(Session& session, const QString& categoryIdentifier, const QString& name,
+                      const CategoryRow* parent)
 {
     RecordSet& categories = required(session.RsCategoryID);
+    sqlite::Transaction write(categories.database().connection());
+    if (parent != nullptr)
+        requireCategory(session, *parent);
     categories.addNew();
     categories.setField(category_field::Category_ID, categoryIdentifier);
     categories.setField(category_field::Name, name);
     categories.update();
+    write.commit();
 }
 
-void RenameCategory(Session& session, const QString& categoryIdentifier, const QString& name)
+void RenameCategory(Session& session, const CategoryRow& category, const QString& name)
+{
+    RecordSet& categories = required(session.RsCategoryID);
+    sqlite::Transaction write(categories.database().connection());
+    requireCategory(session, category);
+    categories.edit();
+    categories.setField(category_field::Category_ID, category.identifier);
+    categories.setField(category_field::Name, name);
+    categories.update();
+    write.commit();
+}
+
+CategoryRow presentCategory(Session& session, const QString& categoryIdentifier)
 {
     RecordSet& categories = required(session.RsCategoryID);
     if (!categories.goTo(category_field::Category_ID, categoryIdentifier))
         throw Error(errors::NoCurrentRecord);
-    categories.edit();
-    categories.setField(category_field::Category_ID, categoryIdentifier);
-    categories.setField(category_field::Name, name);
-    categories.update();
+    return {.name = categories.field(category_field::Name), .identifier = categoryIdentifier};
+}
+
+void requireCategory(Session& session, const CategoryRow& asked)
+{
+    if (presentCategory(session, asked.identifier).name != asked.name)
+        throw Error(errors::NoCurrentRecord);
 }
 
 } // namespace quillon

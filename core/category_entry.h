@@ -8,6 +8,7 @@ namespace quillon
 {
 
 class Session;
+struct CategoryRow;
 
 /// The first free identifier for a new category: `beginning` (the parent's identifier and a hyphen, nothing at the top
 /// level) and a letter from "A" upwards, or one of the codes that follow "Z". Error 6 when there is none.
@@ -15,9 +16,18 @@ QString newCategoryIdentifier(const QString& beginning, const std::function<bool
 
 /// Adds a category. Not trapped: errors 3022 for an identifier that is taken, 3163 for a name of more than 50
 /// characters.
-void RegisterCategory(Session& session, const QString& categoryIdentifier, const QString& name);
+/// `parent`: the category that was asked about, nothing for one of the top level; error 3021 when it is gone.
+void RegisterCategory(Session& session, const QString& categoryIdentifier, const QString& name,
+                      const CategoryRow* parent = nullptr);
 
 /// Gives a category another name. Not trapped: errors 3021 when there is no such category, 3163 as above.
-void RenameCategory(Session& session, const QString& categoryIdentifier, const QString& name);
+void RenameCategory(Session& session, const CategoryRow& category, const QString& name);
+
+/// A category under its present name, as a question names it. Not trapped: error 3021 when there is none.
+CategoryRow presentCategory(Session& session, const QString& categoryIdentifier);
+
+/// Sees that a category is still the one that was asked about. Error 3021 when it is gone or another has its identifier.
+/// Moves the cursor to it.
+void requireCategory(Session& session, const CategoryRow& asked);
 
 } // namespace quillon

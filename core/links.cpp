@@ -5,6 +5,7 @@
 #include "app/base/ports/link_list_window.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/listed_datum.h"
 #include "core/mode.h"
 #include "store/data_kinds.h"
 #include "store/filter_result.h"
@@ -75,23 +76,52 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
     return linked;
 }
 
-bool DeleteLink(Session& session, const QString& a, const QString& b)
+namespace
+{
+
+/// `require`: sees that the data are those that are meant, in the write that deletes their link.
+template <class Require>
+bool deleteLink(Session& session, const QString& a, const QString& b, Require&& require)
 {
     bool done = false;
     guarded(session.reporting, u"DeleteLink"_s, [&] {
-        const auto deleteFirst = [](RecordSet& links) {
-            if (links.recordCount() > 0) {
-                links.moveFirst();
-                links.deleteRow();
-            }
-        };
-        deleteFirst(required(linksOneWay(session, a, b)));
-        deleteFirst(required(linksOneWay(session, b, a)));
+        const auto there = linksOneWay(session, a, b);
+        const qint64 countThere = required(there).recordCount();
+        const auto back = linksOneWay(session, b, a);
+        if (countThere + required(back).recordCount() > 0) {
+            inWriteTransaction(there->database(), [&] {
+                require();
+                for (RecordSet* links : {there.get(), back.get()}) {
+                    if (links->recordCount() > 0) {
+                        links->moveFirst();
+                        links->deleteRow();
+                    }
+                }
+            });
+        }
         session.dialogs.messageBox({.text = u"<"_s + GetDataName(session, a) + u"> と <"_s +
                                             GetDataName(session, b) + u"> のリンクを削除しました。"_s});
         done = true;
     });
     return done;
+}
+
+} // namespace
+
+bool DeleteLink(Session& session, const QString& a, const QString& b)
+{
+    return deleteLink(session, a, b, [] {});
+}
+
+bool DeleteLink(Session& session, const ListedDatum& a, const ListedDatum& b)
+{
+    return deleteLink(session, a.identifier, b.identifier, [&] {
+        DataNameLookup names(session);
+        for (const ListedDatum& datum : {a, b}) {
+            if (names.name(datum.identifier) != datum.name)
+                throw Error(errors::NoCurrentRecord);
+        }
+    });
 }
 
 void deleteLinksOf(Session& session, const QString& identifier)

@@ -7,6 +7,7 @@ namespace quillon
 
 class DataWindow;
 class Session;
+struct ListedDatum;
 
 /// Links two data unless they are linked already, in either direction; a datum may be linked to itself.
 /// `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.
@@ -16,6 +17,9 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
 /// Deletes the link between two data in both directions and always tells so, without asking.
 /// True unless a failure was reported, as "DeleteLink".
 bool DeleteLink(Session& session, const QString& a, const QString& b);
+
+/// The same for two data that a question has named: error 3021, reported as above, when one of them is another by now.
+bool DeleteLink(Session& session, const ListedDatum& a, const ListedDatum& b);
 
 /// Deletes every link of a datum without a word. Failures are reported as "DeleteRelationalLink".
 void DeleteRelationalLink(Session& session, const QString& identifier);

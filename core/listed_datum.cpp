@@ -2,12 +2,26 @@
 
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
+#include "store/data_kinds.h"
+#include "store/lookup/data_names.h"
+#include "store/record_set.h"
 #include "store/session.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+ListedDatum presentDatum(Session& session, const QString& identifier)
+{
+    return {.identifier = identifier, .name = GetDataName(session, identifier)};
+}
+
+bool isStillThere(Session& session, const ListedDatum& datum)
+{
+    RecordSet& rows = required(session.*kindForNames(datum.identifier).recordSet);
+    return rows.goTo(data_field::Object_ID, datum.identifier) && rows.field(data_field::Name) == datum.name;
+}
 
 void tellNotFound(Session& session, qsizetype count)
 {

@@ -13,6 +13,13 @@ struct ListedDatum {
     QString name;
 };
 
+/// A datum under its present name, as a question names it: what a list shows may be older. A failure to read the name is
+/// reported as "GetDataName".
+ListedDatum presentDatum(Session& session, const QString& identifier);
+
+/// Whether there is such a datum and it is still the one that was seen. Not trapped. Moves the cursor of its table.
+bool isStillThere(Session& session, const ListedDatum& datum);
+
 /// Tells that so many data were not there any more; nothing for none.
 void tellNotFound(Session& session, qsizetype count);
 

@@ -368,6 +368,32 @@ private Q_SLOTS:
         QCOMPARE(links(), QStringList({u"M-991231-002|M-991231-001"_s}));
     }
 
+    void questionNamesTheDataAsTheyAreCalledWhenItAsks()
+    {
+        showThreeLinks();
+        session().OpenDb->connection().execute(u"UPDATE Main SET Name = '湯' WHERE Name = '水'"_s);
+        selectRow(list(), 0);
+        world->dialogs.expect(question(u"水の本"_s, u"湯"_s), Answer::No);
+        button().click();
+        QCOMPARE(links().size(), 3);
+    }
+
+    void linkOfADatumThatIsAnotherByTheAnswerIsKept()
+    {
+        showThreeLinks();
+        selectRow(list(), 0);
+        world->dialogs.expect(question(u"水の本"_s, u"水"_s), Answer::Yes);
+        world->dialogs.meanwhile([&] {
+            Database::open(session().OpenDb->path())
+                ->connection()
+                .execute(u"UPDATE Main SET Name = '別' WHERE Name = '水'"_s);
+        });
+        world->dialogs.expect(failureBox(u"DeleteLink"_s, errors::NoCurrentRecord));
+        button().click();
+        QCOMPARE(links().size(), 3);
+        QCOMPARE(rows().first(), u"水の本|文献|別|定義|R-991231-001|M-991231-001"_s); // listed anew
+    }
+
     void lockedDatabaseKeepsTheLink()
     {
         showThreeLinks();

@@ -38,6 +38,17 @@ private:
     Database& database() { return *world->session.OpenDb; }
     QStringList categories() { return TestWorld::rowsOf(session().RsCategoryID); }
     QStringList memberships() { return TestWorld::rowsOf(session().RsCategory); }
+    /// A datum as a list shows one whose row is missing.
+    static ListedDatum seen(const QString& identifier)
+    {
+        return {.identifier = identifier, .name = u"不明"_s};
+    }
+    static MessageBox notFound(int count)
+    {
+        return {.text = u"指定されたデータが見つかりませんでした。"_s +
+                        (count > 1 ? u"\r\n(%1 件)"_s.arg(count) : QString()),
+                .title = u"Quillon データ調査分析部"_s};
+    }
     void executeElsewhere(const QString& sql) { Database::open(path)->connection().execute(sql); }
 
 private Q_SLOTS:
@@ -285,34 +296,77 @@ private Q_SLOTS:
     {
         // The membership in another category stands before the one that counts.
         const WriteCounter writes(database());
-        QCOMPARE(TakeOutOfCategory(session(), u"A"_s, {Water, Ice}), 2U);
+        TakeOutOfCategory(session(), u"A"_s, {seen(Water), seen(Ice)});
         QCOMPARE(writes.count, 1);
         QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s}));
     }
 
     void datumNamedTwiceLeavesTwoOfThem()
     {
-        QCOMPARE(TakeOutOfCategory(session(), u"A"_s, {Water, Water}), 2U);
+        TakeOutOfCategory(session(), u"A"_s, {seen(Water), seen(Water)});
         QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A|M-991231-002"_s}));
     }
 
-    void firstDatumThatIsNotFiledThereEndsTheWork()
+    void dataThatAreNotFiledThereArePassedOver()
     {
-        QCOMPARE(TakeOutOfCategory(session(), u"B"_s, {Water, Ice, Water}), 1U);
+        world->dialogs.expect(notFound(2)); // Water is filed there once only
+        TakeOutOfCategory(session(), u"B"_s, {seen(Ice), seen(Water), seen(Water)});
         QCOMPARE(memberships(),
                  QStringList({u"A|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
-        QCOMPARE(TakeOutOfCategory(session(), u"B"_s, {}), 0U);
-        QCOMPARE(TakeOutOfCategory(session(), u"Z"_s, {Ice}), 0U);
+        TakeOutOfCategory(session(), u"B"_s, {});
+        world->dialogs.expect(notFound(1));
+        TakeOutOfCategory(session(), u"Z"_s, {seen(Ice)});
         QCOMPARE(memberships().size(), 3);
+    }
+
+    void dataThatBearAnotherNameByNowArePassedOver()
+    {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
+        world->dialogs.expect(notFound(1));
+        TakeOutOfCategory(session(), u"A"_s, {{.identifier = Water, .name = u"湯"_s}, seen(Ice)});
+        QCOMPARE(memberships(),
+                 QStringList({u"B|M-991231-001"_s, u"A|M-991231-001"_s, u"A-A|M-991231-001"_s}));
     }
 
     void failuresToTakeDataOutGoToTheCaller()
     {
-        world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
-        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A'"_s, {Water}); }), errors::ObjectNotSet);
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A'"_s, {seen(Water)}); }),
+                 errors::CriteriaSyntax);
         const ForeignLock lock(database(), ForeignLock::Kind::Reading);
-        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A"_s, {Water}); }), errors::Locked);
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A"_s, {seen(Water)}); }), errors::Locked);
         QCOMPARE(memberships().size(), 4);
+    }
+
+    void categoryThatIsAnotherByTheAnswerIsKept_data()
+    {
+        QTest::addColumn<QString>("meanwhile");
+        QTest::newRow("renamed") << u"UPDATE Category_ID SET Name = '別' WHERE Category_ID = 'A'"_s;
+        QTest::newRow("deleted and registered again") << u"DELETE FROM Category_ID WHERE Category_ID = 'A'; "
+                                                         u"INSERT INTO Category_ID VALUES ('A', '別')"_s;
+    }
+
+    void categoryThatIsAnotherByTheAnswerIsKept()
+    {
+        QFETCH(QString, meanwhile);
+        world->dialogs.expect(Question);
+        world->dialogs.meanwhile([&] {
+            for (const QString& statement : meanwhile.split(u"; "_s))
+                executeElsewhere(statement);
+        });
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, errors::NoCurrentRecord));
+        QVERIFY(!DeleteCategory(session(), u"A"_s, 1));
+        QVERIFY(categories().contains(u"A|別"_s));
+        QCOMPARE(memberships().size(), 4);
+    }
+
+    void categoryRegisteredSinceItWasAskedAboutAsUnknownIsKept()
+    {
+        world->dialogs.expect(
+            {.text = u"<不明> を削除しますか。"_s, .title = u"Quillon"_s, .buttons = Buttons::OkCancel});
+        world->dialogs.meanwhile([&] { executeElsewhere(u"INSERT INTO Category_ID VALUES ('C', '新')"_s); });
+        world->dialogs.expect(failureBox(u"DeleteCategory"_s, errors::NoCurrentRecord));
+        QVERIFY(!DeleteCategory(session(), u"C"_s, 1));
+        QCOMPARE(categories().size(), 4);
     }
 };
 

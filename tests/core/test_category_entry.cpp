@@ -1,4 +1,5 @@
 // Adding and renaming categories, without a window.
+#include "app/base/ports/data_window.h"
 #include "core/category_entry.h"
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
@@ -19,6 +20,11 @@ private:
     std::unique_ptr<TestWorld> world;
 
     QStringList categories() { return TestWorld::rowsOf(world->session.RsCategoryID); }
+    /// Renames a category that is asked about under its present name.
+    void rename(const QString& identifier, const QString& name)
+    {
+        RenameCategory(world->session, presentCategory(world->session, identifier), name);
+    }
     static QString firstFree(const QString& beginning, const QStringList& taken)
     {
         return newCategoryIdentifier(beginning,
@@ -51,9 +57,8 @@ private Q_SLOTS:
     void nameOfMoreThanFiftyCharactersIsRefused()
     {
         const QString fits(50, u'名');
-        RenameCategory(world->session, u"A"_s, fits);
-        QCOMPARE(errorOf([&] { RenameCategory(world->session, u"A-A"_s, fits + u'名'); }),
-                 errors::FieldTooSmall);
+        rename(u"A"_s, fits);
+        QCOMPARE(errorOf([&] { rename(u"A-A"_s, fits + u'名'); }), errors::FieldTooSmall);
         QCOMPARE(errorOf([&] { RegisterCategory(world->session, u"B"_s, fits + u'名'); }),
                  errors::FieldTooSmall);
         QCOMPARE(categories(), QStringList({u"A|"_s + fits, u"A-A|水"_s}));
@@ -61,15 +66,33 @@ private Q_SLOTS:
 
     void renamingChangesNothingElse()
     {
-        RenameCategory(world->session, u"A-A"_s, u"'海' <洋>"_s);
+        rename(u"A-A"_s, u"'海' <洋>"_s);
         QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|'海' <洋>"_s}));
     }
 
     void missingCategoryIsNotRenamedAndNoOtherInItsPlace()
     {
         world->session.RsCategoryID->moveFirst();
-        QCOMPARE(errorOf([&] { RenameCategory(world->session, u"B"_s, u"新"_s); }), errors::NoCurrentRecord);
+        QCOMPARE(errorOf([&] { rename(u"B"_s, u"新"_s); }), errors::NoCurrentRecord);
         QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|水"_s}));
+    }
+
+    void categoryWithTheIdentifierOfTheOneAskedAboutIsLeftAlone()
+    {
+        const CategoryRow asked = presentCategory(world->session, u"A-A"_s);
+        rename(u"A-A"_s, u"海"_s);
+        QCOMPARE(errorOf([&] { requireCategory(world->session, asked); }), errors::NoCurrentRecord);
+        QCOMPARE(errorOf([&] { RenameCategory(world->session, asked, u"新"_s); }), errors::NoCurrentRecord);
+        QCOMPARE(errorOf([&] { RegisterCategory(world->session, u"A-A-A"_s, u"新"_s, &asked); }),
+                 errors::NoCurrentRecord);
+        QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|海"_s}));
+    }
+
+    void categoryIsRegisteredBelowTheOneAskedAbout()
+    {
+        const CategoryRow asked = presentCategory(world->session, u"A-A"_s);
+        RegisterCategory(world->session, u"A-A-A"_s, u"海"_s, &asked);
+        QCOMPARE(categories().last(), u"A-A-A|海"_s);
     }
 
     void lockedDatabaseKeepsEveryName()
@@ -77,10 +100,10 @@ private Q_SLOTS:
         {
             const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
             QCOMPARE(errorOf([&] { RegisterCategory(world->session, u"B"_s, u"人"_s); }), errors::Locked);
-            QCOMPARE(errorOf([&] { RenameCategory(world->session, u"A"_s, u"新"_s); }), errors::Locked);
+            QCOMPARE(errorOf([&] { rename(u"A"_s, u"新"_s); }), errors::Locked);
         }
         QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|水"_s}));
-        RenameCategory(world->session, u"A"_s, u"新"_s); // nothing is left of the attempts
+        rename(u"A"_s, u"新"_s); // nothing is left of the attempts
         QCOMPARE(categories().first(), u"A|新"_s);
     }
 
@@ -88,7 +111,7 @@ private Q_SLOTS:
     {
         world->session.RsCategoryID.reset();
         QCOMPARE(errorOf([&] { RegisterCategory(world->session, u"B"_s, u"人"_s); }), errors::ObjectNotSet);
-        QCOMPARE(errorOf([&] { RenameCategory(world->session, u"A"_s, u"新"_s); }), errors::ObjectNotSet);
+        QCOMPARE(errorOf([&] { rename(u"A"_s, u"新"_s); }), errors::ObjectNotSet);
     }
 
     void firstFreeLetterIsTaken()

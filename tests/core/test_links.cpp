@@ -1,4 +1,5 @@
 #include "core/links.h"
+#include "core/listed_datum.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
@@ -282,6 +283,26 @@ private Q_SLOTS:
         // Where there is nothing to delete, nothing is in the way.
         world->dialogs.expect({.text = u"<水> と <氷> のリンクを削除しました。"_s, .title = u"Quillon"_s});
         QVERIFY(DeleteLink(session(), Water, Ice));
+        QCOMPARE(links().size(), 1);
+    }
+
+    void linkOfDataThatAreOthersByNowIsKept_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("target");
+        QTest::newRow("the one") << u"湯"_s << u"水の本"_s;
+        QTest::newRow("the other") << u"水"_s << u"本"_s;
+        QTest::newRow("gone when it was asked about") << u"不明"_s << u"水の本"_s;
+    }
+
+    void linkOfDataThatAreOthersByNowIsKept()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, target);
+        addLink(Water, Book);
+        world->dialogs.expect(failureBox(u"DeleteLink"_s, errors::NoCurrentRecord));
+        QVERIFY(!DeleteLink(session(), {.identifier = Water, .name = source},
+                            {.identifier = Book, .name = target}));
         QCOMPARE(links().size(), 1);
     }
 

@@ -148,6 +148,8 @@ private Q_SLOTS:
         expectQuestion(TopLevelQuestion, Answer::Ok);
         expectName(fits + u'名');
         expectFailure(u"mnuCategoryEntry_Click"_s, errors::FieldTooSmall);
+        world->dialogs.expect(InputBox{.prompt = NameWanted, .content = fits + u'名'}, std::nullopt);
+        expectNotice(NameWanted);
         chooseEntry(u"mnuCategoryEntry"_s);
         QCOMPARE(categories().size(), 5);
         QCOMPARE(window->nodeCount(), 14);
@@ -162,6 +164,8 @@ private Q_SLOTS:
             expectQuestion(TopLevelQuestion, Answer::Ok);
             expectName(u"丙"_s);
             expectFailure(u"mnuCategoryEntry_Click"_s, errors::Locked);
+            world->dialogs.expect(InputBox{.prompt = NameWanted, .content = u"丙"_s}, std::nullopt);
+            expectNotice(NameWanted);
             chooseEntry(u"mnuCategoryEntry"_s);
         }
         QCOMPARE(categories().size(), 4);
@@ -208,30 +212,31 @@ private Q_SLOTS:
         QCOMPARE(nodeTexts().first(), u"A=甲"_s);
     }
 
-    void renamingThatFailsKeepsRowAndNode_data()
+    void renamingThatFailsKeepsRowNodeAndWhatWasTyped_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("meanwhile");
         QTest::addColumn<qint32>("number");
         QTest::newRow("too long") << QString(51, u'名') << QString() << errors::FieldTooSmall;
-        QTest::newRow("row missing") << u"新"_s << u"DELETE FROM Category_ID WHERE Category_ID = 'A'"_s
-                                     << errors::NoCurrentRecord;
         QTest::newRow("table missing") << u"新"_s << u"DROP TABLE Category_ID"_s << errors::TableNotFound;
     }
 
-    void renamingThatFailsKeepsRowAndNode()
+    void renamingThatFailsKeepsRowNodeAndWhatWasTyped()
     {
         QFETCH(QString, name);
         QFETCH(QString, meanwhile);
         QFETCH(qint32, number);
         select(u"A"_s);
-        if (!meanwhile.isEmpty())
-            Database::open(database().path())->connection().execute(meanwhile);
         const bool tableIsThere = number != errors::TableNotFound;
-        const QStringList before = tableIsThere ? categories() : QStringList();
+        const QStringList before = categories();
         expectQuestion(u"カテゴリ：甲の名称を変更しますか。"_s, Answer::Ok);
+        if (!meanwhile.isEmpty())
+            world->dialogs.meanwhile(
+                [&] { Database::open(database().path())->connection().execute(meanwhile); });
         expectNewName(u"甲"_s, name);
         expectPlainFailure(number);
+        expectNewName(name, std::nullopt);
+        expectNotice(u"カテゴリ名が入力されていません。"_s);
         chooseEntry(u"mnuCategoryRename"_s);
         QVERIFY(world->eventLog.lines.last().contains(
             u"LOCATION : mnuCategoryRename_Click, ErrorNumber : %1,"_s.arg(number)));
@@ -247,6 +252,97 @@ private Q_SLOTS:
         QCOMPARE(categories().size(), before.size());
     }
 
+    void nameThatWasTooLongCanBeShortened()
+    {
+        const QString tooLong = QString(50, u'名') + u"前"_s;
+        select(u"A"_s);
+        expectQuestion(u"カテゴリ：甲の名称を変更しますか。"_s, Answer::Ok);
+        expectNewName(u"甲"_s, tooLong);
+        expectPlainFailure(errors::FieldTooSmall);
+        expectNewName(tooLong, tooLong + u"後"_s);
+        expectPlainFailure(errors::FieldTooSmall);
+        expectNewName(tooLong + u"後"_s, tooLong.left(50));
+        chooseEntry(u"mnuCategoryRename"_s);
+        QCOMPARE(categories().first(), u"A|"_s + tooLong.left(50));
+        QCOMPARE(nodeTexts().first(), u"A="_s + tooLong.left(50));
+
+        expectQuestion(tooLong.left(50) + u"の下に新規のカテゴリを登録しますか。"_s, Answer::Ok);
+        expectName(tooLong);
+        expectFailure(u"mnuCategoryEntry_Click"_s, errors::FieldTooSmall);
+        world->dialogs.expect(InputBox{.prompt = NameWanted, .content = tooLong}, u"短い名"_s);
+        chooseEntry(u"mnuCategoryEntry"_s);
+        QCOMPARE(categories().last(), u"A-C|短い名"_s);
+        QCOMPARE(nodeTexts().last(), u"A-C=短い名"_s);
+    }
+
+    void categoryThatIsGoneIsNeitherRenamedNorGivenOnesBelow_data()
+    {
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<QString>("sql");
+        const QString gone = u"DELETE FROM Category_ID WHERE Category_ID = 'B'"_s;
+        QTest::newRow("before the question") << false << gone;
+        QTest::newRow("before the answer") << true << gone;
+        QTest::newRow("another has its identifier")
+            << true << u"UPDATE Category_ID SET Name = '別' WHERE Category_ID = 'B'"_s;
+    }
+
+    void categoryThatIsGoneIsNeitherRenamedNorGivenOnesBelow()
+    {
+        QFETCH(bool, asked);
+        QFETCH(QString, sql);
+        const auto change = [&] { Database::open(database().path())->connection().execute(sql); };
+        const auto restore = [&] {
+            database().connection().execute(u"INSERT OR REPLACE INTO Category_ID VALUES ('B', '乙')"_s);
+        };
+        select(u"B"_s);
+        if (asked) {
+            expectQuestion(u"カテゴリ：乙の名称を変更しますか。"_s, Answer::Ok);
+            world->dialogs.meanwhile(change);
+            expectNewName(u"乙"_s, u"新"_s);
+        } else {
+            change();
+        }
+        expectPlainFailure(errors::NoCurrentRecord);
+        chooseEntry(u"mnuCategoryRename"_s);
+        restore();
+        if (asked) {
+            expectQuestion(u"乙の下に新規のカテゴリを登録しますか。"_s, Answer::Ok);
+            world->dialogs.meanwhile(change);
+            expectName(u"新"_s);
+        } else {
+            change();
+        }
+        expectFailure(u"mnuCategoryEntry_Click"_s, errors::NoCurrentRecord);
+        chooseEntry(u"mnuCategoryEntry"_s);
+        QVERIFY(!categories().contains(u"B|新"_s));
+        QVERIFY(!categories().contains(u"B-A|新"_s));
+        QCOMPARE(nodeTexts().last(), u"B=乙"_s);
+    }
+
+    void questionsNameTheCategoryAsItIsCalledWhenTheyAsk()
+    {
+        select(u"B"_s);
+        database().connection().execute(u"UPDATE Category_ID SET Name = '丁' WHERE Category_ID = 'B'"_s);
+        expectQuestion(u"丁の下に新規のカテゴリを登録しますか。"_s, Answer::Cancel);
+        chooseEntry(u"mnuCategoryEntry"_s);
+        expectQuestion(u"<丁> を削除しますか。"_s, Answer::Cancel);
+        chooseEntry(u"mnuCategoryDelete"_s);
+        expectQuestion(u"カテゴリ：丁の名称を変更しますか。"_s, Answer::Ok);
+        expectNewName(u"丁"_s, u"戊"_s);
+        chooseEntry(u"mnuCategoryRename"_s);
+        QCOMPARE(categories().last(), u"B|戊"_s);
+        QCOMPARE(nodeTexts().last(), u"B=戊"_s);
+    }
+
+    void categoryToWhichAnotherProgramGaveOneBelowIsKept()
+    {
+        select(u"B"_s);
+        database().connection().execute(u"INSERT INTO Category_ID VALUES ('B-A', '子')"_s);
+        expectNotice(u"サブカテゴリが存在します。先にサブカテゴリを削除して下さい。"_s);
+        chooseEntry(u"mnuCategoryDelete"_s);
+        QCOMPARE(categories().size(), 5);
+    }
+
     void lockedDatabaseRenamesNothing()
     {
         select(u"A"_s);
@@ -255,6 +351,8 @@ private Q_SLOTS:
             expectQuestion(u"カテゴリ：甲の名称を変更しますか。"_s, Answer::Ok);
             expectNewName(u"甲"_s, u"新"_s);
             expectPlainFailure(errors::Locked);
+            expectNewName(u"新"_s, std::nullopt);
+            expectNotice(u"カテゴリ名が入力されていません。"_s);
             chooseEntry(u"mnuCategoryRename"_s);
         }
         QCOMPARE(categories().first(), u"A|甲"_s);

@@ -156,13 +156,100 @@ private Q_SLOTS:
         QCOMPARE(memberships(), before);
     }
 
-    void withoutASelectionNothingIsFiled()
+    void datumThatIsNotSelectedIsFiledAlone_data()
     {
-        const QStringList before = memberships();
-        list->clearSelection();
+        QTest::addColumn<std::vector<int>>("selected");
+        QTest::newRow("nothing selected") << std::vector<int>{};
+        QTest::newRow("another one selected") << std::vector<int>{0};
+        QTest::newRow("several others selected") << std::vector<int>{0, 1, 3};
+    }
+
+    void datumThatIsNotSelectedIsFiledAlone()
+    {
+        // One that is dragged from the search results, for instance.
+        QFETCH(std::vector<int>, selected);
+        selectRows(selected);
         expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
         dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
-        QCOMPARE(memberships(), before);
+        QCOMPARE(memberships().mid(4), QStringList(u"B|M-991231-003"_s));
+        QCOMPARE(list->selectedRows(), selected);
+        expectQuestion(u"[ 論文 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok); // not even listed
+        dropText(u"R-991231-001"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().mid(5), QStringList(u"B|R-991231-001"_s));
+        QCOMPARE(rows().size(), 5);
+    }
+
+    void questionReadsBothNamesWhenItAsks()
+    {
+        database().connection().execute(u"UPDATE Main SET Name = '砂' WHERE Name = '土'"_s);
+        database().connection().execute(u"UPDATE Category_ID SET Name = '丁' WHERE Name = '乙'"_s);
+        selectRows({2});
+        expectQuestion(u"[ 砂 ] を[ 丁 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
+        selectRows({2, 3});
+        expectQuestion(u"選択された複数のデータを [ 丁 ] に分類してもよろしいですか。"_s, Answer::Cancel);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+    }
+
+    void dataThatAreGoneOrOthersByNowArePassedOverAndToldOnce()
+    {
+        database().connection().execute(u"DELETE FROM Main WHERE Name = '火'"_s);
+        database().connection().execute(u"UPDATE Main SET Name = '砂' WHERE Name = '土'"_s);
+        selectRows({1, 2, 3});
+        expectQuestion(SeveralQuestion, Answer::Ok);
+        expectNotice(u"指定されたデータが見つかりませんでした。\r\n(2 件)"_s, u"Quillon データ調査分析部"_s);
+        dropText(u"M-991231-004"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().mid(4), QStringList(u"B|M-991231-004"_s));
+        QCOMPARE(names(), QStringList({u"水"_s, u"金"_s, u"木"_s}));
+    }
+
+    void datumThatIsAnotherByTheAnswerIsNotFiled()
+    {
+        selectRows({2});
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        world->dialogs.meanwhile([&] {
+            const auto other = Database::open(database().path());
+            other->connection().execute(u"DELETE FROM Main WHERE Name = '土'"_s);
+            other->connection().execute(u"INSERT INTO Main VALUES ('別', 'M-991231-003', '')"_s);
+        });
+        expectNotice(u"指定されたデータが見つかりませんでした。"_s, u"Quillon データ調査分析部"_s);
+        dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+        QCOMPARE(memberships().size(), 4);
+        QCOMPARE(names(), QStringList({u"水"_s, u"火"_s, u"金"_s, u"木"_s}));
+    }
+
+    void nothingIsFiledInACategoryThatIsGone_data()
+    {
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<QString>("sql");
+        const QString gone = u"DELETE FROM Category_ID WHERE Category_ID = 'B'"_s;
+        QTest::newRow("before the question") << false << gone;
+        QTest::newRow("before the answer") << true << gone;
+        QTest::newRow("another has its identifier")
+            << true << u"UPDATE Category_ID SET Name = '別' WHERE Category_ID = 'B'"_s;
+    }
+
+    void nothingIsFiledInACategoryThatIsGone()
+    {
+        QFETCH(bool, asked);
+        QFETCH(QString, sql);
+        const auto change = [&] { Database::open(database().path())->connection().execute(sql); };
+        for (const bool several : {false, true}) {
+            selectRows(several ? std::vector<int>{2, 3} : std::vector<int>{2});
+            if (asked) {
+                database().connection().execute(u"INSERT OR REPLACE INTO Category_ID VALUES ('B', '乙')"_s);
+                expectQuestion(several ? SeveralQuestion : u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s,
+                               Answer::Ok);
+                world->dialogs.meanwhile(change);
+            } else {
+                change();
+            }
+            expectFailure(u"DeleteData"_s, errors::NoCurrentRecord); // sic: under the name of deleting
+            dropText(u"M-991231-003"_s, nodeAt(u"B"_s));
+            QCOMPARE(memberships().size(), 4);
+            QCOMPARE(rows().size(), 5);
+        }
     }
 
     void unknownIdentifierIsAskedAboutAsUnknown()

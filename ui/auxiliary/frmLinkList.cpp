@@ -3,6 +3,7 @@
 #include "app/base/ports/dialogs.h"
 #include "core/data_records.h"
 #include "core/links.h"
+#include "core/listed_datum.h"
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
@@ -22,7 +23,6 @@ namespace quillon
 namespace
 {
 
-constexpr int TargetNameColumn = 2;
 constexpr int SourceIdentifierColumn = 4;
 constexpr int TargetIdentifierColumn = 5;
 
@@ -136,12 +136,12 @@ void frmLinkList::mnuLinkDelete_Click()
         session().dialogs.messageBox({.text = u"リンクが選択されていません。"_s});
         return;
     }
-    const QString source = cell(row, SourceIdentifierColumn);
-    const QString target = cell(row, TargetIdentifierColumn);
-    const Answer answer = session().dialogs.messageBox(
-        {.text = u"<"_s + cell(row, 0) + u"> と <"_s + cell(row, TargetNameColumn) +
-                 u">のリンクを削除をしますか。"_s, // sic: を twice
-         .buttons = Buttons::YesNo});
+    const ListedDatum source = presentDatum(session(), cell(row, SourceIdentifierColumn));
+    const ListedDatum target = presentDatum(session(), cell(row, TargetIdentifierColumn));
+    const Answer answer =
+        session().dialogs.messageBox({.text = u"<"_s + source.name + u"> と <"_s + target.name +
+                                              u">のリンクを削除をしますか。"_s, // sic: を twice
+                                      .buttons = Buttons::YesNo});
     if (answer != Answer::Yes)
         return;
     DeleteLink(session(), source, target);

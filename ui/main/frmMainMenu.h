@@ -9,7 +9,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QAction;
@@ -20,7 +22,9 @@ class QProgressBar;
 namespace quillon
 {
 
+struct CategoryRow;
 struct Error;
+struct InputBox;
 class KeyedTree;
 class RecordSet;
 class ReportList;
@@ -137,11 +141,16 @@ private:
     bool treeHasNodes() const { return nodeCount() > 0; }
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error);
-    void classifySelectedRows(const QString& categoryKey);
+    /// Files data in a category; of `rows`, which list them, those whose data are gone leave the list.
+    void classify(const std::vector<ListedDatum>& listed, const std::vector<int>& rows,
+                  const CategoryRow& category);
     /// What these rows of the data list show.
     std::vector<ListedDatum> dataIn(const std::vector<int>& rows) const;
-    /// The identifiers of these rows of the data list.
-    QStringList identifiersOf(const std::vector<int>& rows) const;
+    /// Asks for a name until `store` has taken it or none is typed, which is answered with `nameMissing`. A failure of
+    /// `store` is told and the box comes back with what was typed; not trapped: error 3021.
+    std::optional<QString> storeTypedName(InputBox box, const QString& nameMissing,
+                                          const std::function<void(const QString&)>& store,
+                                          const std::function<void(const Error&)>& tell);
     void openTextFile(const QString& fileName, const QString& missing);
 
     KeyedTree* tvwCategory = nullptr;

@@ -1,3 +1,4 @@
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/category_entry.h"
@@ -10,26 +11,54 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
+std::optional<QString> frmMainMenu::storeTypedName(InputBox box, const QString& nameMissing,
+                                                   const std::function<void(const QString&)>& store,
+                                                   const std::function<void(const Error&)>& tell)
+{
+    for (bool stored = false; !stored;) {
+        box.content = session().dialogs.inputBox(box).value_or(QString());
+        if (box.content.isEmpty()) {
+            session().dialogs.messageBox({.text = nameMissing});
+            return std::nullopt;
+        }
+        const auto onFailure = [&](const Error& error) {
+            if (error.number == errors::NoCurrentRecord)
+                throw error; // there is nothing any more that could bear the name
+            tell(error);
+        };
+        guardedBy(onFailure, [&] {
+            store(box.content);
+            stored = true;
+        });
+    }
+    return box.content;
+}
+
 void frmMainMenu::mnuCategoryEntry_Click()
 {
-    guarded(session().reporting, u"mnuCategoryEntry_Click"_s, [&] {
+    const QString location = u"mnuCategoryEntry_Click"_s;
+    guarded(session().reporting, location, [&] {
         const int selected = requiredNodeIndex();
         // Below the data by kind, too, a new category is one of the top level.
         const bool topLevel = selected <= LastFixedNode;
         const QString parentKey = topLevel ? keyOf(FixedNode::Categories).toString() : nodeKey(selected);
+        const std::optional<CategoryRow> parent =
+            topLevel ? std::nullopt : std::optional(presentCategory(session(), parentKey));
         const QString question = topLevel ? u"新規にカテゴリを登録しますか。"_s
-                                          : nodeText(selected) + u"の下に新規のカテゴリを登録しますか。"_s;
+                                          : parent->name + u"の下に新規のカテゴリを登録しますか。"_s;
         if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
             return;
-        const QString prompt = u"カテゴリ名を入力してください。"_s;
-        const QString name = session().dialogs.inputBox({.prompt = prompt}).value_or(QString());
-        if (name.isEmpty()) {
-            session().dialogs.messageBox({.text = prompt});
-            return;
-        }
         const QString identifier = GetNewCategory_ID(parentKey, topLevel);
-        RegisterCategory(session(), identifier, name);
-        tvwCategory->nodes().add(parentKey, identifier, name);
+        const QString prompt = u"カテゴリ名を入力してください。"_s;
+        const auto name = storeTypedName(
+            {.prompt = prompt}, prompt,
+            [&](const QString& typed) {
+                RegisterCategory(session(), identifier, typed, parent ? &*parent : nullptr);
+            },
+            [&](const Error& error) { ReportError(session().reporting, error.number, location); });
+        if (!name)
+            return;
+        tvwCategory->nodes().add(parentKey, identifier, *name);
         tvwCategory->expandNode(selected);
     });
 }
@@ -41,22 +70,21 @@ void frmMainMenu::mnuCategoryRename_Click()
         session().dialogs.messageBox({.text = u"指定された項目はカテゴリではありません。"_s});
         return;
     }
-    const QString key = nodeKey(selected);
-    const QString text = nodeText(selected);
-    const Answer answer = session().dialogs.messageBox(
-        {.text = u"カテゴリ："_s + text + u"の名称を変更しますか。"_s, .buttons = Buttons::OkCancel});
+    const CategoryRow category = presentCategory(session(), nodeKey(selected));
+    const Answer answer =
+        session().dialogs.messageBox({.text = u"カテゴリ："_s + category.name + u"の名称を変更しますか。"_s,
+                                      .buttons = Buttons::OkCancel});
     if (answer != Answer::Ok)
         return;
-    const QString name =
-        session()
-            .dialogs.inputBox({.prompt = u"新しいカテゴリ名を入力して下さい。"_s, .content = text})
-            .value_or(QString());
-    if (name.isEmpty()) {
-        session().dialogs.messageBox({.text = u"カテゴリ名が入力されていません。"_s});
-        return;
-    }
-    RenameCategory(session(), key, name);
-    tvwCategory->nodes().setText(selected, name);
+    const auto name = storeTypedName(
+        {.prompt = u"新しいカテゴリ名を入力して下さい。"_s, .content = category.name},
+        u"カテゴリ名が入力されていません。"_s,
+        [&](const QString& typed) { RenameCategory(session(), category, typed); },
+        [&](const Error& error) {
+            reportUntrapped(session().reporting, error, u"mnuCategoryRename_Click"_s);
+        });
+    if (name)
+        tvwCategory->nodes().setText(selected, *name);
 }
 
 void frmMainMenu::mnuCategoryDelete_Click()
@@ -66,12 +94,13 @@ void frmMainMenu::mnuCategoryDelete_Click()
         session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
         return;
     }
-    if (tvwCategory->nodes().hasChildren(selected)) {
+    const QString key = nodeKey(selected);
+    // Another program may have registered some that this tree does not show.
+    if (tvwCategory->nodes().hasChildren(selected) || HasSubcategories(session(), key)) {
         session().dialogs.messageBox(
             {.text = u"サブカテゴリが存在します。先にサブカテゴリを削除して下さい。"_s});
         return;
     }
-    const QString key = nodeKey(selected);
     if (!DeleteCategory(session(), key, 1))
         return;
     tvwCategory->nodes().remove(selected);

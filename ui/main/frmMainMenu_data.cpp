@@ -1,7 +1,6 @@
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/data_records.h"
-#include "store/lookup/data_names.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"
 #include "ui/main/frmMainMenu.h"
@@ -20,15 +19,6 @@ std::vector<ListedDatum> frmMainMenu::dataIn(const std::vector<int>& rows) const
         listed.push_back({.identifier = lsvData->rows().text(row, IdentifierColumn).toString(),
                           .name = lsvData->rows().text(row, 0).toString()});
     return listed;
-}
-
-QStringList frmMainMenu::identifiersOf(const std::vector<int>& rows) const
-{
-    QStringList identifiers;
-    identifiers.reserve(static_cast<qsizetype>(rows.size()));
-    for (const int row : rows)
-        identifiers << lsvData->rows().text(row, IdentifierColumn).toString();
-    return identifiers;
 }
 
 void frmMainMenu::mnuDataView_Click()
@@ -56,9 +46,8 @@ void frmMainMenu::mnuDataDelete_Click()
                       return;
                   }
                   std::vector<ListedDatum> listed = dataIn(rows);
-                  // What a question names is what it acts on; the list may be older.
                   if (!CheckMultiSelect())
-                      listed.front().name = GetDataName(session(), listed.front().identifier);
+                      listed.front() = presentDatum(session(), listed.front().identifier);
                   const QString question = CheckMultiSelect()
                                                ? u"選択された複数のデータを削除しますか。"_s
                                                : u"<"_s + listed.front().name + u"> を削除しますか。"_s;
@@ -93,13 +82,8 @@ void frmMainMenu::mnuDataCategoryDelete_Click()
         session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
         return;
     }
-    const std::size_t taken = TakeOutOfCategory(session(), nodeKey(listed), identifiersOf(rows));
-    const bool all = taken == rows.size();
-    rows.resize(taken);
+    TakeOutOfCategory(session(), nodeKey(listed), dataIn(rows));
     lsvData->rows().removeRowsAt(std::move(rows));
-    // A datum that is filed nowhere below the category any more ends the work at its row.
-    if (!all)
-        throw Error(errors::NoCurrentRecord);
 }
 
 void frmMainMenu::DeleteSelectedData()

@@ -1,7 +1,8 @@
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
+#include "core/category_entry.h"
 #include "store/identifiers.h"
-#include "store/lookup/data_names.h"
 #include "store/session.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/fill_progress.h"
@@ -11,6 +12,9 @@
 #include "ui/widgets/report_list.h"
 
 #include <QMenu>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -89,24 +93,42 @@ void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
         }
         if (text.size() != IdentifierLength)
             return;
-        const QString category = nodeText(target);
+        const CategoryRow category = presentCategory(session(), nodeKey(target));
+        // What is dropped may come from another list; then it is alone, whatever is selected in this one.
+        std::vector<int> rows = lsvData->selectedRows();
+        const bool isSelected = std::any_of(rows.begin(), rows.end(), [&](int row) {
+            return lsvData->rows().text(row, IdentifierColumn) == text;
+        });
+        if (!isSelected)
+            rows.clear();
+        const bool several = rows.size() > 1;
+        const std::vector<ListedDatum> dropped =
+            several ? dataIn(rows) : std::vector<ListedDatum>{presentDatum(session(), text)};
         const QString question =
-            CheckMultiSelect()
-                ? u"選択された複数のデータを [ "_s + category + u" ] に分類してもよろしいですか。"_s
-                : u"[ "_s + GetDataName(session(), text) + u" ] を[ "_s + category +
-                      u" ]へ分類してもよろしいですか"_s; // sic: without a full stop
+            several ? u"選択された複数のデータを [ "_s + category.name + u" ] に分類してもよろしいですか。"_s
+                    : u"[ "_s + dropped.front().name + u" ] を[ "_s + category.name +
+                          u" ]へ分類してもよろしいですか"_s; // sic: without a full stop
         if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
             return;
-        classifySelectedRows(nodeKey(target));
+        classify(dropped, rows, category);
     });
     tvwCategory->setDropHighlight(0);
 }
 
-void frmMainMenu::classifySelectedRows(const QString& categoryKey)
+void frmMainMenu::classify(const std::vector<ListedDatum>& listed, const std::vector<int>& rows,
+                           const CategoryRow& category)
 {
-    const QStringList identifiers = identifiersOf(lsvData->selectedRows());
-    const FillProgress::Showing showing(*m_progress, identifiers.size());
-    ClassifyManyData(session(), categoryKey, identifiers, [this] { m_progress->advance(); });
+    std::vector<std::size_t> gone;
+    {
+        const FillProgress::Showing showing(*m_progress, static_cast<qint64>(listed.size()));
+        gone = ClassifyManyData(session(), category, listed, [this] { m_progress->advance(); });
+    }
+    std::vector<int> rowsGone;
+    for (const std::size_t i : gone) {
+        if (i < rows.size())
+            rowsGone.push_back(rows[i]);
+    }
+    lsvData->rows().removeRowsAt(std::move(rowsGone));
 }
 
 void frmMainMenu::tvwCategory_MouseMove()
