@@ -187,8 +187,8 @@ public:
 
     void tell() const
     {
-        for (const qint32 number : m_failures)
-            ReportError(m_session.reporting, number, Location);
+        for (const Error& failure : m_failures)
+            ReportError(m_session.reporting, failure, Location);
         tellNotFound(m_session, std::count(m_outcome.begin(), m_outcome.end(), Deletion::Gone));
     }
 
@@ -200,12 +200,12 @@ private:
     template <class Operation, class CanGoOn> void tryTwice(Operation&& operation, CanGoOn&& canGoOn)
     {
         Deletion outcome = Deletion::Kept;
-        std::optional<qint32> failure;
+        std::optional<Error> failure;
         for (int attempt = 0; attempt < 2 && outcome == Deletion::Kept; ++attempt) {
             const auto onFailure = [&](const Error& error) {
                 if (!canGoOn())
                     throw error;
-                failure = error.number;
+                failure = error;
             };
             guardedBy(onFailure, [&] { outcome = operation(); });
         }
@@ -217,7 +217,7 @@ private:
     Session& m_session;
     const std::vector<ListedDatum>& m_data;
     std::vector<Deletion> m_outcome;
-    std::vector<qint32> m_failures;
+    std::vector<Error> m_failures;
 };
 
 } // namespace

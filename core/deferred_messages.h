@@ -28,9 +28,7 @@ public:
             // A full disk, for one, undoes everything by itself; then there is no write to go on with.
             if (!m_database.connection().inTransaction())
                 throw error;
-            add([location, number = error.number](Session& session) {
-                ReportError(session.reporting, number, location);
-            });
+            add([location, error](Session& session) { ReportError(session.reporting, error, location); });
         };
         guardedBy(onFailure, std::forward<Operation>(operation));
     }

@@ -159,7 +159,7 @@ void SetAllLinkList(Session& session)
             session.dialogs.messageBox(
                 {.text = u"リンクは存在しません。"_s, .title = titles::LinkInformation});
         else
-            ReportError(session.reporting, error.number, u"CloseAllForm"_s); // sic
+            ReportError(session.reporting, error, u"CloseAllForm"_s); // sic
     };
     guardedBy(onFailure, [&] {
         if (LinkListWindow* open = session.windows.loadedLinkList())

@@ -65,9 +65,22 @@ Database::Database(const QString& path, sqlite::Connection::Mode mode)
 
 std::shared_ptr<Database> Database::open(const QString& path)
 {
+    auto database = inspect(path);
+    database->beginUse();
+    return database;
+}
+
+std::shared_ptr<Database> Database::inspect(const QString& path)
+{
     const QString full = absolutePath(path, errors::DatabaseNotFound);
     checkFile(full);
     return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::OpenExisting));
+}
+
+void Database::beginUse()
+{
+    if (m_connection.beginUse())
+        addPatternTests(m_connection);
 }
 
 std::shared_ptr<Database> Database::create(const QString& path)

@@ -20,6 +20,9 @@ public:
     /// Opens an existing file for reading and writing; never creates one.
     /// Errors: 3024 not there, 75 no ordinary file, 3051 may not be written, 3260 locked, 3343 no database or damaged.
     static std::shared_ptr<Database> open(const QString& path);
+    /// The same, but only to be read at first: nothing on the disk changes before `beginUse`.
+    static std::shared_ptr<Database> inspect(const QString& path);
+    void beginUse();
     /// Creates a new file without any table. Errors: 3204 there already, 76 no such folder, 3051 may not be written.
     static std::shared_ptr<Database> create(const QString& path);
 

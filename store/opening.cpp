@@ -32,7 +32,7 @@ bool OpenDbFile(Session& session, const QString& path)
         const QString name = ExtractString(session.reporting, path, QDir::separator());
         window.clearDataList();
         window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
-        session.OpenDb = Database::open(path);
+        session.OpenDb = Database::inspect(path);
         window.setStatus(1, u"定義データテーブルを展開中です。"_s);
         session.RsMain = RecordSet::openTable(session.OpenDb, schema::Main());
         session.RsOpenApp = RecordSet::openTable(session.OpenDb, schema::OpenApp());
@@ -42,6 +42,8 @@ bool OpenDbFile(Session& session, const QString& path)
         session.RsRefDoc = RecordSet::openTable(session.OpenDb, schema::RefDoc());
         window.setStatus(1, u"リンク情報テーブルを展開中です。"_s);
         session.RsLink = RecordSet::openTable(session.OpenDb, schema::Link());
+        // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
+        session.OpenDb->beginUse();
         if (!TableExists(session, *session.OpenDb, u"Category_ID"_s)) {
             session.dialogs.messageBox({.text = u"カテゴリ情報テーブルが存在しませんでした。\r\n"
                                                 u"カテゴリテーブルを作成します。"_s,

@@ -52,6 +52,8 @@ std::shared_ptr<RecordSet> RecordSet::openTable(std::shared_ptr<Database> databa
     auto set = std::shared_ptr<RecordSet>(new RecordSet(std::move(database), table, std::nullopt));
     // A table that has no row numbers fails here.
     set->firstRow();
+    // One with indexes or rules that only another program can follow would fail in the middle of work.
+    set->m_database->connection().prepareOwn(u"INSERT INTO "_s + quoted(table.name) + u" DEFAULT VALUES"_s);
     return set;
 }
 
@@ -339,6 +341,7 @@ void RecordSet::update()
 
 void RecordSet::insertRow()
 {
+    // ABORT: the table's own idea of a conflict may be to drop the new row or to replace the old ones.
     // SQLite would give the number of a deleted last row to the next one, and every cursor that remembers the
     // deleted row would then stand on a stranger. Only at the end of all numbers it may choose for itself.
     QString names = u"rowid"_s;
@@ -350,8 +353,8 @@ void RecordSet::insertRow()
         names += u", "_s + quoted(m_table.fields[i].name);
         places += u", ?"_s;
     }
-    sqlite::Statement& statement =
-        prepare(u"INSERT INTO "_s + quoted(m_table.name) + u" ("_s + names + u") VALUES ("_s + places + u')');
+    sqlite::Statement& statement = prepare(u"INSERT OR ABORT INTO "_s + quoted(m_table.name) + u" ("_s +
+                                           names + u") VALUES ("_s + places + u')');
     statement.bind(1, m_database->greatestRow(m_table.name));
     int position = 1;
     for (const auto& value : m_values) {
@@ -374,8 +377,8 @@ void RecordSet::changeRow()
     }
     if (assignments.isEmpty())
         return;
-    sqlite::Statement& statement =
-        prepare(u"UPDATE "_s + quoted(m_table.name) + u" SET "_s + assignments + u" WHERE rowid = ?"_s);
+    sqlite::Statement& statement = prepare(u"UPDATE OR ABORT "_s + quoted(m_table.name) + u" SET "_s +
+                                           assignments + u" WHERE rowid = ?"_s);
     int position = 0;
     for (const auto& value : m_values) {
         if (value)

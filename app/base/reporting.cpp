@@ -40,15 +40,19 @@ void writeLogLine(Reporting& reporting, const QString& location, qint32 errorNum
 
 void ReportError(Reporting& reporting, qint32 errorNumber, const QString& location)
 {
-    if (errorNumber == 0)
+    ReportError(reporting, Error(errorNumber), location);
+}
+
+void ReportError(Reporting& reporting, const Error& error, const QString& location)
+{
+    if (error.number == 0)
         return;
-    const QString description = standardDescription(errorNumber);
     onward([&] {
         reporting.dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\nLOCATION : "_s +
-                                              location + u"\r\nEXPLANATION : "_s + description,
+                                              location + u"\r\nEXPLANATION : "_s + error.description,
                                       .title = titles::FailureCountermeasures});
     });
-    writeLogLine(reporting, location, errorNumber, description);
+    writeLogLine(reporting, location, error.number, error.description);
 }
 
 void reportUntrapped(Reporting& reporting, const Error& error, const QString& location)

@@ -1,7 +1,9 @@
 #include "store/sqlite/connection.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/files.h"
 #include "store/sqlite/errors.h"
+#include "store/sqlite/rollback_journal.h"
 #include "store/sqlite/statement.h"
 
 #include <QFile>
@@ -34,6 +36,8 @@ void createEmptyFile(const QString& path)
         throw Error(errors::DatabaseExists);
     if (!QFileInfo(info.absolutePath()).isDir())
         throw Error(errors::PathNotFound);
+    if (!platform::fitsAsName(info.absolutePath(), info.fileName() + u"-journal"_s))
+        throw Error(errors::PathFileAccess, tooLongName());
     QFile file(path);
     // Only one of two programs that create the same file at the same moment succeeds here.
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
@@ -54,11 +58,21 @@ struct Connection::Cache {
     std::list<QString> ages; // the one used last in front
 };
 
-Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_unique<Cache>())
+Connection::Connection(const QString& path, Mode mode)
+    : m_inspects(mode == Mode::OpenExisting), m_cache(std::make_unique<Cache>())
 {
     if (mode == Mode::CreateNew)
         createEmptyFile(path);
-    m_handle.open(path.toUtf8().constData());
+    m_path = QFileInfo(path).canonicalFilePath();
+    if (m_path.isEmpty()) // SQLite would take it for a database in memory
+        throw Error(errors::DatabaseNotFound);
+    if (!platform::fitsAsName(QFileInfo(m_path).path(), QFileInfo(m_path).fileName() + u"-journal"_s))
+        throw Error(errors::PathFileAccess, tooLongName());
+    if (journalNamesFurtherFiles(m_path))
+        throw Error(errors::NotADatabase,
+                    u"データベースは、他のファイルにもまたがる書き込みの途中で中断されています。"
+                    u"書き込みをしていたプログラムで修復してからやり直してください。"_s);
+    m_handle.open(m_path, m_inspects ? Access::ToInspect : Access::ToUse);
     configure();
     if (mode == Mode::CreateNew) {
         execute(u"PRAGMA encoding = 'UTF-16le'"_s);
@@ -66,53 +80,98 @@ Connection::Connection(const QString& path, Mode mode) : m_cache(std::make_uniqu
         execute(u"BEGIN IMMEDIATE"_s);
         execute(u"COMMIT"_s);
     }
-    readSchema(path);
+    readSchema();
 }
 
 Connection::~Connection() = default;
 
+bool Connection::beginUse()
+{
+    if (!m_inspects)
+        return false;
+    m_cache = std::make_unique<Cache>();
+    m_handle.setWatch(nullptr);
+    m_watch.reset();
+    m_handle.close();
+    m_inspects = false;
+    m_handle.open(m_path, Access::ToUse);
+    configure();
+    leaveLog();
+    readSchema();
+    checkSize();
+    return true;
+}
+
 void Connection::configure()
 {
     sqlite3_busy_timeout(m_handle.get(), PatienceInMilliseconds);
-    // A file from elsewhere brings no code of its own to run.
+    const auto set = [this](int setting, int value) {
+        check(m_handle.get(), sqlite3_db_config(m_handle.get(), setting, value, nullptr));
+    };
+    // A file from elsewhere brings no code of its own to run, and no rules by which rows take others with them.
     for (const int forbidden :
          {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_TRUSTED_SCHEMA,
-          SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL})
-        check(m_handle.get(), sqlite3_db_config(m_handle.get(), forbidden, 0, nullptr));
-    check(m_handle.get(), sqlite3_db_config(m_handle.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
+          SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL,
+          SQLITE_DBCONFIG_ENABLE_FKEY})
+        set(forbidden, 0);
+    set(SQLITE_DBCONFIG_DEFENSIVE, 1);
+    if (m_inspects) {
+        // By itself, so that a log can be read without memory that is shared with others. Before anything else is read.
+        execute(u"PRAGMA locking_mode = EXCLUSIVE"_s);
+        execute(u"PRAGMA query_only = ON"_s);
+        set(SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1);
+    }
     execute(u"PRAGMA cell_size_check = ON"_s);
-    execute(u"PRAGMA synchronous = FULL"_s);
-    execute(u"PRAGMA cache_size = -8192"_s); // kibibytes: names are looked up all over the file
+    execute(u"PRAGMA synchronous = EXTRA"_s); // the journal is gone for good before a write counts as done
+    execute(u"PRAGMA cache_size = -8192"_s);  // kibibytes: names are looked up all over the file
     execute(u"PRAGMA temp_store = MEMORY"_s);
 }
 
-/// Reads the header and the whole schema: what is no whole database fails here and not in the middle of work.
-void Connection::readSchema(const QString& path)
+/// A journal of the other kind needs more files beside this one. Where another program holds the file in that mode, it
+/// stays so.
+void Connection::leaveLog()
 {
-    const auto numberOf = [this](const QString& question) {
-        Statement statement(m_handle, question);
-        return statement.step() ? statement.number(0) : 0;
-    };
-    // A journal of the other kind needs more files beside this one. Where another program holds the file in that
-    // mode, it stays so.
     try {
         execute(u"PRAGMA journal_mode = DELETE"_s);
     } catch (const Error& error) {
         if (error.number != errors::Locked)
             throw;
     }
+}
+
+/// Reads the header and the whole schema: what is no whole database fails here and not in the middle of work.
+void Connection::readSchema()
+{
     execute(u"BEGIN"_s);
-    numberOf(u"SELECT count(*) FROM sqlite_master"_s);
+    {
+        Statement schema(m_handle, u"SELECT count(*) FROM sqlite_master"_s);
+        schema.step();
+    }
     if (sqlite3_db_readonly(m_handle.get(), "main") != 0)
         throw Error(errors::CannotOpen);
-    // SQLite itself would take the missing end of the last page for zeros.
+    {
+        Statement encoding(m_handle, u"PRAGMA encoding"_s);
+        m_handle.setStoresBytes(encoding.step() && encoding.text(0) == u"UTF-8");
+    }
+    execute(u"COMMIT"_s);
+}
+
+/// SQLite itself would take the missing end of the last page for zeros.
+void Connection::checkSize()
+{
+    const auto numberOf = [this](const QString& question) {
+        Statement statement(m_handle, question);
+        return statement.step() ? statement.number(0) : 0;
+    };
+    execute(u"BEGIN"_s);
+    const qint64 needed = numberOf(u"PRAGMA page_count"_s) * numberOf(u"PRAGMA page_size"_s);
     Statement journal(m_handle, u"PRAGMA journal_mode"_s);
     const bool hasLog = journal.step() && journal.text(0) == u"wal";
     journal.reset();
-    if (!hasLog &&
-        QFileInfo(path).size() < numberOf(u"PRAGMA page_count"_s) * numberOf(u"PRAGMA page_size"_s))
-        throw Error(errors::NotADatabase);
+    const qint64 size = QFileInfo(m_path).size();
     execute(u"COMMIT"_s);
+    if (!hasLog && size < needed)
+        throw Error(errors::NotADatabase);
 }
 
 void Connection::execute(const QString& sql)

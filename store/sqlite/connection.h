@@ -26,11 +26,16 @@ public:
     enum class Mode { OpenExisting, CreateNew };
 
     /// Opens or creates the file at `path` (an absolute path).
-    /// Opening never creates a file; creating never opens an existing one (error 3204).
+    /// Opening never creates a file; creating never opens an existing one (error 3204). A file that was opened can only
+    /// be read at first, and as it will be after its repair: nothing on the disk is changed before `beginUse`.
     Connection(const QString& path, Mode mode);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
+
+    /// Makes a file that was opened one to be written, too: repairs it where a write was broken off, and gives it our
+    /// kind of journal. Whatever was prepared or added before is gone. False when it is one already.
+    bool beginUse();
 
     /// Runs one statement that returns no rows.
     void execute(const QString& sql);
@@ -48,6 +53,8 @@ public:
     /// A number that changes whenever another connection has written the file.
     qint64 dataVersion();
     bool inTransaction() const { return m_handle.inTransaction(); }
+    /// Whether a pass or a transaction keeps others from writing at this moment. Then nothing may wait for a person.
+    bool holdsLock() const { return m_handle.holdsLock(); }
 
     /// A test of a pattern against a text, as an SQL function: name(pattern, text).
     using PatternTest = std::function<bool(const QString& pattern, QStringView text)>;
@@ -62,7 +69,12 @@ private:
     friend class testing::ConnectionHandle;
 
     void configure();
-    void readSchema(const QString& path);
+    void readSchema();
+    void leaveLog();
+    void checkSize();
+
+    QString m_path; // without links
+    bool m_inspects = false;
 
     Handle m_handle;
     std::unique_ptr<RowWatch> m_watch; // if there is a listener

@@ -1,8 +1,11 @@
 #include "store/sqlite/errors.h"
 
 #include <QByteArrayView>
+#include <QString>
 
 #include <sqlite3.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::sqlite
 {
@@ -73,8 +76,20 @@ qint32 numberOf(sqlite3* connection, int code)
 
 } // namespace
 
+QString tooLongName()
+{
+    return u"データベースのファイル名またはフォルダの名前が長すぎて扱えません。"
+           u"短い名前にするか、別のフォルダに移してからやり直してください。"_s;
+}
+
 Error errorOf(sqlite3* connection, int code)
 {
+    // The file asks for what only the program that made it has.
+    if ((code & 0xFF) == SQLITE_ERROR && connection != nullptr &&
+        QByteArrayView(sqlite3_errmsg(connection)).startsWith("no such collation sequence"))
+        return Error(errors::NotADatabase,
+                     u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
+                     u"Quillon のデータベースか確認してください。"_s);
     return Error(numberOf(connection, code));
 }
 

@@ -2,26 +2,54 @@
 
 #include "store/sqlite/errors.h"
 
+#include <QByteArray>
+
 #include <sqlite3.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace quillon::sqlite
 {
 
 Handle::~Handle()
 {
-    sqlite3_close_v2(m_handle);
+    close();
 }
 
-void Handle::open(const char* path)
+void Handle::open(const QString& path, Access access)
 {
     // Never with the right to create: a file that vanishes in between must not come back empty.
-    const int code = sqlite3_open_v2(path, &m_handle,
+    const int code = sqlite3_open_v2(shortEnough(path).constData(), &m_handle,
                                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE |
                                          SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
+                                     fileSystem(access));
     check(m_handle, code);
+}
+
+void Handle::close()
+{
+    sqlite3_close_v2(std::exchange(m_handle, nullptr));
+    m_shortPath.reset();
+}
+
+/// A name that leaves room for that of the journal.
+QByteArray Handle::shortEnough(const QString& path)
+{
+    constexpr qsizetype Journal = 8; // "-journal"
+    const sqlite3_vfs* const files = sqlite3_vfs_find(fileSystem(Access::ToUse));
+    QByteArray name = path.toUtf8();
+    if (files == nullptr || name.size() + Journal < files->mxPathname)
+        return name;
+    m_shortPath.emplace(path);
+    if (auto shortName = m_shortPath->name())
+        return *std::move(shortName);
+    throw Error(errors::PathFileAccess, tooLongName());
+}
+
+bool Handle::holdsLock() const
+{
+    return m_handle != nullptr && sqlite3_txn_state(m_handle, nullptr) != SQLITE_TXN_NONE;
 }
 
 bool Handle::inTransaction() const

@@ -1,6 +1,11 @@
 #pragma once
 
 #include "app/base/error.h"
+#include "app/base/platform/short_path.h"
+#include "store/sqlite/file_system.h"
+
+#include <QByteArray>
+#include <QString>
 
 #include <optional>
 
@@ -22,10 +27,18 @@ public:
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
 
-    /// Opens a file for reading and writing; it must be there. Errors as SQLite has them.
-    void open(const char* path);
+    /// Opens a file, which must be there, by its full name without links. Errors as SQLite has them, and 75 when SQLite
+    /// cannot take a name of this length.
+    void open(const QString& path, Access access);
+    void close();
     /// Null before `open`.
     sqlite3* get() const { return m_handle; }
+
+    /// Whether the file keeps its texts in UTF-8, which has no room for half a character.
+    bool storesBytes() const { return m_storesBytes; }
+    void setStoresBytes(bool storesBytes) { m_storesBytes = storesBytes; }
+    /// Whether others may be kept from writing (or from reading) at this moment.
+    bool holdsLock() const;
 
     /// Whether any transaction is open, be it begun by a statement.
     bool inTransaction() const;
@@ -55,8 +68,12 @@ private:
         std::optional<Error> undoneBy = {};
     };
 
+    QByteArray shortEnough(const QString& path);
+
+    std::optional<platform::ShortPath> m_shortPath; // as long as the file is open
     sqlite3* m_handle = nullptr;
     RowWatch* m_watch = nullptr;
+    bool m_storesBytes = false;
     std::optional<OpenTransaction> m_transaction;
 };
 

@@ -18,6 +18,20 @@ namespace
 constexpr char16_t ByteOrderMark = u'\uFEFF';
 constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
 
+/// The text with a replacement for every half of a character that stands alone.
+QString withWholeCharacters(QStringView text)
+{
+    QString whole = text.toString();
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        const bool pair = whole[i].isHighSurrogate() && i + 1 < whole.size() && whole[i + 1].isLowSurrogate();
+        if (pair)
+            ++i;
+        else if (whole[i].isSurrogate())
+            whole[i] = QChar::ReplacementCharacter;
+    }
+    return whole;
+}
+
 } // namespace
 
 Statement::Statement(Handle& handle, const QString& sql) : m_handle(handle)
@@ -46,6 +60,12 @@ Statement& Statement::bind(int position, QStringView text)
     // SQLite takes a mark at the start of a bound text for a sign of its byte order and drops it. A mark put before
     // it is dropped in its stead.
     QString marked;
+    if (m_handle.storesBytes() && !text.isValidUtf16()) {
+        // SQLite would take the half and whatever follows it for one character.
+        marked = withWholeCharacters(text);
+        text = marked;
+        units = text.utf16();
+    }
     if (!text.isEmpty() && (text.front() == ByteOrderMark || text.front() == SwappedByteOrderMark)) {
         marked = QString(QChar(ByteOrderMark)).append(text);
         text = marked;

@@ -122,15 +122,24 @@ private Q_SLOTS:
         ReportError(broken, 5, u"Main"_s);
     }
 
-    void guardedReportsUnderTheOperationsName()
+    void guardedReportsUnderTheOperationsNameWhatTheFailureSays()
     {
-        expectReport(u"DeleteData"_s, standardDescription(91));
+        expectReport(u"DeleteData"_s, u"ここだけの説明"_s);
         int steps = 0;
         guarded(reporting, u"DeleteData"_s, [&] {
             ++steps;
             throw Error(errors::ObjectNotSet, u"ここだけの説明"_s);
         });
         QCOMPARE(steps, 1);
+    }
+
+    void aLackOfMemoryIsAFailureLikeOthers()
+    {
+        expectReport(u"DeleteData"_s, standardDescription(7));
+        guarded(reporting, u"DeleteData"_s, [] { throw std::bad_alloc(); });
+        qint32 number = 0;
+        guardedBy([&](const Error& error) { number = error.number; }, [] { throw std::bad_alloc(); });
+        QCOMPARE(number, errors::OutOfMemory);
     }
 
     void guardedIsSilentWithoutAFailure()

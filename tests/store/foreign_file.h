@@ -21,6 +21,8 @@ public:
     ForeignFile(const ForeignFile&) = delete;
     ForeignFile& operator=(const ForeignFile&) = delete;
 
+    sqlite3* handle() const { return m_handle; }
+
     ForeignFile& run(const char* sql)
     {
         char* message = nullptr;

@@ -4,6 +4,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "tests/store/foreign_file.h"
+#include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 
@@ -206,6 +207,93 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { rows->update(); }), errors::InvalidArgument);
         QCOMPARE(errorOf([&] { TestWorld::addRow(rows, {u"a"_s, u"x"_s, u""_s}); }), errors::InvalidArgument);
         QCOMPARE(rows->recordCount(), 0);
+    }
+
+    void conflictsAreFailuresWhateverTheTableMakesOfThem_data()
+    {
+        QTest::addColumn<QByteArray>("clause");
+        for (const char* clause : {"REPLACE", "IGNORE", "FAIL", "ROLLBACK"})
+            QTest::newRow(clause) << QByteArray(clause);
+    }
+    void conflictsAreFailuresWhateverTheTableMakesOfThem()
+    {
+        QFETCH(QByteArray, clause);
+        ForeignFile(m_path)
+            .run("CREATE TABLE Main (Name TEXT NOT NULL ON CONFLICT " + clause +
+                 " DEFAULT 'd' CHECK (Name <> 'x'), Object_ID TEXT UNIQUE ON CONFLICT " + clause +
+                 ", Explanation TEXT)")
+            .run("INSERT INTO Main VALUES ('a', 'M-991231-001', ''), ('b', 'M-991231-002', '')");
+        const auto rows = openMain();
+        QCOMPARE(errorOf([&] {
+                     TestWorld::addRow(rows, {u"c"_s, u"M-991231-001"_s, u""_s});
+                 }),
+                 errors::DuplicateKey);
+        rows->moveLast();
+        rows->edit();
+        rows->setField(1, u"M-991231-001"_s);
+        QCOMPARE(errorOf([&] { rows->update(); }), errors::DuplicateKey);
+        QCOMPARE(errorOf([&] {
+                     TestWorld::addRow(rows, {u"x"_s, u"M-991231-003"_s, u""_s});
+                 }),
+                 errors::InvalidArgument);
+        QCOMPARE(TestWorld::rowsOf(rows), QStringList({u"a|M-991231-001|"_s, u"b|M-991231-002|"_s}));
+    }
+
+    void rowsOfOtherTablesDoNotTakeOursWithThem()
+    {
+        ForeignFile(m_path)
+            .run("CREATE TABLE Main (Name TEXT, Object_ID TEXT UNIQUE, Explanation TEXT);"
+                 "CREATE TABLE Category (Category_ID TEXT, Object_ID TEXT REFERENCES Main (Object_ID)"
+                 " ON DELETE CASCADE)")
+            .run("INSERT INTO Main VALUES ('a', 'M-991231-001', '');"
+                 "INSERT INTO Category VALUES ('A', 'M-991231-001')");
+        const auto rows = openMain();
+        rows->moveFirst();
+        rows->deleteRow();
+        QCOMPARE(ForeignFile(m_path).ask("SELECT * FROM Category"), QStringList(u"A|M-991231-001"_s));
+    }
+
+    void anIndexInAnOrderOfItsOwnIsToldAsAMatterOfTheFile()
+    {
+        {
+            ForeignFile file(m_path);
+            const auto compare = [](void*, int a, const void*, int b, const void*) { return a - b; };
+            QCOMPARE(sqlite3_create_collation(file.handle(), "THEIRS", SQLITE_UTF8, nullptr, compare),
+                     SQLITE_OK);
+            file.run(PlainMain).run("CREATE INDEX theirs ON Main (Name COLLATE THEIRS)");
+        }
+        try {
+            openMain();
+            QFAIL("it opened");
+        } catch (const Error& error) {
+            QCOMPARE(error.number, errors::NotADatabase);
+            QVERIFY(compareText(error.description,
+                                u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
+                                u"Quillon のデータベースか確認してください。"));
+        }
+    }
+
+    void halfACharacterDoesNotEatItsNeighbour_data()
+    {
+        QTest::addColumn<QByteArray>("encoding");
+        QTest::addColumn<char16_t>("half");
+        QTest::newRow("UTF-8") << QByteArray("UTF-8") << u'\uFFFD';
+        QTest::newRow("UTF-16le") << QByteArray("UTF-16le") << char16_t(0xD83D);
+        QTest::newRow("UTF-16be") << QByteArray("UTF-16be") << char16_t(0xD83D);
+    }
+    void halfACharacterDoesNotEatItsNeighbour()
+    {
+        QFETCH(QByteArray, encoding);
+        QFETCH(char16_t, half);
+        ForeignFile(m_path).run("PRAGMA encoding = '" + encoding + '\'').run(PlainMain);
+        const auto rows = openMain();
+        const QChar high(0xD83D);
+        TestWorld::addRow(rows,
+                          {u"前"_s + high + u"後😀"_s, u"M-991231-001"_s, QString(high) + u"x"_s + high});
+        rows->moveFirst();
+        const QChar read(half);
+        QVERIFY(compareText(rows->field(0), u"前"_s + read + u"後😀"_s));
+        QVERIFY(compareText(rows->field(2), QString(read) + u"x"_s + read));
     }
 
     void theGreatestRowNumberIsNoEnd()

@@ -11,6 +11,9 @@ bool isOrdinaryFile(const QString& path);
 /// Whether this process may create files in `folder`.
 bool mayWriteIn(const QString& folder);
 
+/// Whether `name` is short enough for a file in `folder`.
+bool fitsAsName(const QString& folder, const QString& name);
+
 /// Whether this process may read the file at `path`.
 bool mayRead(const QString& path);
 

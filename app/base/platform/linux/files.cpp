@@ -20,6 +20,12 @@ bool mayWriteIn(const QString& folder)
     return faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
+bool fitsAsName(const QString& folder, const QString& name)
+{
+    const long most = pathconf(QFile::encodeName(folder).constData(), _PC_NAME_MAX);
+    return most < 0 || QFile::encodeName(name).size() <= most;
+}
+
 bool mayRead(const QString& path)
 {
     return faccessat(AT_FDCWD, QFile::encodeName(path).constData(), R_OK, AT_EACCESS) == 0;

@@ -40,6 +40,12 @@ bool mayWriteIn(const QString& folder)
     return mayOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
 }
 
+bool fitsAsName(const QString& /*folder*/, const QString& name)
+{
+    constexpr qsizetype Most = 255;
+    return name.size() <= Most;
+}
+
 bool mayRead(const QString& path)
 {
     return mayOpen(path, GENERIC_READ, 0);

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace quillon::sqlite
+{
+
+/// Whether the journal of the database file at `path` names a further file, which lists the journals of several
+/// databases: whoever plays it back deletes that file and what stands in it, whatever they are. Reads its end only.
+bool journalNamesFurtherFiles(const QString& path);
+
+} // namespace quillon::sqlite
