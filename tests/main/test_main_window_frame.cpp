@@ -205,6 +205,64 @@ private Q_SLOTS:
         }
     }
 
+    void gapCanBeGrabbedAtAnyHeightAfterEveryResize()
+    {
+        const QWidget* surface = window->centralWidget();
+        for (const QSize& size : {QSize(1000, 700), QSize(700, 500), QSize(1300, 900), QSize(1000, 600)}) {
+            for (const bool dragged : {false, true}) {
+                if (dragged)
+                    drag(5555, true);
+                else
+                    window->resize(size);
+                WindowWorld::processEvents();
+                for (int y = tree->y(); y <= tree->geometry().bottom(); ++y) {
+                    for (int x = tree->geometry().right() + 1; x < list->x(); ++x)
+                        QCOMPARE(surface->childAt(x, y)->cursor().shape(), Qt::SizeHorCursor);
+                }
+                const int x = (tree->geometry().right() + list->x()) / 2;
+                for (const int y : {tree->y(), tree->geometry().center().y(), tree->geometry().bottom()}) {
+                    const QPoint place = surface->mapTo(window, QPoint(x, y));
+                    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, place);
+                    QVERIFY(bar->isVisible());
+                    QTest::mouseMove(window->windowHandle(), place + QPoint(40, 0));
+                    const int left = bar->x();
+                    QVERIFY(qAbs(left - (x + 40)) <= 1);
+                    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, place + QPoint(40, 0));
+                    QCOMPARE(tree->width(), left);
+                    if (dragged)
+                        drag(5555, true);
+                    else
+                        window->Form_Resize();
+                }
+            }
+        }
+    }
+
+    void namesTakeTheRoomOfTheList()
+    {
+        window->resize(1400, 700);
+        WindowWorld::processEvents();
+        int length = 0;
+        for (int column = 0; column < list->rows().columnCount(); ++column)
+            length += list->columnWidth(column);
+        QCOMPARE(length, list->viewport()->width());
+        const int narrow = list->columnWidth(0);
+        drag(3000, true);
+        QVERIFY(list->columnWidth(0) > narrow);
+    }
+
+    void messageThatDoesNotFitIsTheToolTipOfItsPanel()
+    {
+        auto* status = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s);
+        const auto* panel = status->findChild<QLabel*>(u"Status"_s);
+        const QString text =
+            u"データベース (/home/名/"_s + u"長い名前のフォルダ/"_s.repeated(20) + u"a.mdb)"_s;
+        status->setText(1, text);
+        QVERIFY(panel->toolTip().contains(text));
+        status->setText(1, u"短い"_s);
+        QVERIFY(compareText(panel->toolTip(), u"システムの状態を表示します。"));
+    }
+
     void handleCoversNothingOfThePanes()
     {
         for (const double draggedTo : {0.0, 6000.0, 5555.0}) {

@@ -5,11 +5,13 @@
 #include "ui/widgets/laid_out_lines.h"
 #include "ui/widgets/one_line_delegate.h"
 
+#include <QHelpEvent>
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyledItemDelegate>
 #include <QTextLayout>
+#include <QToolTip>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon::testing;
@@ -78,8 +80,21 @@ private Q_SLOTS:
     void otherStylesDrawTheirOwnTexts();
     void aTextLooksTheSameWhenDrawnAgainInAnotherWidthAndFont();
     void onlyLinesDrawnLatelyAreKept();
+    void aTextThatIsShortenedIsToldWhole_data();
+    void aTextThatIsShortenedIsToldWhole();
+    void aNodeThatIsNotAllInSightIsToldWhole();
 
 private:
+    /// The tool tip that comes when the mouse rests on an item.
+    static QString toolTipAt(QAbstractItemView& view, const QModelIndex& index)
+    {
+        const QString another = u"前の説明"_s; // a tool tip takes its time to disappear
+        QToolTip::showText(view.mapToGlobal(QPoint()), another, &view);
+        const QPoint place = (view.visualRect(index) & view.viewport()->rect()).center();
+        QHelpEvent resting(QEvent::ToolTip, place, view.viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(view.viewport(), &resting);
+        return QToolTip::text() == another ? QString() : QToolTip::text();
+    }
     void compareLists()
     {
         PlainDelegate plain;
@@ -168,6 +183,46 @@ void TestOneLineDelegate::aTextLooksTheSameWhenDrawnAgainInAnotherWidthAndFont()
     m_list->setFont(font);
     m_list->setColumnCharacters({20, 10, 14});
     QCOMPARE(imageOf(*m_list), before);
+}
+
+void TestOneLineDelegate::aTextThatIsShortenedIsToldWhole_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("one that fits") << u"水"_s << QString();
+    QTest::newRow("one that does not") << u"長い名前"_s.repeated(8) << u"長い名前"_s.repeated(8);
+    QTest::newRow("one that reads like markup")
+        << u"<b>水</b> & 火"_s.repeated(3)
+        << u"<p style=\"white-space:pre-wrap\">"_s + u"<b>水</b> & 火"_s.repeated(3).toHtmlEscaped() +
+               u"</p>"_s;
+}
+
+void TestOneLineDelegate::aTextThatIsShortenedIsToldWhole()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, told);
+    m_list->rows().clear();
+    fill(*m_list, {name});
+    m_list->setColumnWidth(0, 120);
+    QCOMPARE(toolTipAt(*m_list, m_list->rows().index(0, 0)), told);
+    m_list->setColumnWidth(0, 500);
+    QCOMPARE(toolTipAt(*m_list, m_list->rows().index(0, 0)), QString());
+    QToolTip::hideText();
+}
+
+void TestOneLineDelegate::aNodeThatIsNotAllInSightIsToldWhole()
+{
+    KeyedTree tree;
+    const QString name = u"長い名前のカテゴリ"_s.repeated(5);
+    tree.nodes().add({}, u"A"_s, name);
+    tree.resize(200, 200);
+    tree.show();
+    QCoreApplication::processEvents();
+    QCOMPARE(toolTipAt(tree, tree.nodes().indexOf(1)), name);
+    tree.resize(1200, 200);
+    QCoreApplication::processEvents();
+    QCOMPARE(toolTipAt(tree, tree.nodes().indexOf(1)), QString());
+    QToolTip::hideText();
 }
 
 void TestOneLineDelegate::onlyLinesDrawnLatelyAreKept()

@@ -40,6 +40,9 @@ private Q_SLOTS:
     void aFillEndsTheSortIndicator();
     void headerClicksKeepTheSelection();
     void rowHeightFollowsTheFont();
+    void chosenColumnsShareTheRoomThatIsLeft();
+    void aColumnThatThePersonResizedStaysSo();
+    void aNarrowListKeepsTheWidthsOfAllColumns();
     void textIsShownOnOneLineAndKept();
     void mouseMovesAreTold();
     void removingManyRowsKeepsThePlace();
@@ -247,6 +250,59 @@ void TestReportList::headerClicksKeepTheSelection()
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(10, header->height() / 2));
     QCOMPARE(selectedNames(*m_list), QStringList(u"水"_s));
     QVERIFY(!m_list->moreThanOneSelected());
+}
+
+void TestReportList::chosenColumnsShareTheRoomThatIsLeft()
+{
+    const int names = m_list->columnWidth(0);
+    const int kinds = m_list->columnWidth(1);
+    const int identifiers = m_list->columnWidth(2);
+    m_list->giveRoomTo({0, 2});
+    for (const int width : {900, 1201, 700}) {
+        m_window->resize(width, 400);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width());
+        QCOMPARE(m_list->columnWidth(1), kinds);
+        QVERIFY(qAbs((m_list->columnWidth(0) - names) - (m_list->columnWidth(2) - identifiers)) <= 1);
+    }
+    // Also where the rows need a scroll bar, and in another font.
+    fill(*m_list, QStringList(100, u"名"_s));
+    QCoreApplication::processEvents();
+    QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width());
+    QFont large = m_list->font();
+    large.setPointSize(large.pointSize() * 3 / 2);
+    m_list->setFont(large);
+    m_window->resize(1200, 400);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width());
+    QVERIFY(m_list->columnWidth(1) > kinds);
+}
+
+void TestReportList::aColumnThatThePersonResizedStaysSo()
+{
+    m_list->giveRoomTo({0, 2});
+    m_window->resize(900, 400);
+    QCoreApplication::processEvents();
+    const int edge = m_list->horizontalHeader()->sectionViewportPosition(0) + m_list->columnWidth(0) - 1;
+    const int before = m_list->columnWidth(0);
+    QWidget* header = m_list->horizontalHeader()->viewport();
+    QTest::mousePress(header, Qt::LeftButton, {}, QPoint(edge, 5));
+    QTest::mouseMove(header, QPoint(edge - 60, 5));
+    QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(edge - 60, 5));
+    QCOMPARE(m_list->columnWidth(0), before - 60);
+    m_window->resize(1000, 400);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_list->columnWidth(0), before - 60);
+    QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width()); // the other took all of it
+}
+
+void TestReportList::aNarrowListKeepsTheWidthsOfAllColumns()
+{
+    const int length = m_list->horizontalHeader()->length();
+    m_list->giveRoomTo({0});
+    m_window->resize(200, 400);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_list->horizontalHeader()->length(), length);
 }
 
 void TestReportList::rowHeightFollowsTheFont()

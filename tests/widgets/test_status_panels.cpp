@@ -34,6 +34,8 @@ private Q_SLOTS:
     void aPanelOutsideTheBarIsRefused();
     void toolTipsAreTheDescriptions();
     void aLongTextNeverWidensTheWindow();
+    void aTextThatDoesNotFitEndsInAnEllipsis();
+    void aTextThatDoesNotFitIsTheToolTip();
     void aPanelWantsItsWidth();
     void dateAndTimeFollowTheClock();
     void theSizeGripStays();
@@ -103,6 +105,48 @@ void TestStatusPanels::aLongTextNeverWidensTheWindow()
     QCOMPARE(window.minimumSizeHint().width(), before);
     QCOMPARE(window.width(), 700);
     QCOMPARE(bar->text(1), text);
+}
+
+void TestStatusPanels::aTextThatDoesNotFitEndsInAnEllipsis()
+{
+    StatusPanels bar(Panels);
+    bar.resize(900, bar.sizeHint().height());
+    bar.show();
+    QCoreApplication::processEvents();
+    auto* label = bar.findChild<QLabel*>(u"Status"_s);
+    const auto imageWith = [&](const QString& text) {
+        bar.setText(1, text);
+        QCoreApplication::processEvents();
+        return label->grab().toImage();
+    };
+    // What is drawn is what a label that holds the shortened text draws.
+    const QString text(400, u'長');
+    const int indent = label->fontMetrics().horizontalAdvance(u'x') / 2;
+    const QString shortened =
+        label->fontMetrics().elidedText(text, Qt::ElideRight, label->contentsRect().width() - indent);
+    QVERIFY(shortened.endsWith(u'…'));
+    QCOMPARE(imageWith(text), imageWith(shortened));
+    QVERIFY(imageWith(text) != imageWith(text.left(shortened.size() - 1)));
+    QCOMPARE(bar.text(1), text.left(shortened.size() - 1));
+}
+
+void TestStatusPanels::aTextThatDoesNotFitIsTheToolTip()
+{
+    StatusPanels bar(Panels);
+    bar.resize(900, bar.sizeHint().height());
+    bar.show();
+    QCoreApplication::processEvents();
+    auto* label = bar.findChild<QLabel*>(u"Status"_s);
+    const QString text = u"<b>水</b> "_s.repeated(100);
+    bar.setText(1, text);
+    QVERIFY(label->toolTip().contains(text.toHtmlEscaped())); // a name in angle brackets is a name
+    QCOMPARE(label->accessibleDescription(), u"システムの状態を表示します。"_s);
+    bar.setText(1, u"少し長い文を少し長い文を"_s);
+    QCOMPARE(label->toolTip(), u"システムの状態を表示します。"_s);
+    label->resize(90, label->height());
+    QCOMPARE(label->toolTip(), u"少し長い文を少し長い文を"_s);
+    label->resize(500, label->height());
+    QCOMPARE(label->toolTip(), u"システムの状態を表示します。"_s);
 }
 
 void TestStatusPanels::aPanelWantsItsWidth()

@@ -70,6 +70,7 @@ void frmDataSelect::arrange()
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);
     lsvData->setColumnCharacters({36, 8, 16, 10});
+    lsvData->giveRoomTo({0});
     lsvData->setSelectionMode(QAbstractItemView::SingleSelection);
     rows->addWidget(lsvData, 1);
 

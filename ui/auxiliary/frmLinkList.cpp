@@ -78,6 +78,7 @@ void frmLinkList::arrange()
     lsvLink->setAccessibleName(u"リンク一覧"_s);
     lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
     lsvLink->setColumnCharacters({28, 6, 28, 6, 20, 20});
+    lsvLink->giveRoomTo({0, 2});
     rows->addWidget(lsvLink, 1);
 
     auto* bottom = new QHBoxLayout;

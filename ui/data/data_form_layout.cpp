@@ -36,6 +36,7 @@ void DataForm::buildLists()
     lsvLink->setObjectName(u"lsvLink"_s);
     lsvLink->setAccessibleName(u"リンク一覧"_s);
     lsvLink->setColumnCharacters({12, 5, 12});
+    lsvLink->giveRoomTo({0});
     lsvLink->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvLink, m_design.linkToolTip);
     lsvLink->installEventFilter(this);
@@ -44,6 +45,7 @@ void DataForm::buildLists()
     lsvCategory->setObjectName(u"lsvCategory"_s);
     lsvCategory->setAccessibleName(u"分類一覧"_s);
     lsvCategory->setColumnCharacters({12, 8, 5});
+    lsvCategory->giveRoomTo({0});
     lsvCategory->setSelectionMode(QAbstractItemView::SingleSelection);
     describe(lsvCategory, m_design.categoryToolTip);
     lsvCategory->installEventFilter(this);

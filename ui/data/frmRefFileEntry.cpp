@@ -80,6 +80,7 @@ void frmRefFileEntry::arrange()
     lsvCategory->setObjectName(u"lsvCategory"_s);
     lsvCategory->setAccessibleName(u"分類一覧"_s);
     lsvCategory->setColumnCharacters({24, 12, 8});
+    lsvCategory->giveRoomTo({0});
     describe(lsvCategory, u"データの分類先。複数の登録も可能です。"_s);
     rows->addWidget(plainLabel(u"lblCategory"_s, lsvCategory->accessibleName(), lsvCategory, middle));
     rows->addWidget(lsvCategory, 1);

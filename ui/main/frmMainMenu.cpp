@@ -98,7 +98,12 @@ void frmMainMenu::buildControls()
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);
     lsvData->setColumnCharacters({36, 8, 18, 10});
+    lsvData->giveRoomTo({0});
 
+    // The handle begins below the upper edge of the panes; what it leaves of the gap between them lies under it.
+    m_splitterGap = new QWidget(surface);
+    m_splitterGap->setCursor(Qt::SizeHorCursor);
+    m_splitterGap->installEventFilter(this);
     imgSplitter = new QWidget(surface);
     imgSplitter->setObjectName(u"imgSplitter"_s);
     imgSplitter->setCursor(Qt::SizeHorCursor);

@@ -156,6 +156,7 @@ private:
     KeyedTree* tvwCategory = nullptr;
     ReportList* lsvData = nullptr;
     QWidget* imgSplitter = nullptr;
+    QWidget* m_splitterGap = nullptr;
     QFrame* picSplitter = nullptr;
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;

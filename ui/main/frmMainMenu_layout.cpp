@@ -74,6 +74,7 @@ void frmMainMenu::placeSplitter(double left, int top, int height)
     const int from = tvwCategory->geometry().right() + 1 - tvwCategory->frameWidth();
     const int to = lsvData->x() + lsvData->frameWidth();
     imgSplitter->setGeometry(from, top, to - from, height);
+    m_splitterGap->setGeometry(from, tvwCategory->y(), to - from, tvwCategory->height());
 }
 
 void frmMainMenu::imgSplitter_MouseDown()
@@ -121,7 +122,7 @@ bool frmMainMenu::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == centralWidget() && event->type() == QEvent::Resize) {
         Form_Resize();
-    } else if (watched == imgSplitter) {
+    } else if (watched == imgSplitter || watched == m_splitterGap) {
         splitterEvent(*event);
     }
     return FormWindow::eventFilter(watched, event);

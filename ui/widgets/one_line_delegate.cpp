@@ -1,9 +1,14 @@
 #include "ui/widgets/one_line_delegate.h"
 
+#include "ui/widgets/plain_tool_tip.h"
+
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QPen>
 #include <QTextLayout>
+#include <QToolTip>
 
 #include <utility>
 
@@ -15,11 +20,19 @@ namespace
 
 // No window is so wide; laying out a whole document in a cell would only cost time.
 constexpr qsizetype LongestShown = 1000;
+constexpr qsizetype LongestTold = 2000; // more would cover the screen
 
 bool breaksTheLine(QChar unit)
 {
     return unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
            unit == QChar::ParagraphSeparator;
+}
+
+QRect placeOfText(const QStyleOptionViewItem& option)
+{
+    const QStyle& style = option.widget != nullptr ? *option.widget->style() : *QApplication::style();
+    const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
+    return option.rect.adjusted(margin, 0, -margin, 0);
 }
 
 bool hasMoreThanText(const QStyleOptionViewItem& item)
@@ -48,6 +61,23 @@ QString OneLineDelegate::displayText(const QVariant& value, const QLocale& /*loc
             unit = u' ';
     }
     return text;
+}
+
+bool OneLineDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                                const QStyleOptionViewItem& option, const QModelIndex& index)
+{
+    if (event == nullptr || view == nullptr || event->type() != QEvent::ToolTip || !index.isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const QRect place = placeOfText(option);
+    const qreal width = m_lines.line(displayText(index.data(), option.locale), option.font).width;
+    const QRect seen = place.intersected(view->viewport()->rect());
+    if (place.left() == seen.left() && width <= seen.width()) {
+        QToolTip::hideText();
+        return true;
+    }
+    QToolTip::showText(event->globalPos(), plainToolTip(index.data().toString().left(LongestTold)),
+                       view->viewport(), option.rect);
+    return true;
 }
 
 void OneLineDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
@@ -80,9 +110,7 @@ void OneLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
 void OneLineDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& option,
                                 const QString& text) const
 {
-    const QStyle& style = option.widget != nullptr ? *option.widget->style() : *QApplication::style();
-    const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
-    const QRect place = option.rect.adjusted(margin, 0, -margin, 0);
+    const QRect place = placeOfText(option);
     if (text.isEmpty() || place.width() <= 0)
         return;
     LaidOutLine* line = &m_lines.line(text, option.font);

@@ -20,6 +20,9 @@ public:
     QString displayText(const QVariant& value, const QLocale& locale) const override;
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+    /// Tells the whole text as a tool tip where it is shortened or not all in sight.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
 
 protected:
     /// The models shown here know texts alone: nothing else is asked for.

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -84,6 +85,7 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
     connect(header, &QHeaderView::sectionClicked, this, [this](int column) {
         handleEvent(m_reporting, objectName() + u"_ColumnClick"_s, [&] { sortBy(column); });
     });
+    connect(header, &QHeaderView::sectionResized, this, &ReportList::noteResizedColumn);
     connect(m_model, &QAbstractItemModel::modelReset, this, &ReportList::endSorting);
     connect(m_model, &QAbstractItemModel::rowsInserted, this, &ReportList::endSorting);
     connect(m_model, &ReportModel::scatteredRowsAboutToBeRemoved, this,
@@ -111,12 +113,52 @@ void ReportList::adaptToFont()
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameVMargin, nullptr, this) + 1;
     verticalHeader()->setDefaultSectionSize(text + 2 * margin);
     const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const QScopedValueRollback setting(m_isSettingWidths, true);
+    m_leastWidths.resize(m_characters.size());
     for (std::size_t i = 0; i < m_characters.size(); ++i) {
         const int column = static_cast<int>(i);
         // No header may be cut off, whatever the column holds.
-        setColumnWidth(column, std::max(m_characters[i] * metrics.horizontalAdvance(u'0') + 2 * side,
-                                        horizontalHeader()->sectionSizeHint(column)));
+        m_leastWidths[i] = std::max(m_characters[i] * metrics.horizontalAdvance(u'0') + 2 * side,
+                                    horizontalHeader()->sectionSizeHint(column));
+        setColumnWidth(column, m_leastWidths[i]);
     }
+    shareRoom();
+}
+
+void ReportList::shareRoom()
+{
+    if (m_roomyColumns.empty())
+        return;
+    int left = viewport()->width() - horizontalHeader()->length();
+    for (const int column : m_roomyColumns)
+        left += columnWidth(column) - m_leastWidths.at(static_cast<std::size_t>(column));
+    left = std::max(left, 0);
+    const QScopedValueRollback setting(m_isSettingWidths, true);
+    auto sharers = static_cast<int>(m_roomyColumns.size());
+    for (const int column : m_roomyColumns) {
+        const int share = left / sharers--;
+        left -= share;
+        setColumnWidth(column, m_leastWidths.at(static_cast<std::size_t>(column)) + share);
+    }
+}
+
+void ReportList::noteResizedColumn(int column)
+{
+    if (!m_isSettingWidths)
+        m_roomyColumns.erase(std::remove(m_roomyColumns.begin(), m_roomyColumns.end(), column),
+                             m_roomyColumns.end());
+}
+
+void ReportList::giveRoomTo(const std::vector<int>& columns)
+{
+    m_roomyColumns = columns;
+    shareRoom();
+}
+
+void ReportList::resizeEvent(QResizeEvent* event)
+{
+    QTableView::resizeEvent(event);
+    shareRoom();
 }
 
 void ReportList::setColumnCharacters(const std::vector<int>& characters)

@@ -36,6 +36,10 @@ public:
     /// Widths of the columns in half-width characters of the list's font; a full-width one takes two.
     void setColumnCharacters(const std::vector<int>& characters);
 
+    /// The columns that share what room the list has beyond the widths of all; names, for instance. One that the person
+    /// has made wider or narrower stays so.
+    void giveRoomTo(const std::vector<int>& columns);
+
     /// Lets text be dropped anywhere on the list.
     void acceptTextDrops();
 
@@ -81,10 +85,13 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     bool selectsCurrentRow(const QKeyEvent& event);
     void adaptToFont();
+    void shareRoom();
+    void noteResizedColumn(int column);
     void sortBy(int column);
     void endSorting();
     int heightOfRows() const;
@@ -93,6 +100,9 @@ private:
     ReportModel* m_model;
     PressedKeys m_pressedKeys;
     std::vector<int> m_characters;
+    std::vector<int> m_leastWidths;  // by column, of its characters
+    std::vector<int> m_roomyColumns; // that share the room, but for those that the person has resized
+    bool m_isSettingWidths = false;
     QString m_typed;
     QElapsedTimer m_sinceTyped;
     QPersistentModelIndex m_currentBefore;

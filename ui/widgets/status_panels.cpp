@@ -2,9 +2,12 @@
 
 #include "app/base/error.h"
 #include "app/base/ports/clock.h"
+#include "ui/widgets/plain_tool_tip.h"
 
 #include <QLabel>
 #include <QLocale>
+#include <QPainter>
+#include <QStyle>
 #include <QTimer>
 
 namespace quillon
@@ -13,14 +16,23 @@ namespace quillon
 namespace
 {
 
-/// A label with a wanted and a least width; what does not fit is cut off on the screen only.
+/// A label with a wanted and a least width. What does not fit ends in "…" on the screen only; then the whole text is the
+/// tool tip.
 class PanelLabel : public QLabel
 {
 public:
     PanelLabel(const StatusPanels::Panel& panel, QWidget* parent)
         : QLabel(parent), m_width(panel.width), m_minimumWidth(panel.minimumWidth),
-          m_stretches(panel.stretches)
+          m_stretches(panel.stretches), m_writtenToolTip(panel.toolTip)
     {
+        setToolTip(m_writtenToolTip);
+    }
+
+    void adaptToolTip()
+    {
+        const QString wanted = isShortened() ? plainToolTip(text()) : m_writtenToolTip;
+        if (toolTip() != wanted)
+            setToolTip(wanted);
     }
 
     QSize sizeHint() const override
@@ -38,10 +50,47 @@ public:
         return content;
     }
 
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        if (!isShortened()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QPainter painter(this);
+        drawFrame(&painter);
+        const QRect place = placeOfText();
+        style()->drawItemText(&painter, place, static_cast<int>(alignment()), palette(), isEnabled(),
+                              fontMetrics().elidedText(text(), Qt::ElideRight, place.width()),
+                              foregroundRole());
+    }
+
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QLabel::resizeEvent(event);
+        adaptToolTip();
+    }
+
+    void changeEvent(QEvent* event) override
+    {
+        QLabel::changeEvent(event);
+        if (event->type() == QEvent::FontChange)
+            adaptToolTip();
+    }
+
 private:
+    /// As the label itself places its text: half an "x" beside the frame.
+    QRect placeOfText() const
+    {
+        const int indent = fontMetrics().horizontalAdvance(u'x') / 2;
+        return contentsRect().adjusted(indent, 0, 0, 0);
+    }
+    bool isShortened() const { return fontMetrics().horizontalAdvance(text()) > placeOfText().width(); }
+
     int m_width;
     int m_minimumWidth;
     bool m_stretches;
+    QString m_writtenToolTip;
 };
 
 } // namespace
@@ -54,7 +103,6 @@ StatusPanels::StatusPanels(const std::vector<Panel>& panels, QWidget* parent) : 
         panelLabel->setTextFormat(Qt::PlainText); // A name in angle brackets is a name, not a tag.
         panelLabel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
         panelLabel->setText(panel.text);
-        panelLabel->setToolTip(panel.toolTip);
         panelLabel->setAccessibleDescription(panel.toolTip);
         addWidget(panelLabel, panel.stretches ? 1 : 0);
         m_labels.push_back(panelLabel);
@@ -71,8 +119,10 @@ QLabel* StatusPanels::label(int panel) const
 void StatusPanels::setText(int panel, const QString& text)
 {
     // Setting the same text again would still announce a change to assistive technology.
-    if (QLabel* panelLabel = label(panel); panelLabel->text() != text)
+    if (QLabel* panelLabel = label(panel); panelLabel->text() != text) {
         panelLabel->setText(text);
+        static_cast<PanelLabel*>(panelLabel)->adaptToolTip();
+    }
 }
 
 QString StatusPanels::text(int panel) const
