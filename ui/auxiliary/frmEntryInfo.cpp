@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -41,14 +42,16 @@ qint16 within16Bits(qint64 number)
     return static_cast<qint16>(number);
 }
 
+/// A blank caption counts nothing.
 qint16 countShownBy(const QLabel& label)
 {
     return within16Bits(label.text().toLongLong());
 }
 
+/// Blank until there is a count: better nothing than a wrong number.
 QLabel* countLabel(const QString& name, QWidget* parent)
 {
-    QLabel* label = plainLabel(name, u"0"_s, nullptr, parent);
+    QLabel* label = plainLabel(name, {}, nullptr, parent);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     return label;
 }
@@ -103,6 +106,9 @@ void frmEntryInfo::Form_Load()
                 QString::number(required(session().*kind.recordSet).recordCount()));
         });
     }
+    if (std::all_of(counts.begin(), counts.end(),
+                    [](const QLabel* count) { return count->text().isEmpty(); }))
+        return;
     skippingFailure([&] {
         const qint16 two = within16Bits(countShownBy(*lblMainCount) + countShownBy(*lblRefDocCount));
         lblAllCount->setText(QString::number(within16Bits(two + countShownBy(*lblRefFileCount))));
