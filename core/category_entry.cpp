@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/ports/data_window.h"
+#include "app/base/reporting.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/sqlite/connection.h"
@@ -64,6 +65,32 @@ void requireCategory(Session& session, const CategoryRow& asked)
 {
     if (presentCategory(session, asked.identifier).name != asked.name)
         throw Error(errors::NoCurrentRecord);
+}
+
+CategoryRow listedCategory(Session& session, const QString& name, const QString& categoryIdentifier)
+{
+    CategoryRow listed{.name = name, .identifier = categoryIdentifier};
+    const auto unknown = [](const Error&) {};
+    guardedBy(unknown, [&] {
+        RecordSet& categories = required(session.RsCategoryID);
+        if (categories.goTo(category_field::Category_ID, categoryIdentifier))
+            listed.number = categories.rowNumber();
+    });
+    return listed;
+}
+
+bool isCategory(Session& session, const CategoryRow& listed)
+{
+    RecordSet& categories = required(session.RsCategoryID);
+    try {
+        return categories.goTo(category_field::Category_ID, listed.identifier) &&
+               (listed.number == 0 || listed.number == categories.rowNumber());
+    } catch (const Error& error) {
+        // No criteria text can hold such an identifier. Filing in it says so.
+        if (error.number != errors::CriteriaSyntax)
+            throw;
+        return true;
+    }
 }
 
 } // namespace quillon

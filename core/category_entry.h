@@ -30,4 +30,10 @@ CategoryRow presentCategory(Session& session, const QString& categoryIdentifier)
 /// Moves the cursor to it.
 void requireCategory(Session& session, const CategoryRow& asked);
 
+/// A category as a window lists it: its name there, its identifier, and the number of its row, 0 when it has none.
+CategoryRow listedCategory(Session& session, const QString& name, const QString& categoryIdentifier);
+
+/// Whether a category of a window's list still exists; another one may have its identifier by now. Not trapped.
+bool isCategory(Session& session, const CategoryRow& listed);
+
 } // namespace quillon

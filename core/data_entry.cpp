@@ -2,12 +2,12 @@
 
 #include "app/base/input_checks.h"
 #include "core/categories.h"
+#include "core/category_entry.h"
 #include "store/data_kinds.h"
+#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/write_transaction.h"
-
-#include <QFileInfo>
 
 #include <array>
 #include <utility>
@@ -25,22 +25,6 @@ RecordSet& tableOf(Session& session, const DataKind& kind)
     return required(session.*kind.recordSet);
 }
 
-/// Goes to the row of a datum; false when it is gone.
-bool goToRow(Session& session, const DatumPlace& place)
-{
-    // A database that was opened later may hold another datum of the same identifier.
-    const QString open = openDatabaseFile(session);
-    if (place.databaseFile != open && QFileInfo(place.databaseFile) != QFileInfo(open))
-        return false;
-    return tableOf(session, *place.kind).goTo(data_field::Object_ID, place.identifier);
-}
-
-void requireRow(Session& session, const DatumPlace& place)
-{
-    if (!goToRow(session, place))
-        throw Error(errors::NoCurrentRecord);
-}
-
 /// Sets the fields of the row that is being added or changed. `identifier`: null leaves the row's own.
 void setFields(const Session& session, RecordSet& rows, const DatumTexts& texts, const QString* identifier)
 {
@@ -51,19 +35,21 @@ void setFields(const Session& session, RecordSet& rows, const DatumTexts& texts,
     }
 }
 
-void classify(Session& session, DeferredMessages& messages, const QStringList& categories,
-              const QString& identifier)
+/// Files a datum in those of the categories that still exist; returns the identifiers of the others.
+QStringList classify(Session& session, DeferredMessages& messages, const std::vector<CategoryRow>& categories,
+                     const QString& identifier)
 {
-    for (const QString& category : categories)
-        ClassifyDatum(session, messages, category, identifier);
+    QStringList vanished;
+    for (const CategoryRow& category : categories) {
+        if (isCategory(session, category))
+            ClassifyDatum(session, messages, category.identifier, identifier);
+        else
+            vanished << category.identifier;
+    }
+    return vanished;
 }
 
 } // namespace
-
-QString openDatabaseFile(const Session& session)
-{
-    return session.OpenDb ? session.OpenDb->path() : QString();
-}
 
 bool CheckDatum(Session& session, const DataKind& kind, const DatumTexts& texts)
 {
@@ -81,47 +67,60 @@ bool CheckDatum(Session& session, const DataKind& kind, const DatumTexts& texts)
 
 std::optional<DatumTexts> StoredTexts(Session& session, const DatumPlace& place)
 {
-    if (!goToRow(session, place))
+    if (!goToDatum(session, place))
         return std::nullopt;
     const RecordSet& rows = tableOf(session, *place.kind);
     return DatumTexts{.name = rows.field(data_field::Name), .content = rows.field(data_field::Explanation)};
 }
 
 std::optional<SavedDatum> RegisterDatum(Session& session, const DataKind& kind, const QString& identifier,
-                                        const DatumTexts& texts, const QStringList& categories)
+                                        const DatumTexts& texts, const std::vector<CategoryRow>& categories)
 {
     if (!CheckDatum(session, kind, texts))
         return std::nullopt;
+    requireIdentifier(identifier);
     RecordSet& rows = tableOf(session, kind);
     DeferredMessages messages(rows.database());
+    DatumPlace place{
+        .kind = &kind, .databaseFile = openDatabaseFile(session), .identifier = identifier, .row = 0};
+    QStringList vanished;
     inWriteTransaction(rows.database(), [&] {
         rows.addNew();
         setFields(session, rows, texts, &identifier);
-        rows.update();
-        classify(session, messages, categories, identifier);
+        place.row = rows.update();
+        vanished = classify(session, messages, categories, identifier);
     });
-    return SavedDatum{
-        .place = {.kind = &kind, .databaseFile = openDatabaseFile(session), .identifier = identifier},
-        .messages = std::move(messages)};
+    return SavedDatum{.place = std::move(place),
+                      .messages = std::move(messages),
+                      .vanishedCategories = std::move(vanished)};
 }
 
-std::optional<SavedDatum> UpdateDatum(Session& session, const DatumPlace& place, const DatumTexts& texts,
-                                      const QStringList& categories)
+std::optional<SavedDatum> UpdateDatum(Session& session, const SeenDatum& seen, const DatumTexts& texts,
+                                      const std::vector<CategoryRow>& categories)
 {
-    if (!CheckDatum(session, *place.kind, texts))
+    if (!CheckDatum(session, *seen.place.kind, texts))
         return std::nullopt;
-    requireRow(session, place); // a datum that is gone is reported as that, whoever may be writing
-    RecordSet& rows = tableOf(session, *place.kind);
+    const auto requireAsSeen = [&] {
+        const auto stored = StoredTexts(session, seen.place);
+        if (!stored)
+            throw Error(errors::NoCurrentRecord);
+        if (*stored != seen.texts)
+            throw Error(errors::ChangedMeanwhile);
+    };
+    requireAsSeen(); // a datum that is gone or changed is reported as that, whoever may be writing
+    RecordSet& rows = tableOf(session, *seen.place.kind);
     DeferredMessages messages(rows.database());
+    QStringList vanished;
     inWriteTransaction(rows.database(), [&] {
-        requireRow(session, place);
+        requireAsSeen();
         rows.edit();
         // The row was found by its identifier. Saving that again would write its index again, too.
         setFields(session, rows, texts, nullptr);
         rows.update();
-        classify(session, messages, categories, place.identifier);
+        vanished = classify(session, messages, categories, seen.place.identifier);
     });
-    return SavedDatum{.place = place, .messages = std::move(messages)};
+    return SavedDatum{
+        .place = seen.place, .messages = std::move(messages), .vanishedCategories = std::move(vanished)};
 }
 
 } // namespace quillon

@@ -6,12 +6,14 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/categories.h"
+#include "core/category_entry.h"
+#include "core/datum_place.h"
 #include "core/file_data.h"
 #include "core/links.h"
 #include "core/mode.h"
+#include "core/registration_window.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
-#include "store/identifiers.h"
 #include "store/lookup/data_names.h"
 #include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
@@ -30,15 +32,25 @@ namespace quillon
 namespace
 {
 
+/// The window that shows a datum. Windows of data that are gone do not count when another datum has their identifier.
+/// Moves the cursor of the table to the datum when any window bears its identifier.
 DataWindow* windowShowing(Session& session, const DataKind& kind, const QString& identifier)
 {
+    std::vector<DataWindow*> windows;
     for (LoadedWindow* loaded : session.windows.loaded()) {
         DataWindow* window = loaded->asDataWindow();
         if (window != nullptr && window->windowName() == kind.windowName &&
-            window->fieldText(1) == identifier)
-            return window;
+            window->fieldText(1) == identifier && isOpenDatabase(session, window->row().databaseFile))
+            windows.push_back(window);
     }
-    return nullptr;
+    if (windows.empty())
+        return nullptr;
+    RecordSet& rows = required(session.*kind.recordSet);
+    if (!rows.goTo(data_field::Object_ID, identifier))
+        return windows.front();
+    const auto showsRow = [&](const DataWindow* window) { return window->row().number == rows.rowNumber(); };
+    const auto shown = std::find_if(windows.begin(), windows.end(), showsRow);
+    return shown != windows.end() ? *shown : nullptr;
 }
 
 void show(Session& session, const DataKind& kind, const QString& identifier)
@@ -56,12 +68,14 @@ void show(Session& session, const DataKind& kind, const QString& identifier)
     }
     // Read before the window appears: nothing may rely on the cursor once events can run.
     const std::array fields = {rows.field(0), rows.field(1), rows.field(2)};
+    const DatumRow row{.databaseFile = openDatabaseFile(session), .number = rows.rowNumber()};
     DataWindow& window = session.windows.newDataWindow(QString(kind.letter));
     window.showModeless();
     window.setCaption(kind.shortName + kind.captionJoint + fields[0]);
     window.setMode(FormMode::Display);
     for (int i = 0; i < 3; ++i)
         window.setFieldText(i, fields[static_cast<std::size_t>(i)]);
+    window.setRow(row);
     SetLinkList(session, window, identifier);
     AddCategory(session, window, identifier);
 }
@@ -84,16 +98,17 @@ void ShowData(Session& session, const QString& identifier)
 void CreateRegisterForm(Session& session, const QString& kind)
 {
     guarded(session.reporting, u"CreateRegisterForm"_s, [&] {
-        DataWindow& window = session.windows.registrationWindow(kind);
-        window.showModeless();
-        window.setFieldText(1, CreateObject_ID(session, kind));
-        window.setMode(FormMode::Registration);
+        DataWindow* const window = newRegistration(session, kind);
+        if (window == nullptr)
+            return;
+        window->showModeless();
+        window->setMode(FormMode::Registration);
         const MainWindowPort& mainWindow = session.mainWindow();
         const int node = mainWindow.selectedNodeIndex();
         if (node > LastFixedNode) {
-            auto rows = window.categoryRows();
-            rows.push_back({.name = mainWindow.nodeText(node), .identifier = mainWindow.nodeKey(node)});
-            window.setCategoryRows(rows);
+            auto rows = window->categoryRows();
+            rows.push_back(listedCategory(session, mainWindow.nodeText(node), mainWindow.nodeKey(node)));
+            window->setCategoryRows(rows);
         }
     });
 }
@@ -101,17 +116,21 @@ void CreateRegisterForm(Session& session, const QString& kind)
 namespace
 {
 
-/// Deletes a datum and what hangs on it as one write. `seenName`: as what it was seen, where that matters.
-/// The name of the row that was deleted; null when it is gone.
-std::optional<QString> deleteWhole(Session& session, const QString& identifier,
-                                   const std::optional<QString>& seenName)
+/// As what a datum was seen, as far as that matters.
+struct Seen {
+    std::optional<QString> name = std::nullopt;
+    std::optional<qint64> row = std::nullopt;
+};
+
+/// Deletes a datum and what hangs on it as one write. The name of the row that was deleted; null when it is gone.
+std::optional<QString> deleteWhole(Session& session, const QString& identifier, const Seen& seen)
 {
     RecordSet& rows = dataTableOf(session, identifier);
     sqlite::Transaction write(rows.database().connection());
     std::optional<QString> name;
     if (rows.goTo(data_field::Object_ID, identifier)) {
         name = rows.field(data_field::Name);
-        if (seenName && *seenName != *name)
+        if (seen.name.value_or(*name) != *name || seen.row.value_or(rows.rowNumber()) != rows.rowNumber())
             return std::nullopt; // another datum by now: it stays, and all that hangs on it
         rows.deleteRow();
     }
@@ -178,8 +197,8 @@ public:
         for (const ListedDatum& datum : m_data) {
             tryTwice(
                 [&] {
-                    return deleteWhole(m_session, datum.identifier, datum.name) ? Deletion::Deleted
-                                                                                : Deletion::Gone;
+                    return deleteWhole(m_session, datum.identifier, {.name = datum.name}) ? Deletion::Deleted
+                                                                                          : Deletion::Gone;
                 },
                 [] { return true; });
         }
@@ -220,21 +239,18 @@ private:
     std::vector<Error> m_failures;
 };
 
-} // namespace
-
-Deletion DeleteDatum(Session& session, const QString& identifier, qint16 mode)
+Deletion deleteOne(Session& session, const QString& identifier, Seen seen, qint16 mode)
 {
     Deletion outcome = Deletion::Kept;
     guarded(session.reporting, u"DeleteData"_s, [&] {
-        std::optional<QString> askedName;
         if (asks(mode)) {
-            askedName = GetDataName(session, identifier);
+            seen.name = GetDataName(session, identifier);
             const Answer answer = session.dialogs.messageBox(
-                {.text = u"<"_s + *askedName + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
+                {.text = u"<"_s + *seen.name + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
             if (answer != Answer::Ok)
                 return;
         }
-        const std::optional<QString> name = deleteWhole(session, identifier, askedName);
+        const std::optional<QString> name = deleteWhole(session, identifier, seen);
         outcome = name ? Deletion::Deleted : Deletion::Gone;
         if (!name)
             tellNotFound(session, 1);
@@ -243,6 +259,19 @@ Deletion DeleteDatum(Session& session, const QString& identifier, qint16 mode)
                                         .title = GetDivName(session, identifier, DivName::Title)});
     });
     return outcome;
+}
+
+} // namespace
+
+Deletion DeleteDatum(Session& session, const QString& identifier, qint16 mode)
+{
+    return deleteOne(session, identifier, {}, mode);
+}
+
+Deletion DeleteDatum(Session& session, const DatumPlace& place, qint16 mode)
+{
+    requireDatum(session, place);
+    return deleteOne(session, place.identifier, {.row = place.row}, mode);
 }
 
 bool DeleteData(Session& session, const QString& identifier, qint16 mode)

@@ -6,8 +6,8 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/registration_window.h"
 #include "store/data_kinds.h"
-#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/session.h"
 
@@ -55,13 +55,11 @@ bool RegisterFileAndLink(Session& session, const QString& identifier)
 {
     // Whatever comes of it, nothing that is chosen afterwards is linked any more.
     const auto endPendingLink = qScopeGuard([&session] { session.LinkSourceMode = false; });
-    const auto kind = QString(data_kinds::file().letter);
-    const QString registered = CreateObject_ID(session, kind);
-    if (registered.isEmpty())
-        return false; // why has been told
-    DataWindow& window = session.windows.registrationWindow(kind);
-    window.setFieldText(1, registered);
-    window.showModal();
+    DataWindow* const window = newRegistration(session, QString(data_kinds::file().letter));
+    if (window == nullptr)
+        return false;
+    const QString registered = window->fieldText(1);
+    window->showModal();
     // From here on the window may be gone.
     if (!required(session.RsRefFile).goTo(data_field::Object_ID, registered))
         return false;

@@ -3,7 +3,9 @@
 #include "app/base/error.h"
 #include "app/base/extract_string.h"
 #include "app/base/titles.h"
+#include "core/category_entry.h"
 #include "core/typed_path.h"
+#include "store/identifiers.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -34,8 +36,7 @@ void checkRow(Session& session, const FileEntry& entry, const QString& fileName)
             errors::FieldTooSmall,
             u"ファイル名「%1」は長すぎます（%2 文字）。%3 文字以内の名前に変えてから登録してください。"_s.arg(
                 fileName, QString::number(fileName.size()), QString::number(nameWidth)));
-    if (entry.identifier.isEmpty())
-        throw Error(errors::InvalidArgument);
+    requireIdentifier(entry.identifier);
     if (entry.identifier.size() > widthOf(data_field::Object_ID))
         throw Error(errors::FieldTooSmall);
     if (required(session.RsRefFile).goTo(data_field::Object_ID, entry.identifier))
@@ -54,10 +55,11 @@ void writeRows(Session& session, const FileEntry& entry, const QString& fileName
     files.setField(1, entry.identifier);
     files.setField(2, u"未入力"_s);
     files.update();
-    if (entry.category && required(session.RsCategoryID).goTo(category_field::Category_ID, *entry.category)) {
+    // A category that was deleted meanwhile does not come back.
+    if (entry.category && isCategory(session, *entry.category)) {
         RecordSet& memberships = required(session.RsCategory);
         memberships.addNew();
-        memberships.setField(0, *entry.category);
+        memberships.setField(0, entry.category->identifier);
         memberships.setField(1, entry.identifier);
         memberships.update();
     }

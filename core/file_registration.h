@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/files.h"
 
 #include <QString>
@@ -13,9 +14,9 @@ class Session;
 
 /// An outside file that is to become a file datum.
 struct FileEntry {
-    QString path;                    // as it was typed
-    QString identifier;              // of the new datum
-    std::optional<QString> category; // the one it is filed in
+    QString path;                        // as it was typed
+    QString identifier;                  // of the new datum
+    std::optional<CategoryRow> category; // the one it is filed in
 };
 
 enum class FileRegistration {
@@ -27,9 +28,9 @@ enum class FileRegistration {
 
 /// Copies a file into the folder of registered files, where it replaces one of the same name, and adds its row and its
 /// membership, both or none. A category that is gone gets no membership. `progress` is called first when the copying
-/// begins. A name that is too long and an identifier that is taken are refused before that.
-/// Not trapped: a failing copy (53, 61, 70, 75, 76) or row (3022, 3163, 3260). Then a file that was to be replaced
-/// stands as it was; only a copy whose name was new stays.
+/// begins. No identifier, one that is taken, and a name that is too long are refused before that.
+/// Not trapped: error 5 without an identifier, a failing copy (53, 61, 70, 75, 76) or row (3022, 3163, 3260). Then a
+/// file that was to be replaced stands as it was; only a copy whose name was new stays.
 FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Files::Progress& progress);
 
 } // namespace quillon

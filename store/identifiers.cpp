@@ -89,4 +89,11 @@ bool ExistCheck(Session& session, const QString& identifier)
     return free;
 }
 
+void requireIdentifier(const QString& identifier)
+{
+    if (identifier.isEmpty())
+        throw Error(errors::InvalidArgument,
+                    u"識別符号がないため登録できません。画面を閉じて、登録をやり直してください。"_s);
+}
+
 } // namespace quillon

@@ -22,4 +22,7 @@ QString GetYYMMDD(Session& session);
 /// look-up failed, which is then reported.
 bool ExistCheck(Session& session, const QString& identifier);
 
+/// Error 5 for an empty identifier: a datum without one could neither be shown nor deleted.
+void requireIdentifier(const QString& identifier);
+
 } // namespace quillon

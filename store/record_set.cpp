@@ -169,6 +169,12 @@ void RecordSet::requireCurrentRow() const
         throw Error(errors::NoCurrentRecord);
 }
 
+qint64 RecordSet::rowNumber() const
+{
+    requireCurrentRow();
+    return m_row;
+}
+
 void RecordSet::checkField(int index) const
 {
     if (index < 0 || static_cast<std::size_t>(index) >= m_table.fields.size())
@@ -323,7 +329,7 @@ void RecordSet::setField(int index, const QString& text)
     m_values[static_cast<std::size_t>(index)] = text;
 }
 
-void RecordSet::update()
+qint64 RecordSet::update()
 {
     const Change change = std::exchange(m_change, Change::None);
     if (change == Change::None)
@@ -334,12 +340,12 @@ void RecordSet::update()
             throw Error(errors::FieldTooSmall);
     }
     if (change == Change::Adding)
-        insertRow();
-    else
-        changeRow();
+        return insertRow();
+    changeRow();
+    return m_editedRow;
 }
 
-void RecordSet::insertRow()
+qint64 RecordSet::insertRow()
 {
     // ABORT: the table's own idea of a conflict may be to drop the new row or to replace the old ones.
     // SQLite would give the number of a deleted last row to the next one, and every cursor that remembers the
@@ -365,6 +371,7 @@ void RecordSet::insertRow()
     const qint64 row = m_database->connection().lastInsertRowid();
     m_database->noteRow(m_table.name, row);
     m_database->textSearch().rowWritten(m_table.name, row);
+    return row;
 }
 
 void RecordSet::changeRow()

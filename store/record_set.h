@@ -40,6 +40,8 @@ public:
     /// True when the cursor has moved past the last row (or the set is empty).
     bool endOfFile() const;
     bool hasCurrentRow() const { return m_position == Position::OnRow; }
+    /// The number of the current row. In a table that is open no number is given out twice, unlike an identifier.
+    qint64 rowNumber() const;
 
     void moveFirst();
     void moveLast();
@@ -62,9 +64,9 @@ public:
     void edit();
     /// Sets a field of the row begun with `addNew` or `edit`. Error 3021 when none was begun.
     void setField(int index, const QString& text);
-    /// Saves the row begun. Errors: 3163 a text wider than its field, 3022 a duplicate, 3260 locked.
+    /// Saves the row begun and returns its number. Errors: 3163 a text wider than its field, 3022 a duplicate, 3260 locked.
     /// A failed save drops what was begun.
-    void update();
+    qint64 update();
     /// Deletes the current row and leaves the cursor between rows.
     void deleteRow();
     /// Deletes all rows of this set, one after the other.
@@ -123,7 +125,7 @@ private:
     std::optional<qint64> rowAfter(qint64 row) const;
     void standOn(std::optional<qint64> row);
     void requireCurrentRow() const;
-    void insertRow();
+    qint64 insertRow();
     void changeRow();
     void checkField(int index) const;
     QString selectList(std::initializer_list<int> fields) const;

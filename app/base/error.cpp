@@ -59,6 +59,10 @@ QString standardDescription(qint32 errorNumber)
         return u"入力された文字列が長すぎて保存できません。短くしてからやり直してください。"_s;
     case errors::RecordDeleted:
         return u"対象のデータは既に削除されています。一覧を表示し直してください。"_s;
+    case errors::ChangedMeanwhile:
+        return u"表示した後で、他の利用者またはプログラムがデータを変更しました。"
+               u"もう一度更新すると、画面の内容で上書きします。"
+               u"変更された内容を見るには、更新せずに画面を閉じて表示し直してください。"_s;
     case errors::DatabaseExists:
         return u"同じ名前のファイルが既に存在します。別の名前を指定してください。"_s;
     case errors::Locked:

@@ -40,6 +40,7 @@ inline constexpr qint32 CriteriaSyntax = 3075;
 inline constexpr qint32 TableNotFound = 3078;
 inline constexpr qint32 FieldTooSmall = 3163;
 inline constexpr qint32 RecordDeleted = 3167;
+inline constexpr qint32 ChangedMeanwhile = 3197;
 inline constexpr qint32 DatabaseExists = 3204;
 inline constexpr qint32 Locked = 3260;
 inline constexpr qint32 NotADatabase = 3343;

@@ -17,13 +17,13 @@ private Q_SLOTS:
     void everyNumberInUseHasASentenceOfItsOwn()
     {
         using namespace errors;
-        const qint32 numbers[] = {InvalidArgument, Overflow,         OutOfMemory,      TypeMismatch,
-                                  FileNotFound,    DiskFull,         PermissionDenied, PathFileAccess,
-                                  PathNotFound,    ObjectNotSet,     TableExists,      NoCurrentRecord,
-                                  DuplicateKey,    DatabaseNotFound, CannotOpen,       UnknownField,
-                                  CriteriaSyntax,  TableNotFound,    FieldTooSmall,    RecordDeleted,
-                                  DatabaseExists,  Locked,           NotADatabase,     IndexOutOfBounds,
-                                  ElementNotFound, KeyNotUnique};
+        const qint32 numbers[] = {InvalidArgument,  Overflow,         OutOfMemory,      TypeMismatch,
+                                  FileNotFound,     DiskFull,         PermissionDenied, PathFileAccess,
+                                  PathNotFound,     ObjectNotSet,     TableExists,      NoCurrentRecord,
+                                  DuplicateKey,     DatabaseNotFound, CannotOpen,       UnknownField,
+                                  CriteriaSyntax,   TableNotFound,    FieldTooSmall,    RecordDeleted,
+                                  ChangedMeanwhile, DatabaseExists,   Locked,           NotADatabase,
+                                  IndexOutOfBounds, ElementNotFound,  KeyNotUnique};
         QSet<QString> sentences;
         for (const qint32 number : numbers) {
             const QString sentence = standardDescription(number);
@@ -73,6 +73,9 @@ private Q_SLOTS:
         row(3078, u"データベースに必要なテーブルがありません。Quillon のデータベースか確認してください。"_s);
         row(3163, u"入力された文字列が長すぎて保存できません。短くしてからやり直してください。"_s);
         row(3167, u"対象のデータは既に削除されています。一覧を表示し直してください。"_s);
+        row(3197, u"表示した後で、他の利用者またはプログラムがデータを変更しました。"
+                  u"もう一度更新すると、画面の内容で上書きします。"
+                  u"変更された内容を見るには、更新せずに画面を閉じて表示し直してください。"_s);
         row(3204, u"同じ名前のファイルが既に存在します。別の名前を指定してください。"_s);
         row(3260,
             u"データベースは他の利用者またはプログラムが使用中です。しばらく待ってからやり直してください。"_s);

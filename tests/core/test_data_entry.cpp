@@ -2,6 +2,7 @@
 #include "core/data_entry.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
+#include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
@@ -42,15 +43,34 @@ private:
     QStringList memberships() { return TestWorld::rowsOf(session().RsCategory); }
     /// Registers a definition.
     std::optional<SavedDatum> enter(const QString& name, const QString& content,
-                                    const QStringList& categories = {}, const QString& identifier = Water)
+                                    const std::vector<CategoryRow>& categories = {},
+                                    const QString& identifier = Water)
     {
         return RegisterDatum(session(), data_kinds::definition(), identifier,
                              {.name = name, .content = content}, categories);
     }
-    DatumPlace water() { return enter(u"水"_s, u"液体"_s).value().place; }
-    qint32 errorOfUpdating(const DatumPlace& place, const QString& content)
+    /// Registers "水" and returns it as a window shows it then.
+    SeenDatum water()
     {
-        return errorOf([&] { UpdateDatum(session(), place, {.name = u"水"_s, .content = content}, {}); });
+        const DatumTexts texts{.name = u"水"_s, .content = u"液体"_s};
+        return {.place = enter(texts.name, texts.content).value().place, .texts = texts};
+    }
+    qint32 errorOfUpdating(const SeenDatum& seen, const QString& content)
+    {
+        return errorOf([&] { UpdateDatum(session(), seen, {.name = u"水"_s, .content = content}, {}); });
+    }
+    /// Makes categories with these identifiers and returns them as a window lists them.
+    std::vector<CategoryRow> categories(const QStringList& identifiers)
+    {
+        std::vector<CategoryRow> listed;
+        for (const QString& identifier : identifiers) {
+            const QString name = u"分類"_s + identifier;
+            TestWorld::addRow(session().RsCategoryID, {identifier, name});
+            listed.push_back({.name = name,
+                              .identifier = identifier,
+                              .number = session().OpenDb->connection().lastInsertRowid()});
+        }
+        return listed;
     }
 
 private Q_SLOTS:
@@ -69,8 +89,10 @@ private Q_SLOTS:
     void definitionIsWrittenAndFiledAtOnce()
     {
         TestWorld::addRow(session().RsCategory, {u"A"_s, Water});
+        const auto listed = categories({u"A-B"_s, u"C"_s});
         const WriteCounter writes(*session().OpenDb);
-        const auto saved = enter(u"<水>"_s, u"一行目\r\n二行目"_s, {u"A-B"_s, u"C"_s});
+        const auto saved = enter(u"<水>"_s, u"一行目\r\n二行目"_s, listed);
+        QVERIFY(saved->vanishedCategories.isEmpty());
         QVERIFY(saved.has_value());
         saved->messages.show(session()); // there is none
         QCOMPARE(writes.count, 1);
@@ -84,7 +106,7 @@ private Q_SLOTS:
     {
         const QString content(31'999, u'内');
         QVERIFY(RegisterDatum(session(), data_kinds::document(), Book, {.name = u"本"_s, .content = content},
-                              {u"A"_s}));
+                              categories({u"A"_s})));
         QCOMPARE(documents(), QStringList({u"本|R-991231-001|"_s + content}));
         QCOMPARE(definitions(), QStringList());
         QCOMPARE(memberships(), QStringList({u"A|R-991231-001"_s}));
@@ -116,14 +138,16 @@ private Q_SLOTS:
         QFETCH(QString, limit);
         const DataKind& kind = *kindOf(letter);
         const QString identifier = letter + u"-991231-001"_s;
-        const DatumTexts seen{.name = u"前"_s, .content = u"前の"_s};
-        const auto place = RegisterDatum(session(), kind, identifier, seen, {})->place;
+        const DatumTexts texts{.name = u"前"_s, .content = u"前の"_s};
+        const SeenDatum seen{.place = RegisterDatum(session(), kind, identifier, texts, {})->place,
+                             .texts = texts};
+        const auto listed = categories({u"A"_s});
         const MessageBox box = field.isEmpty() ? Missing : tooLong(field, limit);
         world->dialogs.expect(box);
         QVERIFY(!RegisterDatum(session(), kind, letter + u"-991231-002"_s, {.name = name, .content = content},
-                               {u"A"_s}));
+                               listed));
         world->dialogs.expect(box);
-        QVERIFY(!UpdateDatum(session(), place, {.name = name, .content = content}, {u"A"_s}));
+        QVERIFY(!UpdateDatum(session(), seen, {.name = name, .content = content}, listed));
         QCOMPARE(definitions() + documents(), QStringList({u"前|"_s + identifier + u"|前の"_s}));
         QCOMPARE(memberships(), QStringList());
     }
@@ -131,7 +155,7 @@ private Q_SLOTS:
     void identifierThatIsTakenIsRefused()
     {
         enter(u"水"_s, u"液体"_s);
-        QCOMPARE(errorOf([&] { enter(u"氷"_s, u"固体"_s, {u"A"_s}); }), errors::DuplicateKey);
+        QCOMPARE(errorOf([&] { enter(u"氷"_s, u"固体"_s, categories({u"A"_s})); }), errors::DuplicateKey);
         QCOMPARE(definitions(), QStringList({u"水|M-991231-001|液体"_s}));
         QCOMPARE(memberships(), QStringList());
     }
@@ -144,34 +168,35 @@ private Q_SLOTS:
 
     void withoutDatabaseNothingCanBeSaved()
     {
-        const DatumPlace place = water();
+        const SeenDatum seen = water();
         session().RsMain.reset();
         QCOMPARE(errorOf([&] { enter(u"氷"_s, u"固体"_s); }), errors::ObjectNotSet);
-        QCOMPARE(errorOfUpdating(place, u"H2O"_s), errors::ObjectNotSet);
-        QCOMPARE(errorOf([&] { StoredTexts(session(), place); }), errors::ObjectNotSet);
+        QCOMPARE(errorOfUpdating(seen, u"H2O"_s), errors::ObjectNotSet);
+        QCOMPARE(errorOf([&] { StoredTexts(session(), seen.place); }), errors::ObjectNotSet);
     }
 
     void lockedDatabaseTakesTheDatumLater()
     {
+        const auto listed = categories({u"A"_s});
         for (const auto kind : {ForeignLock::Kind::Writing, ForeignLock::Kind::Reading}) {
             const ForeignLock other(*session().OpenDb, kind);
-            QCOMPARE(errorOf([&] { enter(u"水"_s, u"液体"_s, {u"A"_s}); }), errors::Locked);
+            QCOMPARE(errorOf([&] { enter(u"水"_s, u"液体"_s, listed); }), errors::Locked);
         }
         QCOMPARE(definitions(), QStringList());
         QCOMPARE(memberships(), QStringList());
-        QVERIFY(enter(u"水"_s, u"液体"_s, {u"A"_s}));
+        QVERIFY(enter(u"水"_s, u"液体"_s, listed));
         QCOMPARE(definitions().size(), 1);
         QCOMPARE(memberships().size(), 1);
     }
 
     void updateChangesTheRowAndFilesAgain()
     {
-        const DatumPlace place = water();
+        const SeenDatum seen = water();
         enter(u"氷"_s, u"固体"_s, {}, u"M-991231-002"_s);
         TestWorld::addRow(session().RsCategory, {u"A"_s, Water});
+        const auto listed = categories({u"A-B"_s});
         const WriteCounter writes(*session().OpenDb);
-        const auto saved =
-            UpdateDatum(session(), place, {.name = u"お湯"_s, .content = u"熱い"_s}, {u"A-B"_s});
+        const auto saved = UpdateDatum(session(), seen, {.name = u"お湯"_s, .content = u"熱い"_s}, listed);
         QVERIFY(saved.has_value());
         saved->messages.show(session()); // there is none
         QCOMPARE(writes.count, 1);
@@ -181,41 +206,128 @@ private Q_SLOTS:
 
     void storedTextsAreThoseOfTheRow()
     {
-        const DatumPlace place = water();
-        QCOMPARE(StoredTexts(session(), place), (DatumTexts{.name = u"水"_s, .content = u"液体"_s}));
-        UpdateDatum(session(), place, {.name = u"お湯"_s, .content = u"熱い"_s}, {});
-        QCOMPARE(StoredTexts(session(), place), (DatumTexts{.name = u"お湯"_s, .content = u"熱い"_s}));
+        const SeenDatum seen = water();
+        QCOMPARE(StoredTexts(session(), seen.place), (DatumTexts{.name = u"水"_s, .content = u"液体"_s}));
+        UpdateDatum(session(), seen, {.name = u"お湯"_s, .content = u"熱い"_s}, {});
+        QCOMPARE(StoredTexts(session(), seen.place), (DatumTexts{.name = u"お湯"_s, .content = u"熱い"_s}));
     }
 
     void datumThatIsGoneIsReportedAsThatWhoeverWrites()
     {
-        const DatumPlace place = water();
+        const SeenDatum seen = water();
         enter(u"氷"_s, u"固体"_s, {}, u"M-991231-002"_s);
         QVERIFY(session().RsMain->goTo(data_field::Object_ID, Water));
         session().RsMain->deleteRow();
         session().RsMain->moveFirst(); // stands on another row
-        QVERIFY(!StoredTexts(session(), place));
+        QVERIFY(!StoredTexts(session(), seen.place));
         const ForeignLock other(*session().OpenDb, ForeignLock::Kind::Writing);
-        QCOMPARE(errorOfUpdating(place, u"H2O"_s), errors::NoCurrentRecord);
+        QCOMPARE(errorOfUpdating(seen, u"H2O"_s), errors::NoCurrentRecord);
         QCOMPARE(definitions(), QStringList({u"氷|M-991231-002|固体"_s}));
+    }
+
+    void anotherDatumOfTheSameIdentifierIsNotMistakenForIt()
+    {
+        const SeenDatum seen = water();
+        QVERIFY(session().RsMain->goTo(data_field::Object_ID, Water));
+        session().RsMain->deleteRow();
+        const SeenDatum other = water(); // the identifier is given out again, the texts are even the same
+        QVERIFY(!StoredTexts(session(), seen.place));
+        QCOMPARE(errorOfUpdating(seen, u"H2O"_s), errors::NoCurrentRecord);
+        QCOMPARE(definitions(), QStringList({u"水|M-991231-001|液体"_s}));
+        QVERIFY(UpdateDatum(session(), other, {.name = u"水"_s, .content = u"H2O"_s}, {}));
+        QCOMPARE(definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
+    }
+
+    void datumThatAnotherHasChangedIsNotOverwritten_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("content");
+        QTest::newRow("name") << u"お湯"_s << u"液体"_s;
+        QTest::newRow("content") << u"水"_s << u"固体"_s;
+        QTest::newRow("blank at the end") << u"水"_s << u"液体 "_s;
+    }
+
+    void datumThatAnotherHasChangedIsNotOverwritten()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, content);
+        const SeenDatum seen = water();
+        const auto listed = categories({u"A"_s});
+        QVERIFY(UpdateDatum(session(), seen, {.name = name, .content = content}, {}));
+        const DatumTexts ours{.name = u"水"_s, .content = u"H2O"_s};
+        QCOMPARE(errorOf([&] { UpdateDatum(session(), seen, ours, listed); }), errors::ChangedMeanwhile);
+        QCOMPARE(definitions(), QStringList({name + u"|M-991231-001|"_s + content}));
+        QCOMPARE(memberships(), QStringList());
+        const SeenDatum now{.place = seen.place, .texts = {.name = name, .content = content}};
+        QVERIFY(UpdateDatum(session(), now, ours, listed));
+        QCOMPARE(definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
+    }
+
+    void withoutIdentifierNothingIsRegistered_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::newRow("empty") << u""_s;
+        QTest::newRow("null") << QString();
+    }
+
+    void withoutIdentifierNothingIsRegistered()
+    {
+        QFETCH(QString, identifier);
+        QString told;
+        const auto onFailure = [&](const Error& error) {
+            QCOMPARE(error.number, errors::InvalidArgument);
+            told = error.description;
+        };
+        guardedBy(onFailure, [&] { enter(u"水"_s, u"液体"_s, {}, identifier); });
+        QVERIFY(
+            compareText(told, u"識別符号がないため登録できません。画面を閉じて、登録をやり直してください。"));
+        QCOMPARE(definitions(), QStringList());
+    }
+
+    void categoryThatIsGoneDoesNotComeBack_data()
+    {
+        QTest::addColumn<bool>("registers");
+        QTest::addColumn<bool>("givenOutAgain"); // another category has its identifier now
+        QTest::newRow("registering") << true << false;
+        QTest::newRow("updating") << false << false;
+        QTest::newRow("registering, another of its identifier") << true << true;
+        QTest::newRow("updating, another of its identifier") << false << true;
+    }
+
+    void categoryThatIsGoneDoesNotComeBack()
+    {
+        QFETCH(bool, registers);
+        QFETCH(bool, givenOutAgain);
+        const auto listed = categories({u"A"_s, u"B"_s, u"C"_s});
+        QVERIFY(session().RsCategoryID->goTo(category_field::Category_ID, u"B"_s));
+        session().RsCategoryID->deleteRow();
+        if (givenOutAgain)
+            categories({u"B"_s});
+        const DatumTexts texts{.name = u"水"_s, .content = u"液体"_s};
+        const auto saved = registers
+                               ? RegisterDatum(session(), data_kinds::definition(), Water, texts, listed)
+                               : UpdateDatum(session(), water(), texts, listed);
+        QCOMPARE(memberships(), QStringList({u"A|M-991231-001"_s, u"C|M-991231-001"_s}));
+        QCOMPARE(saved->vanishedCategories, QStringList({u"B"_s}));
+        saved->messages.show(session()); // there is none
     }
 
     void datumOfAnotherDatabaseIsNotMistakenForOneOfThisOne()
     {
-        const DatumPlace place = water();
+        const SeenDatum seen = water();
         world->openDatabase(world->createDatabase(u"another.mdb"_s));
         enter(u"火"_s, u"熱い"_s);
-        QVERIFY(!StoredTexts(session(), place));
-        QCOMPARE(errorOfUpdating(place, u"H2O"_s), errors::NoCurrentRecord);
+        QVERIFY(!StoredTexts(session(), seen.place));
+        QCOMPARE(errorOfUpdating(seen, u"H2O"_s), errors::NoCurrentRecord);
         QCOMPARE(definitions(), QStringList({u"火|M-991231-001|熱い"_s}));
     }
 
     void sameDatabaseUnderAnotherNameIsTheSame()
     {
-        DatumPlace place = water();
-        place.databaseFile = world->folder.filePath(u"./QUILLON.mdb"_s);
-        QVERIFY(StoredTexts(session(), place));
-        QVERIFY(UpdateDatum(session(), place, {.name = u"水"_s, .content = u"H2O"_s}, {}));
+        SeenDatum seen = water();
+        seen.place.databaseFile = world->folder.filePath(u"./QUILLON.mdb"_s);
+        QVERIFY(StoredTexts(session(), seen.place));
+        QVERIFY(UpdateDatum(session(), seen, {.name = u"水"_s, .content = u"H2O"_s}, {}));
         QCOMPARE(definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
     }
 
@@ -223,7 +335,7 @@ private Q_SLOTS:
     {
         TestWorld::addRow(session().RsCategory, {u"A"_s, Water});
         refuseDeletion(*session().OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
-        const auto saved = enter(u"水"_s, u"液体"_s, {u"A-B"_s, u"C'D"_s, u"E"_s});
+        const auto saved = enter(u"水"_s, u"液体"_s, categories({u"A-B"_s, u"C'D"_s, u"E"_s}));
         QVERIFY(saved.has_value());
         QCOMPARE(definitions().size(), 1);
         QCOMPARE(memberships(),
@@ -239,12 +351,12 @@ private Q_SLOTS:
 
     void failureThatUndoesEverythingLeavesTheOldTexts()
     {
-        const DatumPlace place = water();
+        const SeenDatum seen = water();
         TestWorld::addRow(session().RsCategory, {u"A"_s, Water});
         refuseDeletion(*session().OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
                        Refusal::OfTheTransaction);
         const DatumTexts texts{.name = u"お湯"_s, .content = u"熱い"_s};
-        QCOMPARE(errorOf([&] { UpdateDatum(session(), place, texts, {u"A-B"_s}); }), 5);
+        QCOMPARE(errorOf([&] { UpdateDatum(session(), seen, texts, categories({u"A-B"_s})); }), 5);
         QCOMPARE(definitions(), QStringList({u"水|M-991231-001|液体"_s}));
         QCOMPARE(memberships(), QStringList({u"A|M-991231-001"_s}));
     }

@@ -4,6 +4,7 @@
 #include "tests/support/compare_text.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
+#include "tests/support/troubled_database.h"
 
 #include <QTest>
 
@@ -159,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(lastWindow().categories.empty());
     }
 
-    void registrationWindowIsShownBeforeItIsFilledIn()
+    void registrationHasItsIdentifierBeforeItsWindowIsShown()
     {
         for (int i = 1; i <= 9; ++i)
             world->mainWindow.nodes.push_back({u"FIXED%1"_s.arg(i), u"固定"_s, QString()});
@@ -167,26 +168,66 @@ private Q_SLOTS:
         world->mainWindow.selected = 10;
         CreateRegisterForm(world->session, u"R"_s);
         QVERIFY(compareLines(world->calls.lines(),
-                             {u"registrationWindow R"_s, u"frmRefDoc.showModeless"_s,
-                              u"frmRefDoc.setFieldText 1 R-991231-001"_s, u"frmRefDoc.setMode registration"_s,
+                             {u"registrationWindow R"_s, u"frmRefDoc.setFieldText 1 R-991231-001"_s,
+                              u"frmRefDoc.showModeless"_s, u"frmRefDoc.setMode registration"_s,
                               u"frmRefDoc.setCategoryRows 自然|A"_s}));
     }
 
-    void registrationReusesItsWindow()
+    void registrationEmptiesTheWindowThatIsOpen()
     {
         CreateRegisterForm(world->session, u"M"_s);
+        FakeDataWindow& window = lastWindow();
+        window.fields = {u"水"_s, u"M-991231-001"_s, u"液体"_s};
+        window.links = {{.kind = u"定義"_s, .name = u"氷"_s, .identifier = u"M-991231-009"_s}};
+        window.categories = {{.name = u"前"_s, .identifier = u"B"_s}};
+        window.shownRow = {.databaseFile = u"QUILLON.mdb"_s, .number = 7};
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
         CreateRegisterForm(world->session, u"M"_s);
         QCOMPARE(windowCount(), 1U);
+        QCOMPARE(window.fields, (std::array{QString(), u"M-991231-002"_s, QString()}));
+        QVERIFY(window.links.empty());
+        QVERIFY(window.categories.empty());
+        QCOMPARE(window.shownRow.number, 0);
+        QCOMPARE(world->calls.lines().count(u"frmMainData.mayUnload"_s), 1);
         QCOMPARE(world->calls.lines().count(u"frmMainData.showModeless"_s), 2);
+    }
+
+    void windowThatMayNotCloseKeepsItsContents()
+    {
+        CreateRegisterForm(world->session, u"M"_s);
+        FakeDataWindow& window = lastWindow();
+        window.fields = {u"水"_s, u"M-991231-001"_s, u"液体"_s};
+        window.closes = false;
+        world->calls.take();
+        CreateRegisterForm(world->session, u"M"_s);
+        QCOMPARE(window.fields, (std::array{u"水"_s, u"M-991231-001"_s, u"液体"_s}));
+        QVERIFY(
+            compareLines(world->calls.lines(), {u"frmMainData.mayUnload"_s, u"frmMainData.bringToFront"_s}));
+    }
+
+    void withoutIdentifierNoRegistrationWindowOpens_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const QString& kind : {u"M"_s, u"R"_s, u"F"_s})
+            QTest::newRow(kind.toUtf8()) << kind;
+    }
+
+    void withoutIdentifierNoRegistrationWindowOpens()
+    {
+        QFETCH(QString, kind);
+        const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Exclusive);
+        world->dialogs.expect(failureBox(u"ExistCheck"_s, 3260));
+        CreateRegisterForm(world->session, kind);
+        QCOMPARE(windowCount(), 0U);
     }
 
     void registrationIsFiledUnderTheSelectedCategory_data()
     {
         QTest::addColumn<int>("selected");
         QTest::addColumn<int>("rows");
-        QTest::newRow("nothing selected") << 0 << 1;
-        QTest::newRow("last fixed node") << 9 << 1;
-        QTest::newRow("first category") << 10 << 2;
+        QTest::newRow("nothing selected") << 0 << 0;
+        QTest::newRow("last fixed node") << 9 << 0;
+        QTest::newRow("first category") << 10 << 1;
     }
 
     void registrationIsFiledUnderTheSelectedCategory()
@@ -202,8 +243,7 @@ private Q_SLOTS:
         CreateRegisterForm(world->session, u"M"_s);
 
         QCOMPARE(lastWindow().categories.size(), static_cast<std::size_t>(rows));
-        QCOMPARE(lastWindow().categories.front().identifier, u"B"_s); // what was there stays
-        if (rows == 2) {
+        if (rows == 1) {
             QCOMPARE(lastWindow().categories.back().name, u"自然"_s);
             QCOMPARE(lastWindow().categories.back().identifier, u"A"_s);
         }

@@ -318,13 +318,16 @@ private Q_SLOTS:
     {
         const JournaledWrites writes(*session().OpenDb, world->calls);
         session().windows.registrationWindow(u"F"_s);
+        world->windows.dataWindows.back()->fields[0] = u"/tmp/a.txt"_s; // typed before
         world->windows.dataWindows.back()->whileModal = [&] {
             TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
         };
         world->calls.take();
         QVERIFY(RegisterFileAndLink(session(), Water));
         QVERIFY(compareLines(world->calls.lines(),
-                             {u"registrationWindow F"_s, u"frmRefFileEntry.setFieldText 1 F-991231-001"_s,
+                             {u"frmRefFileEntry.mayUnload"_s, u"registrationWindow F"_s,
+                              u"frmRefFileEntry.setFieldText 0 "_s, u"frmRefFileEntry.setFieldText 2 "_s,
+                              u"frmRefFileEntry.setFieldText 1 F-991231-001"_s,
                               u"frmRefFileEntry.showModal"_s, u"insert RefFile b.txt|F-991231-001|未入力"_s,
                               u"commit"_s, u"insert Link M-991231-001|F-991231-001"_s, u"commit"_s}));
     }

@@ -53,7 +53,15 @@ private:
     FileRegistration registerPath(const QString& path, const std::optional<QString>& category = {},
                                   const QString& identifier = Picture)
     {
-        return RegisterFile(session(), {.path = path, .identifier = identifier, .category = category}, {});
+        FileEntry entry{.path = path, .identifier = identifier, .category = {}};
+        if (category)
+            entry.category = CategoryRow{.name = u"分類"_s, .identifier = *category};
+        return RegisterFile(session(), entry, {});
+    }
+    void addCategories(const QStringList& identifiers)
+    {
+        for (const QString& identifier : identifiers)
+            TestWorld::addRow(session().RsCategoryID, {identifier, u"分類"_s});
     }
     qint32 errorOfRegistering(const QString& path, const std::optional<QString>& category = {})
     {
@@ -66,8 +74,7 @@ private Q_SLOTS:
         world = std::make_unique<TestWorld>();
         world->openDatabase(world->createDatabase());
         QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
-        for (const QString& category : {u"A"_s, u"A-B"_s})
-            TestWorld::addRow(session().RsCategoryID, {category, u"分類"_s + category});
+        addCategories({u"A"_s, u"A-B"_s});
     }
 
     void cleanup()
@@ -91,6 +98,21 @@ private Q_SLOTS:
         QCOMPARE(registerPath(write(u"a.txt"_s, "a")), FileRegistration::Registered);
         QCOMPARE(fileRows().size(), 1);
         QCOMPARE(memberships(), QStringList());
+    }
+
+    void fileIsNotFiledInACategoryThatIsGone()
+    {
+        QCOMPARE(registerPath(write(u"a.txt"_s, "a"), u"Z"_s), FileRegistration::Registered);
+        QCOMPARE(fileRows().size(), 1);
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void withoutIdentifierNothingIsCopied()
+    {
+        QCOMPARE(errorOf([&] { registerPath(write(u"a.txt"_s, "a"), {}, QString()); }),
+                 errors::InvalidArgument);
+        QCOMPARE(copies(), QStringList());
+        QCOMPARE(fileRows(), QStringList());
     }
 
     void rowAndMembershipAreWrittenAtOnce()
@@ -258,7 +280,11 @@ private Q_SLOTS:
         write(u"RefFile/a.txt"_s, "of another datum");
         const QString path = write(u"a.txt"_s, QByteArray(3 << 20, 'x'));
         const auto cancel = [&](qint64, qint64) { return --calls > 0; };
-        QCOMPARE(RegisterFile(session(), {.path = path, .identifier = Picture, .category = u"A"_s}, cancel),
+        QCOMPARE(RegisterFile(session(),
+                              {.path = path,
+                               .identifier = Picture,
+                               .category = CategoryRow{.name = u"分類"_s, .identifier = u"A"_s}},
+                              cancel),
                  FileRegistration::Cancelled);
         QCOMPARE(calls, 0);
         QCOMPARE(copied(u"a.txt"_s), QByteArray("of another datum"));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/category_entry.h"
 #include "core/data_records.h"
 #include "store/database.h"
 #include "store/record_set.h"
@@ -100,6 +101,12 @@ public:
         return identifier.startsWith(u'M')   ? session.RsMain
                : identifier.startsWith(u'R') ? session.RsRefDoc
                                              : session.RsRefFile;
+    }
+    /// Adds a category; returns it as a window lists it.
+    CategoryRow addCategory(const QString& name, const QString& identifier)
+    {
+        TestWorld::addRow(session.RsCategoryID, {identifier, name});
+        return listedCategory(session, name, identifier);
     }
     /// Deletes a datum as another window or program does.
     void deleteElsewhere(const QString& identifier)

@@ -4,6 +4,13 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
+namespace
+{
+
+const MessageBox AskUpdate{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel};
+
+} // namespace
+
 /// What becomes of a data window when its datum or its database goes. Every test runs for both kinds of windows.
 class TestDataWindowDeletion : public TwinFixture
 {
@@ -24,6 +31,33 @@ private:
     MessageBox question() const
     {
         return {.text = u"<"_s + ownName + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel};
+    }
+    enum Way { Deleted, Replaced, OtherDatabase };
+    /// Takes the datum away from under its window, in the way the present row of test data names.
+    void loseDatum()
+    {
+        QFETCH(int, way);
+        if (way == Deleted)
+            world->deleteElsewhere(own);
+        else if (way == Replaced)
+            replaceDatum();
+        else
+            openAnotherDatabase();
+    }
+    /// Another datum gets the identifier and even the name.
+    void replaceDatum() const
+    {
+        world->deleteElsewhere(own);
+        world->add(ownName, own, u"別のデータ"_s);
+    }
+    /// Writes another content into the row as another program does.
+    void changeElsewhere(const QString& content) const
+    {
+        RecordSet& rows = *world->tableOf(own);
+        QVERIFY(rows.goTo(data_field::Object_ID, own));
+        rows.edit();
+        rows.setField(data_field::Explanation, content);
+        rows.update();
     }
     /// Opens another database file as the File menu does, with a datum of the same identifier and name in it.
     void openAnotherDatabase() const
@@ -79,45 +113,179 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(*form, u"mnuDataDelete"_s));
         QCOMPARE(ownRows(), before);
         QVERIFY(!form.isNull());
-        world->dialogs.expect(
-            MessageBox{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
-            Answer::No);
+        world->dialogs.expect(AskUpdate, Answer::No);
         QVERIFY(FormWorld::closes(*form));
     }
 
-    void datumDeletedElsewhereIsToldAndTheWindowStays_data() { bothKinds(); }
-
-    void datumDeletedElsewhereIsToldAndTheWindowStays()
+    /// How a datum comes to be gone from under its window.
+    static void waysToGo()
     {
-        open();
-        TestWorld::addRow(world->session.RsLink, {own, Ice});
-        TestWorld::addRow(world->session.RsCategory, {u"A"_s, own});
-        world->deleteElsewhere(own);
-        change();
-        world->dialogs.expect(MessageBox{.text = u"<不明> を削除しますか。"_s, .buttons = Buttons::OkCancel});
-        world->dialogs.expect(MessageBox{.text = u"指定されたデータが見つかりませんでした。"_s,
-                                         .title = u"Quillon データ調査分析部"_s});
-        QVERIFY(FormWorld::choose(*form, u"mnuDataDelete"_s));
-        FormWorld::processEvents();
-        QVERIFY(!form.isNull());
-        QCOMPARE(world->links(), QStringList());
-        QCOMPARE(world->memberships(), QStringList());
-        QVERIFY(FormWorld::closes(*form)); // asks nothing
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<int>("way");
+        for (const QString& identifier : {Water, Book}) {
+            QTest::newRow(tag(identifier, u"deleted"_s)) << identifier << int(Deleted);
+            QTest::newRow(tag(identifier, u"another of its identifier"_s)) << identifier << int(Replaced);
+            QTest::newRow(tag(identifier, u"another database"_s)) << identifier << int(OtherDatabase);
+        }
     }
 
-    void windowOfAnotherDatabaseUpdatesNothing_data() { bothKinds(); }
+    void updateOfADatumThatIsGoneChangesNothing_data() { waysToGo(); }
 
-    void windowOfAnotherDatabaseUpdatesNothing()
+    void updateOfADatumThatIsGoneChangesNothing()
     {
         open();
         change();
-        openAnotherDatabase();
+        loseDatum();
         const QStringList before = ownRows();
         world->dialogs.expect(untrapped(3021));
         QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
         QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3021));
         QCOMPARE(ownRows(), before);
-        QVERIFY(FormWorld::closes(*form)); // asks nothing
+        QCOMPARE(FormWorld::definition(*form).toPlainText(), u"変更"_s);
+    }
+
+    void deletionOfADatumThatIsGoneChangesNothing_data() { waysToGo(); }
+
+    void deletionOfADatumThatIsGoneChangesNothing()
+    {
+        open();
+        loseDatum();
+        TestWorld::addRow(world->session.RsLink, {own, Ice});
+        TestWorld::addRow(world->session.RsCategory, {u"A"_s, own});
+        const QStringList before = ownRows();
+        world->dialogs.expect(untrapped(3021)); // no question
+        QVERIFY(FormWorld::choose(*form, u"mnuDataDelete"_s));
+        FormWorld::processEvents();
+        QVERIFY(world->loggedUnder(u"mnuDataDelete_Click"_s, 3021));
+        QVERIFY(!form.isNull());
+        QCOMPARE(ownRows(), before);
+        QCOMPARE(world->links().size(), 1);
+        QCOMPARE(world->memberships().size(), 1);
+        QVERIFY(FormWorld::closes(*form)); // nothing was typed
+    }
+
+    void datumThatIsReplacedWhileTheQuestionIsOpenStays_data() { bothKinds(); }
+
+    void datumThatIsReplacedWhileTheQuestionIsOpenStays()
+    {
+        open();
+        world->dialogs.expect(question());
+        world->dialogs.meanwhile([this] { replaceDatum(); });
+        world->dialogs.expect(MessageBox{.text = u"指定されたデータが見つかりませんでした。"_s,
+                                         .title = u"Quillon データ調査分析部"_s});
+        QVERIFY(FormWorld::choose(*form, u"mnuDataDelete"_s));
+        FormWorld::processEvents();
+        QVERIFY(!form.isNull());
+        QVERIFY(ownRows().contains(ownName + u'|' + own + u"|別のデータ"_s));
+    }
+
+    void closingAfterTheDatumIsGoneAsksOnlyWhenSomethingWasTyped_data() { waysToGo(); }
+
+    void closingAfterTheDatumIsGoneAsksOnlyWhenSomethingWasTyped()
+    {
+        open();
+        loseDatum();
+        change();
+        const QStringList before = ownRows();
+        world->dialogs.expect(AskUpdate, Answer::Yes);
+        world->dialogs.expect(untrapped(3021));
+        QVERIFY(!FormWorld::closes(*form));
+        QCOMPARE(FormWorld::definition(*form).toPlainText(), u"変更"_s);
+        QCOMPARE(ownRows(), before);
+        FormWorld::definition(*form).undo();
+        QVERIFY(FormWorld::closes(*form));
+    }
+
+    void newDatumOfTheIdentifierGetsAWindowOfItsOwn_data() { bothKinds(); }
+
+    void newDatumOfTheIdentifierGetsAWindowOfItsOwn()
+    {
+        open();
+        replaceDatum();
+        auto& second = world->show<DataForm>(own);
+        QCOMPARE(world->windowCount(), 2);
+        QCOMPARE(second.fieldText(2), u"別のデータ"_s);
+        QCOMPARE(&world->show<DataForm>(own), &second);
+        QCOMPARE(world->windowCount(), 2);
+    }
+
+    void windowOfADatumThatIsGoneStillComesForwardForIt_data() { bothKinds(); }
+
+    void windowOfADatumThatIsGoneStillComesForwardForIt()
+    {
+        open();
+        world->deleteElsewhere(own);
+        world->show<DataForm>(own); // a list may still show it
+        QCOMPARE(world->windowCount(), 1);
+    }
+
+    void windowThatRegistersIsNoWindowOfAnotherDatum_data() { bothKinds(); }
+
+    void windowThatRegistersIsNoWindowOfAnotherDatum()
+    {
+        const QString next = twin().kind + u"-991231-00"_s + (twin().kind == u"M"_s ? u"3"_s : u"2"_s);
+        auto& registering = beginRegistration();
+        QCOMPARE(registering.fieldText(1), next);
+        world->add(u"先客"_s, next, u"別のデータ"_s); // another program was faster
+        QVERIFY(&world->show<DataForm>(next) != &registering);
+        QCOMPARE(world->windowCount(), 2);
+    }
+
+    void datumThatAnotherHasChangedIsToldOnceAndThenOverwritten_data() { bothKinds(); }
+
+    void datumThatAnotherHasChangedIsToldOnceAndThenOverwritten()
+    {
+        open();
+        change();
+        changeElsewhere(u"他人の"_s);
+        const QStringList before = ownRows();
+        world->dialogs.expect(untrapped(3197));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3197));
+        QCOMPARE(ownRows(), before);
+        QCOMPARE(FormWorld::definition(*form).toPlainText(), u"変更"_s);
+        changeElsewhere(u"また他人の"_s); // told again: this has not been seen either
+        world->dialogs.expect(untrapped(3197));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
+        world->dialogs.expect(twin().updated);
+        QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
+        QVERIFY(ownRows().contains(ownName + u'|' + own + u"|変更"_s));
+        QVERIFY(FormWorld::closes(*form));
+    }
+
+    void changeByAnotherKeepsTheWindowOpenOnClosing_data() { bothKinds(); }
+
+    void changeByAnotherKeepsTheWindowOpenOnClosing()
+    {
+        open();
+        change();
+        changeElsewhere(u"他人の"_s);
+        world->dialogs.expect(AskUpdate, Answer::Yes);
+        world->dialogs.expect(untrapped(3197));
+        QVERIFY(!FormWorld::closes(*form));
+        world->dialogs.expect(AskUpdate, Answer::Yes);
+        world->dialogs.expect(twin().updated);
+        QVERIFY(FormWorld::closes(*form));
+        QVERIFY(ownRows().contains(ownName + u'|' + own + u"|変更"_s));
+    }
+
+    void whatTheWindowItselfHasSavedIsNoChangeByAnother_data() { bothKinds(); }
+
+    void whatTheWindowItselfHasSavedIsNoChangeByAnother()
+    {
+        form = &beginRegistration();
+        own = FormWorld::identifier(*form).text();
+        ownName = u"雲"_s;
+        FormWorld::enter(FormWorld::name(*form), ownName);
+        FormWorld::enter(FormWorld::definition(*form), u"水滴"_s);
+        expectRegistered();
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        for (const QString& text : {u"一"_s, u"二"_s}) {
+            FormWorld::enter(FormWorld::definition(*form), text);
+            world->dialogs.expect(twin().updated);
+            QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
+            QVERIFY(ownRows().contains(ownName + u'|' + own + u'|' + text));
+        }
     }
 
     void windowKeepsItsDatumWhenTheSameFileIsOpenedAgain_data() { bothKinds(); }
@@ -127,9 +295,7 @@ private Q_SLOTS:
         open();
         change();
         world->open(world->path);
-        world->dialogs.expect(
-            MessageBox{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
-            Answer::No);
+        world->dialogs.expect(AskUpdate, Answer::No);
         QVERIFY(FormWorld::closes(*form));
     }
 
@@ -148,9 +314,7 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
         QCOMPARE(ownRows().size(), 1);
         FormWorld::enter(FormWorld::name(*form), u"新々"_s);
-        world->dialogs.expect(
-            MessageBox{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
-            Answer::No); // the datum is one of the open database now
+        world->dialogs.expect(AskUpdate, Answer::No); // the datum is one of the open database now
         QVERIFY(FormWorld::closes(*form));
     }
 };

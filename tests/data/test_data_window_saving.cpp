@@ -51,7 +51,7 @@ private Q_SLOTS:
         DataForm& form = beginRegistration();
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, twin().first});
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s), world->addCategory(u"海"_s, u"C"_s)});
         expectRegistered();
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(world->memberships(), QStringList({membership(u"A-B"_s), membership(u"C"_s)}));
@@ -63,14 +63,17 @@ private Q_SLOTS:
     {
         DataForm& form = beginRegistration();
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        const CategoryRow river = world->addCategory(u"川"_s, u"A-B"_s);
+        const CategoryRow sea = world->addCategory(u"海"_s, u"C"_s);
+        const CategoryRow lake = world->addCategory(u"湖"_s, u"D"_s);
+        form.setCategoryRows({river, sea});
         const WriteCounter writes(*world->session.OpenDb);
         expectRegistered();
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(writes.count, 1);
         QCOMPARE(world->memberships().size(), 2);
         fill(form, u"水"_s, u"H2O"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}, {u"湖"_s, u"D"_s}});
+        form.setCategoryRows({river, sea, lake});
         world->dialogs.expect(twin().updated);
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
         QCOMPARE(writes.count, 2);
@@ -84,7 +87,7 @@ private Q_SLOTS:
         DataForm& form = beginRegistration();
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, twin().first});
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s), world->addCategory(u"海"_s, u"C"_s)});
         refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s);
         world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
         world->dialogs.meanwhile([&] {
@@ -108,7 +111,8 @@ private Q_SLOTS:
     {
         DataForm& form = beginRegistration();
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"川"_s, u"A'B"_s}, {u"海"_s, u"C"_s}, {u"湖"_s, u"D'E"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A'B"_s), world->addCategory(u"海"_s, u"C"_s),
+                              world->addCategory(u"湖"_s, u"D'E"_s)});
         const auto nobodyWaits = [&] {
             QVERIFY(othersMayWrite(world->path));
             QCOMPARE(data().size(), 1);
@@ -130,7 +134,7 @@ private Q_SLOTS:
     {
         DataForm& form = beginRegistration();
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"海"_s, u"C"_s}});
+        form.setCategoryRows({world->addCategory(u"海"_s, u"C"_s)});
         {
             const ForeignLock reader(*world->session.OpenDb, ForeignLock::Kind::Reading);
             world->dialogs.expect(untrapped(3260));
@@ -153,7 +157,7 @@ private Q_SLOTS:
         DataForm& form = beginRegistration();
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, twin().first});
         fill(form, u"水"_s, u"液体"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s)});
         refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A'"_s,
                        Refusal::OfTheTransaction);
         world->dialogs.expect(untrapped(5));
@@ -269,7 +273,7 @@ private Q_SLOTS:
         DataForm& form = show();
         world->add(u"氷"_s, twin().second, u"固体"_s);
         fill(form, u"お湯"_s, u"熱い\n水"_s);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s)});
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, twin().first});
         world->dialogs.expect(twin().updated);
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
@@ -318,7 +322,6 @@ private Q_SLOTS:
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
         QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3021));
         QCOMPARE(data(), QStringList(u"氷|"_s + twin().second + u"|固体"_s));
-        QVERIFY(FormWorld::closes(form)); // asks nothing
     }
 
     void updateOfADeletedDatumIsReportedAsThatWhoeverWrites_data() { bothKinds(); }

@@ -266,7 +266,7 @@ private Q_SLOTS:
         auto& form = world->beginRegistration<frmRefDoc>();
         const QString content = QString(20'000, u'内');
         fill(form, u"本"_s, content);
-        form.setCategoryRows({{u"川"_s, u"A-B"_s}});
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s)});
         world->session.OpenDb->execute(u"PRAGMA max_page_count = 1"_s); // the file may not grow any more
         world->dialogs.expect(untrapped(61));
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));

@@ -125,9 +125,7 @@ private Q_SLOTS:
     {
         begin();
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture});
-        for (const QString& category : {u"A-B"_s, u"C"_s})
-            TestWorld::addRow(world->session.RsCategoryID, {category, u"分類"_s});
-        form->setCategoryRows({{u"川"_s, u"A-B"_s}, {u"海"_s, u"C"_s}});
+        form->setCategoryRows({world->addCategory(u"川"_s, u"A-B"_s), world->addCategory(u"海"_s, u"C"_s)});
         world->dialogs.expect(Registered);
         registerPath(write(u"a.txt"_s, "a"));
         // The row is added as it is; no ancestor is left.
@@ -328,9 +326,8 @@ private Q_SLOTS:
     void failingMembershipWritesNoRowEither()
     {
         begin();
-        world->giveCategories(1);
         TestWorld::addRow(world->session.RsCategory, {u"A"_s, Picture}); // it is filed there already
-        form->setCategoryRows({{u"川"_s, u"A"_s}});
+        form->setCategoryRows({world->addCategory(u"川"_s, u"A"_s)});
         FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));
         world->dialogs.expect(failure(3022));
         QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));

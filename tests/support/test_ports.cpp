@@ -79,6 +79,12 @@ bool FakeDataWindow::unload()
     return closes;
 }
 
+bool FakeDataWindow::mayUnload()
+{
+    note(u"mayUnload"_s);
+    return closes;
+}
+
 void FakeDataWindow::setFieldText(int index, const QString& text)
 {
     note(u"setFieldText %1 "_s.arg(index) + text);
@@ -94,6 +100,8 @@ void FakeDataWindow::setCaption(const QString& text)
 void FakeDataWindow::setMode(FormMode mode)
 {
     note(mode == FormMode::Registration ? u"setMode registration"_s : u"setMode display"_s);
+    if (mode == FormMode::Registration)
+        shownRow = {};
 }
 
 void FakeDataWindow::setLinkRows(const std::vector<LinkRow>& rows)
@@ -262,6 +270,11 @@ FakeDataWindow& FakeWindows::create(const QString& kind)
     dataWindows.push_back(std::move(window));
     list.push_back(&created);
     return created;
+}
+
+DataWindow* FakeWindows::loadedRegistrationWindow(const QString& kind)
+{
+    return shared[kindNumber(kind)];
 }
 
 DataWindow& FakeWindows::newDataWindow(const QString& kind)

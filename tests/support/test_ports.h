@@ -135,6 +135,7 @@ public:
 
     QString windowName() const override { return name; }
     bool unload() override;
+    bool mayUnload() override;
     void bringToFront() override { note(QStringLiteral("bringToFront")); }
     QString fieldText(int index) const override { return fields[static_cast<std::size_t>(index)]; }
     void setFieldText(int index, const QString& text) override;
@@ -144,6 +145,8 @@ public:
     void setLinkRows(const std::vector<LinkRow>& rows) override;
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override { return categories; }
+    void setRow(const DatumRow& datumRow) override { shownRow = datumRow; }
+    DatumRow row() const override { return shownRow; }
     void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override;
 
@@ -153,7 +156,8 @@ public:
     QString caption;
     std::vector<LinkRow> links;
     std::vector<CategoryRow> categories;
-    bool closes = true;               // answers an unload
+    DatumRow shownRow;
+    bool closes = true;               // answers an unload, and whether it may unload
     std::function<void()> whileModal; // what the person does in a modal showing
     std::function<void()> onUnload;
 
@@ -241,6 +245,7 @@ public:
     std::vector<LoadedWindow*> loaded() const override { return list; }
     DataWindow& newDataWindow(const QString& kind) override;
     DataWindow& registrationWindow(const QString& kind) override;
+    DataWindow* loadedRegistrationWindow(const QString& kind) override;
     DataSelection& dataSelection() override { return selection; }
     CategoryChooser& categoryChooser() override { return chooser; }
     LinkListWindow& linkList() override;

@@ -61,6 +61,8 @@ public:
     void setLinkRows(const std::vector<LinkRow>&) override {}
     void setCategoryRows(const std::vector<CategoryRow>&) override {}
     std::vector<CategoryRow> categoryRows() const override { return {}; }
+    void setRow(const DatumRow&) override {}
+    DatumRow row() const override { return {}; }
     void showModeless() override { FormWindow::showModeless(); }
     void showModal() override { FormWindow::showModal(); }
 };

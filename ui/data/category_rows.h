@@ -2,6 +2,8 @@
 
 #include "app/base/ports/data_window.h"
 
+#include <QHash>
+
 #include <vector>
 
 namespace quillon
@@ -9,10 +11,18 @@ namespace quillon
 
 class ReportList;
 
-/// Replaces the rows of a category list: name and identifier; a third column stays empty.
-void showCategoryRows(ReportList& list, const std::vector<CategoryRow>& rows);
+/// The rows of a window's category list: name and identifier; a third column stays empty. The numbers of the
+/// categories' rows are kept beside the list.
+class CategoryRows
+{
+public:
+    /// Replaces the rows.
+    void show(ReportList& list, const std::vector<CategoryRow>& rows);
+    /// The rows as the list shows them.
+    std::vector<CategoryRow> shown(const ReportList& list) const;
 
-/// The rows of a category list.
-std::vector<CategoryRow> shownCategoryRows(const ReportList& list);
+private:
+    QHash<QString, qint64> m_numbers; // by identifier
+};
 
 } // namespace quillon

@@ -7,7 +7,6 @@
 #include "core/data_records.h"
 #include "store/data_kinds.h"
 #include "store/session.h"
-#include "ui/data/category_rows.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
@@ -23,8 +22,7 @@ namespace quillon
 {
 
 DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& design)
-    : FormWindow(session, registry, design.kind.windowName), m_design(design),
-      m_databaseFile(openDatabaseFile(session))
+    : FormWindow(session, registry, design.kind.windowName), m_design(design)
 {
     setWindowTitle(design.title);
     buildFields();
@@ -81,6 +79,14 @@ void DataForm::setMode(FormMode mode)
         action(name)->setEnabled(!registers);
     action(u"mnuDataEntry"_s)->setEnabled(registers);
     sbStatus->setText(1, registers ? titles::RegistrationMode : titles::DisplayMode);
+    if (registers)
+        setRow({});
+}
+
+void DataForm::setRow(const DatumRow& row)
+{
+    m_row = row;
+    m_seen = shownTexts();
 }
 
 void DataForm::setLinkRows(const std::vector<LinkRow>& rows)
@@ -94,12 +100,12 @@ void DataForm::setLinkRows(const std::vector<LinkRow>& rows)
 
 void DataForm::setCategoryRows(const std::vector<CategoryRow>& rows)
 {
-    showCategoryRows(*lsvCategory, rows);
+    m_categories.show(*lsvCategory, rows);
 }
 
 std::vector<CategoryRow> DataForm::categoryRows() const
 {
-    return shownCategoryRows(*lsvCategory);
+    return m_categories.shown(*lsvCategory);
 }
 
 bool DataForm::showsDatum() const
@@ -109,7 +115,10 @@ bool DataForm::showsDatum() const
 
 DatumPlace DataForm::place() const
 {
-    return {.kind = &m_design.kind, .databaseFile = m_databaseFile, .identifier = fieldText(1)};
+    return {.kind = &m_design.kind,
+            .databaseFile = m_row.databaseFile,
+            .identifier = fieldText(1),
+            .row = m_row.number};
 }
 
 void DataForm::ShowInputCount(qint16 index)
@@ -131,27 +140,32 @@ bool DataForm::CheckInput()
 
 std::optional<SavedDatum> DataForm::registerShownDatum()
 {
-    auto saved = RegisterDatum(session(), m_design.kind, fieldText(1), shownTexts(), listedCategories());
+    const DatumTexts texts = shownTexts();
+    auto saved = RegisterDatum(session(), m_design.kind, fieldText(1), texts, categoryRows());
     if (saved)
-        m_databaseFile = saved->place.databaseFile;
+        hasSaved(*saved, texts);
     return saved;
 }
 
-QStringList DataForm::listedCategories() const
+void DataForm::hasSaved(const SavedDatum& saved, const DatumTexts& written)
 {
-    QStringList identifiers;
-    for (const CategoryRow& category : categoryRows())
-        identifiers << category.identifier;
-    return identifiers;
+    m_row = {.databaseFile = saved.place.databaseFile, .number = saved.place.row};
+    m_seen = written;
+    if (saved.vanishedCategories.isEmpty())
+        return;
+    auto categories = categoryRows();
+    std::erase_if(categories, [&](const CategoryRow& category) {
+        return saved.vanishedCategories.contains(category.identifier);
+    });
+    setCategoryRows(categories);
 }
 
 bool DataForm::isUnchanged()
 {
     if (!showsDatum())
         return fieldText(0).isEmpty() && fieldText(2).isEmpty();
-    // A datum that was deleted elsewhere has nothing left to be updated.
-    const auto stored = StoredTexts(session(), place());
-    return !stored || *stored == shownTexts();
+    // Of a datum that is gone, what was seen last is all there is to compare with.
+    return shownTexts() == StoredTexts(session(), place()).value_or(m_seen);
 }
 
 bool DataForm::QuerySave()
@@ -194,7 +208,7 @@ void DataForm::SwitchDataWindow(const QString& identifier)
 void DataForm::mnuDataDelete_Click()
 {
     const QPointer<DataForm> self(this);
-    if (!DeleteData(session(), fieldText(1), 3) || self.isNull())
+    if (DeleteDatum(session(), place(), 3) != Deletion::Deleted || self.isNull())
         return;
     m_deleted = true;
     unload();
@@ -205,10 +219,26 @@ void DataForm::mnuDataEntry_Click()
     RegisterData();
 }
 
+std::optional<SavedDatum> DataForm::updateShownDatum()
+{
+    const DatumTexts texts = shownTexts();
+    try {
+        auto saved = UpdateDatum(session(), {.place = place(), .texts = m_seen}, texts,
+                                 m_design.updateClassifies ? categoryRows() : std::vector<CategoryRow>());
+        if (saved)
+            hasSaved(*saved, texts);
+        return saved;
+    } catch (const Error& error) {
+        // Told once; whoever updates again overwrites what is there now.
+        if (error.number == errors::ChangedMeanwhile)
+            m_seen = StoredTexts(session(), place()).value_or(m_seen);
+        throw;
+    }
+}
+
 bool DataForm::UpdateData()
 {
-    const auto saved = UpdateDatum(session(), place(), shownTexts(),
-                                   m_design.updateClassifies ? listedCategories() : QStringList());
+    const auto saved = updateShownDatum();
     if (!saved)
         return false;
     saved->messages.show(session());

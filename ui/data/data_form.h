@@ -2,6 +2,7 @@
 
 #include "app/base/ports/data_window.h"
 #include "core/data_entry.h"
+#include "ui/data/category_rows.h"
 #include "ui/data/text_fields.h"
 #include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
@@ -42,6 +43,8 @@ public:
     void setLinkRows(const std::vector<LinkRow>& rows) override;
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override;
+    void setRow(const DatumRow& row) override;
+    DatumRow row() const override { return m_row; }
 
     /// Panel 1 of the status bar, the only record of the window's mode.
     QString modeText() const;
@@ -79,7 +82,8 @@ protected:
 
     /// Whether name and content are filled and short enough; tells the user when they are not.
     bool CheckInput();
-    /// Registers what the window shows, in every category of the category list. Nothing when the input was refused.
+    /// Registers what the window shows, in every category of the category list, and belongs to the new row from then
+    /// on. Nothing when the input was refused.
     std::optional<SavedDatum> registerShownDatum();
     /// The question before closing; true lets the window close.
     bool QuerySave();
@@ -117,9 +121,11 @@ protected:
 private:
     TextField& field(int index) const;
     DatumTexts shownTexts() const { return {.name = fieldText(0), .content = fieldText(2)}; }
+    /// The datum to which the window belongs.
     DatumPlace place() const;
-    /// The identifiers of the category list.
-    QStringList listedCategories() const;
+    std::optional<SavedDatum> updateShownDatum();
+    /// The window shows what a save has written; categories that are gone leave its list.
+    void hasSaved(const SavedDatum& saved, const DatumTexts& written);
     /// Whether closing the window would lose nothing.
     bool isUnchanged();
     void buildFields();
@@ -145,7 +151,9 @@ private:
     bool Form_KeyUp(const QKeyEvent& event);
 
     const Design m_design;
-    QString m_databaseFile; // where the datum shown lies
+    DatumRow m_row;    // of the datum shown; none while one is registered
+    DatumTexts m_seen; // what that row held when it was last shown or written
+    CategoryRows m_categories;
     std::array<TextField*, 3> m_txtFields = {nullptr, nullptr, nullptr};
     QHBoxLayout* m_contentLabelRow = nullptr;
     Composition m_composition;

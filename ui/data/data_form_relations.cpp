@@ -80,6 +80,7 @@ void DataForm::SetLinkSource()
 // NOLINTNEXTLINE(performance-unnecessary-value-param): a reference would hold nothing
 void DataForm::linkToChosen(std::shared_ptr<RecordSet> table)
 {
+    requireDatum(session(), place());
     const QPointer<DataForm> self(this); // the choice may take the window with it
     SetLinkSource();
     CreateDataList(session(), table, SelectionUse::Link, ListFill::Replace);
@@ -89,6 +90,7 @@ void DataForm::linkToChosen(std::shared_ptr<RecordSet> table)
 
 void DataForm::mnuLinkRefFile_Click()
 {
+    requireDatum(session(), place());
     SetLinkSource();
     const Answer answer = session().dialogs.messageBox(
         {.text = u"外部のファイルとリンクする場合は【はい】を、登録済みのファイルデータとリンクする場合は"
@@ -129,6 +131,7 @@ void DataForm::mnuLinkDelete_Click()
         session().dialogs.messageBox({.text = u"リンクは存在しません。"_s, .title = titles::SystemOperation});
         return;
     }
+    requireDatum(session(), place());
     const QPointer<DataForm> self(this);
     DeleteLink(session(), lsvLink->rows().text(row, LinkIdentifierColumn).toString(), fieldText(1));
     if (self)
@@ -137,6 +140,7 @@ void DataForm::mnuLinkDelete_Click()
 
 void DataForm::mnuCategoryEntry_Click()
 {
+    requireDatum(session(), place());
     const QPointer<DataForm> self(this);
     SelectCategory(session(), fieldText(1));
     if (self)
@@ -150,6 +154,7 @@ void DataForm::mnuCategoryDelete_Click()
         session().dialogs.messageBox({.text = u"カテゴリが選択されていません。"_s});
         return;
     }
+    requireDatum(session(), place());
     DeleteCategoryEntry(session(), lsvCategory->rows().text(row, CategoryIdentifierColumn).toString(),
                         fieldText(1));
     AddCategory(session(), *this, fieldText(1));
@@ -157,8 +162,10 @@ void DataForm::mnuCategoryDelete_Click()
 
 void DataForm::lsvLink_OLEDragDrop(const QString& text)
 {
-    if (text.size() != IdentifierLength)
+    // What is not registered yet has an identifier that another datum may get.
+    if (text.size() != IdentifierLength || !showsDatum())
         return;
+    requireDatum(session(), place());
     const QPointer<DataForm> self(this);
     LinkData(session(), fieldText(1), text, 1);
     if (self)

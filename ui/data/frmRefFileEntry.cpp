@@ -5,7 +5,6 @@
 #include "app/base/titles.h"
 #include "core/file_registration.h"
 #include "store/session.h"
-#include "ui/data/category_rows.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/paint_pace.h"
@@ -122,12 +121,12 @@ void frmRefFileEntry::setFieldText(int index, const QString& text)
 
 void frmRefFileEntry::setCategoryRows(const std::vector<CategoryRow>& rows)
 {
-    showCategoryRows(*lsvCategory, rows);
+    m_categories.show(*lsvCategory, rows);
 }
 
 std::vector<CategoryRow> frmRefFileEntry::categoryRows() const
 {
-    return shownCategoryRows(*lsvCategory);
+    return m_categories.shown(*lsvCategory);
 }
 
 void frmRefFileEntry::cmdPath_Click()
@@ -180,7 +179,7 @@ FileRegistration frmRefFileEntry::copyAndWrite()
 {
     FileEntry entry{.path = fieldText(0), .identifier = fieldText(1), .category = {}};
     if (const auto categories = categoryRows(); !categories.empty())
-        entry.category = categories.front().identifier; // of several only the first
+        entry.category = categories.front(); // of several only the first
     std::optional<WaitCursor> cursor;
     constexpr qint64 PaintInterval = 33; // milliseconds
     PaintPace pace(session().clock, {.first = PaintInterval, .next = PaintInterval});

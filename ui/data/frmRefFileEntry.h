@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/data_window.h"
+#include "ui/data/category_rows.h"
 #include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
@@ -33,6 +34,8 @@ public:
     void setLinkRows(const std::vector<LinkRow>&) override {}
     void setCategoryRows(const std::vector<CategoryRow>& rows) override;
     std::vector<CategoryRow> categoryRows() const override;
+    void setRow(const DatumRow&) override {}
+    DatumRow row() const override { return {}; }
 
 protected:
     bool queryUnload() override;
@@ -58,6 +61,7 @@ private:
     QProgressBar* m_progress = nullptr; // of a long copy
     QString m_chosenPath;               // what the file dialog chose last
     bool CloseWithoutAsking = false;
+    CategoryRows m_categories;
     Composition m_composition; // in the path
 };
 

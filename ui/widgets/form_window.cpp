@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QWindow>
 
 #include <utility>
@@ -75,7 +76,7 @@ bool FormWindow::unload()
     return tryUnload();
 }
 
-bool FormWindow::tryUnload()
+bool FormWindow::mayUnload()
 {
     if (m_unloaded)
         return true;
@@ -84,19 +85,20 @@ bool FormWindow::tryUnload()
         return false;
     const QPointer<FormWindow> guard(this);
     m_asking = true;
-    bool mayClose = false;
-    try {
-        mayClose = queryUnload();
-    } catch (const Error&) {
+    const auto end = qScopeGuard([&] {
         if (guard)
             m_asking = false;
-        throw; // to whoever wanted the window closed
-    }
-    if (!guard)
-        return true;
-    m_asking = false;
-    if (!mayClose)
+    });
+    return queryUnload() || !guard; // a failure goes to whoever wanted the window closed
+}
+
+bool FormWindow::tryUnload()
+{
+    const QPointer<FormWindow> guard(this);
+    if (!mayUnload())
         return false;
+    if (!guard || m_unloaded)
+        return true;
     m_unloaded = true;
     hide();
     m_registry.remove(this);

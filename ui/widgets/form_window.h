@@ -33,6 +33,7 @@ public:
 
     QString windowName() const override { return objectName(); }
     bool unload() override;
+    bool mayUnload() override;
     void bringToFront() override;
 
     void showModeless() override;

@@ -52,12 +52,22 @@ DataWindow& WindowRegistry::newDataWindow(const QString& kind)
     return as<DataWindow>(known != nullptr && known->isShownInWindow ? create(known->windowName) : nullptr);
 }
 
-DataWindow& WindowRegistry::registrationWindow(const QString& kind)
+const QString& WindowRegistry::registrationWindowName(const QString& kind) const
 {
     const DataKind* const known = kindWithLetter(kind);
     if (known == nullptr || !m_factories.contains(known->windowName))
         throw Error(errors::ObjectNotSet);
-    return as<DataWindow>(&sharedWindow(known->windowName));
+    return known->windowName;
+}
+
+DataWindow& WindowRegistry::registrationWindow(const QString& kind)
+{
+    return as<DataWindow>(&sharedWindow(registrationWindowName(kind)));
+}
+
+DataWindow* WindowRegistry::loadedRegistrationWindow(const QString& kind)
+{
+    return dynamic_cast<DataWindow*>(loadedSharedWindow(registrationWindowName(kind)));
 }
 
 DataSelection& WindowRegistry::dataSelection()

@@ -24,6 +24,7 @@ public:
     std::vector<LoadedWindow*> loaded() const override;
     DataWindow& newDataWindow(const QString& kind) override;
     DataWindow& registrationWindow(const QString& kind) override;
+    DataWindow* loadedRegistrationWindow(const QString& kind) override;
     DataSelection& dataSelection() override;
     CategoryChooser& categoryChooser() override;
     LinkListWindow& linkList() override;
@@ -41,6 +42,8 @@ public:
 
 private:
     LoadedWindow* create(const QString& windowName) const;
+    /// The design name of the window that registers data of a kind. Error 91 for any other kind.
+    const QString& registrationWindowName(const QString& kind) const;
 
     std::vector<LoadedWindow*> m_windows;
     QHash<QString, LoadedWindow*> m_shared;

@@ -20,6 +20,14 @@ struct LinkRow {
 struct CategoryRow {
     QString name;
     QString identifier;
+    qint64 number = 0; // of the category's row, 0 when it is not known: identifiers are given out again
+};
+
+/// The row of a database to which a data window belongs; number 0 for none. Unlike an identifier, a number is not
+/// given out again.
+struct DatumRow {
+    QString databaseFile;
+    qint64 number = 0;
 };
 
 /// What a window for data is there for at the moment.
@@ -36,7 +44,11 @@ public:
     virtual void setFieldText(int index, const QString& text) = 0;
     virtual void setCaption(const QString& caption) = 0;
     /// Switches the window's menus and the mode text of its status bar. A window without modes stays as it is.
+    /// A window that registers belongs to no row.
     virtual void setMode(FormMode mode) = 0;
+    /// Lets the window belong to a row, whose texts its fields hold at this moment.
+    virtual void setRow(const DatumRow& row) = 0;
+    virtual DatumRow row() const = 0;
     /// Replaces the rows of the link list.
     virtual void setLinkRows(const std::vector<LinkRow>& rows) = 0;
     /// Replaces the rows of the category list.

@@ -23,6 +23,9 @@ public:
     /// Asks the window to close; it runs its own closing questions. False when it stays.
     /// The window object may be gone when this returns true.
     virtual bool unload() = 0;
+    /// The same questions without closing the window. False when one was cancelled, or when what was to be saved was
+    /// refused.
+    virtual bool mayUnload() { return true; }
     /// Shows the window and brings it before the others.
     virtual void bringToFront() = 0;
     virtual void showModeless() = 0;
@@ -45,6 +48,8 @@ public:
     virtual DataWindow& newDataWindow(const QString& kind) = 0;
     /// The shared registration window of a kind ("M", "R", "F"), created on first use. Error 91 for any other kind.
     virtual DataWindow& registrationWindow(const QString& kind) = 0;
+    /// The same window when it is loaded, else null. Error 91 as above.
+    virtual DataWindow* loadedRegistrationWindow(const QString& kind) = 0;
     /// The shared window for choosing a datum, the one for choosing a category and the list of all links,
     /// each created on first use.
     virtual DataSelection& dataSelection() = 0;
