@@ -1,6 +1,7 @@
 // The console's commands that do what menu entries do, with and without a database.
 #include "app/base/ports/data_window.h"
 #include "tests/main/main_window_fixture.h"
+#include "tests/support/failure_box.h"
 
 #include <QFile>
 
@@ -149,7 +150,8 @@ private Q_SLOTS:
     void caddWithoutADatabaseIsReportedUnderItsMenuEntry()
     {
         expectConsole(u"CADD"_s); // there is no selected node to read
-        expectFailure(u"mnuCategoryEntry_Click"_s, errors::ObjectNotSet);
+        world->dialogs.expect(
+            failureBox(u"mnuCategoryEntry_Click"_s, u"カテゴリツリーの項目が選択されていません。"_s));
         pressChord();
         QCOMPARE(window->nodeCount(), 0);
         QCOMPARE(world->eventLog.lines.size(), 1);

@@ -1,6 +1,7 @@
 // The category menu: new categories, new names, deletion.
 #include "store/record_set.h"
 #include "tests/main/main_window_fixture.h"
+#include "tests/support/failure_box.h"
 #include "tests/support/troubled_database.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -430,7 +431,8 @@ private Q_SLOTS:
     void withoutASelectedNodeEveryEntryFailsBeforeItAsks()
     {
         tree->clearSelection();
-        expectFailure(u"mnuCategoryEntry_Click"_s, errors::ObjectNotSet);
+        world->dialogs.expect(
+            failureBox(u"mnuCategoryEntry_Click"_s, u"カテゴリツリーの項目が選択されていません。"_s));
         chooseEntry(u"mnuCategoryEntry"_s);
         for (const QString& entry : {u"mnuCategoryRename"_s, u"mnuCategoryDelete"_s}) {
             world->dialogs.expect(MessageBox{.text = u"対処不能なエラーが発生しました。\r\n説明："

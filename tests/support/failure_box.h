@@ -8,11 +8,15 @@ namespace quillon::testing
 {
 
 /// The box in which the reporter tells about a failure of `location`.
-inline MessageBox failureBox(const QString& location, qint32 number)
+inline MessageBox failureBox(const QString& location, const QString& description)
 {
     return {.text = QStringLiteral("対処不能なエラーが発生しました。\r\nLOCATION : ") + location +
-                    QStringLiteral("\r\nEXPLANATION : ") + standardDescription(number),
+                    QStringLiteral("\r\nEXPLANATION : ") + description,
             .title = QStringLiteral("Quillon 障害対策部")};
+}
+inline MessageBox failureBox(const QString& location, qint32 number)
+{
+    return failureBox(location, standardDescription(number));
 }
 
 /// The box of the last resort: what an untrapped failure shows.
