@@ -78,12 +78,6 @@ void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIden
     }
 }
 
-void deleteAll(RecordSet& memberships)
-{
-    if (memberships.recordCount() > 0)
-        inWriteTransaction(memberships.database(), [&] { memberships.deleteEveryRow(); });
-}
-
 } // namespace
 
 void AddCategory(Session& session, DataWindow& window, const QString& identifier)
@@ -196,14 +190,15 @@ void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
 
 void deleteMembershipsOf(Session& session, const QString& identifier)
 {
-    deleteAll(*required(session.RsCategory).filtered(u"Object_ID ='"_s + identifier + u"'"_s));
+    required(session.RsCategory).filtered(u"Object_ID ='"_s + identifier + u"'"_s)->deleteEveryRow();
 }
 
 void DeleteRelationalCategory(Session& session, const QString& identifier)
 {
     guarded(session.reporting, u"DeleteRelationalCategory"_s, [&] {
-        deleteAll(required(
-            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s)));
+        required(
+            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s))
+            .deleteEveryRow();
     });
 }
 

@@ -35,12 +35,6 @@ QString touching(const QString& identifier)
     return u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s + identifier + u"'"_s;
 }
 
-void deleteAll(RecordSet& links)
-{
-    if (links.recordCount() > 0)
-        inWriteTransaction(links.database(), [&] { links.deleteEveryRow(); });
-}
-
 } // namespace
 
 bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode)
@@ -126,13 +120,13 @@ bool DeleteLink(Session& session, const ListedDatum& a, const ListedDatum& b)
 
 void deleteLinksOf(Session& session, const QString& identifier)
 {
-    deleteAll(*required(session.RsLink).filtered(touching(identifier)));
+    required(session.RsLink).filtered(touching(identifier))->deleteEveryRow();
 }
 
 void DeleteRelationalLink(Session& session, const QString& identifier)
 {
     guarded(session.reporting, u"DeleteRelationalLink"_s, [&] {
-        deleteAll(required(GetFilterResult(session.reporting, session.RsLink, touching(identifier))));
+        required(GetFilterResult(session.reporting, session.RsLink, touching(identifier))).deleteEveryRow();
     });
 }
 

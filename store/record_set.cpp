@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "store/criteria_sql.h"
 #include "store/quoted.h"
+#include "store/write_transaction.h"
 
 #include <QStringList>
 
@@ -412,8 +413,10 @@ void RecordSet::deleteEveryRow()
 {
     if (!hasRows())
         return;
-    for (moveFirst(); !endOfFile(); moveNext())
-        deleteRow();
+    inWriteTransaction(*m_database, [&] {
+        for (moveFirst(); !endOfFile(); moveNext())
+            deleteRow();
+    });
 }
 
 void RecordSet::deleteRowsIf(std::initializer_list<int> fields,

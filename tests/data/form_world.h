@@ -87,15 +87,15 @@ public:
     FormWorld& operator=(const FormWorld&) = delete;
 
     /// Adds a datum of the kind of its identifier.
-    void add(const QString& name, const QString& identifier, const QString& explanation)
+    void add(const QString& name, const QString& identifier, const QString& explanation) const
     {
         TestWorld::addRow(tableOf(identifier), {name, identifier, explanation});
     }
-    QStringList definitions() { return TestWorld::rowsOf(session.RsMain); }
-    QStringList documents() { return TestWorld::rowsOf(session.RsRefDoc); }
-    QStringList registeredFiles() { return TestWorld::rowsOf(session.RsRefFile); }
-    QStringList links() { return TestWorld::rowsOf(session.RsLink); }
-    QStringList memberships() { return TestWorld::rowsOf(session.RsCategory); }
+    QStringList definitions() const { return TestWorld::rowsOf(session.RsMain); }
+    QStringList documents() const { return TestWorld::rowsOf(session.RsRefDoc); }
+    QStringList registeredFiles() const { return TestWorld::rowsOf(session.RsRefFile); }
+    QStringList links() const { return TestWorld::rowsOf(session.RsLink); }
+    QStringList memberships() const { return TestWorld::rowsOf(session.RsCategory); }
     const std::shared_ptr<RecordSet>& tableOf(const QString& identifier) const
     {
         return identifier.startsWith(u'M')   ? session.RsMain
@@ -109,7 +109,7 @@ public:
         return listedCategory(session, name, identifier);
     }
     /// Deletes a datum as another window or program does.
-    void deleteElsewhere(const QString& identifier)
+    void deleteElsewhere(const QString& identifier) const
     {
         RecordSet& rows = *tableOf(identifier);
         rows.findFirst(QStringLiteral("Object_ID = '") + identifier + QStringLiteral("'"));

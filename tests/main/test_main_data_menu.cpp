@@ -303,7 +303,7 @@ private Q_SLOTS:
                     u"INSERT OR IGNORE INTO Category VALUES ('%1', 'M-991231-00%2')"_s.arg(
                         keys[random.bounded(keys.size())], QString::number(1 + random.bounded(5))));
             transaction.commit();
-            const QString key = keys[random.bounded(keys.size())];
+            const QString& key = keys[random.bounded(keys.size())];
             chooseNode(key);
             if (random.bounded(2) == 0) // something has been unclassified elsewhere meanwhile
                 database().connection().execute(

@@ -10,6 +10,8 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 namespace quillon::testing
 {
 
@@ -19,8 +21,8 @@ namespace quillon::testing
 class JournaledWrites
 {
 public:
-    JournaledWrites(Database& database, const CallLog& log)
-        : m_database(database), m_handle(ConnectionHandle::of(database)), m_log(log)
+    JournaledWrites(Database& database, CallLog log)
+        : m_database(database), m_handle(ConnectionHandle::of(database)), m_log(std::move(log))
     {
         sqlite3_create_function_v2(m_handle, "journal", 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, this, noteRow,
                                    nullptr, nullptr, nullptr);

@@ -124,7 +124,7 @@ inline QString menuOfRightClick(QWidget& control)
     QWidget* menu = QApplication::activePopupWidget();
     if (menu == nullptr)
         return {};
-    const QString name = menu->objectName();
+    QString name = menu->objectName();
     menu->close();
     return name;
 }
