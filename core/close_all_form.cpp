@@ -4,8 +4,6 @@
 #include "app/base/reporting.h"
 #include "store/session.h"
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -23,17 +21,6 @@ void CloseAllForm(Session& session)
             loaded[1]->unload();
         }
     });
-}
-
-bool CloseDataWindows(Session& session)
-{
-    for (LoadedWindow* const window : session.windows.loaded()) {
-        const auto loaded = session.windows.loaded();
-        const bool stillThere = std::find(loaded.begin(), loaded.end(), window) != loaded.end();
-        if (stillThere && window->asDataWindow() != nullptr && !window->unload())
-            return false;
-    }
-    return true;
 }
 
 } // namespace quillon

@@ -9,8 +9,4 @@ class Session;
 /// asked again in place of the next one. A failure is reported as "CloseAllForm" and ends the round.
 void CloseAllForm(Session& session);
 
-/// Asks every window that shows or registers a datum to close, each with its own question. True when all have gone;
-/// false as soon as one stays, because its question was cancelled or what it was to save was refused. Not trapped.
-bool CloseDataWindows(Session& session);
-
 } // namespace quillon

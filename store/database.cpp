@@ -118,6 +118,11 @@ bool Database::isAsDeclared(const TableSchema& table)
     return statement.text(0) == declared;
 }
 
+bool Database::isFileOf(const Database& other) const
+{
+    return m_connection.file() == other.m_connection.file();
+}
+
 qint64 Database::greatestRow(const QString& table) const
 {
     return m_greatestRows.value(table, 0);

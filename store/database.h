@@ -40,6 +40,8 @@ public:
     TextSearch& textSearch() { return m_textSearch; }
     /// The full name of the file.
     const QString& path() const { return m_path; }
+    /// Whether this is the same file, whatever links lead to it.
+    bool isFileOf(const Database& other) const;
 
     /// The greatest row number that was in use in a table during this run, as far as it was noted. New rows get
     /// greater ones, so that no cursor takes a new row for a deleted one.

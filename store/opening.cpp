@@ -7,6 +7,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "store/windows_of_database.h"
 #include "store/write_transaction.h"
 
 #include <QDir>
@@ -22,49 +23,104 @@ namespace
 // Creating, opening and converting are one operation to the user.
 const QString Location = u"OpenDbFile"_s;
 
+/// A file with all that a session holds of one, beside the present one until it is made the current one.
+struct OpenedFile {
+    OpenedFile(Session& session, const QString& path, const QString& name);
+    void makeCurrent(Session& session) const;
+
+    std::shared_ptr<Database> database;
+    std::shared_ptr<RecordSet> main;
+    std::shared_ptr<RecordSet> openApp;
+    std::shared_ptr<RecordSet> refFile;
+    std::shared_ptr<RecordSet> refDoc;
+    std::shared_ptr<RecordSet> link;
+    std::shared_ptr<RecordSet> categoryId;
+    std::shared_ptr<RecordSet> category;
+};
+
+OpenedFile::OpenedFile(Session& session, const QString& path, const QString& name)
+{
+    MainWindowPort& window = session.mainWindow();
+    window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
+    database = Database::inspect(path);
+    window.setStatus(1, u"定義データテーブルを展開中です。"_s);
+    main = RecordSet::openTable(database, schema::Main());
+    openApp = RecordSet::openTable(database, schema::OpenApp());
+    window.setStatus(1, u"ファイルデータテーブルを展開中です。"_s);
+    refFile = RecordSet::openTable(database, schema::RefFile());
+    window.setStatus(1, u"文献データテーブルを展開中です。"_s);
+    refDoc = RecordSet::openTable(database, schema::RefDoc());
+    window.setStatus(1, u"リンク情報テーブルを展開中です。"_s);
+    link = RecordSet::openTable(database, schema::Link());
+    // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
+    database->beginUse();
+    if (!TableExists(session, *database, schema::Category_ID().name)) {
+        session.dialogs.messageBox({.text = u"カテゴリ情報テーブルが存在しませんでした。\r\n"
+                                            u"カテゴリテーブルを作成します。"_s,
+                                    .title = u"データベースコンバート処理"_s});
+        CreateCategoryTables(session, database);
+    }
+    window.setStatus(1, u"カテゴリ情報テーブルを展開中です。"_s);
+    categoryId = RecordSet::openTable(database, schema::Category_ID());
+    window.setStatus(1, u"分類情報テーブルを展開中です。"_s);
+    category = RecordSet::openTable(database, schema::Category());
+    // The tree is built of these: what cannot be read of them fails here, and not when the present database has gone.
+    categoryId->forEachRow(
+        {0, 1}, [](const RecordSet::Row& row) { return row.text(0).size() + row.text(1).size() >= 0; });
+}
+
+void OpenedFile::makeCurrent(Session& session) const
+{
+    session.OpenDb = database;
+    session.RsMain = main;
+    session.RsOpenApp = openApp;
+    session.RsRefFile = refFile;
+    session.RsRefDoc = refDoc;
+    session.RsLink = link;
+    session.RsCategoryID = categoryId;
+    session.RsCategory = category;
+    session.MainLastFieldIndex = 2;
+}
+
 } // namespace
 
-bool OpenDbFile(Session& session, const QString& path)
+Opening openDatabase(Session& session, const QString& path)
 {
-    bool opened = false;
+    Opening outcome = Opening::Failed;
     guarded(session.reporting, Location, [&] {
         MainWindowPort& window = session.mainWindow();
         const QString name = ExtractString(session.reporting, path, QDir::separator());
-        window.clearDataList();
-        window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
-        session.OpenDb = Database::inspect(path);
-        window.setStatus(1, u"定義データテーブルを展開中です。"_s);
-        session.RsMain = RecordSet::openTable(session.OpenDb, schema::Main());
-        session.RsOpenApp = RecordSet::openTable(session.OpenDb, schema::OpenApp());
-        window.setStatus(1, u"ファイルデータテーブルを展開中です。"_s);
-        session.RsRefFile = RecordSet::openTable(session.OpenDb, schema::RefFile());
-        window.setStatus(1, u"文献データテーブルを展開中です。"_s);
-        session.RsRefDoc = RecordSet::openTable(session.OpenDb, schema::RefDoc());
-        window.setStatus(1, u"リンク情報テーブルを展開中です。"_s);
-        session.RsLink = RecordSet::openTable(session.OpenDb, schema::Link());
-        // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
-        session.OpenDb->beginUse();
-        if (!TableExists(session, *session.OpenDb, u"Category_ID"_s)) {
-            session.dialogs.messageBox({.text = u"カテゴリ情報テーブルが存在しませんでした。\r\n"
-                                                u"カテゴリテーブルを作成します。"_s,
-                                        .title = u"データベースコンバート処理"_s});
-            CreateCategoryTables(session);
+        const auto shown = window.clearDataList();
+        const OpenedFile file(session, path, name);
+        const bool isAnother = !session.OpenDb || !file.database->isFileOf(*session.OpenDb);
+        if (isAnother && !CloseDataWindows(session)) {
+            shown->showAgain();
+            outcome = Opening::Declined;
+            return;
         }
-        window.setStatus(1, u"カテゴリ情報テーブルを展開中です。"_s);
-        session.RsCategoryID = RecordSet::openTable(session.OpenDb, schema::Category_ID());
-        window.setStatus(1, u"分類情報テーブルを展開中です。"_s);
-        session.RsCategory = RecordSet::openTable(session.OpenDb, schema::Category());
-        session.MainLastFieldIndex = 2;
+        file.makeCurrent(session);
+        if (isAnother) {
+            // What was to be linked is a datum of the other file.
+            session.LinkSourceMode = false;
+            session.LinkSourceForm = nullptr;
+            closeListsOfData(session);
+        }
         window.enableDatabaseMenus();
         window.setStatus(1, u"データベース ("_s + name + u")が展開されています｡ "_s); // sic: ｡ and the blank
         window.rebuildCategoryTree();
-        opened = true;
+        outcome = Opening::Opened;
     });
-    return opened;
+    return outcome;
 }
 
-void CreateDbFile(Session& session, const QString& path)
+bool OpenDbFile(Session& session, const QString& path)
 {
+    return openDatabase(session, path) == Opening::Opened;
+}
+
+Opening CreateDbFile(Session& session, const QString& path)
+{
+    Opening outcome = Opening::Failed;
     guarded(session.reporting, Location, [&] {
         {
             const auto database = Database::create(path);
@@ -72,9 +128,11 @@ void CreateDbFile(Session& session, const QString& path)
                 database->execute(table->statement);
         }
         // The database has been made, whatever comes of opening it: a failure there is told by the opening itself.
-        OpenDbFile(session, path);
-        session.dialogs.messageBox({.text = u"Quillon 用のデータベースを作成しました。"_s});
+        outcome = openDatabase(session, path);
+        if (outcome != Opening::Declined)
+            session.dialogs.messageBox({.text = u"Quillon 用のデータベースを作成しました。"_s});
     });
+    return outcome;
 }
 
 bool TableExists(Session& session, Database& database, const QString& name)
@@ -84,15 +142,15 @@ bool TableExists(Session& session, Database& database, const QString& name)
     return exists;
 }
 
-void CreateCategoryTables(Session& session)
+void CreateCategoryTables(Session& session, const std::shared_ptr<Database>& database)
 {
     guarded(session.reporting, Location, [&] {
-        if (!session.OpenDb)
+        if (!database)
             throw Error(errors::ObjectNotSet);
         // Both or, when the program ends in between, none: only the absence of the first makes a later opening convert.
-        inWriteTransaction(*session.OpenDb, [&] {
-            session.OpenDb->execute(schema::Category_ID().statement);
-            session.OpenDb->execute(schema::Category().statement);
+        inWriteTransaction(*database, [&] {
+            database->execute(schema::Category_ID().statement);
+            database->execute(schema::Category().statement);
         });
     });
 }

@@ -37,6 +37,9 @@ public:
     /// kind of journal. Whatever was prepared or added before is gone. False when it is one already.
     bool beginUse();
 
+    /// The name of the file without links.
+    const QString& file() const { return m_path; }
+
     /// Runs one statement that returns no rows.
     void execute(const QString& sql);
     /// A prepared statement, cached by its text: a second request for the same text gets the same one, reset and

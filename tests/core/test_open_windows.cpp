@@ -1,4 +1,5 @@
 #include "core/close_all_form.h"
+#include "store/windows_of_database.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>

@@ -1,8 +1,13 @@
 // Whatever file is chosen, the program tells what is wrong with it and goes on.
+#include "app/base/ports/category_chooser.h"
+#include "app/base/ports/data_selection.h"
+#include "app/base/ports/link_list_window.h"
+#include "core/data_records.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/window_world.h"
+#include "ui/data/frmMainData.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
@@ -61,6 +66,21 @@ class TestOpeningFiles : public QObject
         WindowWorld::addRow(RecordSet::openTable(database, schema::Main()),
                             {name, u"M-991231-001"_s, u"定義"_s});
         return path;
+    }
+
+    /// A database before, with a window whose text was changed.
+    frmMainData* openEdited()
+    {
+        window->openChosenFile(databaseWith(u"前.mdb"_s, u"水"_s));
+        ShowData(world->session(), u"M-991231-001"_s);
+        auto* edited = world->window<frmMainData>(u"frmMainData"_s);
+        edited->setFieldText(2, u"新しい"_s);
+        return edited;
+    }
+    static MessageBox updated() { return {.text = u"本データを更新しました。"_s, .title = u"定義"_s}; }
+    static MessageBox closingQuestion()
+    {
+        return {.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel};
     }
 
 private Q_SLOTS:
@@ -223,6 +243,76 @@ private Q_SLOTS:
         QCOMPARE(list->rows().rowCount(), 0); // cleared at the beginning
         QVERIFY(compareText(WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(2),
                             u"表示データ数 ： 0"));
+    }
+
+    void failedOpeningKeepsTheWindowsOfTheDatabaseBefore()
+    {
+        frmMainData* edited = openEdited();
+        const QString path = databaseWith(u"欠.mdb"_s, u"火"_s);
+        Database::open(path)->execute(u"DROP TABLE Link"_s);
+        expectFailure(errors::TableNotFound);
+        window->openChosenFile(path);
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
+        world->dialogs.expect(updated());
+        QVERIFY(WindowWorld::choose(*edited, u"mnuDataUpdate"_s));
+        QCOMPARE(WindowWorld::rowsOf(world->session().RsMain), QStringList(u"水|M-991231-001|新しい"_s));
+    }
+
+    void cancelledQuestionKeepsEverything()
+    {
+        frmMainData* edited = openEdited();
+        list->rows().sortByColumn(0);
+        list->selectRow(0);
+        const QString statusBefore = status();
+        const auto before = world->session().OpenDb;
+        world->dialogs.expect(closingQuestion(), Answer::Cancel);
+        window->openChosenFile(databaseWith(u"後.mdb"_s, u"火"_s));
+        QCOMPARE(world->session().OpenDb, before);
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
+        QCOMPARE(list->rows().rowCount(), 1);
+        QVERIFY(compareText(list->rows().text(0, 0), u"水"));
+        QCOMPARE(list->selectedRows(), std::vector<int>{0});
+        QVERIFY(compareText(status(), statusBefore));
+        QVERIFY(compareText(WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(2),
+                            u"表示データ数 ： 1"_s));
+        QVERIFY(compareText(window->nodeText(window->selectedNodeIndex()), u"形式別(全データ)"));
+        // A dialog cancelled afterwards opens the present file again, not the one that was declined.
+        world->dialogs.expect(FileDialog{.purpose = FileDialog::Purpose::Open,
+                                         .filter = u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)|*.mdb"_s,
+                                         .fileName = before->path(),
+                                         .folder = world->folder.path()},
+                              std::nullopt);
+        window->mnuFileOpen_Click();
+        QCOMPARE(world->session().OpenDb->path(), before->path());
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
+        world->dialogs.expect(closingQuestion(), Answer::No);
+        QVERIFY(edited->unload());
+    }
+
+    void savedAnswerIsWrittenToTheDatabaseBefore()
+    {
+        openEdited();
+        const QString before = world->session().OpenDb->path();
+        world->dialogs.expect(closingQuestion(), Answer::Yes);
+        world->dialogs.expect(updated());
+        window->openChosenFile(databaseWith(u"後.mdb"_s, u"火"_s));
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 0);
+        QVERIFY(compareText(list->rows().text(0, 0), u"火"));
+        const auto database = Database::open(before);
+        QCOMPARE(WindowWorld::rowsOf(RecordSet::openTable(database, schema::Main())),
+                 QStringList(u"水|M-991231-001|新しい"_s));
+    }
+
+    void listsOfTheDatabaseBeforeAreClosed()
+    {
+        window->openChosenFile(databaseWith(u"前.mdb"_s, u"水"_s));
+        for (const QString& name : {u"frmEntryInfo"_s, u"frmFind"_s})
+            world->session().windows.showAuxiliary(name);
+        world->session().windows.dataSelection().showModeless();
+        world->session().windows.linkList().showModeless();
+        world->session().windows.categoryChooser().showModeless();
+        window->openChosenFile(databaseWith(u"後.mdb"_s, u"火"_s));
+        QCOMPARE(world->loadedNames(), QStringList({u"frmMainMenu"_s, u"frmFind"_s}));
     }
 
     void awkwardPathsOpen_data()

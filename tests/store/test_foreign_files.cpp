@@ -344,11 +344,8 @@ private Q_SLOTS:
                                          standardDescription(errors::TableNotFound),
                                  .title = u"Quillon 障害対策部"_s});
         QVERIFY(!OpenDbFile(m_world->session, m_path));
-        QVERIFY(m_world->session.OpenDb);
-        QVERIFY(m_world->session.RsMain);
-        QVERIFY(m_world->session.RsOpenApp);
-        QVERIFY(!m_world->session.RsRefFile);
-        QVERIFY(!m_world->session.RsRefDoc);
+        QVERIFY(!m_world->session.OpenDb);
+        QVERIFY(!m_world->session.RsMain);
         QCOMPARE(m_world->session.MainLastFieldIndex, 0);
         const QStringList calls = m_world->calls.about(u"frmMainMenu"_s);
         QCOMPARE(calls.last(), u"frmMainMenu.setStatus 1 ファイルデータテーブルを展開中です。"_s);

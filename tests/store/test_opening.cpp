@@ -114,7 +114,7 @@ private Q_SLOTS:
         }
     }
 
-    void everyStepIsToldBeforeItIsDone()
+    void theNewDatabaseTakesTheOldOnesPlaceAsAWhole()
     {
         // At each call: which of the record sets, in the order of opening, belong to the new database already.
         const QString path = m_world->createDatabase(u"neu.mdb"_s);
@@ -135,9 +135,8 @@ private Q_SLOTS:
             found << state + QString::number(session.MainLastFieldIndex);
         });
         QVERIFY(OpenDbFile(m_world->session, path));
-        QVERIFY(compareLines(found, {u"--------0"_s, u"--------0"_s, u"D-------0"_s, u"DMO-----0"_s,
-                                     u"DMOF----0"_s, u"DMOFR---0"_s, u"DMOFRL--0"_s, u"DMOFRLI-0"_s,
-                                     u"DMOFRLIC2"_s, u"DMOFRLIC2"_s, u"DMOFRLIC2"_s}));
+        // None, until all of them do.
+        QVERIFY(compareLines(found, QStringList(8, u"--------0"_s) + QStringList(3, u"DMOFRLIC2"_s)));
     }
 
     void aNameWithoutASeparatorIsShownEmptyButOpens()
@@ -173,23 +172,118 @@ private Q_SLOTS:
                 failureCalls(u"OpenDbFile"_s, 3024)));
     }
 
-    void aFailureHalfwayLeavesAMixedState()
+    void aFailureHalfwayLeavesTheDatabaseBefore()
     {
-        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase()));
-        const auto oldDatabase = m_world->session.OpenDb;
-        const auto oldDocuments = m_world->session.RsRefDoc;
-        const auto oldFiles = m_world->session.RsRefFile;
+        const QString before = m_world->createDatabase();
+        QVERIFY(OpenDbFile(m_world->session, before));
+        TestWorld::addRow(m_world->session.RsRefDoc, {u"水"_s, u"R-991231-001"_s, u"x"_s});
+        m_world->session.LinkSourceMode = true;
         const QString other = m_world->createDatabase(u"other.mdb"_s);
         ForeignFile(other).run("DROP TABLE RefDoc");
+        FakeDataWindow& window = openWindow();
         m_world->dialogs.expect(failure(errors::TableNotFound));
         QVERIFY(!OpenDbFile(m_world->session, other));
-        QVERIFY(m_world->session.OpenDb != oldDatabase);
-        QCOMPARE(&m_world->session.RsMain->database(), m_world->session.OpenDb.get());
-        QVERIFY(m_world->session.RsRefFile != oldFiles);
-        QCOMPARE(m_world->session.RsRefDoc, oldDocuments);
+        QCOMPARE(m_world->session.OpenDb->path(), before);
+        for (const auto& rows :
+             {m_world->session.RsMain, m_world->session.RsRefDoc, m_world->session.RsRefFile,
+              m_world->session.RsOpenApp, m_world->session.RsLink, m_world->session.RsCategoryID,
+              m_world->session.RsCategory})
+            QCOMPARE(&rows->database(), m_world->session.OpenDb.get());
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsRefDoc), QStringList(u"水|R-991231-001|x"_s));
         QCOMPARE(m_world->calls.about(u"frmMainMenu"_s).last(),
                  status(u"文献データテーブルを展開中です。"_s));
-        QCOMPARE(oldDocuments->recordCount(), 0);
+        QVERIFY(m_world->session.LinkSourceMode);
+        QCOMPARE(window.calls.about(u"frmMainData"_s), QStringList()); // not asked anything
+    }
+
+    void anotherFileClosesTheWindowsOfTheOneBefore()
+    {
+        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase()));
+        const auto before = m_world->session.OpenDb;
+        m_world->session.LinkSourceMode = true;
+        m_world->windows.list.push_back(&m_world->windows.selection);
+        m_world->windows.list.push_back(&m_world->windows.chooser);
+        m_world->windows.list.push_back(&m_world->windows.links);
+        FakeDataWindow& window = openWindow();
+        window.onUnload = [&, remove = window.onUnload] {
+            QCOMPARE(m_world->session.OpenDb, before); // a save goes to where it belongs
+            remove();
+        };
+        m_world->calls.take();
+        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase(u"other.mdb"_s)));
+        QStringList steps = allSteps(u"other.mdb"_s);
+        // The question when all is read; the lists without one, when the other file has become the current one.
+        const auto menus = steps.indexOf(u"frmMainMenu.enableDatabaseMenus"_s);
+        for (const QString& call : {u"frmLinkList.unload"_s, u"frmCategory.unload"_s,
+                                    u"frmDataSelect.unload"_s, u"frmMainData.unload"_s})
+            steps.insert(menus, call);
+        QVERIFY(compareLines(m_world->calls.lines(), steps));
+        QVERIFY(!m_world->session.LinkSourceMode);
+    }
+
+    void aWindowThatStaysKeepsTheDatabaseSilently()
+    {
+        const QString path = m_world->createDatabase();
+        QVERIFY(OpenDbFile(m_world->session, path));
+        const auto rows = m_world->session.RsMain;
+        m_world->windows.list.push_back(&m_world->windows.selection);
+        openWindow().closes = false;
+        m_world->calls.take();
+        QCOMPARE(openDatabase(m_world->session, m_world->createDatabase(u"other.mdb"_s)), Opening::Declined);
+        QCOMPARE(m_world->session.OpenDb->path(), path);
+        QCOMPARE(m_world->session.RsMain, rows);
+        QStringList steps = allSteps(u"other.mdb"_s);
+        steps.resize(steps.indexOf(u"frmMainMenu.enableDatabaseMenus"_s));
+        steps << u"frmMainData.unload"_s << u"frmMainMenu.showAgain"_s;
+        QVERIFY(compareLines(m_world->calls.lines(), steps));
+    }
+
+    void aNewFileThatWasDeclinedStaysWithoutAMessage()
+    {
+        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase()));
+        openWindow().closes = false;
+        const QString path = m_world->folder.filePath(u"new.mdb"_s);
+        QCOMPARE(CreateDbFile(m_world->session, path), Opening::Declined);
+        QCOMPARE(tablesOf(path).size(), 7);
+    }
+
+    void theSameFileAgainAsksNothing()
+    {
+        const QString path = m_world->createDatabase();
+        QVERIFY(OpenDbFile(m_world->session, path));
+        m_world->session.LinkSourceMode = true;
+        openWindow().closes = false;
+        m_world->windows.list.push_back(&m_world->windows.selection);
+#ifdef Q_OS_UNIX
+        const QString link = m_world->folder.filePath(u"link.mdb"_s);
+        QVERIFY(QFile::link(path, link));
+        QVERIFY(OpenDbFile(m_world->session, link));
+#endif
+        QVERIFY(OpenDbFile(m_world->session, path));
+        QCOMPARE(m_world->windows.list.size(), 3U);
+        QVERIFY(m_world->session.LinkSourceMode);
+    }
+
+    void categoriesThatCannotBeReadKeepTheDatabaseBefore()
+    {
+        QVERIFY(OpenDbFile(m_world->session, m_world->createDatabase()));
+        const QString before = m_world->session.OpenDb->path();
+        const QString other = m_world->createDatabase(u"other.mdb"_s);
+        const QString page =
+            ForeignFile(other)
+                .run(
+                    "INSERT INTO Category_ID WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE"
+                    " i < 500) SELECT 'A' || i, 'name' FROM n")
+                .ask("SELECT max(pageno) FROM dbstat WHERE name = 'Category_ID' AND pagetype = 'leaf'")
+                .value(0);
+        QFile file(other);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.seek((page.toLongLong() - 1) * 4096));
+        QCOMPARE(file.write(QByteArray(4096, '\x5A')), 4096);
+        file.close();
+        m_world->dialogs.expect(failure(errors::NotADatabase));
+        QVERIFY(!OpenDbFile(m_world->session, other));
+        QCOMPARE(m_world->session.OpenDb->path(), before);
     }
 
     void openingWithoutAMainWindowIsReported()
@@ -236,8 +330,7 @@ private Q_SLOTS:
         ForeignFile(path).run("DROP TABLE Category");
         m_world->dialogs.expect(failure(errors::TableNotFound));
         QVERIFY(!OpenDbFile(m_world->session, path));
-        QVERIFY(m_world->session.RsCategoryID);
-        QVERIFY(!m_world->session.RsCategory);
+        QVERIFY(!m_world->session.OpenDb);
         QCOMPARE(m_world->calls.about(u"frmMainMenu"_s).last(), status(u"分類情報テーブルを展開中です。"_s));
     }
 
@@ -264,16 +357,16 @@ private Q_SLOTS:
     void creatingCategoryTablesWithoutADatabaseIsReported()
     {
         m_world->dialogs.expect(failure(errors::ObjectNotSet));
-        CreateCategoryTables(m_world->session);
+        CreateCategoryTables(m_world->session, nullptr);
     }
 
     void bothCategoryTablesAreMadeAsOneDurableWrite()
     {
         const QString path = m_world->createDatabase();
         ForeignFile(path).run("DROP TABLE Category_ID; DROP TABLE Category");
-        m_world->session.OpenDb = Database::open(path);
-        const WriteCounter writes(*m_world->session.OpenDb);
-        CreateCategoryTables(m_world->session);
+        const auto database = Database::open(path);
+        const WriteCounter writes(*database);
+        CreateCategoryTables(m_world->session, database);
         QCOMPARE(writes.count, 1);
         QCOMPARE(tablesOf(path).size(), 7);
     }
@@ -541,6 +634,13 @@ private:
         return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\nEXPLANATION : "_s +
                         standardDescription(number),
                 .title = u"Quillon 障害対策部"_s};
+    }
+
+    FakeDataWindow& openWindow()
+    {
+        m_world->windows.newDataWindow(u"M"_s);
+        m_world->calls.take();
+        return *m_world->windows.dataWindows.back();
     }
 
     static MessageBox conversion()

@@ -59,6 +59,21 @@ bool FakeMainWindow::unload()
     return false;
 }
 
+std::unique_ptr<MainWindowPort::Shown> FakeMainWindow::clearDataList()
+{
+    class FakeShown : public Shown
+    {
+    public:
+        explicit FakeShown(FakeMainWindow& window) : m_window(window) {}
+        void showAgain() override { m_window.note(u"showAgain"_s); }
+
+    private:
+        FakeMainWindow& m_window;
+    };
+    note(u"clearDataList"_s);
+    return std::make_unique<FakeShown>(*this);
+}
+
 void FakeMainWindow::setStatus(int panel, const QString& text)
 {
     note(statusCall(panel, text));

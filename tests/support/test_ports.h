@@ -105,7 +105,7 @@ public:
     void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override { note(QStringLiteral("showModal")); }
 
-    void clearDataList() override { note(QStringLiteral("clearDataList")); }
+    std::unique_ptr<Shown> clearDataList() override;
     void setStatus(int panel, const QString& text) override;
     void enableDatabaseMenus() override { note(QStringLiteral("enableDatabaseMenus")); }
     void rebuildCategoryTree() override { note(QStringLiteral("rebuildCategoryTree")); }

@@ -7,6 +7,7 @@
 #include "store/session.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/main_window_metrics.h"
+#include "ui/main/shown_list.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
@@ -144,14 +145,13 @@ bool frmMainMenu::queryUnload()
     return true;
 }
 
-void frmMainMenu::clearDataList()
+std::unique_ptr<MainWindowPort::Shown> frmMainMenu::clearDataList()
 {
-    const bool hadRows = lsvData->rows().rowCount() > 0;
-    lsvData->rows().clear();
-    m_listedNode.clear();
+    auto shown = std::make_unique<ShownList>(*lsvData, *sbStatus, m_listedNode);
     // The count must not speak of rows that are gone; before the first list there is nothing to correct.
-    if (hadRows)
+    if (shown->hasRows())
         showDataCount();
+    return shown;
 }
 
 void frmMainMenu::setStatus(int panel, const QString& text)

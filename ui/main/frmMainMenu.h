@@ -44,7 +44,7 @@ public:
     frmMainMenu& operator=(const frmMainMenu&) = delete;
 
     // What operations below the windows ask for.
-    void clearDataList() override;
+    std::unique_ptr<Shown> clearDataList() override;
     void setStatus(int panel, const QString& text) override;
     void enableDatabaseMenus() override;
     void rebuildCategoryTree() override;

@@ -12,6 +12,8 @@
 #include <QAction>
 #include <QMenu>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -86,6 +88,7 @@ void frmMainMenu::enableDatabaseMenus()
 
 void frmMainMenu::mnuFileNew_Click()
 {
+    const QString before = dlgDbOpen.fileName;
     dlgDbOpen.folder = session().CurrentFolder;
     dlgDbOpen.fileName.clear();
     const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Save,
@@ -103,7 +106,8 @@ void frmMainMenu::mnuFileNew_Click()
                                       .title = titles::SystemAudit});
         return;
     }
-    CreateDbFile(session(), dlgDbOpen.fileName);
+    if (CreateDbFile(session(), dlgDbOpen.fileName) == Opening::Declined)
+        dlgDbOpen.fileName = before;
 }
 
 void frmMainMenu::mnuFileOpen_Click()
@@ -118,7 +122,7 @@ void frmMainMenu::mnuFileOpen_Click()
 
 void frmMainMenu::openChosenFile(const QString& path)
 {
-    dlgDbOpen.fileName = path;
+    const QString before = std::exchange(dlgDbOpen.fileName, path);
     // Only now: the first open dialog of a run starts in the dialog's own folder.
     dlgDbOpen.folder = session().CurrentFolder;
     if (path.isEmpty())
@@ -128,8 +132,11 @@ void frmMainMenu::openChosenFile(const QString& path)
             {.text = u"指定されたファイルが見つかりません。"_s, .title = titles::DataResearch});
         return;
     }
-    if (OpenDbFile(session(), path))
+    const Opening outcome = openDatabase(session(), path);
+    if (outcome == Opening::Opened)
         ShowDataList(positionOf(FixedNode::AllData));
+    else if (outcome == Opening::Declined)
+        dlgDbOpen.fileName = before;
 }
 
 void frmMainMenu::mnuEnd_Click()

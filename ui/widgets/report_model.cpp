@@ -125,6 +125,37 @@ void ReportModel::clear()
     endResetModel();
 }
 
+std::unique_ptr<ReportModel::Rows> ReportModel::take()
+{
+    auto taken = std::make_unique<Rows>();
+    for (const CellColumn& column : m_columns) {
+        if (std::holds_alternative<DictionaryColumn>(column))
+            taken->columns.emplace_back(DictionaryColumn());
+        else
+            taken->columns.emplace_back(TextColumn());
+    }
+    exchange(*taken);
+    return taken;
+}
+
+void ReportModel::putBack(Rows& rows)
+{
+    exchange(rows);
+}
+
+/// Shows other rows; there is nothing in it that could fail.
+void ReportModel::exchange(Rows& rows)
+{
+    beginResetModel();
+    m_columns.swap(rows.columns);
+    m_order.swap(rows.order);
+    m_rows = std::exchange(rows.count, m_rows);
+    m_appended = m_rows;
+    for (std::vector<quint32>& ranks : m_ranks)
+        ranks = {};
+    endResetModel();
+}
+
 ReportModel::Fill::Fill(ReportModel& model) : m_model(model)
 {
     ++m_model.m_filling;

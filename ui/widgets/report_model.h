@@ -22,6 +22,8 @@ class ReportModel : public QAbstractTableModel
 {
     Q_OBJECT
 
+    using CellColumn = std::variant<TextColumn, DictionaryColumn>;
+
 public:
     enum class Storage { Text, Dictionary };
     struct Column {
@@ -49,6 +51,18 @@ public:
 
     /// Removes all rows; sorting ends with them.
     void clear();
+    /// All rows of a list and their order on the screen, while they are not in it.
+    class Rows
+    {
+        friend class ReportModel;
+        std::vector<CellColumn> columns;
+        std::vector<quint32> order;
+        int count = 0;
+    };
+    /// Removes all rows, to be put back as they were.
+    std::unique_ptr<Rows> take();
+    /// Puts rows back that were taken from this list, in place of those that are in it by now.
+    void putBack(Rows& rows);
     /// Sorts by a column: ascending, in Japanese order, equal texts staying in their present order. Not toggled.
     void sortByColumn(int column);
     /// Removes rows given by their numbers on the screen, in any order, in one pass.
@@ -85,14 +99,13 @@ Q_SIGNALS:
     void scatteredRowsRemoved(int firstRow);
 
 private:
-    using CellColumn = std::variant<TextColumn, DictionaryColumn>;
-
     int sourceRow(int row) const
     {
         return m_order.empty() ? row : static_cast<int>(m_order[static_cast<std::size_t>(row)]);
     }
     QStringView sourceText(int row, int column) const;
     const std::vector<quint32>& ranks(int column);
+    void exchange(Rows& rows);
     void endFill();
     /// Puts the numbers of appended rows behind the order of the screen, where that is not the one of appending.
     void extendOrder();

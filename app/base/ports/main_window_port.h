@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace quillon
 {
 
@@ -13,8 +15,19 @@ class MainWindowPort
 public:
     virtual ~MainWindowPort() = default;
 
-    /// Removes every row of the data list.
-    virtual void clearDataList() = 0;
+    /// What the main window has shown until another database is opened.
+    class Shown
+    {
+    public:
+        Shown() = default;
+        virtual ~Shown() = default;
+        Shown(const Shown&) = delete;
+        Shown& operator=(const Shown&) = delete;
+        /// Shows it again: the rows of the data list and the status texts, as they were.
+        virtual void showAgain() = 0;
+    };
+    /// Removes every row of the data list. Whoever wants to put it back keeps the answer.
+    virtual std::unique_ptr<Shown> clearDataList() = 0;
     /// Sets the text of a status bar panel; panels count from 1.
     virtual void setStatus(int panel, const QString& text) = 0;
     /// Enables the menu entries that need a database; nothing ever disables them again.

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace quillon
+{
+
+class Session;
+
+/// Asks every window that shows or registers a datum to close, each with its own question. True when all have gone;
+/// false as soon as one stays, because its question was cancelled or what it was to save was refused. Not trapped.
+bool CloseDataWindows(Session& session);
+
+/// Closes the windows that show rows of the open database, without a question: search results, all links, the category
+/// chooser, the statistics. Not trapped.
+void closeListsOfData(Session& session);
+
+} // namespace quillon
