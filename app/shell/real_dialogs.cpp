@@ -1,5 +1,7 @@
 #include "app/shell/real_dialogs.h"
 
+#include "ui/widgets/one_line_input.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -168,12 +170,15 @@ std::optional<QString> RealDialogs::inputBox(const InputBox& box)
     shown->setWindowTitle(box.title);
     if (auto* label = shown->findChild<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    auto* field = shown->findChild<QLineEdit*>();
+    if (field != nullptr)
+        keepInputOnOneLine(*field);
     // Room for the titles and names that are typed here.
     shown->resize(shown->sizeHint().expandedTo({shown->fontMetrics().averageCharWidth() * 60, 0}));
-    return run(shown, [](const QInputDialog* asked, int result) -> std::optional<QString> {
+    return run(shown, [field](const QInputDialog* asked, int result) -> std::optional<QString> {
         if (asked == nullptr || result != QDialog::Accepted)
             return std::nullopt;
-        return asked->textValue();
+        return field != nullptr ? field->text() : asked->textValue();
     });
 }
 

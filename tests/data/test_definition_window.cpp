@@ -204,6 +204,18 @@ private Q_SLOTS:
         QCOMPARE(form.modeText(), u"表示モード"_s);
     }
 
+    void definitionBeforeAnUndefinedRegistrationComesBack()
+    {
+        frmMainData& form = world->beginRegistration();
+        fill(form, QString(), u"途中まで"_s);
+        world->dialogs.expect(AskUndefined, Answer::Ok);
+        world->dialogs.expect(Missing);
+        QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
+        QCOMPARE(form.fieldText(2), u"未定義"_s);
+        QTest::keyClick(&FormWorld::definition(form), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(form.fieldText(2), u"途中まで"_s);
+    }
+
     void undefinedRegistrationCanBeCancelled()
     {
         frmMainData& form = world->beginRegistration();

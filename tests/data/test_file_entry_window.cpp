@@ -145,6 +145,8 @@ private Q_SLOTS:
         world->dialogs.expect(asked(u"/a/図.txt"_s), std::nullopt);
         button(form, u"cmdPath"_s).click();
         QCOMPARE(form.fieldText(0), u"/a/図.txt"_s); // sic: a cancelled dialog has its last name
+        QTest::keyClick(&FormWorld::name(form), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(form.fieldText(0), u"/typed"_s);
         QVERIFY(FormWorld::entry(form, u"mnuDataEntry"_s)->isEnabled());
     }
 

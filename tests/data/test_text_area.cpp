@@ -50,6 +50,72 @@ private Q_SLOTS:
         QCOMPARE(area.asked, 0);
     }
 
+    void replacedTextCanBeBroughtBackAndReplacedAgain()
+    {
+        const QString first = u"一\r\n二\u2028三\n"_s;
+        const QString second = u"甲\n乙\r丙"_s;
+        const QString third = u"子\r\n丑"_s;
+        TextArea area;
+        area.load(first);
+        area.replace(second);
+        QCOMPARE(area.content(), second);
+        QCOMPARE(area.textCursor().position(), 0);
+        area.replace(third);
+        QCOMPARE(area.content(), third);
+        for (int round = 0; round < 2; ++round) {
+            area.undo();
+            QCOMPARE(area.content(), second);
+            area.undo();
+            QCOMPARE(area.content(), first);
+            QVERIFY(!area.document()->isUndoAvailable());
+            area.redo();
+            QCOMPARE(area.content(), second);
+            area.redo();
+            QCOMPARE(area.content(), third);
+        }
+    }
+
+    void textThatIsBroughtBackKeepsItsLineBreaks_data()
+    {
+        QTest::addColumn<QString>("loaded");
+        QTest::addColumn<QString>("replaced");
+        QTest::addColumn<QString>("typed"); // at the beginning of the text that was brought back
+        QTest::newRow("carriage returns") << u"一\r\n二"_s << u"甲\n乙"_s << u"x一\r\n二"_s;
+        QTest::newRow("line feeds") << u"一\n二"_s << u"甲\r\n乙"_s << u"x一\n二"_s;
+    }
+
+    void textThatIsBroughtBackKeepsItsLineBreaks()
+    {
+        QFETCH(QString, loaded);
+        QFETCH(QString, replaced);
+        QFETCH(QString, typed);
+        TextArea area;
+        area.load(loaded);
+        area.replace(replaced);
+        area.undo();
+        area.moveCursor(QTextCursor::Start);
+        QTest::keyClicks(&area, u"x"_s);
+        QCOMPARE(area.content(), typed);
+        QCOMPARE(area.byteLength(), platform::byteLength932(typed));
+        QTest::keyClicks(&area, u"yz"_s); // as many changes as the replacing was
+        QTest::keyClick(&area, Qt::Key_Delete);
+        QCOMPARE(area.content(), QString(typed).replace(u"x一"_s, u"xyz"_s));
+        area.replace(QString());
+        QCOMPARE(area.content(), QString());
+        area.undo();
+        QCOMPARE(area.content(), QString(typed).replace(u"x一"_s, u"xyz"_s));
+    }
+
+    void newDatumCannotBeUndone()
+    {
+        TextArea area;
+        area.load(u"一"_s);
+        area.replace(u"二"_s);
+        area.load(u"三"_s);
+        area.undo();
+        QCOMPARE(area.content(), u"三"_s);
+    }
+
     void countIsThatOfTheText_data()
     {
         QTest::addColumn<QString>("loaded");
@@ -77,7 +143,9 @@ private Q_SLOTS:
             cursor.setPosition(place());
             if (random() % 2 == 0)
                 cursor.setPosition(std::min(cursor.position() + 5, place()), QTextCursor::KeepAnchor);
-            if (random() % 4 == 0)
+            if (random() % 16 == 0)
+                area.replace(round % 2 == 0 ? loaded : u"甲\r\n乙"_s);
+            else if (random() % 4 == 0)
                 area.undo();
             else if (random() % 8 == 0)
                 area.redo();

@@ -142,6 +142,25 @@ private Q_SLOTS:
         QCOMPARE(form->fieldText(2), u"typed"_s);
     }
 
+    void whatWasLoadedOverComesBack()
+    {
+        const QString path = write(u"a.txt"_s, "one\r\ntwo");
+        load(path);
+        FormWorld::enter(FormWorld::definition(*form), u"typed"_s);
+        load(std::nullopt, path); // cancelled: the file is loaded again
+        QCOMPARE(form->fieldText(2), u"one\r\ntwo"_s);
+        const auto undo = [this] {
+            QTest::keyClick(&FormWorld::definition(*form), Qt::Key_Z, Qt::ControlModifier);
+        };
+        undo();
+        QCOMPARE(form->fieldText(2), u"typed"_s);
+        undo();
+        QCOMPARE(form->fieldText(2), u"one\r\ntwo"_s);
+        undo();
+        QCOMPARE(form->fieldText(2), Before);
+        QVERIFY(FormWorld::closes(*form)); // nothing has changed
+    }
+
     void eachWindowRemembersItsOwnFile()
     {
         load(write(u"a.txt"_s, "one"));

@@ -3,6 +3,7 @@
 #include "app/shell/japanese_interface.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -280,6 +281,19 @@ private Q_SLOTS:
             dialogs.inputBox({.prompt = u"<カテゴリ名>を\r\n入力してください。"_s, .content = u"元の名前"_s});
         QCOMPARE(m_shown, 1);
         QCOMPARE(answer.value_or(u"cancelled"_s), u"新しい名前"_s);
+    }
+
+    void anInputBoxTakesOneLine()
+    {
+        QGuiApplication::clipboard()->setText(u"新しい\r\n名前"_s);
+        whenShown<QInputDialog>([](QInputDialog& box) {
+            auto* line = box.findChild<QLineEdit*>();
+            QTest::keyClick(line, Qt::Key_V, Qt::ControlModifier);
+            QTest::keyClick(line, Qt::Key_Return);
+        });
+        const auto answer = dialogs.inputBox({.prompt = u"名前"_s, .content = u"元の名前"_s});
+        QCOMPARE(m_shown, 1);
+        QCOMPARE(answer.value_or(u"cancelled"_s), u"新しい 名前"_s);
     }
 
     void anInputBoxIsCancelledByEsc()

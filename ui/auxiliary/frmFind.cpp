@@ -10,6 +10,7 @@
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/one_line_input.h"
 #include "ui/widgets/wait_cursor.h"
 
 #include <QBoxLayout>
@@ -40,6 +41,7 @@ void frmFind::arrange()
 
     auto* textRow = new QHBoxLayout;
     txtFind = new QLineEdit(middle);
+    keepInputOnOneLine(*txtFind);
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->installEventFilter(this);
     connect(txtFind, &QLineEdit::returnPressed, this,

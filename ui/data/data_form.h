@@ -104,6 +104,8 @@ protected:
     };
     void addRelationMenus(const RelationEntries& entries);
 
+    /// Writes into a field on behalf of the person, who can take that back.
+    void replaceFieldText(int index, const QString& text) { field(index).replace(text); }
     QWidget& fieldWidget(int index) const { return field(index).widget(); }
     /// The row of the content's label; a window may add controls to it.
     QHBoxLayout& contentLabelRow() const { return *m_contentLabelRow; }

@@ -90,7 +90,7 @@ void frmMainData::mnuDataNoDef_Click()
         {.text = u"未定義登録を行いますか。"_s, .title = u"定義"_s, .buttons = Buttons::OkCancel});
     if (answer != Answer::Ok)
         return;
-    setFieldText(2, titles::Undefined);
+    replaceFieldText(2, titles::Undefined);
     if (!CheckInput())
         return;
     m_saveResult = true; // keeps the ordinary notice of a registration away

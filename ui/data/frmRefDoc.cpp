@@ -150,7 +150,7 @@ void frmRefDoc::mnuDataLoadText_Click()
     }
     if (platform::byteLength932(text) > contentBytes)
         refuse();
-    setFieldText(2, text);
+    replaceFieldText(2, text);
 }
 
 void frmRefDoc::cmdSize_Click(int points)

@@ -7,6 +7,7 @@
 #include "store/session.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/one_line_input.h"
 #include "ui/widgets/paint_pace.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/wait_cursor.h"
@@ -60,6 +61,7 @@ void frmRefFileEntry::arrange()
     auto* fields = new QGridLayout;
     QLineEdit* path = addField(0);
     path->installEventFilter(this);
+    keepInputOnOneLine(*path);
     describe(path, u"登録するファイルのパス（場所）を入力する。"_s);
     cmdPath = addButton(middle, u"cmdPath"_s, u"参照(&P)"_s, &frmRefFileEntry::cmdPath_Click);
     fields->addWidget(plainLabel(u"lblPath"_s, u"ファイルの指定 :"_s, path, middle), 0, 0);
@@ -137,7 +139,10 @@ void frmRefFileEntry::cmdPath_Click()
                                                       .folder = {},
                                                       .promptBeforeOverwriting = false});
     m_chosenPath = chosen.value_or(m_chosenPath);
-    setFieldText(0, m_chosenPath); // sic: a cancelled dialog, too, replaces what was typed
+    // sic: a cancelled dialog, too, replaces what was typed. It is the person who may want that back.
+    QLineEdit& path = *m_txtFields[0];
+    path.selectAll();
+    path.insert(m_chosenPath);
 }
 
 void frmRefFileEntry::mnuDataEntry_Click()

@@ -1,6 +1,7 @@
 #include "ui/data/text_fields.h"
 
 #include "app/base/platform/code_page.h"
+#include "ui/widgets/one_line_input.h"
 
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -57,6 +58,7 @@ qsizetype TextField::countBytes() const
 
 TextLine::TextLine(QWidget* parent) : QLineEdit(parent)
 {
+    keepInputOnOneLine(*this);
     connect(this, &QLineEdit::textChanged, this, [this] { textHasChanged(); });
 }
 
@@ -66,6 +68,13 @@ void TextLine::load(const QString& text)
     setCursorPosition(0); // the beginning of a long text is what one wants to see
     m_kept.keep(text, this->text());
     textHasChanged();
+}
+
+void TextLine::replace(const QString& text)
+{
+    selectAll();
+    insert(text);
+    setCursorPosition(0);
 }
 
 QString TextLine::content() const
@@ -79,24 +88,66 @@ TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
     // A key changes a line or two of thousands.
     connect(document(), &QTextDocument::contentsChange, this,
             [this](int from, int, int added) { countLines(from, added); });
-    connect(document(), &QTextDocument::contentsChanged, this, [this] { textHasChanged(); });
+    connect(document(), &QTextDocument::contentsChanged, this, [this] {
+        findArrival();
+        textHasChanged();
+    });
+    // A new change makes it impossible to redo what was undone.
+    connect(document(), &QTextDocument::undoCommandAdded, this, [this] { forgetUndoneArrivals(); });
 }
 
 void TextArea::load(const QString& text)
 {
+    m_replacing = true;
     setPlainText(text);
-    m_kept.keep(text, shown());
+    m_arrivals = {arrivalOf(text)};
+    m_current = 0;
+    m_replacing = false;
     textHasChanged();
-    m_carriageReturns = text.contains(u"\r\n"_s);
-    m_loadedAsShown = bytesShown() == platform::byteLength932(text);
+}
+
+void TextArea::replace(const QString& text)
+{
+    m_replacing = true;
+    QTextCursor cursor(document());
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text);
+    cursor.endEditBlock();
+    forgetUndoneArrivals();
+    m_arrivals.push_back(arrivalOf(text));
+    m_arrivals.back().undoSteps = document()->availableUndoSteps();
+    m_current = m_arrivals.size() - 1;
+    m_replacing = false;
+    textHasChanged();
+    moveCursor(QTextCursor::Start); // the beginning of a long text is what one wants to see
+}
+
+TextArea::Arrival TextArea::arrivalOf(const QString& text) const
+{
+    Arrival arrival;
+    arrival.kept.keep(text, shown());
+    arrival.carriageReturns = text.contains(u"\r\n"_s);
+    arrival.asShown = bytesShown(arrival.carriageReturns) == platform::byteLength932(text);
+    return arrival;
+}
+
+void TextArea::findArrival()
+{
+    if (m_replacing)
+        return;
+    const int steps = document()->availableUndoSteps();
+    m_current = 0;
+    while (m_current + 1 < m_arrivals.size() && m_arrivals[m_current + 1].undoSteps <= steps)
+        ++m_current;
 }
 
 QString TextArea::content() const
 {
     QString text = shown();
-    if (m_kept.stands(text))
-        return m_kept.loaded();
-    return m_carriageReturns ? text.replace(u'\n', u"\r\n"_s) : text;
+    if (arrival().kept.stands(text))
+        return arrival().kept.loaded();
+    return arrival().carriageReturns ? text.replace(u'\n', u"\r\n"_s) : text;
 }
 
 QString TextArea::shown() const
@@ -113,15 +164,15 @@ void TextArea::countLines(int from, int added)
         line.setUserData(new LineBytes(m_bytesOfLines, platform::byteLength932(line.text())));
 }
 
-qsizetype TextArea::bytesShown() const
+qsizetype TextArea::bytesShown(bool carriageReturns) const
 {
     const qsizetype lineBreaks = document()->blockCount() - 1;
-    return *m_bytesOfLines + lineBreaks * (m_carriageReturns ? 2 : 1);
+    return *m_bytesOfLines + lineBreaks * (carriageReturns ? 2 : 1);
 }
 
 qsizetype TextArea::countBytes() const
 {
-    return m_loadedAsShown ? bytesShown() : TextField::countBytes();
+    return arrival().asShown ? bytesShown(arrival().carriageReturns) : TextField::countBytes();
 }
 
 QSize TextArea::sizeHint() const

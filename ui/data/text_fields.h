@@ -4,7 +4,9 @@
 #include <QPlainTextEdit>
 #include <QString>
 
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace quillon
 {
@@ -30,8 +32,10 @@ class TextField
 public:
     virtual ~TextField() = default;
 
-    /// Replaces the text.
+    /// Replaces the text by that of a datum; what was there cannot be brought back.
     virtual void load(const QString& text) = 0;
+    /// Replaces the text on behalf of the person, who can take that back as if it had been typed.
+    virtual void replace(const QString& text) = 0;
     /// The text: as loaded when the user has not changed it. What an input method has not confirmed does not count.
     virtual QString content() const = 0;
     virtual QWidget& widget() = 0;
@@ -57,6 +61,7 @@ public:
     explicit TextLine(QWidget* parent = nullptr);
 
     void load(const QString& text) override;
+    void replace(const QString& text) override;
     QString content() const override;
     QWidget& widget() override { return *this; }
 
@@ -73,6 +78,7 @@ public:
     explicit TextArea(QWidget* parent = nullptr);
 
     void load(const QString& text) override;
+    void replace(const QString& text) override;
     QString content() const override;
     QWidget& widget() override { return *this; }
 
@@ -88,12 +94,26 @@ private:
     QSize sizeOf(int characters, int lines) const;
     /// Counts the bytes of the lines of `added` characters from `from` on.
     void countLines(int from, int added);
-    qsizetype bytesShown() const;
+    qsizetype bytesShown(bool carriageReturns) const;
 
-    KeptText m_kept;
-    bool m_carriageReturns = false; // the loaded text ends its lines with CR LF
+    /// A text that came as a whole.
+    struct Arrival {
+        KeptText kept;
+        bool carriageReturns = false; // it ends its lines with CR LF
+        bool asShown = true;          // it has as many bytes as what is shown of it
+        int undoSteps = 0;            // how many the document had when it had come
+    };
+    Arrival arrivalOf(const QString& text) const;
+    const Arrival& arrival() const { return m_arrivals[m_current]; }
+    /// What came last, and still stands, of what has come: undoing takes the present text back behind an arrival.
+    void findArrival();
+    void forgetUndoneArrivals() { m_arrivals.resize(m_current + 1); }
+
+    std::vector<Arrival> m_arrivals{
+        Arrival()}; // the loaded text, and those that replaced it and can be undone
+    std::size_t m_current = 0;
+    bool m_replacing = false;
     std::shared_ptr<qsizetype> m_bytesOfLines = std::make_shared<qsizetype>(0);
-    bool m_loadedAsShown = true; // what was loaded has as many bytes as what is shown of it
 };
 
 } // namespace quillon
