@@ -6,6 +6,7 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/links.h"
 #include "core/registration_window.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
@@ -63,11 +64,7 @@ bool RegisterFileAndLink(Session& session, const QString& identifier)
     // From here on the window may be gone.
     if (!required(session.RsRefFile).goTo(data_field::Object_ID, registered))
         return false;
-    RecordSet& links = required(session.RsLink);
-    links.addNew();
-    links.setField(0, identifier);
-    links.setField(1, registered);
-    links.update();
+    addLink(session, identifier, registered);
     return true;
 }
 

@@ -12,6 +12,7 @@
 #include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/sqlite/transaction.h"
 #include "store/write_transaction.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,7 +36,29 @@ QString touching(const QString& identifier)
     return u"Object_ID ='"_s + identifier + u"' OR Link_Object_ID ='"_s + identifier + u"'"_s;
 }
 
+/// Error 3021 when there is no datum of an identifier.
+void requireRowOf(Session& session, const QString& identifier)
+{
+    const DataKind* const kind = kindOf(identifier);
+    if (kind == nullptr || !required(session.*kind->recordSet).goTo(data_field::Object_ID, identifier))
+        throw Error(errors::NoCurrentRecord);
+}
+
 } // namespace
+
+void addLink(Session& session, const QString& source, const QString& target)
+{
+    RecordSet& links = required(session.RsLink);
+    sqlite::Transaction write(links.database().connection());
+    // Whoever gets the identifier of a datum that is not there would inherit the link.
+    for (const QString& end : {source, target})
+        requireRowOf(session, end);
+    links.addNew();
+    links.setField(0, source);
+    links.setField(1, target);
+    links.update();
+    write.commit();
+}
 
 bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode)
 {
@@ -56,11 +79,7 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
             session.dialogs.messageBox({.text = u"既に同一のリンクが存在します。"_s});
             return;
         }
-        RecordSet& links = required(session.RsLink);
-        links.addNew();
-        links.setField(0, source);
-        links.setField(1, target);
-        links.update();
+        addLink(session, source, target);
         linked = true;
         // sic: a blank after と that the question does not have.
         if (tells(mode))

@@ -14,6 +14,9 @@ struct ListedDatum;
 /// True when a row was added. Failures are reported as "LinkData".
 bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode);
 
+/// Adds the row of a link. Not trapped: error 3021 when one of the data is not there (any more).
+void addLink(Session& session, const QString& source, const QString& target);
+
 /// Deletes the link between two data in both directions and always tells so, without asking.
 /// True unless a failure was reported, as "DeleteLink".
 bool DeleteLink(Session& session, const QString& a, const QString& b);

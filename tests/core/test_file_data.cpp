@@ -316,6 +316,7 @@ private Q_SLOTS:
 
     void fileIsRegisteredUnderItsIdentifierAndLinkedAfterwards()
     {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         const JournaledWrites writes(*session().OpenDb, world->calls);
         session().windows.registrationWindow(u"F"_s);
         world->windows.dataWindows.back()->fields[0] = u"/tmp/a.txt"_s; // typed before
@@ -355,6 +356,7 @@ private Q_SLOTS:
 
     void pendingLinkEndsWithTheRegistration()
     {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         QFETCH(bool, registers);
         QFETCH(bool, fails);
         session().windows.registrationWindow(u"F"_s);
@@ -389,8 +391,36 @@ private Q_SLOTS:
         QVERIFY(!session().LinkSourceMode);
     }
 
+    void fileIsNotLinkedToADatumThatWentMeanwhile()
+    {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
+        session().windows.registrationWindow(u"F"_s);
+        world->windows.dataWindows.back()->whileModal = [&] {
+            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+            session().RsMain->moveFirst();
+            session().RsMain->deleteRow();
+        };
+        QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::NoCurrentRecord);
+        QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList());
+        QCOMPARE(session().RsRefFile->recordCount(), 1); // the file datum stays registered
+    }
+
+    void registrationWindowInUseMayRefuseTheLink()
+    {
+        session().windows.registrationWindow(u"F"_s);
+        FakeDataWindow& window = *world->windows.dataWindows.back();
+        window.fields = {u"/tmp/a.txt"_s, u"F-991231-001"_s, QString()};
+        window.closes = false; // its closing question is cancelled
+        world->calls.take();
+        QVERIFY(!RegisterFileAndLink(session(), Water));
+        QCOMPARE(window.fields[0], u"/tmp/a.txt"_s);
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"frmRefFileEntry.mayUnload"_s, u"frmRefFileEntry.bringToFront"_s}));
+    }
+
     void failureToLinkGoesToTheCaller()
     {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         session().windows.registrationWindow(u"F"_s);
         auto& fake = *world->windows.dataWindows.back();
         std::unique_ptr<ForeignLock> lock;
@@ -406,7 +436,8 @@ private Q_SLOTS:
         fake.whileModal = [&] {
             TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, fake.fields[1], u"未入力"_s});
         };
-        QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), u"M-991231-1000"_s); }), errors::FieldTooSmall);
+        QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), u"M-991231-1000"_s); }),
+                 errors::NoCurrentRecord);
         session().RsLink.reset();
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::ObjectNotSet);
     }

@@ -1,4 +1,5 @@
 #include "tests/data/twin_fixture.h"
+#include "tests/support/drag.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -162,6 +163,58 @@ private Q_SLOTS:
         QCOMPARE(world->links().size(), 1);
         QCOMPARE(world->memberships().size(), 1);
         QVERIFY(FormWorld::closes(*form)); // nothing was typed
+    }
+
+    void relationsOfADatumThatIsGoneStayAsTheyAre_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<int>("way");
+        QTest::addColumn<QString>("entry");
+        for (const QString& entry : {u"mnuLinkMain"_s, u"mnuLinkRefDoc"_s, u"mnuLinkRefFile"_s,
+                                     u"mnuLinkDelete"_s, u"mnuCategoryEntry"_s, u"mnuCategoryDelete"_s}) {
+            for (const QString& identifier : {Water, Book}) {
+                QTest::newRow(tag(identifier, u"deleted, "_s + entry)) << identifier << int(Deleted) << entry;
+                QTest::newRow(tag(identifier, u"another of its identifier, "_s + entry))
+                    << identifier << int(Replaced) << entry;
+                QTest::newRow(tag(identifier, u"another database, "_s + entry))
+                    << identifier << int(OtherDatabase) << entry;
+            }
+        }
+    }
+
+    void relationsOfADatumThatIsGoneStayAsTheyAre()
+    {
+        QFETCH(QString, entry);
+        const auto relate = [this] {
+            TestWorld::addRow(world->session.RsLink, {own, Ice});
+            TestWorld::addRow(world->session.RsCategory, {u"A"_s, own});
+        };
+        own = twin().first;
+        relate();
+        open();
+        for (const QString& list : {u"lsvLink"_s, u"lsvCategory"_s})
+            selectRow(FormWorld::list(*form, list), 0);
+        loseDatum();
+        if (world->links().isEmpty())
+            relate();
+        world->dialogs.expect(untrapped(3021)); // nothing is asked, no window opens
+        QVERIFY(FormWorld::choose(*form, entry));
+        QVERIFY(world->loggedUnder(entry + u"_Click"_s, 3021));
+        QCOMPARE(world->links(), QStringList(own + u'|' + Ice));
+        QCOMPARE(world->memberships(), QStringList(u"A|"_s + own));
+        QVERIFY(!world->session.LinkSourceMode);
+    }
+
+    void dropOnAWindowWhoseDatumIsGoneLinksNothing()
+    {
+        own = Water;
+        ownName = u"水"_s;
+        form = &world->show<DataForm>(own);
+        replaceDatum();
+        world->dialogs.expect(untrapped(3021));
+        drop(*FormWorld::list(*form, u"lsvLink"_s).viewport(), Ice);
+        QVERIFY(world->loggedUnder(u"lsvLink_OLEDragDrop"_s, 3021));
+        QCOMPARE(world->links(), QStringList());
     }
 
     void datumThatIsReplacedWhileTheQuestionIsOpenStays_data() { bothKinds(); }

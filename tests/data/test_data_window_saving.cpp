@@ -1,3 +1,4 @@
+#include "core/categories.h"
 #include "tests/data/twin_fixture.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/troubled_database.h"
@@ -126,6 +127,121 @@ private Q_SLOTS:
         expectRegistered();
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
         QCOMPARE(world->memberships(), QStringList(membership(u"C"_s)));
+    }
+
+    void categoryThatIsGoneLeavesTheListWithTheNextSave_data() { bothKinds(); }
+
+    void categoryThatIsGoneLeavesTheListWithTheNextSave()
+    {
+        DataForm& form = beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A"_s), world->addCategory(u"海"_s, u"B"_s)});
+        const auto deleteCategory = [this](const QString& identifier) {
+            DeleteCategory(world->session, identifier, 0);
+        };
+        deleteCategory(u"A"_s);
+        world->addCategory(u"別の川"_s, u"A"_s); // gets its identifier
+        expectRegistered();
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->memberships(), QStringList(membership(u"B"_s)));
+        QCOMPARE(rowsOf(FormWorld::rows(form, u"lsvCategory"_s)), QStringList(u"海|B|"_s));
+        deleteCategory(u"B"_s);
+        fill(form, u"水"_s, u"H2O"_s);
+        world->dialogs.expect(twin().updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(world->memberships(), QStringList());
+        // An update of a document files it nowhere and leaves its list alone.
+        QCOMPARE(FormWorld::rows(form, u"lsvCategory"_s).rowCount(), twin().updateFiles ? 0 : 1);
+    }
+
+    void categoryThatWasRenamedIsStillTheSame_data() { bothKinds(); }
+
+    void categoryThatWasRenamedIsStillTheSame()
+    {
+        DataForm& form = beginRegistration();
+        fill(form, u"水"_s, u"液体"_s);
+        const CategoryRow river = world->addCategory(u"川"_s, u"A"_s);
+        form.setCategoryRows({river});
+        RenameCategory(world->session, river, u"大河"_s);
+        expectRegistered();
+        QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+        QCOMPARE(world->memberships(), QStringList(membership(u"A"_s)));
+    }
+
+    void registrationInAWindowInUseAsksItsClosingQuestionFirst_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<bool>("registered"); // before, and then changed
+        QTest::addColumn<int>("answer");
+        for (const QString& identifier : {Water, Book}) {
+            for (const bool registered : {false, true}) {
+                const QString before = registered ? u"registered, "_s : u"not registered, "_s;
+                for (const auto& [word, answer] :
+                     {std::pair(u"yes"_s, Answer::Yes), {u"no"_s, Answer::No}, {u"cancel"_s, Answer::Cancel}})
+                    QTest::newRow(tag(identifier, before + word)) << identifier << registered << int(answer);
+            }
+        }
+    }
+
+    void registrationInAWindowInUseAsksItsClosingQuestionFirst()
+    {
+        QFETCH(bool, registered);
+        QFETCH(int, answer);
+        DataForm& form = beginRegistration();
+        form.setCategoryRows({world->addCategory(u"川"_s, u"A"_s)});
+        fill(form, u"水"_s, u"液体"_s);
+        if (registered) {
+            expectRegistered();
+            QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+            fill(form, u"水"_s, u"H2O"_s);
+        }
+        const QStringList before = data();
+        const QString question =
+            registered ? u"現在のデータを更新しますか。"_s : u"現在のデータを登録しますか。"_s;
+        world->dialogs.expect(MessageBox{.text = question, .buttons = Buttons::YesNoCancel},
+                              static_cast<Answer>(answer));
+        if (answer == int(Answer::Yes)) {
+            if (registered)
+                world->dialogs.expect(twin().updated);
+            else
+                expectRegistered();
+        }
+        CreateRegisterForm(world->session, twin().kind);
+        QCOMPARE(world->windowCount(), 1);
+        if (answer == int(Answer::Cancel)) {
+            QCOMPARE(form.fieldText(0), u"水"_s);
+            QCOMPARE(form.fieldText(1), twin().first);
+            QCOMPARE(data(), before);
+            return;
+        }
+        if (answer == int(Answer::Yes))
+            QCOMPARE(data(), QStringList(firstDatum(u"水"_s, registered ? u"H2O"_s : u"液体"_s)));
+        else
+            QCOMPARE(data(), before);
+        QCOMPARE(form.fieldText(0), QString());
+        QCOMPARE(form.fieldText(1), data().isEmpty() ? twin().first : twin().second);
+        QCOMPARE(form.fieldText(2), QString());
+        QCOMPARE(FormWorld::rows(form, u"lsvCategory"_s).rowCount(), 0);
+        QCOMPARE(FormWorld::rows(form, u"lsvLink"_s).rowCount(), 0);
+        QCOMPARE(form.modeText(), u"登録モード"_s);
+        FormWorld::definition(form).undo(); // brings nothing of the other datum back
+        QCOMPARE(form.fieldText(2), QString());
+        QVERIFY(FormWorld::closes(form));
+    }
+
+    void refusedSaveKeepsTheWindowFromANewRegistration_data() { bothKinds(); }
+
+    void refusedSaveKeepsTheWindowFromANewRegistration()
+    {
+        DataForm& form = beginRegistration();
+        fill(form, QString(25, u'水'), u"液体"_s);
+        world->dialogs.expect(
+            MessageBox{.text = u"現在のデータを登録しますか。"_s, .buttons = Buttons::YesNoCancel},
+            Answer::Yes);
+        world->dialogs.expect(NameTooLong);
+        CreateRegisterForm(world->session, twin().kind);
+        QCOMPARE(form.fieldText(0), QString(25, u'水'));
+        QCOMPARE(data(), QStringList());
     }
 
     void commitThatFailsKeepsTheInput_data() { bothKinds(); }

@@ -237,7 +237,7 @@ private Q_SLOTS:
         world->session.RsLink = table;
     }
 
-    void sourceDeletedWhileChoosingIsStillLinked()
+    void sourceDeletedWhileChoosingIsNotLinked()
     {
         form = &world->show(Water);
         whileChoosing([&](frmDataSelect& window) {
@@ -246,11 +246,12 @@ private Q_SLOTS:
                 MessageBox{.text = u"<水> を削除しますか。"_s, .buttons = Buttons::OkCancel});
             QVERIFY(FormWorld::choose(window, u"mnuDelete"_s));
             world->dialogs.expect(askLink(u"氷"_s, u"不明"_s));
+            world->dialogs.expect(failureBox(u"LinkData"_s, 3021));
             chooseRow(window, 0);
+            press(window, u"cmdCancel"_s);
         });
         QVERIFY(FormWorld::choose(*form, u"mnuLinkMain"_s));
-        QCOMPARE(world->links(), QStringList({u"M-991231-002|M-991231-001"_s}));
-        QCOMPARE(rowsOf(FormWorld::rows(*form, u"lsvLink"_s)), QStringList({u"氷|定義|M-991231-002"_s}));
+        QCOMPARE(world->links(), QStringList());
         QVERIFY(FormWorld::closes(*form)); // there is nothing left to be updated
     }
 
@@ -330,6 +331,22 @@ private Q_SLOTS:
         world->dialogs.expect(askLink(u"水"_s, u"不明"_s), Answer::Cancel);
         QVERIFY(drop(*linkList().viewport(), u"十二文字の長さの文字列だ"_s));
         QCOMPARE(world->links(), QStringList());
+    }
+
+    void dropOnAWindowThatRegistersDoesNothing()
+    {
+        auto& registering = world->beginRegistration();
+        form = &registering;
+        FormWorld::enter(FormWorld::name(*form), u"雲"_s);
+        FormWorld::enter(FormWorld::definition(*form), u"水滴"_s);
+        drop(*linkList().viewport(), Ice);
+        QCOMPARE(world->links(), QStringList());
+        QCOMPARE(shownLinks().size(), 0);
+        world->dialogs.expect(MessageBox{.text = u"本データを登録しました。"_s});
+        QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
+        world->dialogs.expect(askLink(u"雲"_s, u"氷"_s));
+        QVERIFY(drop(*linkList().viewport(), Ice)); // now there is something to be linked
+        QCOMPARE(world->links().size(), 1);
     }
 
     void droppingTheSameTwiceTellsOfTheLink()
