@@ -3,6 +3,7 @@
 #include "store/record_set.h"
 #include "tests/support/drag.h"
 #include "tests/support/failure_box.h"
+#include "tests/support/held_key.h"
 #include "tests/support/troubled_database.h"
 #include "tests/support/window_probe.h"
 #include "tests/support/window_world.h"
@@ -334,6 +335,21 @@ private Q_SLOTS:
         WindowWorld::processEvents();
         QVERIFY(!form.isNull());
         QCOMPARE(rows().size(), 3);
+    }
+
+    void keyHeldDownActsOnceAndWhenItIsReleased()
+    {
+        fillDefinitions();
+        selectRow(list(), 0);
+        world->calls.take();
+        QTest::keyPress(&list(), Qt::Key_Return);
+        for (int time = 0; time < 3; ++time)
+            repeatKey(list(), Qt::Key_Return);
+        WindowWorld::processEvents();
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 0);
+        QTest::keyRelease(&list(), Qt::Key_Return);
+        WindowWorld::processEvents();
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
     }
 
     void headersSortInJapaneseOrder_data()

@@ -93,7 +93,7 @@ void TestReportList::theSelectedRowIsTheCurrentOneIfSelected()
 
 void TestReportList::aDoubleClickOnARowActivates()
 {
-    const QSignalSpy activated(m_list, &ReportList::rowActivated);
+    const QSignalSpy activated(m_list, &ReportList::rowDoubleClicked);
     const QSignalSpy doubleClicked(m_list, &ReportList::listDoubleClicked);
     const QSignalSpy entered(m_list, &ReportList::enterPressed);
     click(2);
@@ -106,7 +106,7 @@ void TestReportList::aDoubleClickOnARowActivates()
 
 void TestReportList::aDoubleClickElsewhereDoesNot()
 {
-    const QSignalSpy activated(m_list, &ReportList::rowActivated);
+    const QSignalSpy activated(m_list, &ReportList::rowDoubleClicked);
     QTest::mouseDClick(m_list->viewport(), Qt::RightButton, {}, at(2));
     QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, m_list->viewport()->rect().bottomLeft());
     QCOMPARE(activated.size(), 0);

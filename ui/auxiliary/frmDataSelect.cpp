@@ -105,7 +105,7 @@ void frmDataSelect::arrange()
 void frmDataSelect::connectList()
 {
     lsvData->rows().setDragColumn(IdentifierColumn);
-    connect(lsvData, &ReportList::rowActivated, this,
+    connect(lsvData, &ReportList::rowDoubleClicked, this,
             eventSlot(session().reporting, u"lsvData_DblClick"_s, [this] { cmdOK_Click(); }));
     connect(lsvData, &ReportList::keyReleased, this, [this](int key) {
         handleEvent(session().reporting, u"lsvData_KeyUp"_s, [&] { lsvData_KeyUp(key); });
@@ -168,7 +168,9 @@ void frmDataSelect::cmdCancel_Click()
 
 void frmDataSelect::lsvData_KeyUp(int key)
 {
-    if (key == Qt::Key_Delete)
+    if (key == Qt::Key_Return || key == Qt::Key_Enter)
+        cmdOK_Click();
+    else if (key == Qt::Key_Delete)
         mnuDelete_Click();
     else if (key == Qt::Key_Escape)
         unload();

@@ -241,10 +241,8 @@ void ReportList::keyPressEvent(QKeyEvent* event)
     m_pressedKeys.press(*event);
     if (isEnter(*event)) {
         event->accept();
-        if (!event->isAutoRepeat()) {
+        if (!event->isAutoRepeat())
             Q_EMIT enterPressed();
-            Q_EMIT rowActivated();
-        }
         return;
     }
     if (!typesText(*event) && !event->isAutoRepeat())
@@ -295,7 +293,7 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
 {
     const bool pressedHere = m_pressedKeys.release(*event);
     QTableView::keyReleaseEvent(event);
-    if (pressedHere && !isEnter(*event))
+    if (pressedHere)
         Q_EMIT keyReleased(event->key(), event->modifiers());
 }
 
@@ -443,7 +441,7 @@ void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
         return;
     Q_EMIT listDoubleClicked();
     if (onRow)
-        Q_EMIT rowActivated();
+        Q_EMIT rowDoubleClicked();
 }
 
 void ReportList::contextMenuEvent(QContextMenuEvent* event)

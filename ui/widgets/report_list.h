@@ -49,8 +49,8 @@ public:
 Q_SIGNALS:
     /// A header was clicked; the list has been sorted by that column (from 0).
     void columnClicked(int column);
-    /// A row was double-clicked, or Enter was pressed in the list; one of the next two signals tells which.
-    void rowActivated();
+    /// A row was double-clicked.
+    void rowDoubleClicked();
     /// The list was double-clicked with the left mouse button, on a row or beside the rows.
     void listDoubleClicked();
     /// Enter was pressed in the list, with rows or without.
@@ -62,7 +62,7 @@ Q_SIGNALS:
     /// A key other than Enter and other than text was pressed; the list has not acted on it yet. A held key is told
     /// once.
     void keyPressed(int key, Qt::KeyboardModifiers modifiers);
-    /// A key other than Enter that had been pressed in the list was released.
+    /// A key that had been pressed in the list was released.
     void keyReleased(int key, Qt::KeyboardModifiers modifiers);
     /// Text was dropped on the list, see `acceptTextDrops`.
     void textDropped(const QString& text);
