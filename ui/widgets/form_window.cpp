@@ -3,67 +3,32 @@
 #include "app/base/twips.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/menu_bar.h"
+#include "ui/widgets/persons_input.h"
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
-#include <QActionEvent>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QWindow>
-
-#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
 
-namespace
-{
-
-/// A menu bar that lays its menus out again only when a caption or what is visible has changed: the base class does it
-/// for every menu that is enabled or disabled, too, and that takes longer than all else in a change of mode.
-class MenuBar : public QMenuBar
-{
-public:
-    using QMenuBar::QMenuBar;
-
-protected:
-    void actionEvent(QActionEvent* event) override
-    {
-        const QAction* menu = event->action();
-        const Look look{menu->text(), menu->isVisible()};
-        if (event->type() == QEvent::ActionChanged && m_looks.value(menu) == look) {
-            update();
-            return;
-        }
-        if (event->type() == QEvent::ActionRemoved)
-            m_looks.remove(menu);
-        else
-            m_looks.insert(menu, look);
-        QMenuBar::actionEvent(event);
-    }
-
-private:
-    using Look = std::pair<QString, bool>;
-
-    QHash<const QAction*, Look> m_looks;
-};
-
-} // namespace
-
 FormWindow::FormWindow(Session& session, WindowRegistry& registry, const QString& windowName)
     : m_session(session), m_registry(registry)
 {
     setObjectName(windowName);
     m_registry.add(this);
+    PersonsInput::ofApplication(); // from the first window on
 }
 
 FormWindow::~FormWindow()
@@ -85,6 +50,7 @@ bool FormWindow::mayUnload()
         return false;
     const QPointer<FormWindow> guard(this);
     m_asking = true;
+    const PersonsInput::Claim claim(*this); // it may be closed from another window
     const auto end = qScopeGuard([&] {
         if (guard)
             m_asking = false;
@@ -180,7 +146,9 @@ void FormWindow::showModal()
     // Modality takes effect only when a window appears.
     if (isVisible() && windowModality() != Qt::ApplicationModal)
         hide();
-    const QPointer<QWidget> before = QApplication::activeWindow();
+    // Not the active window: between two windows of an action none is.
+    QWidget* acting = PersonsInput::ofApplication().actingWindow();
+    const QPointer<QWidget> before = acting != nullptr ? acting : QApplication::activeWindow();
     setWindowModality(Qt::ApplicationModal);
     if (before && before != this && before->windowHandle() != nullptr) {
         winId(); // makes the native window, so that the window manager keeps it above the one that waits for it
