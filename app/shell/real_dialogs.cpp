@@ -1,9 +1,11 @@
 #include "app/shell/real_dialogs.h"
 
 #include "ui/widgets/one_line_input.h"
+#include "ui/widgets/persons_input.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -15,6 +17,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QSpacerItem>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -24,11 +27,13 @@ namespace quillon
 namespace
 {
 
-/// The window a box belongs in front of: the one the person works in, else the main window. Always a window on the
-/// screen: one that has just been closed may still count as the active one, and would take the box with it.
+/// The window a box belongs in front of: the one whose action shows it, also as the second of two in a row, when no
+/// window is active for a moment; else the main window. Always a window on the screen: one that has just been closed
+/// may still count as the active one, and would take the box with it.
 QWidget* parentOfBox()
 {
-    for (QWidget* window : {QApplication::activeModalWidget(), QApplication::activeWindow()}) {
+    for (QWidget* window : {QApplication::activeModalWidget(), PersonsInput::ofApplication().actingWindow(),
+                            QApplication::activeWindow()}) {
         if (window != nullptr && window->isVisible())
             return window;
     }
@@ -40,13 +45,28 @@ QWidget* parentOfBox()
     return nullptr;
 }
 
+/// Lets the windows paint where a dialog has been, before the work that its answer begins. What the person does
+/// meanwhile waits.
+void paintWhatWasCovered()
+{
+    // The window manager takes the dialog from the screen in its own time, and the system then asks for the painting.
+    constexpr int Patience = 50; // milliseconds
+    QEventLoop loop;
+    QTimer::singleShot(Patience, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
 /// Runs a dialog that may be destroyed together with its parent while it is on the screen.
 template <class Dialog, class Answering> auto run(Dialog* dialog, Answering&& answering)
 {
+    const QPointer<QWidget> owner(dialog->parentWidget());
     const QPointer<Dialog> guard(dialog);
     const int result = dialog->exec();
     auto answer = answering(guard.data(), result);
     delete guard.data();
+    if (owner && owner->isVisible())
+        owner->activateWindow();
+    paintWhatWasCovered();
     return answer;
 }
 

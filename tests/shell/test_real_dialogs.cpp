@@ -247,6 +247,48 @@ private Q_SLOTS:
         QCOMPARE(m_shown, 2);
     }
 
+    void bothBoxesOfAnActionBelongToItsWindow()
+    {
+        QWidget mainWindow;
+        mainWindow.setObjectName(u"frmMainMenu"_s);
+        mainWindow.show();
+        QWidget window;
+        window.show();
+        QTest::keyClick(&window, Qt::Key_A); // what the person does in it shows the boxes
+        for (int time = 1; time <= 2; ++time) {
+            // The system tells late which window it has made the active one.
+            QApplication::setActiveWindow(time == 1 ? nullptr : &mainWindow);
+            whenShown<QMessageBox>([&](QMessageBox& box) {
+                QCOMPARE(box.parentWidget(), &window);
+                QTest::keyClick(&box, Qt::Key_Return);
+            });
+            dialogs.messageBox({.text = u"お知らせ"_s});
+            QCOMPARE(m_shown, time);
+        }
+        QCOMPARE(QApplication::activeWindow(), &window); // the focus returns
+    }
+
+    void windowsArePaintedBeforeTheWorkThatAnAnswerBegins()
+    {
+        struct Painted : QWidget {
+            int paints = 0;
+            void paintEvent(QPaintEvent*) override { ++paints; }
+        };
+        Painted window;
+        window.resize(200, 200);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        int before = 0;
+        whenShown<QMessageBox>([&](QMessageBox& box) {
+            before = window.paints;
+            box.accept();
+            window.update(); // as the system asks for it where the box has been
+        });
+        dialogs.messageBox({.text = u"質問"_s});
+        QCOMPARE(m_shown, 1);
+        QVERIFY(window.paints > before);
+    }
+
     void aBoxSurvivesTheEndOfItsWindow()
     {
         auto* window = new QWidget;
