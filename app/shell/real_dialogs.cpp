@@ -2,6 +2,7 @@
 
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/persons_input.h"
+#include "ui/widgets/title_width.h"
 
 #include <QApplication>
 #include <QDir>
@@ -110,9 +111,7 @@ void keepOnScreen(QMessageBox& box)
 void makeRoomForTitle(QMessageBox& box)
 {
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
-        const QFontMetrics metrics = box.fontMetrics();
-        const int width = metrics.horizontalAdvance(box.windowTitle()) + 8 * metrics.height();
-        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+        grid->addItem(new QSpacerItem(widthForTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
     }
 }
 

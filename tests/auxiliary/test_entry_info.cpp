@@ -94,6 +94,31 @@ private Q_SLOTS:
         QVERIFY(line->y() < form.findChild<QLabel*>(u"lblAll"_s)->y());
     }
 
+    void colonsStandBelowEachOther()
+    {
+        frmEntryInfo& form = open();
+        QCoreApplication::processEvents();
+        QSet<int> columns;
+        for (const QString& name : {u"lblMain"_s, u"lblRefDoc"_s, u"lblRefFile"_s, u"lblAll"_s}) {
+            auto* label = form.findChild<QLabel*>(name);
+            const QImage image = label->grab().toImage();
+            // The last column that has ink is the colon's.
+            int last = image.width() - 1;
+            const auto isEmpty = [&](int x) {
+                for (int y = 0; y < image.height(); ++y) {
+                    if (image.pixel(x, y) != image.pixel(0, 0))
+                        return false;
+                }
+                return true;
+            };
+            while (last > 0 && isEmpty(last))
+                --last;
+            columns.insert(label->x() + last);
+        }
+        QCOMPARE(columns.size(), 1);
+        QVERIFY(*columns.cbegin() > 0);
+    }
+
     void newDatabaseShowsZeros()
     {
         openDatabase();

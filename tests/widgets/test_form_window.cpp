@@ -35,6 +35,7 @@ public:
     using FormWindow::addMenu;
     using FormWindow::addSubmenu;
     using FormWindow::FormWindow;
+    using FormWindow::openOverMainWindow;
 
     std::function<bool()> question = [] { return true; };
     int asked = 0;
@@ -144,6 +145,8 @@ private Q_SLOTS:
     void unknownWindowsAreRefused();
     void auxiliaryWindowsAreShown();
     void dataWindowsAreToldApart();
+    void smallWindowOpensOverTheMainWindow();
+    void smallWindowStaysOnTheScreen();
 
 private:
     std::unique_ptr<World> m_world;
@@ -511,6 +514,37 @@ void TestFormWindow::dataWindowsAreToldApart()
     DataWindow& data = m_world->registry.newDataWindow(u"R"_s);
     QCOMPARE(m_world->registry.loaded()[0]->asDataWindow(), nullptr);
     QCOMPARE(m_world->registry.loaded()[1]->asDataWindow(), &data);
+}
+
+void TestFormWindow::smallWindowOpensOverTheMainWindow()
+{
+    PlainWindow* mainWindow = m_world->window(u"frmMainMenu"_s);
+    mainWindow->setGeometry(100, 80, 500, 400);
+    mainWindow->show();
+    PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
+    window->setWindowTitle(u"とても長い名前を持っている小さな画面の例"_s);
+    window->resize(120, 90);
+    window->openOverMainWindow();
+    window->showModeless();
+    const QPoint apart = window->geometry().center() - mainWindow->geometry().center();
+    QVERIFY(apart.manhattanLength() <= 2);
+    QVERIFY(window->width() > window->fontMetrics().horizontalAdvance(window->windowTitle()));
+    // Where the person has moved it it stays.
+    window->move(10, 20);
+    window->showModeless();
+    QCOMPARE(window->pos(), QPoint(10, 20));
+}
+
+void TestFormWindow::smallWindowStaysOnTheScreen()
+{
+    PlainWindow* mainWindow = m_world->window(u"frmMainMenu"_s);
+    mainWindow->setGeometry(-300, -200, 320, 220);
+    mainWindow->show();
+    PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
+    window->resize(300, 200);
+    window->openOverMainWindow();
+    window->showModeless();
+    QVERIFY(window->screen()->availableGeometry().contains(window->geometry()));
 }
 
 QTEST_MAIN(TestFormWindow)

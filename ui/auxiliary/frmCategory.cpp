@@ -57,6 +57,7 @@ void frmCategory::arrange()
     setCentralWidget(middle);
     tvwCategory->setFocus();
     resize(sizeHint().expandedTo({360, 420}));
+    openOverMainWindow();
 }
 
 void frmCategory::setNodes(const std::vector<ChooserNode>& nodes)

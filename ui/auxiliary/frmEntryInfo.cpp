@@ -11,6 +11,7 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 
 #include <algorithm>
 #include <array>
@@ -48,6 +49,23 @@ qint16 countShownBy(const QLabel& label)
     return within16Bits(label.text().toLongLong());
 }
 
+/// A caption whose colon stands at its right edge, so that the colons of several stand below each other. The blanks of
+/// the caption were made for a font whose characters are all as wide.
+class CaptionWithColon : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        const QString words = text().chopped(1).trimmed();
+        QPainter painter(this);
+        painter.drawText(rect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft), words);
+        painter.drawText(rect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignRight), text().right(1));
+    }
+};
+
 /// Blank until there is a count: better nothing than a wrong number.
 QLabel* countLabel(const QString& name, QWidget* parent)
 {
@@ -76,7 +94,10 @@ void frmEntryInfo::arrange()
     lblAllCount = countLabel(u"lblAllCount"_s, middle);
 
     const auto addRow = [&](int row, const QString& name, const QString& caption, QLabel* count) {
-        grid->addWidget(plainLabel(name, caption, nullptr, middle), row, 0);
+        auto* words = new CaptionWithColon(caption, middle);
+        words->setObjectName(name);
+        words->setTextFormat(Qt::PlainText);
+        grid->addWidget(words, row, 0);
         grid->addWidget(count, row, 1);
     };
     addRow(0, u"lblMain"_s, u"定義データ 登録数      :"_s, lblMainCount);
@@ -93,6 +114,7 @@ void frmEntryInfo::arrange()
     grid->setColumnMinimumWidth(1, fontMetrics().horizontalAdvance(u"0000000000"_s));
     grid->setRowStretch(5, 1);
     setCentralWidget(middle);
+    openOverMainWindow();
 }
 
 void frmEntryInfo::Form_Load()

@@ -5,6 +5,7 @@
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/menu_bar.h"
 #include "ui/widgets/persons_input.h"
+#include "ui/widgets/title_width.h"
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
@@ -16,7 +17,10 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QScreen>
 #include <QWindow>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -123,8 +127,28 @@ void FormWindow::closeEvent(QCloseEvent* event)
     event->setAccepted(closed);
 }
 
+void FormWindow::placeOverMainWindow()
+{
+    // A window whose size nobody has chosen would get it only in appearing.
+    const QSize wanted = testAttribute(Qt::WA_Resized) ? size() : sizeHint();
+    resize(wanted.expandedTo({widthForTitle(*this), 0}));
+    const auto* mainWindow = dynamic_cast<const FormWindow*>(m_registry.loaded().front());
+    if (mainWindow == nullptr || mainWindow == this || !mainWindow->isVisible())
+        return;
+    // The thickness of its own frame is not known yet; that of the main window is as good.
+    const QSize frame = mainWindow->frameSize() - mainWindow->size();
+    QRect place(QPoint(0, 0), size() + frame);
+    place.moveCenter(mainWindow->frameGeometry().center());
+    const QRect room = mainWindow->screen()->availableGeometry();
+    place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() + 1 - place.width())));
+    place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() + 1 - place.height())));
+    move(place.topLeft());
+}
+
 void FormWindow::bringToFront()
 {
+    if (m_opensOverMainWindow && !isVisible())
+        placeOverMainWindow();
     if (isMinimized())
         setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

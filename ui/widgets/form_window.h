@@ -55,6 +55,9 @@ protected:
     /// person who drags the border feels the limit.
     void keepAtLeast(double width, double height);
 
+    /// For a small window: it is wide enough for its title, and opens over the middle of the main window.
+    void openOverMainWindow() { m_opensOverMainWindow = true; }
+
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
     /// Enter presses the button that has the focus, as it does in dialogs.
@@ -92,12 +95,14 @@ private:
     }
     bool tryUnload();
     void enforceLeastSize();
+    void placeOverMainWindow();
 
     Session& m_session;
     WindowRegistry& m_registry;
     QHash<QString, QAction*> m_actions;
     bool m_asking = false; // a closing question is on the screen
     bool m_unloaded = false;
+    bool m_opensOverMainWindow = false;
     QSizeF m_leastFrame; // twips; empty for none
 };
 
