@@ -4,8 +4,12 @@
 #include <QDir>
 #include <QFile>
 #include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
 
 #include <sys/stat.h>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -230,6 +234,71 @@ private Q_SLOTS:
         QCOMPARE(seen, QStringList({u"hidden -1 of 100 waiting"_s, u"hidden -1 of 100 waiting"_s,
                                     u"shown 750 of 1000 waiting"_s, u"shown 1000 of 1000 waiting"_s}));
         QVERIFY(form.isNull());
+    }
+
+    void longCopyCanBeCancelled_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::newRow("Esc") << u"Esc"_s;
+        QTest::newRow("the Cancel button") << u"button"_s;
+        QTest::newRow("the Cancel button by its key") << u"key"_s;
+        QTest::newRow("the close box") << u"close box"_s;
+    }
+
+    void longCopyCanBeCancelled()
+    {
+        QFETCH(QString, way);
+        begin();
+        auto& cancel = *form->findChild<QPushButton*>(u"cmdCancel"_s);
+        int reports = 0;
+        world->files.whileCopying = [&] {
+            world->clock.time = world->clock.time.addMSecs(33);
+            if (++reports != 2)
+                return;
+            // What the person does waits until the work looks after it.
+            QTimer::singleShot(0, form, [&] {
+                QTest::keyClick(&FormWorld::name(*form), Qt::Key_X); // leads to nothing
+                if (way == u"Esc"_s)
+                    QTest::keyClick(&FormWorld::name(*form), Qt::Key_Escape);
+                else if (way == u"button"_s)
+                    QTest::mouseClick(&cancel, Qt::LeftButton);
+                else if (way == u"key"_s)
+                    QTest::keyClick(&cancel, Qt::Key_Space);
+                else
+                    form->close();
+            });
+        };
+        const QString path = write(u"a.bin"_s, QByteArray(8 << 20, 'a'));
+        write(u"RefFile/a.bin"_s, "of another datum");
+        FormWorld::enter(FormWorld::name(*form), path);
+        // The button that cancels has the focus afterwards, and must not get this Enter as well.
+        QTest::keyClick(&FormWorld::name(*form), Qt::Key_Return);
+        FormWorld::processEvents();
+        QVERIFY(reports < 6);
+        QCOMPARE(copies(), QStringList(u"a.bin"_s));
+        QCOMPARE(copied(u"a.bin"_s), QByteArray("of another datum"));
+        verifyNothingHappened(path); // and closing asks, as before
+    }
+
+    void whatIsPressedElsewhereDuringACopyLeadsToNothing()
+    {
+        world->add(u"水"_s, Water, u"液体"_s);
+        frmMainData& other = world->show(Water);
+        begin();
+        bool pressed = false;
+        world->files.whileCopying = [&] {
+            world->clock.time = world->clock.time.addMSecs(33);
+            if (!std::exchange(pressed, true))
+                QTimer::singleShot(0, &other, [&] {
+                    QTest::keyClick(&FormWorld::name(other), Qt::Key_A);
+                    other.close();
+                });
+        };
+        world->dialogs.expect(Registered);
+        registerPath(write(u"a.bin"_s, QByteArray(8 << 20, 'a')));
+        QVERIFY(form.isNull());
+        QVERIFY(other.isVisible());
+        QCOMPARE(other.fieldText(0), u"水"_s);
     }
 
     void failingCopyIsToldAndWritesNothing_data()

@@ -5,6 +5,7 @@
 #include "app/base/titles.h"
 #include "core/file_registration.h"
 #include "store/session.h"
+#include "ui/widgets/cancellable_work.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/one_line_input.h"
@@ -69,8 +70,6 @@ void frmRefFileEntry::arrange()
     fields->addWidget(cmdPath, 0, 2);
     QLineEdit* identifier = addField(1);
     identifier->setReadOnly(true);
-    connect(path, &QLineEdit::returnPressed, this,
-            eventSlot(session().reporting, u"cmdEntry_Click"_s, [this] { mnuDataEntry_Click(); }));
     fields->addWidget(plainLabel(u"lblObjectID"_s, u"ＩＤ :"_s, identifier, middle), 1, 0);
     fields->addWidget(identifier, 1, 1, 1, 2);
     rows->addLayout(fields);
@@ -108,6 +107,7 @@ void frmRefFileEntry::arrange()
     setTabOrder(cmdEntry, cmdCancel);
     path->setFocus();
     resize(sizeHint().expandedTo({520, 300}));
+    openOverMainWindow();
 }
 
 QString frmRefFileEntry::fieldText(int index) const
@@ -170,7 +170,7 @@ void frmRefFileEntry::registerFile()
         session().dialogs.messageBox(
             {.text = titles::FileFolderMissing, .title = fileTitle, .icon = Icon::Information});
         break;
-    case FileRegistration::Cancelled:
+    case FileRegistration::Cancelled: // the window stays with what was entered
         break;
     case FileRegistration::Registered:
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
@@ -188,28 +188,38 @@ FileRegistration frmRefFileEntry::copyAndWrite()
     std::optional<WaitCursor> cursor;
     constexpr qint64 PaintInterval = 33; // milliseconds
     PaintPace pace(session().clock, {.first = PaintInterval, .next = PaintInterval});
+    CancellableWork work(*this, *cmdCancel);
+    m_copying = &work;
     const auto progress = [&](qint64 done, qint64 total) {
-        constexpr bool GoOn = true;
         if (!cursor) {
             cursor.emplace();
             pace.start();
         }
         if (!pace.isDue())
-            return GoOn;
+            return true;
         constexpr int Steps = 1000;
         m_progress->setRange(0, Steps);
         m_progress->setValue(total > 0 ? static_cast<int>(done * Steps / total) : 0);
         m_progress->show();
         centralWidget()->layout()->activate();
         m_progress->repaint();
-        return GoOn;
+        const bool goesOn = work.goesOn();
+        cursor.emplace(); // it ends when events run
+        return goesOn;
     };
-    const auto finish = qScopeGuard([this] { m_progress->hide(); });
+    const auto finish = qScopeGuard([this] {
+        m_progress->hide();
+        m_copying = nullptr;
+    });
     return RegisterFile(session(), entry, progress);
 }
 
 void frmRefFileEntry::cmdCancel_Click()
 {
+    if (m_copying != nullptr) {
+        m_copying->cancel();
+        return;
+    }
     CloseWithoutAsking = true;
     unload();
 }
@@ -253,6 +263,13 @@ void frmRefFileEntry::keyPressEvent(QKeyEvent* event)
             return;
         handleEvent(session().reporting, u"Form_KeyDown"_s, [this] { unload(); });
         event->accept();
+        return;
+    }
+    // Not by the field's own signal: what has the focus after the copy would get the key, too.
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && focusWidget() == m_txtFields[0]) {
+        event->accept();
+        handleEvent(session().reporting, u"cmdEntry_Click"_s, [this] { mnuDataEntry_Click(); });
         return;
     }
     FormWindow::keyPressEvent(event);

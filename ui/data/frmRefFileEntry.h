@@ -14,6 +14,7 @@ class QProgressBar;
 namespace quillon
 {
 
+class CancellableWork;
 enum class FileRegistration;
 class ReportList;
 
@@ -62,7 +63,8 @@ private:
     QString m_chosenPath;               // what the file dialog chose last
     bool CloseWithoutAsking = false;
     CategoryRows m_categories;
-    Composition m_composition; // in the path
+    CancellableWork* m_copying = nullptr; // while a copy goes on
+    Composition m_composition;            // in the path
 };
 
 } // namespace quillon
