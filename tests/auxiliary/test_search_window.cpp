@@ -83,11 +83,11 @@ private Q_SLOTS:
             QCOMPARE(form.findChild<QWidget*>(name)->accessibleName(), QString());
     }
 
-    void nothingIsChosenAtFirst()
+    void allKindsAreChosenAtFirst()
     {
         QCOMPARE(world->textBox().text(), QString());
         for (const QString& name : {u"chkMain"_s, u"chkRefDoc"_s, u"chkRefFile"_s})
-            QVERIFY2(!world->checkBox(name).isChecked(), qPrintable(name));
+            QVERIFY2(world->checkBox(name).isChecked(), qPrintable(name));
         QCOMPARE(world->searchWindow().focusWidget(), &world->textBox());
     }
 
@@ -108,13 +108,13 @@ private Q_SLOTS:
         QVERIFY(world->checkBox(u"chkRefDoc"_s).isChecked());
     }
 
-    void closedWindowComesBackEmpty()
+    void closedWindowComesBackAsAtFirst()
     {
-        world->enter(u"水"_s, u"MRF"_s);
+        world->enter(u"水"_s, u"R"_s);
         QVERIFY(world->searchWindow().unload());
         WindowWorld::processEvents();
         QCOMPARE(world->textBox().text(), QString());
-        QVERIFY(!world->checkBox(u"chkMain"_s).isChecked());
+        QVERIFY(world->checkBox(u"chkMain"_s).isChecked());
     }
 
     void whatIsMissingIsTold_data()
@@ -158,8 +158,10 @@ private Q_SLOTS:
     {
         // However the boxes were checked.
         world->searchWindow();
-        for (const QString& name : {u"chkRefFile"_s, u"chkRefDoc"_s, u"chkMain"_s})
-            world->checkBox(name).click();
+        for (int time = 0; time < 2; ++time) { // all are checked at first
+            for (const QString& name : {u"chkRefFile"_s, u"chkRefDoc"_s, u"chkMain"_s})
+                world->checkBox(name).click();
+        }
         world->textBox().insert(u"水"_s);
         world->pressSearch();
         QCOMPARE(world->resultRows(),
@@ -301,6 +303,7 @@ private Q_SLOTS:
 
     void enterHeldDownIsRefusedOnce()
     {
+        world->enter(u"水"_s, QString());
         world->dialogs.expect(NoKind);
         QTest::keyPress(&world->textBox(), Qt::Key_Return);
         // The box has been answered by a press that goes on.
@@ -329,13 +332,18 @@ private Q_SLOTS:
         QCOMPARE(world->names(), QStringList({u"氷"_s}));
     }
 
-    void enterInACheckBoxDoesNothing()
+    void enterSearchesFromEachControl()
     {
-        world->enter(u"氷"_s, u"M"_s);
-        world->checkBox(u"chkMain"_s).setFocus();
-        QTest::keyClick(&world->checkBox(u"chkMain"_s), Qt::Key_Return);
-        QVERIFY(world->results() == nullptr);
-        QVERIFY(world->checkBox(u"chkMain"_s).isChecked());
+        for (const QString& name : {u"chkMain"_s, u"chkRefDoc"_s, u"chkRefFile"_s}) {
+            world->enter(u"氷"_s, u"M"_s);
+            const bool checked = world->checkBox(name).isChecked();
+            world->checkBox(name).setFocus();
+            holdKey(world->checkBox(name), Qt::Key_Return);
+            QCOMPARE(world->names(), QStringList({u"氷"_s}));
+            QCOMPARE(world->checkBox(name).isChecked(), checked);
+            world->results()->unload();
+            WindowWorld::processEvents();
+        }
     }
 
     void escapeInTheTextClosesTheWindow_data()
@@ -375,13 +383,16 @@ private Q_SLOTS:
         QCOMPARE(world->windowCount(u"frmFind"_s), 1);
     }
 
-    void escapeOutsideTheTextClosesNothing()
+    void escapeClosesFromEachControl()
     {
         for (const QString& name : {u"chkMain"_s, u"chkRefDoc"_s, u"chkRefFile"_s, u"cmdFind"_s}) {
             auto* control = world->searchWindow().findChild<QWidget*>(name);
             control->setFocus();
-            QTest::keyClick(control, Qt::Key_Escape);
+            repeatKey(*control, Qt::Key_Escape); // it has answered a box
             QCOMPARE(world->windowCount(u"frmFind"_s), 1);
+            QTest::keyClick(control, Qt::Key_Escape);
+            WindowWorld::processEvents();
+            QCOMPARE(world->windowCount(u"frmFind"_s), 0);
         }
     }
 

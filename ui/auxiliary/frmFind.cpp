@@ -44,8 +44,6 @@ void frmFind::arrange()
     keepInputOnOneLine(*txtFind);
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->installEventFilter(this);
-    connect(txtFind, &QLineEdit::returnPressed, this,
-            eventSlot(session().reporting, u"cmdFind_Click"_s, [this] { cmdFind_Click(); }));
     textRow->addWidget(plainLabel(u"lblFind"_s, u"検索文字列 ："_s, txtFind, middle));
     textRow->addWidget(txtFind, 1);
     rows->addLayout(textRow);
@@ -55,6 +53,7 @@ void frmFind::arrange()
     const auto addBox = [&](const QString& name, const QString& caption) {
         auto* box = new QCheckBox(caption, middle);
         box->setObjectName(name);
+        box->setChecked(true);
         kinds->addWidget(box);
         setTabOrder(before, box);
         before = box;
@@ -77,6 +76,7 @@ void frmFind::arrange()
     setCentralWidget(middle);
     txtFind->setFocus();
     resize(sizeHint().expandedTo({440, 0}));
+    openOverMainWindow();
 }
 
 void frmFind::cmdFind_Click()
@@ -130,6 +130,18 @@ bool frmFind::txtFind_KeyPress(const QKeyEvent& key)
     if (escape)
         handleEvent(session().reporting, u"txtFind_KeyPress"_s, [this] { unload(); });
     return escape;
+}
+
+void frmFind::keyPressEvent(QKeyEvent* event)
+{
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool onButton = qobject_cast<QPushButton*>(focusWidget()) != nullptr; // Enter presses it
+    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+        handleEvent(session().reporting, u"Form_KeyPress"_s, [this] { unload(); });
+    else if (enter && !onButton && !event->isAutoRepeat())
+        handleEvent(session().reporting, u"cmdFind_Click"_s, [this] { cmdFind_Click(); });
+    else
+        FormWindow::keyPressEvent(event);
 }
 
 bool frmFind::eventFilter(QObject* watched, QEvent* event)

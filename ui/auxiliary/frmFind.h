@@ -22,6 +22,8 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Enter searches and Esc closes, whichever control has the focus.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void arrange();
