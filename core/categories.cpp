@@ -156,11 +156,12 @@ void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, co
     memberships->deleteRow();
 }
 
-void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
-                       const std::vector<ListedDatum>& data)
+void TakeOutOfCategory(Session& session, const CategoryRow& category, const std::vector<ListedDatum>& data)
 {
     RecordSet& memberships = required(session.RsCategory);
     sqlite::Transaction write(memberships.database().connection());
+    if (category.number != 0 && !isCategory(session, category))
+        throw Error(errors::NoCurrentRecord);
     qsizetype gone = 0;
     QHash<QString, int> wanted; // how often a datum is to be taken out
     {
@@ -174,7 +175,7 @@ void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
         }
     }
     // sic: without the hyphen before the wildcard, so that the category itself matches too.
-    memberships.filtered(u"Category_ID Like '"_s + categoryIdentifier + u"*'"_s)
+    memberships.filtered(u"Category_ID Like '"_s + category.identifier + u"*'"_s)
         ->deleteRowsIf({1}, [&](const RecordSet::Row& row) {
             const auto left = wanted.find(row.text(0).toString());
             if (left == wanted.end() || *left == 0)
@@ -215,6 +216,7 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
     guarded(session.reporting, u"DeleteCategory"_s, [&] {
         const QString name =
             asks(mode) || tells(mode) ? GetCategoryName(session, categoryIdentifier) : QString();
+        const CategoryRow asked = listedCategory(session, name, categoryIdentifier);
         if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
                 {.text = u"<"_s + name + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
@@ -228,7 +230,9 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
         // The memberships first: should anything go wrong, a category without members is left at worst.
         inWriteTransaction(required(memberships).database(), [&] {
             found = categories.goTo(category_field::Category_ID, categoryIdentifier);
-            if (asks(mode) && name != (found ? categories.field(category_field::Name) : titles::Unknown))
+            const QString present = found ? categories.field(category_field::Name) : titles::Unknown;
+            const qint64 number = found ? categories.rowNumber() : 0;
+            if (asks(mode) && (present != asked.name || number != asked.number))
                 throw Error(errors::NoCurrentRecord); // another one by now: it stays, and its members do
             memberships->deleteEveryRow();
             if (found)

@@ -43,9 +43,10 @@ void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, co
 
 /// Takes data out of a category, each out of the first of the category and its subcategories in which it is filed; a
 /// datum that is named twice leaves two of them. One durable write. Data that are filed nowhere there any more, or bear
-/// another name by now, are passed over and told afterwards. Not trapped.
-void TakeOutOfCategory(Session& session, const QString& categoryIdentifier,
-                       const std::vector<ListedDatum>& data);
+/// another name by now, are passed over and told afterwards.
+/// `category`: as it was when its data were listed, with the number 0 when it had no row. Not trapped: error 3021
+/// when that category is gone or another has its identifier.
+void TakeOutOfCategory(Session& session, const CategoryRow& category, const std::vector<ListedDatum>& data);
 
 /// Takes a datum out of every category. Failures are reported as "DeleteRelationalCategory".
 void DeleteRelationalCategory(Session& session, const QString& identifier);

@@ -58,12 +58,15 @@ CategoryRow presentCategory(Session& session, const QString& categoryIdentifier)
     RecordSet& categories = required(session.RsCategoryID);
     if (!categories.goTo(category_field::Category_ID, categoryIdentifier))
         throw Error(errors::NoCurrentRecord);
-    return {.name = categories.field(category_field::Name), .identifier = categoryIdentifier};
+    return {.name = categories.field(category_field::Name),
+            .identifier = categoryIdentifier,
+            .number = categories.rowNumber()};
 }
 
 void requireCategory(Session& session, const CategoryRow& asked)
 {
-    if (presentCategory(session, asked.identifier).name != asked.name)
+    const CategoryRow present = presentCategory(session, asked.identifier);
+    if (present.name != asked.name || (asked.number != 0 && present.number != asked.number))
         throw Error(errors::NoCurrentRecord);
 }
 

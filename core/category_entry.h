@@ -26,7 +26,7 @@ void RenameCategory(Session& session, const CategoryRow& category, const QString
 /// A category under its present name, as a question names it. Not trapped: error 3021 when there is none.
 CategoryRow presentCategory(Session& session, const QString& categoryIdentifier);
 
-/// Sees that a category is still the one that was asked about. Error 3021 when it is gone or another has its identifier.
+/// Sees that a category is still the one that was asked about or shown. Error 3021 when it is gone or another has its identifier.
 /// Moves the cursor to it.
 void requireCategory(Session& session, const CategoryRow& asked);
 

@@ -1,4 +1,6 @@
+#include "app/base/ports/data_window.h"
 #include "core/categories.h"
+#include "core/category_entry.h"
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
@@ -38,6 +40,7 @@ private:
     Database& database() { return *world->session.OpenDb; }
     QStringList categories() { return TestWorld::rowsOf(session().RsCategoryID); }
     QStringList memberships() { return TestWorld::rowsOf(session().RsCategory); }
+    CategoryRow listed(const QString& identifier) { return listedCategory(session(), u"名"_s, identifier); }
     /// A datum as a list shows one whose row is missing.
     static ListedDatum seen(const QString& identifier)
     {
@@ -296,26 +299,26 @@ private Q_SLOTS:
     {
         // The membership in another category stands before the one that counts.
         const WriteCounter writes(database());
-        TakeOutOfCategory(session(), u"A"_s, {seen(Water), seen(Ice)});
+        TakeOutOfCategory(session(), listed(u"A"_s), {seen(Water), seen(Ice)});
         QCOMPARE(writes.count, 1);
         QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A-A|M-991231-001"_s}));
     }
 
     void datumNamedTwiceLeavesTwoOfThem()
     {
-        TakeOutOfCategory(session(), u"A"_s, {seen(Water), seen(Water)});
+        TakeOutOfCategory(session(), listed(u"A"_s), {seen(Water), seen(Water)});
         QCOMPARE(memberships(), QStringList({u"B|M-991231-001"_s, u"A|M-991231-002"_s}));
     }
 
     void dataThatAreNotFiledThereArePassedOver()
     {
         world->dialogs.expect(notFound(2)); // Water is filed there once only
-        TakeOutOfCategory(session(), u"B"_s, {seen(Ice), seen(Water), seen(Water)});
+        TakeOutOfCategory(session(), listed(u"B"_s), {seen(Ice), seen(Water), seen(Water)});
         QCOMPARE(memberships(),
                  QStringList({u"A|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A|M-991231-002"_s}));
-        TakeOutOfCategory(session(), u"B"_s, {});
+        TakeOutOfCategory(session(), listed(u"B"_s), {});
         world->dialogs.expect(notFound(1));
-        TakeOutOfCategory(session(), u"Z"_s, {seen(Ice)});
+        TakeOutOfCategory(session(), listed(u"Z"_s), {seen(Ice)});
         QCOMPARE(memberships().size(), 3);
     }
 
@@ -323,18 +326,41 @@ private Q_SLOTS:
     {
         TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         world->dialogs.expect(notFound(1));
-        TakeOutOfCategory(session(), u"A"_s, {{.identifier = Water, .name = u"湯"_s}, seen(Ice)});
+        TakeOutOfCategory(session(), listed(u"A"_s), {{.identifier = Water, .name = u"湯"_s}, seen(Ice)});
         QCOMPARE(memberships(),
                  QStringList({u"B|M-991231-001"_s, u"A|M-991231-001"_s, u"A-A|M-991231-001"_s}));
     }
 
     void failuresToTakeDataOutGoToTheCaller()
     {
-        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A'"_s, {seen(Water)}); }),
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), listed(u"A'"_s), {seen(Water)}); }),
                  errors::CriteriaSyntax);
         const ForeignLock lock(database(), ForeignLock::Kind::Reading);
-        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), u"A"_s, {seen(Water)}); }), errors::Locked);
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), listed(u"A"_s), {seen(Water)}); }),
+                 errors::Locked);
         QCOMPARE(memberships().size(), 4);
+    }
+
+    void nothingIsTakenOutOfAnotherCategoryWithTheIdentifierOfTheListedOne()
+    {
+        const CategoryRow shown = listed(u"A"_s);
+        executeElsewhere(u"UPDATE Category_ID SET Name = '別' WHERE Category_ID = 'A'"_s);
+        TakeOutOfCategory(session(), shown, {seen(Ice)}); // renamed only
+        QCOMPARE(memberships().size(), 3);
+        executeElsewhere(u"DELETE FROM Category_ID WHERE Category_ID = 'A'"_s);
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), shown, {seen(Water)}); }),
+                 errors::NoCurrentRecord);
+        TestWorld::addRow(session().RsCategoryID, {u"A"_s, u"次"_s});
+        QCOMPARE(errorOf([&] { TakeOutOfCategory(session(), shown, {seen(Water)}); }),
+                 errors::NoCurrentRecord);
+        QCOMPARE(memberships().size(), 3);
+    }
+
+    void categoryWithoutARowGivesItsDataBack()
+    {
+        executeElsewhere(u"DELETE FROM Category_ID WHERE Category_ID = 'A'"_s);
+        TakeOutOfCategory(session(), listed(u"A"_s), {seen(Ice)});
+        QCOMPARE(memberships().size(), 3);
     }
 
     void categoryThatIsAnotherByTheAnswerIsKept_data()
@@ -343,6 +369,9 @@ private Q_SLOTS:
         QTest::newRow("renamed") << u"UPDATE Category_ID SET Name = '別' WHERE Category_ID = 'A'"_s;
         QTest::newRow("deleted and registered again") << u"DELETE FROM Category_ID WHERE Category_ID = 'A'; "
                                                          u"INSERT INTO Category_ID VALUES ('A', '別')"_s;
+        QTest::newRow("registered again under the same name")
+            << u"DELETE FROM Category_ID WHERE Category_ID = 'A'; "
+               u"INSERT INTO Category_ID VALUES ('A', '自然')"_s;
     }
 
     void categoryThatIsAnotherByTheAnswerIsKept()
@@ -355,7 +384,7 @@ private Q_SLOTS:
         });
         world->dialogs.expect(failureBox(u"DeleteCategory"_s, errors::NoCurrentRecord));
         QVERIFY(!DeleteCategory(session(), u"A"_s, 1));
-        QVERIFY(categories().contains(u"A|別"_s));
+        QCOMPARE(categories().size(), 3);
         QCOMPARE(memberships().size(), 4);
     }
 

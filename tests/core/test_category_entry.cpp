@@ -88,6 +88,14 @@ private Q_SLOTS:
         QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|海"_s}));
     }
 
+    void categoryOfTheSameNameInItsPlaceIsAnother()
+    {
+        const CategoryRow asked = presentCategory(world->session, u"A-A"_s);
+        world->session.OpenDb->connection().execute(u"DELETE FROM Category_ID WHERE Category_ID = 'A-A'"_s);
+        RegisterCategory(world->session, u"A-A"_s, u"水"_s);
+        QCOMPARE(errorOf([&] { requireCategory(world->session, asked); }), errors::NoCurrentRecord);
+    }
+
     void categoryIsRegisteredBelowTheOneAskedAbout()
     {
         const CategoryRow asked = presentCategory(world->session, u"A-A"_s);

@@ -271,6 +271,20 @@ private Q_SLOTS:
                  QStringList({u"A|M-991231-001"_s, u"A-A|M-991231-001"_s, u"A-B|R-991231-001"_s}));
     }
 
+    void rowsOfACategoryThatIsAnotherByNowAreNotTakenOut()
+    {
+        chooseNode(u"B"_s);
+        WindowWorld::addRow(session().RsCategory, {u"B"_s, u"M-991231-003"_s});
+        chooseNode(u"B"_s);
+        database().connection().execute(u"DELETE FROM Category_ID WHERE Category_ID = 'B'"_s);
+        WindowWorld::addRow(session().RsCategoryID, {u"B"_s, u"別"_s});
+        selectRows({0});
+        expectPlainFailure(errors::NoCurrentRecord);
+        chooseEntry(u"mnuDataCategoryDelete"_s);
+        QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
+        QCOMPARE(names(), QStringList(u"土"_s));
+    }
+
     void lockedDatabaseKeepsTheMemberships()
     {
         chooseNode(u"A"_s);
@@ -346,6 +360,15 @@ private Q_SLOTS:
         }
         QVERIFY(passedOver > 3);
         QVERIFY(taken > 30);
+    }
+
+    void deletingWithoutAQuestionDeletesNothingThatIsNotListed()
+    {
+        database().connection().execute(u"UPDATE Main SET Name = '湯' WHERE Name = '水'"_s);
+        selectRows({0});
+        expectNotFound();
+        window->DeleteSelectedData();
+        QCOMPARE(definitions().size(), 5);
     }
 
     void deletingWithoutAQuestionTellsAfterwards()

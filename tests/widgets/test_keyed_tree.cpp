@@ -37,6 +37,7 @@ private Q_SLOTS:
     void draggedTextHighlightsTheNodeUnderIt();
     void leavingEndsTheHighlight();
     void aDropTellsTheTextWithTheHighlightStanding();
+    void theHighlightStaysWithItsNode();
     void aDropBesideTheNodesHasNoHighlight();
     void whatIsNoTextIsRefused();
     void theHighlightIsVisible();
@@ -240,6 +241,15 @@ void TestKeyedTree::aDropTellsTheTextWithTheHighlightStanding()
     QCOMPARE(highlighted, 2);
     QCOMPARE(m_tree->dropHighlight(), 2);
     m_tree->setDropHighlight(0);
+    QCOMPARE(m_tree->dropHighlight(), 0);
+}
+
+void TestKeyedTree::theHighlightStaysWithItsNode()
+{
+    m_tree->setDropHighlight(5);
+    m_tree->nodes().remove(3);
+    QCOMPARE(m_tree->dropHighlight(), 4);
+    m_tree->nodes().remove(4);
     QCOMPARE(m_tree->dropHighlight(), 0);
 }
 

@@ -147,7 +147,7 @@ bool frmMainMenu::queryUnload()
 
 std::unique_ptr<MainWindowPort::Shown> frmMainMenu::clearDataList()
 {
-    auto shown = std::make_unique<ShownList>(*lsvData, *sbStatus, m_listedNode);
+    auto shown = std::make_unique<ShownList>(*lsvData, *sbStatus, m_listed);
     // The count must not speak of rows that are gone; before the first list there is nothing to correct.
     if (shown->hasRows())
         showDataCount();
@@ -161,7 +161,7 @@ void frmMainMenu::setStatus(int panel, const QString& text)
 
 void frmMainMenu::rebuildCategoryTree()
 {
-    m_listedNode.clear();
+    m_listed = {};
     BuildCategoryTree(session(), *tvwCategory, *m_progress);
 }
 
@@ -180,7 +180,7 @@ int frmMainMenu::requiredNodeIndex() const
 
 int frmMainMenu::listedNodeIndex() const
 {
-    return m_listedNode.isEmpty() ? 0 : tvwCategory->nodes().position(m_listedNode);
+    return m_listed.identifier.isEmpty() ? 0 : tvwCategory->nodes().position(m_listed.identifier);
 }
 
 int frmMainMenu::nodeCount() const

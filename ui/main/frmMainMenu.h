@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/main_window_port.h"
 #include "core/listed_datum.h"
 #include "ui/main/data_list.h"
@@ -22,7 +23,6 @@ class QProgressBar;
 namespace quillon
 {
 
-struct CategoryRow;
 struct Error;
 struct InputBox;
 class KeyedTree;
@@ -161,7 +161,7 @@ private:
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;
     bool Moving = false;
-    QString m_listedNode;      // the key of the node whose data are listed
+    CategoryRow m_listed;      // the node whose data are listed; one that is no category has no number
     double m_splitterLeft = 0; // where the handle stands, in twips
 
     /// What the file dialog of the File menu remembers between its showings.

@@ -1,4 +1,3 @@
-#include "app/base/ports/data_window.h"
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/category_entry.h"
@@ -105,8 +104,8 @@ void frmMainMenu::mnuCategoryDelete_Click()
         return;
     tvwCategory->nodes().remove(selected);
     // The list stays, but as that of no category: the next one with this key is another.
-    if (key == m_listedNode)
-        m_listedNode.clear();
+    if (key == m_listed.identifier)
+        m_listed = {};
 }
 
 } // namespace quillon

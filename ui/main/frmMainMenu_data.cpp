@@ -82,7 +82,7 @@ void frmMainMenu::mnuDataCategoryDelete_Click()
         session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
         return;
     }
-    TakeOutOfCategory(session(), nodeKey(listed), dataIn(rows));
+    TakeOutOfCategory(session(), m_listed, dataIn(rows));
     lsvData->rows().removeRowsAt(std::move(rows));
 }
 
@@ -100,7 +100,12 @@ void frmMainMenu::DeleteSelectedData()
             session().dialogs.messageBox({.text = u"データが選択されていません。"_s});
             return;
         }
-        DeleteData(session(), lsvData->rows().text(row, IdentifierColumn).toString(), 2);
+        // Nothing is asked: what is deleted must be what the list shows.
+        const ListedDatum listed = dataIn({row}).front();
+        if (presentDatum(session(), listed.identifier).name == listed.name)
+            DeleteData(session(), listed.identifier, 2);
+        else
+            tellNotFound(session(), 1);
     });
 }
 

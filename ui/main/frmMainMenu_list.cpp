@@ -1,4 +1,5 @@
 #include "app/base/ports/dialogs.h"
+#include "core/category_entry.h"
 #include "core/data_records.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
@@ -35,11 +36,13 @@ void frmMainMenu::ShowDataList(int node)
 {
     if (!treeHasNodes())
         return;
-    m_listedNode = node == 0 ? QString() : nodeKey(node);
-    if (node > LastFixedNode)
-        m_filler->ShowCategory(m_listedNode);
-    else
+    m_listed = {.name = {}, .identifier = node == 0 ? QString() : nodeKey(node)};
+    if (node > LastFixedNode) {
+        m_listed = listedCategory(session(), nodeText(node), m_listed.identifier);
+        m_filler->ShowCategory(m_listed.identifier);
+    } else {
         m_filler->ShowFixedNode(static_cast<FixedNode>(node));
+    }
     showDataCount();
 }
 

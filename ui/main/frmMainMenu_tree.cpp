@@ -1,4 +1,3 @@
-#include "app/base/ports/data_window.h"
 #include "app/base/ports/dialogs.h"
 #include "core/categories.h"
 #include "core/category_entry.h"
@@ -28,7 +27,7 @@ void frmMainMenu::connectTree()
     });
     connect(tvwCategory, &KeyedTree::nodeChosen, this, [this](int node) {
         handleEvent(session().reporting, u"tvwCategory_NodeClick"_s, [&] {
-            if (nodeKey(node) != m_listedNode) // a key may have listed it already
+            if (nodeKey(node) != m_listed.identifier) // a key may have listed it already
                 tvwCategory_NodeClick(node);
         });
     });

@@ -12,11 +12,10 @@
 namespace quillon
 {
 
-ShownList::ShownList(ReportList& list, StatusPanels& status, QString& listedNode)
-    : m_list(&list), m_status(&status), m_listedNode(listedNode),
-      m_keptNode(std::exchange(listedNode, QString())), m_state(status.text(1)), m_count(status.text(2)),
-      m_selected(list.selectedRows()), m_current(list.currentIndex().row()),
-      m_scrolled(list.verticalScrollBar()->value()),
+ShownList::ShownList(ReportList& list, StatusPanels& status, CategoryRow& listed)
+    : m_list(&list), m_status(&status), m_listed(listed), m_keptListed(std::exchange(listed, CategoryRow())),
+      m_state(status.text(1)), m_count(status.text(2)), m_selected(list.selectedRows()),
+      m_current(list.currentIndex().row()), m_scrolled(list.verticalScrollBar()->value()),
       m_sortedBy(list.horizontalHeader()->isSortIndicatorShown()
                      ? list.horizontalHeader()->sortIndicatorSection()
                      : -1),
@@ -50,7 +49,7 @@ void ShownList::showAgain()
         m_list->horizontalHeader()->setSortIndicatorShown(true);
     }
     m_list->verticalScrollBar()->setValue(m_scrolled);
-    m_listedNode = m_keptNode;
+    m_listed = m_keptListed;
     m_status->setText(1, m_state);
     m_status->setText(2, m_count);
 }

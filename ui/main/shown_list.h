@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/main_window_port.h"
 #include "ui/widgets/report_model.h"
 
@@ -19,8 +20,8 @@ class StatusPanels;
 class ShownList : public MainWindowPort::Shown
 {
 public:
-    /// `listedNode`: the key of the node whose data are listed; empty while they are taken out.
-    ShownList(ReportList& list, StatusPanels& status, QString& listedNode);
+    /// `listed`: the node whose data are listed; none while they are taken out.
+    ShownList(ReportList& list, StatusPanels& status, CategoryRow& listed);
     ~ShownList() override;
 
     bool hasRows() const { return m_hasRows; }
@@ -29,8 +30,8 @@ public:
 private:
     QPointer<ReportList> m_list;
     QPointer<StatusPanels> m_status;
-    QString& m_listedNode;
-    QString m_keptNode;
+    CategoryRow& m_listed;
+    CategoryRow m_keptListed;
     QString m_state;
     QString m_count;
     std::vector<int> m_selected;

@@ -67,15 +67,12 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeView(parent), m_model(new KeyedTree
     m_expandTimer.setSingleShot(true);
     m_expandTimer.setInterval(ExpandDelay);
     connect(&m_expandTimer, &QTimer::timeout, this, [this] {
-        if (m_dropHighlight > 0 && m_dropHighlight <= m_model->nodeCount())
-            expandNode(m_dropHighlight);
+        if (m_dropHighlight.isValid())
+            expand(m_dropHighlight);
     });
     m_scrollTimer.setInterval(ScrollInterval);
     connect(&m_scrollTimer, &QTimer::timeout, this, &KeyedTree::scrollWhileHovering);
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
-        m_dropHighlight = 0;
-        m_choiceToTell = false;
-    });
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] { m_choiceToTell = false; });
     connect(this, &QTreeView::collapsed, this, &KeyedTree::selectInsteadOfHidden);
 }
 
@@ -104,9 +101,9 @@ void KeyedTree::expandNode(int position)
 
 void KeyedTree::setDropHighlight(int position)
 {
-    if (m_dropHighlight == position)
+    if (dropHighlight() == position)
         return;
-    m_dropHighlight = position;
+    m_dropHighlight = position == 0 ? QModelIndex() : m_model->indexOf(position);
     viewport()->update();
 }
 
@@ -313,7 +310,7 @@ void KeyedTree::hoverAt(const QPoint& position)
     m_hoverPosition = position;
     const QModelIndex index = indexAt(position);
     const int hovered = m_model->position(index);
-    if (hovered != m_dropHighlight) {
+    if (hovered != dropHighlight()) {
         setDropHighlight(hovered);
         if (index.isValid() && m_model->hasChildren(index) && !isExpanded(index))
             m_expandTimer.start();

@@ -28,7 +28,7 @@ public:
     void select(int position);
     void expandNode(int position);
     /// The node marked while something is dragged over the tree, 0 for none.
-    int dropHighlight() const { return m_dropHighlight; }
+    int dropHighlight() const { return m_model->position(m_dropHighlight); }
     void setDropHighlight(int position);
 
 Q_SIGNALS:
@@ -84,7 +84,7 @@ private:
     bool m_buttonIsDown = false;
     bool m_byProgram = false;    // whether it is the program that changes the selection now
     bool m_choiceToTell = false; // the person has selected another node and that has not been told yet
-    int m_dropHighlight = 0;
+    QPersistentModelIndex m_dropHighlight;
     QPoint m_hoverPosition;
     QTimer m_expandTimer;
     QTimer m_scrollTimer;
