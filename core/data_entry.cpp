@@ -35,6 +35,19 @@ void setFields(const Session& session, RecordSet& rows, const DatumTexts& texts,
     }
 }
 
+/// Keeps a new row from getting the number of a row that a window still shows. The open database remembers the numbers
+/// it has met, but it may have been opened again since, and another program may have deleted the row.
+void keepNumbersOfShownRows(Session& session, const DataKind& kind)
+{
+    const RecordSet& rows = tableOf(session, kind);
+    for (LoadedWindow* const loaded : session.windows.loaded()) {
+        const DataWindow* const window = loaded->asDataWindow();
+        if (window != nullptr && window->windowName() == kind.windowName &&
+            isOpenDatabase(session, window->row().databaseFile))
+            rows.database().noteRow(rows.table().name, window->row().number);
+    }
+}
+
 /// Files a datum in those of the categories that still exist; returns the identifiers of the others.
 QStringList classify(Session& session, DeferredMessages& messages, const std::vector<CategoryRow>& categories,
                      const QString& identifier)
@@ -84,6 +97,7 @@ std::optional<SavedDatum> RegisterDatum(Session& session, const DataKind& kind, 
     DatumPlace place{
         .kind = &kind, .databaseFile = openDatabaseFile(session), .identifier = identifier, .row = 0};
     QStringList vanished;
+    keepNumbersOfShownRows(session, kind);
     inWriteTransaction(rows.database(), [&] {
         rows.addNew();
         setFields(session, rows, texts, &identifier);

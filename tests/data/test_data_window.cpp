@@ -1,6 +1,8 @@
 #include "tests/data/twin_fixture.h"
 #include "tests/support/compare_text.h"
 
+#include <cstdlib>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -26,6 +28,43 @@ private Q_SLOTS:
         QCOMPARE(form.fieldText(2), QString());
         QCOMPARE(form.modeText(), twin().designedMode);
         QCOMPARE(FormWorld::panel(form, 2), QString());
+    }
+
+    void controlsTakeTheRoomOfTheWindow_data() { bothKinds(); }
+
+    void controlsTakeTheRoomOfTheWindow()
+    {
+        DataForm& form = show();
+        QWidget& name = FormWorld::name(form);
+        QWidget& content = FormWorld::definition(form);
+        ReportList& links = FormWorld::list(form, u"lsvLink"_s);
+        ReportList& categories = FormWorld::list(form, u"lsvCategory"_s);
+        const auto resize = [&form](const QSize& size) {
+            form.resize(size);
+            FormWorld::processEvents();
+        };
+        resize({700, 600});
+        const QSize before = content.size();
+        const int nameWidth = name.width();
+        const QSize listsBefore(links.width() + categories.width(), links.height());
+        resize({900, 800});
+        QCOMPARE(content.width(), before.width() + 200);
+        QCOMPARE(name.width(), nameWidth + 200);
+        QCOMPARE(links.width() + categories.width(), listsBefore.width() + 200);
+        QVERIFY(std::abs(links.width() - categories.width()) <= 1);
+        QCOMPARE(links.height(), categories.height());
+        QCOMPARE(content.height() + links.height(), before.height() + listsBefore.height() + 200);
+        QVERIFY(content.height() > before.height());
+        QVERIFY(links.height() > listsBefore.height());
+        resize({1, 1}); // gets no smaller than its controls
+        const QList<const QWidget*> controls = {&name, &FormWorld::identifier(form), &content, &links,
+                                                &categories};
+        for (const QWidget* control : controls) {
+            const QSize least = control->minimumSizeHint();
+            QVERIFY(control->width() >= least.width() && control->height() >= least.height());
+            const QRect place(control->mapTo(&form, QPoint(0, 0)), control->size());
+            QVERIFY(form.rect().contains(place));
+        }
     }
 
     void menusFollowTheMode_data() { bothKinds(); }

@@ -262,6 +262,28 @@ private Q_SLOTS:
         QCOMPARE(world->windowCount(), 2);
     }
 
+    void newDatumIsAnotherAlsoAfterTheFileWasOpenedAgain_data() { bothKinds(); }
+
+    void newDatumIsAnotherAlsoAfterTheFileWasOpenedAgain()
+    {
+        own = twin().kind == u"M"_s ? Ice : Book; // the last row, whose number would be given out again
+        form = &world->show<DataForm>(own);
+        world->open(world->path);
+        Database::open(world->path)
+            ->connection()
+            .execute(u"DELETE FROM %1 WHERE Object_ID = '%2'"_s.arg(
+                twin().kind == u"M"_s ? u"Main"_s : u"RefDoc"_s, own));
+        auto& registering = beginRegistration();
+        QCOMPARE(registering.fieldText(1), own);
+        fill(registering, u"雲"_s, u"水滴"_s);
+        expectRegistered();
+        QVERIFY(FormWorld::choose(registering, u"mnuDataEntry"_s));
+        world->dialogs.expect(untrapped(3021));
+        QVERIFY(FormWorld::choose(*form, u"mnuDataUpdate"_s));
+        QVERIFY(world->loggedUnder(u"mnuDataUpdate_Click"_s, 3021));
+        QVERIFY(ownRows().contains(u"雲|"_s + own + u"|水滴"_s));
+    }
+
     void windowOfADatumThatIsGoneStillComesForwardForIt_data() { bothKinds(); }
 
     void windowOfADatumThatIsGoneStillComesForwardForIt()
