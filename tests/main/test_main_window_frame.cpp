@@ -216,8 +216,11 @@ private Q_SLOTS:
                     window->resize(size);
                 WindowWorld::processEvents();
                 for (int y = tree->y(); y <= tree->geometry().bottom(); ++y) {
-                    for (int x = tree->geometry().right() + 1; x < list->x(); ++x)
-                        QCOMPARE(surface->childAt(x, y)->cursor().shape(), Qt::SizeHorCursor);
+                    for (int x = tree->geometry().right() + 1; x < list->x(); ++x) {
+                        const QWidget* there = surface->childAt(x, y);
+                        QVERIFY(there != nullptr);
+                        QCOMPARE(there->cursor().shape(), Qt::SizeHorCursor);
+                    }
                 }
                 const int x = (tree->geometry().right() + list->x()) / 2;
                 for (const int y : {tree->y(), tree->geometry().center().y(), tree->geometry().bottom()}) {
