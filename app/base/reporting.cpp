@@ -65,4 +65,9 @@ void reportUntrapped(Reporting& reporting, const Error& error, const QString& lo
     writeLogLine(reporting, location, error.number, error.description);
 }
 
+void logFailure(Reporting& reporting, const Error& error, const QString& location)
+{
+    writeLogLine(reporting, location, error.number, error.description);
+}
+
 } // namespace quillon

@@ -19,6 +19,31 @@ struct Reporting {
     Dialogs& dialogs;
     EventLog& eventLog;
     Clock& clock;
+    /// The name of the operation at work, empty between them; of several inside each other, the outermost.
+    QString operation = {};
+};
+
+/// Gives the work of a block the name of its operation.
+class OperationAtWork
+{
+public:
+    enum class Inside {
+        KeepsOuterName, ///< a part of a larger operation
+        HasOwnName      ///< an event of its own, even while the handler of another waits for a modal window
+    };
+    OperationAtWork(Reporting& reporting, const QString& name, Inside inside = Inside::KeepsOuterName)
+        : m_reporting(reporting), m_before(reporting.operation)
+    {
+        if (m_before.isEmpty() || inside == Inside::HasOwnName)
+            reporting.operation = name;
+    }
+    ~OperationAtWork() { m_reporting.operation = m_before; }
+    OperationAtWork(const OperationAtWork&) = delete;
+    OperationAtWork& operator=(const OperationAtWork&) = delete;
+
+private:
+    Reporting& m_reporting;
+    QString m_before;
 };
 
 /// Tells the user about a failure in the one fixed form and writes one line to the event log.
@@ -30,6 +55,9 @@ void ReportError(Reporting& reporting, const Error& error, const QString& locati
 /// The answer to a failure that no operation trapped: a box, the reporter's log line, and the program goes on.
 /// `location`: the name of the event handler.
 void reportUntrapped(Reporting& reporting, const Error& error, const QString& location);
+
+/// The log line of a failure that costs the user nothing now, so that no box shall interrupt.
+void logFailure(Reporting& reporting, const Error& error, const QString& location);
 
 /// Runs an operation and gives its failure, a lack of memory included, to `onFailure`: for handlers that show a failure
 /// box of their own.
@@ -48,6 +76,7 @@ template <class OnFailure, class Operation> void guardedBy(OnFailure&& onFailure
 /// Keep the result outside `operation`, so that it is whatever it was when the failure happened.
 template <class Operation> void guarded(Reporting& reporting, const QString& location, Operation&& operation)
 {
+    const OperationAtWork atWork(reporting, location);
     guardedBy([&](const Error& error) { ReportError(reporting, error, location); },
               std::forward<Operation>(operation));
 }

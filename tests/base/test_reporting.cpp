@@ -51,6 +51,36 @@ private Q_SLOTS:
     }
     void cleanup() { QCOMPARE(dialogs.takeComplaints(), QStringList()); }
 
+    void theOperationAtWorkIsTheOutermost()
+    {
+        QStringList seen;
+        guarded(reporting, u"DeleteData"_s, [&] {
+            guarded(reporting, u"GetDataName"_s, [&] { seen << reporting.operation; });
+            seen << reporting.operation;
+        });
+        seen << reporting.operation;
+        QCOMPARE(seen, QStringList({u"DeleteData"_s, u"DeleteData"_s, u""_s}));
+    }
+
+    void anEventWhileAnotherWaitsHasAnOperationOfItsOwn()
+    {
+        const OperationAtWork waiting(reporting, u"mnuDataLink_Click"_s);
+        {
+            const OperationAtWork event(reporting, u"mnuDataEntry_Click"_s,
+                                        OperationAtWork::Inside::HasOwnName);
+            QCOMPARE(reporting.operation, u"mnuDataEntry_Click"_s);
+        }
+        QCOMPARE(reporting.operation, u"mnuDataLink_Click"_s);
+    }
+
+    void aFailureThatCostsNothingIsLoggedWithoutABox()
+    {
+        logFailure(reporting, Error(errors::DiskFull, u"空きがありません。"_s), u"History"_s);
+        QCOMPARE(eventLog.lines,
+                 QStringList(u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 61, "
+                             u"DESCRIPTION : 空きがありません。"_s));
+    }
+
     void numberZeroShowsAndLogsNothing()
     {
         ReportError(reporting, 0, u"OpenDbFile"_s);

@@ -15,6 +15,7 @@ namespace quillon
 /// or an event function.
 template <class Handler> void handleEvent(Reporting& reporting, const QString& name, Handler&& handler)
 {
+    const OperationAtWork atWork(reporting, name, OperationAtWork::Inside::HasOwnName);
     try {
         std::forward<Handler>(handler)();
     } catch (const Error& error) {
