@@ -6,6 +6,7 @@
 #include "core/category_entry.h"
 #include "core/typed_path.h"
 #include "store/identifiers.h"
+#include "store/keeper.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -89,11 +90,15 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
     const bool replaces = session.files.entryExists(folder + QDir::separator() + name);
     if (!replaces)
         copy->place();
+    const QString target = folder + QDir::separator() + name;
+    const auto former = replaces && session.keeper != nullptr ? session.keeper->fileGoes(target) : nullptr;
     writeRows(session, entry, name, [&] {
         if (replaces)
             copy->place();
     });
     copy->keep();
+    if (former)
+        former->isReplaced();
     return FileRegistration::Registered;
 }
 

@@ -4,6 +4,7 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/main_window_port.h"
 #include "store/database.h"
+#include "store/keeper.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -80,6 +81,8 @@ void OpenedFile::makeCurrent(Session& session) const
     session.RsCategoryID = categoryId;
     session.RsCategory = category;
     session.MainLastFieldIndex = 2;
+    if (session.keeper != nullptr)
+        session.keeper->databaseOpened(*database);
 }
 
 } // namespace

@@ -13,6 +13,7 @@ class Database;
 class DataWindow;
 class Desktop;
 class Files;
+class Keeper;
 class MainWindowPort;
 class RecordSet;
 class Windows;
@@ -52,6 +53,9 @@ public:
     QString inCurrentFolder(const QString& name) const;
 
     QString CurrentFolder;
+
+    /// Who keeps what is overwritten and deleted; null: nobody.
+    Keeper* keeper = nullptr;
 
     std::shared_ptr<Database> OpenDb;
     std::shared_ptr<RecordSet> RsMain;

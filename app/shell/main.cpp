@@ -6,6 +6,7 @@
 #include "app/shell/real_dialogs.h"
 #include "app/shell/start_up.h"
 #include "app/shell/system_ports.h"
+#include "store/kept/place.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -35,7 +36,13 @@ int main(int argc, char** argv)
     SystemClock clock;
     SystemDesktop desktop;
     SystemFiles files;
-    Program program({dialogs, eventLog, clock, desktop, files}, currentFolderOfProcess());
+    Program program({.dialogs = dialogs,
+                     .eventLog = eventLog,
+                     .clock = clock,
+                     .desktop = desktop,
+                     .files = files,
+                     .keptFolder = kept::keptFolder()},
+                    currentFolderOfProcess());
 
     // Leaving all event loops, nested ones included, ends the program at once: no window is closed, so none asks
     // or saves anything, and what is left of them is destroyed together with `program`. Nothing can be lost,

@@ -23,6 +23,10 @@ Program::Program(const Ports& ports, const QString& currentFolder)
     : m_session({ports.dialogs, ports.eventLog, ports.clock, ports.desktop, ports.files, m_windows},
                 currentFolder)
 {
+    if (ports.keptFolder) {
+        m_keeping = std::make_unique<kept::Keeping>(m_session.reporting, *ports.keptFolder);
+        m_session.keeper = m_keeping.get();
+    }
     registerWindows();
 }
 

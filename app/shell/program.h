@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/kept/keeping.h"
 #include "store/session.h"
 #include "ui/widgets/window_registry.h"
 
@@ -7,6 +8,8 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace quillon
 {
@@ -24,6 +27,8 @@ public:
         Clock& clock;
         Desktop& desktop;
         Files& files;
+        /// Where what is overwritten and deleted is kept; nothing: it is not.
+        std::optional<QString> keptFolder = {};
     };
 
     /// `currentFolder`: the process's current folder, empty when there is none.
@@ -47,6 +52,7 @@ private:
 
     WindowRegistry m_windows;
     Session m_session;
+    std::unique_ptr<kept::Keeping> m_keeping;
     QPointer<frmMainMenu> m_mainWindow;
     std::function<void()> m_end;
 };

@@ -4,6 +4,8 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quillon::testing
 {
 
@@ -25,9 +27,17 @@ QString TestWorld::createDatabase(const QString& name)
     return path;
 }
 
+void TestWorld::keep()
+{
+    keeping = std::make_unique<kept::Keeping>(session.reporting, folder.filePath(u"kept"_s));
+    session.keeper = keeping.get();
+}
+
 void TestWorld::openDatabase(const QString& path)
 {
     session.OpenDb = Database::open(path);
+    if (session.keeper != nullptr)
+        session.keeper->databaseOpened(*session.OpenDb);
     session.RsMain = RecordSet::openTable(session.OpenDb, schema::Main());
     session.RsOpenApp = RecordSet::openTable(session.OpenDb, schema::OpenApp());
     session.RsRefFile = RecordSet::openTable(session.OpenDb, schema::RefFile());

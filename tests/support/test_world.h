@@ -1,10 +1,13 @@
 #pragma once
 
+#include "store/kept/keeping.h"
 #include "store/session.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 
 #include <QTemporaryDir>
+
+#include <memory>
 
 namespace quillon::testing
 {
@@ -23,6 +26,8 @@ public:
     QString createDatabase(const QString& name = QStringLiteral("QUILLON.mdb"));
     /// Opens a database with its record sets, without status texts and boxes.
     void openDatabase(const QString& path);
+    /// Keeps what is overwritten and deleted in databases that are opened from now on, in the folder "kept".
+    void keep();
     /// Adds one row to a record set's table.
     static void addRow(const std::shared_ptr<RecordSet>& recordSet, const QStringList& fields);
     /// All rows of a record set, each as its fields joined by "|".
@@ -38,6 +43,7 @@ public:
     FakeWindows windows{calls};
     FakeMainWindow mainWindow{calls};
     Session session;
+    std::unique_ptr<kept::Keeping> keeping; // null: nothing is kept
 };
 
 } // namespace quillon::testing

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace quillon::platform
+{
+
+/// Gives this thread what processor and disk the others leave.
+void workInBackground();
+
+} // namespace quillon::platform

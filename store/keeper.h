@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+namespace quillon
+{
+
+class Database;
+
+/// Who keeps what the program overwrites and deletes. Nothing here ever fails: what cannot be kept is told in the log,
+/// and the program goes on.
+class Keeper
+{
+public:
+    virtual ~Keeper() = default;
+
+    /// A database has become the current one, in place of the one before.
+    virtual void databaseOpened(Database& database) = 0;
+
+    /// The content of a file, kept before another takes its place.
+    class ReplacedFile
+    {
+    public:
+        virtual ~ReplacedFile() = default;
+        /// Whether its content could be kept. Whoever can do without replacing it does.
+        virtual bool isKept() const = 0;
+        /// The other has taken its place.
+        virtual void isReplaced() = 0;
+    };
+    /// Keeps a registered file that is about to be replaced. Null when there is nothing to keep.
+    virtual std::unique_ptr<ReplacedFile> fileGoes(const QString& path) = 0;
+
+    /// Where everything is kept, for all databases.
+    virtual QString keptFolder() const = 0;
+};
+
+} // namespace quillon

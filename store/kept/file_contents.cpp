@@ -1,0 +1,135 @@
+#include "store/kept/file_contents.h"
+
+#include "app/base/platform/cloning.h"
+#include "app/base/platform/files.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::kept
+{
+
+namespace
+{
+
+/// A file for the time being; gone with this unless it has been given its name.
+class NewFile
+{
+public:
+    explicit NewFile(QString path) : m_path(std::move(path)) {}
+    ~NewFile()
+    {
+        if (!m_path.isEmpty())
+            QFile::remove(m_path);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    const QString& path() const { return m_path; }
+    bool giveName(const QString& name)
+    {
+        if (!QFile::rename(m_path, name) && !QFile::exists(name))
+            return false;
+        if (!QFile::exists(m_path))
+            m_path.clear();
+        return true;
+    }
+
+private:
+    QString m_path;
+};
+
+bool copyContent(const QString& source, const QString& target)
+{
+    if (platform::cloneFile(source, target))
+        return true;
+    QFile from(source);
+    QFile to(target);
+    if (!from.open(QIODevice::ReadOnly) ||
+        !to.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+        return false;
+    constexpr qint64 Part = qint64{1} << 20;
+    while (!from.atEnd()) {
+        const QByteArray bytes = from.read(Part);
+        if (bytes.isEmpty() || to.write(bytes) != bytes.size())
+            return false;
+    }
+    return from.error() == QFileDevice::NoError && to.flush();
+}
+
+qint64 sizeOfAll(const QString& folder)
+{
+    qint64 size = 0;
+    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files | QDir::Hidden))
+        size += info.size();
+    return size;
+}
+
+} // namespace
+
+FileContents::FileContents(const Place& place, ContentLimits limits) : m_place(place), m_limits(limits) {}
+
+QString FileContents::pathOf(const QByteArray& hash) const
+{
+    return m_place.files() + u'/' + QString::fromLatin1(hash.toHex());
+}
+
+std::optional<QByteArray> FileContents::hashOf(const QString& path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    if (!platform::isOrdinaryFile(path) || !file.open(QIODevice::ReadOnly) || !hash.addData(&file) ||
+        file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    return hash.result();
+}
+
+std::optional<QByteArray> FileContents::keep(const QString& path) const
+{
+    const qint64 size = QFileInfo(path).size();
+    if (!platform::isOrdinaryFile(path) || size > m_limits.file || !m_place.make(m_place.files()) ||
+        sizeOfAll(m_place.files()) + size > m_limits.all)
+        return std::nullopt;
+    // The copy is hashed and not the file, which may be changing.
+    NewFile copy(u"%1/.new-%2-%3"_s.arg(m_place.files(), QString::number(QCoreApplication::applicationPid()),
+                                        QString::number(QRandomGenerator::global()->generate64(), 16)));
+    if (!copyContent(path, copy.path()))
+        return std::nullopt;
+    const std::optional<QByteArray> hash = hashOf(copy.path());
+    if (!hash)
+        return std::nullopt;
+    if (find(*hash)) {
+        // As young as if it had been kept now.
+        QFile known(pathOf(*hash));
+        if (known.open(QIODevice::ReadWrite))
+            known.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime);
+        return hash;
+    }
+    QFile::remove(pathOf(*hash)); // damaged
+    return copy.giveName(pathOf(*hash)) ? hash : std::nullopt;
+}
+
+std::optional<QString> FileContents::find(const QByteArray& hash) const
+{
+    const QString path = pathOf(hash);
+    return !hash.isEmpty() && hashOf(path) == hash ? std::optional(path) : std::nullopt;
+}
+
+void FileContents::removeAllBut(const QSet<QByteArray>& hashes, qint64 now) const
+{
+    constexpr qint64 Hour = qint64{60} * 60 * 1000;
+    for (const QFileInfo& info : QDir(m_place.files()).entryInfoList(QDir::Files | QDir::Hidden)) {
+        const QByteArray hash = QByteArray::fromHex(info.fileName().toLatin1());
+        if (!hashes.contains(hash) && now - info.lastModified().toMSecsSinceEpoch() > Hour)
+            QFile::remove(info.filePath());
+    }
+}
+
+} // namespace quillon::kept

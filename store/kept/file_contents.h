@@ -1,0 +1,44 @@
+#pragma once
+
+#include "store/kept/place.h"
+
+#include <QByteArray>
+#include <QSet>
+#include <QString>
+
+#include <optional>
+
+namespace quillon::kept
+{
+
+/// How much is kept of the contents of registered files.
+struct ContentLimits {
+    qint64 file = qint64{100} * 1024 * 1024;     // larger ones are not kept
+    qint64 all = qint64{2} * 1024 * 1024 * 1024; // with so much nothing is added
+};
+
+/// Contents of registered files, each once, under its hash.
+class FileContents
+{
+public:
+    explicit FileContents(const Place& place, ContentLimits limits = {});
+
+    /// Keeps what a file holds at the moment; the blocks on the disk are shared where the file system can do that. The
+    /// hash; nothing when the file is too large, or cannot be read or kept.
+    std::optional<QByteArray> keep(const QString& path) const;
+    /// The hash of what a file holds; nothing when it cannot be read.
+    static std::optional<QByteArray> hashOf(const QString& path);
+    /// The file of a content; nothing when it is not kept, or not what it was any more.
+    std::optional<QString> find(const QByteArray& hash) const;
+    /// Removes all but these, unless they have been kept within the last hour: then whoever refers to them may just be
+    /// writing it down. `now`: milliseconds since 1970.
+    void removeAllBut(const QSet<QByteArray>& hashes, qint64 now) const;
+
+private:
+    QString pathOf(const QByteArray& hash) const;
+
+    Place m_place;
+    ContentLimits m_limits;
+};
+
+} // namespace quillon::kept
