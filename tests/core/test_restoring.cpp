@@ -1,0 +1,460 @@
+#include "app/base/ports/data_window.h"
+#include "core/categories.h"
+#include "core/category_entry.h"
+#include "core/data_records.h"
+#include "core/file_registration.h"
+#include "core/links.h"
+#include "core/lost_things.h"
+#include "core/restoring.h"
+#include "store/identifiers.h"
+#include "store/keeper.h"
+#include "store/record_set.h"
+#include "tests/support/compare_text.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/test_world.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+/// What was lost, and putting it back.
+class TestRestoring : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestWorld> world;
+
+    static inline const QString Water = u"M-991231-001"_s;
+    static inline const QString Fire = u"M-991231-002"_s;
+    static inline const QString Book = u"R-991231-001"_s;
+
+    Session& session() { return world->session; }
+
+    /// Puts back the newest event of a kind.
+    std::optional<PutBackResult> putBackNewest(EventKind kind)
+    {
+        LostThings things(session());
+        things.ask({.text = {}, .kind = kind});
+        while (things.readOn()) {
+        }
+        return things.count() > 0 ? PutBack(session(), things, 0) : std::nullopt;
+    }
+    QStringList listed(const LostQuestion& question)
+    {
+        LostThings things(session());
+        things.ask(question);
+        while (things.readOn()) {
+        }
+        QStringList lines;
+        for (std::size_t i = 0; i < things.count(); ++i) {
+            const LostEntry entry = things.entry(i);
+            lines << lostKindName(entry.kind) + u": "_s + entry.name + u" ("_s + entry.identifier + u')';
+        }
+        return lines;
+    }
+    void change(const QString& identifier, const QString& name, const QString& content)
+    {
+        RecordSet& rows = *session().RsMain;
+        QVERIFY(rows.goTo(1, identifier));
+        rows.edit();
+        rows.setField(0, name);
+        rows.setField(2, content);
+        rows.update();
+    }
+    QString file() const { return world->folder.filePath(u"RefFile/図.txt"_s); }
+    QByteArray registered() const
+    {
+        QFile content(file());
+        return content.open(QIODevice::ReadOnly) ? content.readAll() : QByteArray();
+    }
+    /// Registers a file of this content under the same name as ever.
+    void registerFile(const QString& content)
+    {
+        QDir(world->folder.path()).mkpath(u"RefFile"_s);
+        QFile source(world->folder.filePath(u"図.txt"_s));
+        QVERIFY(source.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        source.write(content.toUtf8());
+        source.close();
+        const FileEntry entry{
+            .path = source.fileName(), .identifier = CreateObject_ID(session(), u"F"_s), .category = {}};
+        QCOMPARE(RegisterFile(session(), entry, {}), FileRegistration::Registered);
+    }
+    static MessageBox failureBoxSaying(const QString& description)
+    {
+        MessageBox box = failureBox(u"PutBack"_s, 0);
+        box.text =
+            u"対処不能なエラーが発生しました。\r\nLOCATION : PutBack\r\nEXPLANATION : "_s + description;
+        return box;
+    }
+    QStringList rowsOf(const std::shared_ptr<RecordSet>& rows) { return TestWorld::rowsOf(rows); }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->keep();
+        world->openDatabase(world->createDatabase());
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"流れるもの"_s});
+        TestWorld::addRow(session().RsMain, {u"火"_s, Fire, u"燃えるもの"_s});
+        TestWorld::addRow(session().RsRefDoc, {u"物質の本"_s, Book, u"水について\r\n火について"_s});
+        TestWorld::addRow(session().RsCategoryID, {u"A"_s, u"自然"_s});
+        TestWorld::addRow(session().RsCategoryID, {u"A-A"_s, u"液体"_s});
+        TestWorld::addRow(session().RsCategory, {u"A-A"_s, Water});
+        TestWorld::addRow(session().RsLink, {Book, Water});
+        TestWorld::addRow(session().RsLink, {Water, Fire});
+    }
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void aDeletedItemComesBackWithItsLinksAndCategories()
+    {
+        const QStringList links = rowsOf(session().RsLink);
+        QVERIFY(DeleteData(session(), Water, 0));
+        const auto result = putBackNewest(EventKind::ItemDeleted);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"データ「水」を戻しました。"));
+        QCOMPARE(result->identifier, Water);
+        QCOMPARE(rowsOf(session().RsMain),
+                 QStringList({u"火|M-991231-002|燃えるもの"_s, u"水|M-991231-001|流れるもの"_s}));
+        QCOMPARE(rowsOf(session().RsLink), links);
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-A|M-991231-001"_s));
+    }
+
+    void aDocumentComesBackToTheLastCharacter()
+    {
+        const QStringList before = rowsOf(session().RsRefDoc);
+        QVERIFY(DeleteData(session(), Book, 0));
+        QVERIFY(putBackNewest(EventKind::ItemDeleted));
+        QCOMPARE(rowsOf(session().RsRefDoc), before);
+    }
+
+    void whereItsIdentifierIsTakenAnItemGetsTheNextOneWithAllItsLinks()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u""_s});
+        const auto result = putBackNewest(EventKind::ItemDeleted);
+        QVERIFY(result && result->hasOtherIdentifier);
+        QVERIFY(compareText(result->text, u"データ「水」を戻しました。\r\n元の識別符号は使われているため、"
+                                          u"新しい識別符号は M-991231-003 です。"));
+        QVERIFY(rowsOf(session().RsMain).contains(u"土|M-991231-001|"_s));
+        QVERIFY(rowsOf(session().RsMain).contains(u"水|M-991231-003|流れるもの"_s));
+        QCOMPARE(rowsOf(session().RsLink),
+                 QStringList({u"R-991231-001|M-991231-003"_s, u"M-991231-003|M-991231-002"_s}));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-A|M-991231-003"_s));
+    }
+
+    void whatWouldPointToNothingStaysAwayAndIsTold()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        QVERIFY(DeleteData(session(), Fire, 0));
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        LostThings things(session());
+        things.ask({.text = u"流れる"_s});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.count(), std::size_t{1});
+        const auto result = PutBack(session(), things, 0);
+        QVERIFY(result);
+        QCOMPARE(result->missing, 2);
+        QVERIFY(compareText(result->text, u"データ「水」を戻しました。\r\n"
+                                          u"相手が存在しないリンクや分類 (2 件) は戻していません。"));
+        QCOMPARE(rowsOf(session().RsLink), QStringList(u"R-991231-001|M-991231-001"_s));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList());
+    }
+
+    void twoItemsDeletedTogetherComeBackWithTheLinkBetweenThem()
+    {
+        const int deleted = static_cast<int>(
+            DeleteManyData(session(),
+                           {{.identifier = Water, .name = u"水"_s}, {.identifier = Fire, .name = u"火"_s}},
+                           [] {})
+                .size());
+        QCOMPARE(deleted, 2);
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.count(), std::size_t{2});
+        QVERIFY(PutBack(session(), things, 0));
+        QVERIFY(PutBack(session(), things, 1));
+        QVERIFY(rowsOf(session().RsLink).contains(u"M-991231-001|M-991231-002"_s));
+    }
+
+    void puttingBackTwiceMakesASecondItemAndNoSecondLink()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        QVERIFY(putBackNewest(EventKind::ItemDeleted));
+        const auto result = putBackNewest(EventKind::ItemDeleted);
+        QVERIFY(result && result->hasOtherIdentifier);
+        QCOMPARE(rowsOf(session().RsLink).size(), 4);
+    }
+
+    void changedTextsComeBackAndWhatTheyReplaceIsKept()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        const auto result = putBackNewest(EventKind::ItemChanged);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"データ「水」を更新前の内容に戻しました。"));
+        QVERIFY(rowsOf(session().RsMain).contains(u"水|M-991231-001|流れるもの"_s));
+        QCOMPARE(listed({}).first(), u"データの更新: お湯 (M-991231-001)"_s);
+    }
+
+    void theTextsOfAnItemThatIsGoneCannotComeBackAlone()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        QVERIFY(DeleteData(session(), Water, 0));
+        world->dialogs.expect(failureBox(u"PutBack"_s, errors::NoCurrentRecord));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+        QCOMPARE(session().RsMain->recordCount(), 1);
+    }
+
+    void aRemovedLinkComesBackOnce()
+    {
+        const QStringList before = rowsOf(session().RsLink);
+        session().RsLink->moveLast();
+        session().RsLink->deleteRow();
+        for (int times = 0; times < 2; ++times) {
+            const auto result = putBackNewest(EventKind::LinkRemoved);
+            QVERIFY(result);
+            QVERIFY(compareText(result->text, u"リンクを戻しました。"));
+            QCOMPARE(rowsOf(session().RsLink), before);
+        }
+    }
+
+    void aLinkOfAnItemThatIsGoneDoesNotComeBack()
+    {
+        session().RsLink->deleteEveryRow();
+        QVERIFY(DeleteData(session(), Fire, 0));
+        world->dialogs.expect(failureBox(u"PutBack"_s, errors::NoCurrentRecord));
+        QVERIFY(!putBackNewest(EventKind::LinkRemoved));
+        QCOMPARE(rowsOf(session().RsLink), QStringList());
+    }
+
+    void anItemTakenOutOfACategoryComesBackIntoIt()
+    {
+        DeleteCategoryEntry(session(), u"A-A"_s, Water);
+        const auto result = putBackNewest(EventKind::TakenOutOfCategory);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"分類を戻しました。"));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-A|M-991231-001"_s));
+    }
+
+    void aDeletedCategoryComesBackWithItsMembers()
+    {
+        TestWorld::addRow(session().RsCategory, {u"A-A"_s, Book});
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        const auto result = putBackNewest(EventKind::CategoryDeleted);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"カテゴリ「液体」を戻しました。"));
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList({u"A|自然"_s, u"A-A|液体"_s}));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList({u"A-A|M-991231-001"_s, u"A-A|R-991231-001"_s}));
+    }
+
+    void whereItsIdentifierIsTakenACategoryGetsTheNextOneOfItsParent()
+    {
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        TestWorld::addRow(session().RsCategoryID, {u"A-A"_s, u"固体"_s});
+        const auto result = putBackNewest(EventKind::CategoryDeleted);
+        QVERIFY(result && result->hasOtherIdentifier);
+        QCOMPARE(result->identifier, u"A-B"_s);
+        QVERIFY(rowsOf(session().RsCategoryID).contains(u"A-B|液体"_s));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-B|M-991231-001"_s));
+    }
+
+    void aRenamedCategoryGetsItsNameBack()
+    {
+        RenameCategory(session(), presentCategory(session(), u"A"_s), u"世界"_s);
+        const auto result = putBackNewest(EventKind::CategoryRenamed);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"カテゴリの名称を「自然」に戻しました。"));
+        QVERIFY(rowsOf(session().RsCategoryID).contains(u"A|自然"_s));
+        QCOMPARE(listed({}).size(), 2);
+    }
+
+    void aReplacedFileGetsItsContentBackAndWhatStoodThereIsKept()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"new"_s);
+        QCOMPARE(registered(), QByteArray("new"));
+        const auto result = putBackNewest(EventKind::FileReplaced);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text, u"ファイル「図.txt」を上書き前の内容に戻しました。"));
+        QCOMPARE(registered(), QByteArray("old"));
+        world->clock.time = world->clock.time.addSecs(1);
+        QCOMPARE(listed({}),
+                 QStringList({u"ファイルの上書き: 図.txt ()"_s, u"ファイルの上書き: 図.txt ()"_s}));
+        QVERIFY(putBackNewest(EventKind::FileReplaced));
+        QCOMPARE(registered(), QByteArray("new"));
+    }
+
+    void theSameFileRegisteredOnceMoreReplacesNothing()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"old"_s);
+        QCOMPARE(listed({}), QStringList());
+    }
+
+    void aFileWhoseContentWasNotKeptStaysAsItIs()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"new"_s);
+        QVERIFY(QDir(kept::Place(session().keeper->keptFolder(), session().OpenDb->path()).files())
+                    .removeRecursively());
+        world->dialogs.expect(failureBoxSaying(u"ファイル「図.txt」の上書き前の内容は残されていません。"_s));
+        QVERIFY(!putBackNewest(EventKind::FileReplaced));
+        QCOMPARE(registered(), QByteArray("new"));
+    }
+
+    void aFileThatCannotBeKeptIsNotReplacedByItsFormerContent()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"new"_s);
+        QFile large(file());
+        QVERIFY(large.open(QIODevice::WriteOnly) &&
+                large.resize(qint64{1} << 30)); // takes no room on the disk
+        large.close();
+        world->dialogs.expect(
+            failureBoxSaying(u"現在のファイル「図.txt」の内容を残せないため、戻しませんでした。"_s));
+        QVERIFY(!putBackNewest(EventKind::FileReplaced));
+        QCOMPARE(QFileInfo(file()).size(), qint64{1} << 30);
+    }
+
+    void theDetailsOfAReplacedFileTellItsSizes()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"newer"_s);
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        const LostDetails details = things.details(0);
+        QCOMPARE(details.fields.at(1).before, u"3 バイト"_s);
+        QCOMPARE(details.fields.at(1).now, u"5 バイト"_s);
+    }
+
+    void whatCannotBePutBackWholeIsNotPutBackAtAll()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        // The table of memberships refuses the last row of the write.
+        session().OpenDb->connection().execute(u"DROP TABLE Category"_s);
+        session().OpenDb->connection().execute(
+            u"CREATE TABLE Category (Category_ID TEXT, Object_ID TEXT CHECK (Object_ID = ''))"_s);
+        world->dialogs.expect(failureBox(u"PutBack"_s, errors::InvalidArgument));
+        QVERIFY(!putBackNewest(EventKind::ItemDeleted));
+        QCOMPARE(rowsOf(session().RsMain), QStringList(u"火|M-991231-002|燃えるもの"_s));
+        QCOMPARE(rowsOf(session().RsLink), QStringList());
+    }
+
+    void theListIsSearchedAsAReaderCompares_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("found");
+        QTest::newRow("everything") << QString() << 3;
+        QTest::newRow("a name") << u"火"_s << 2; // and the document's text
+        QTest::newRow("a text in other kana") << u"モエル"_s.replace(u"モ"_s, u"燃"_s) << 1;
+        QTest::newRow("an identifier in full width") << u"Ｒ-９９"_s << 1;
+        QTest::newRow("nothing") << u"風"_s << 0;
+    }
+    void theListIsSearchedAsAReaderCompares()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, found);
+        for (const QString& identifier : {Water, Fire, Book})
+            QVERIFY(DeleteData(session(), identifier, 0));
+        QCOMPARE(listed({.text = text}).size(), found);
+    }
+
+    void theListShowsWhatWasLostNewestFirst()
+    {
+        RenameCategory(session(), presentCategory(session(), u"A"_s), u"世界"_s);
+        world->clock.time = world->clock.time.addSecs(1);
+        DeleteCategoryEntry(session(), u"A-A"_s, Water);
+        world->clock.time = world->clock.time.addSecs(1);
+        session().RsLink->moveFirst();
+        session().RsLink->deleteRow();
+        world->clock.time = world->clock.time.addSecs(1);
+        QVERIFY(DeleteData(session(), Fire, 0));
+        QCOMPARE(listed({}), QStringList({u"データの削除: 火 (M-991231-002)"_s,
+                                          u"リンクの解除: 物質の本 - 水 (R-991231-001 - M-991231-001)"_s,
+                                          u"分類の解除: 液体 - 水 (A-A - M-991231-001)"_s,
+                                          u"カテゴリ名の変更: 自然 (A)"_s}));
+        QCOMPARE(listed({.text = {}, .kind = EventKind::LinkRemoved}).size(), 1);
+    }
+
+    void anEntrySaysWhenAndByWhatItCameAbout()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.entry(0).time, world->clock.time);
+        QCOMPARE(things.entry(0).operation, u"DeleteData"_s);
+    }
+
+    void theListIsReadAsFarAsItIsAskedFor()
+    {
+        for (const QString& identifier : {Water, Fire, Book})
+            QVERIFY(DeleteData(session(), identifier, 0));
+        LostThings things(session());
+        things.ask({});
+        QCOMPARE(things.count(), std::size_t{0});
+        QVERIFY(things.readOn(2));
+        QCOMPARE(things.count(), std::size_t{2});
+        QVERIFY(things.readOn(2));
+        QCOMPARE(things.count(), std::size_t{3});
+        QVERIFY(!things.readOn(2));
+    }
+
+    void theDetailsCompareBeforeAndNow()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        const LostDetails details = things.details(0);
+        QStringList lines;
+        for (const LostField& field : details.fields)
+            lines << field.label + u": "_s + field.before + u" -> "_s + field.now.value_or(u"gone"_s);
+        QCOMPARE(lines, QStringList({u"名称: 水 -> お湯"_s, u"識別符号: M-991231-001 -> M-991231-001"_s,
+                                     u"定義: 流れるもの -> 熱いもの"_s}));
+    }
+
+    void theDetailsOfADeletedItemNameWhatHungOnIt()
+    {
+        QVERIFY(DeleteData(session(), Water, 0));
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        const LostDetails details = things.details(0);
+        QCOMPARE(details.links, QStringList({u"物質の本 (R-991231-001)"_s, u"火 (M-991231-002)"_s}));
+        QCOMPARE(details.categories, QStringList(u"液体 (A-A)"_s));
+        QVERIFY(!details.fields.at(0).now);
+    }
+
+    void theDetailsOfADeletedCategoryNameItsMembers()
+    {
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.details(0).members, QStringList(u"水 (M-991231-001)"_s));
+    }
+
+    void whereNothingIsKeptTheListIsEmpty()
+    {
+        session().keeper = nullptr;
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(!things.readOn());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRestoring)
+#include "test_restoring.moc"
