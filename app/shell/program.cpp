@@ -1,5 +1,6 @@
 #include "app/shell/program.h"
 
+#include "app/base/titles.h"
 #include "app/shell/frmSplash.h"
 #include "ui/auxiliary/frmCategory.h"
 #include "ui/auxiliary/frmDataSelect.h"
@@ -24,7 +25,11 @@ Program::Program(const Ports& ports, const QString& currentFolder)
                 currentFolder)
 {
     if (ports.keptFolder) {
-        m_keeping = std::make_unique<kept::Keeping>(m_session.reporting, *ports.keptFolder);
+        m_keeping = std::make_unique<kept::Keeping>(
+            m_session.reporting,
+            kept::KeepingOrder{.keptFolder = *ports.keptFolder,
+                               .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
+                               .copies = kept::CopyTimes()});
         m_session.keeper = m_keeping.get();
     }
     registerWindows();
@@ -37,6 +42,9 @@ Program::~Program()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     for (auto loaded = m_windows.loaded(); !loaded.empty(); loaded = m_windows.loaded())
         delete loaded.back();
+    // The person sees nothing of the program any more; the last copy may take its time, within bounds.
+    if (m_keeping)
+        m_keeping->finish();
 }
 
 void Program::registerWindows()

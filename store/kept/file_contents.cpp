@@ -94,8 +94,11 @@ std::optional<QByteArray> FileContents::hashOf(const QString& path)
 std::optional<QByteArray> FileContents::keep(const QString& path) const
 {
     const qint64 size = QFileInfo(path).size();
-    if (!platform::isOrdinaryFile(path) || size > m_limits.file || !m_place.make(m_place.files()) ||
-        sizeOfAll(m_place.files()) + size > m_limits.all)
+    if (!platform::isOrdinaryFile(path) || size > m_limits.file || !m_place.make(m_place.files()))
+        return std::nullopt;
+    if (!m_size)
+        m_size = sizeOfAll(m_place.files());
+    if (*m_size + size > m_limits.all)
         return std::nullopt;
     // The copy is hashed and not the file, which may be changing.
     NewFile copy(u"%1/.new-%2-%3"_s.arg(m_place.files(), QString::number(QCoreApplication::applicationPid()),
@@ -113,13 +116,21 @@ std::optional<QByteArray> FileContents::keep(const QString& path) const
         return hash;
     }
     QFile::remove(pathOf(*hash)); // damaged
-    return copy.giveName(pathOf(*hash)) ? hash : std::nullopt;
+    if (!copy.giveName(pathOf(*hash)))
+        return std::nullopt;
+    *m_size += size;
+    return hash;
 }
 
 std::optional<QString> FileContents::find(const QByteArray& hash) const
 {
     const QString path = pathOf(hash);
     return !hash.isEmpty() && hashOf(path) == hash ? std::optional(path) : std::nullopt;
+}
+
+bool FileContents::contains(const QByteArray& hash) const
+{
+    return !hash.isEmpty() && QFile::exists(pathOf(hash));
 }
 
 void FileContents::removeAllBut(const QSet<QByteArray>& hashes, qint64 now) const

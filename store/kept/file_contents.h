@@ -30,6 +30,8 @@ public:
     static std::optional<QByteArray> hashOf(const QString& path);
     /// The file of a content; nothing when it is not kept, or not what it was any more.
     std::optional<QString> find(const QByteArray& hash) const;
+    /// Whether something is kept under a hash, as far as can be told without reading it.
+    bool contains(const QByteArray& hash) const;
     /// Removes all but these, unless they have been kept within the last hour: then whoever refers to them may just be
     /// writing it down. `now`: milliseconds since 1970.
     void removeAllBut(const QSet<QByteArray>& hashes, qint64 now) const;
@@ -39,6 +41,7 @@ private:
 
     Place m_place;
     ContentLimits m_limits;
+    mutable std::optional<qint64> m_size; // of all that is kept; asked for once
 };
 
 } // namespace quillon::kept

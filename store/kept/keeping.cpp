@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
+#include "app/base/reporting.h"
 #include "store/database.h"
 #include "store/kept/file_contents.h"
 #include "store/kept/history_file.h"
@@ -53,18 +54,48 @@ private:
 
 } // namespace
 
-Keeping::Keeping(Reporting& reporting, QString keptFolder)
-    : m_reporting(reporting), m_keptFolder(std::move(keptFolder))
+Keeping::Keeping(Reporting& reporting, KeepingOrder order) : m_reporting(reporting), m_order(std::move(order))
 {
 }
 
-Keeping::~Keeping() = default;
+Keeping::~Keeping()
+{
+    finish();
+}
+
+void Keeping::finish()
+{
+    if (m_worker)
+        m_closing.push_back(std::move(m_worker));
+    for (const auto& worker : m_closing)
+        worker->close(); // all at once, so that they do not wait for each other
+    for (const auto& worker : m_closing)
+        worker->finish();
+    tellFailures();
+    m_closing.clear();
+}
+
+void Keeping::tellFailures()
+{
+    for (const auto& worker : m_closing) {
+        if (const std::optional<QString> failure = worker->takeFailure())
+            logFailure(m_reporting, Error(errors::PathFileAccess, *failure), u"KeptCopy"_s);
+    }
+}
 
 void Keeping::databaseOpened(Database& database)
 {
-    m_place.emplace(m_keptFolder, database.path());
+    m_place.emplace(m_order.keptFolder, database.path());
     m_history = std::make_shared<HistoryFile>(*m_place, m_reporting);
     database.connection().watchRows(std::make_unique<HistoryWriter>(m_history));
+    // The same file once more goes on with the same worker.
+    if (!m_order.copies || (m_worker && m_worker->place().folder() == m_place->folder()))
+        return;
+    if (m_worker) {
+        m_worker->close();
+        m_closing.push_back(std::move(m_worker));
+    }
+    m_worker = std::make_unique<CopyWorker>(*m_place, m_order.fileFolder, *m_order.copies);
 }
 
 std::unique_ptr<Keeper::ReplacedFile> Keeping::fileGoes(const QString& path)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "store/keeper.h"
+#include "store/kept/copy_worker.h"
 #include "store/kept/place.h"
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace quillon
 {
@@ -16,23 +18,36 @@ namespace quillon::kept
 
 class HistoryFile;
 
-/// Keeps the history of the current database.
+/// What is kept, and where.
+struct KeepingOrder {
+    QString keptFolder;                   // for all databases
+    QString fileFolder;                   // of the registered files
+    std::optional<CopyTimes> copies = {}; // nothing: no copies are made
+};
+
+/// Keeps the history and copies of the current database.
 class Keeping : public Keeper
 {
 public:
-    /// `keptFolder`: where everything is kept, for all databases.
-    Keeping(Reporting& reporting, QString keptFolder);
+    Keeping(Reporting& reporting, KeepingOrder order);
     ~Keeping() override;
+
+    /// The current database is closed. Waits for the last copies, for a while at most.
+    void finish();
 
     void databaseOpened(Database& database) override;
     std::unique_ptr<ReplacedFile> fileGoes(const QString& path) override;
-    QString keptFolder() const override { return m_keptFolder; }
+    QString keptFolder() const override { return m_order.keptFolder; }
 
 private:
     Reporting& m_reporting;
-    QString m_keptFolder;
+    KeepingOrder m_order;
     std::optional<Place> m_place;
     std::shared_ptr<HistoryFile> m_history;
+    void tellFailures();
+
+    std::unique_ptr<CopyWorker> m_worker;               // of the current database
+    std::vector<std::unique_ptr<CopyWorker>> m_closing; // of those before, at their last copies
 };
 
 } // namespace quillon::kept

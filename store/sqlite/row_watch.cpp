@@ -152,6 +152,8 @@ void RowWatch::partEnds(std::size_t began, Part part)
     --m_parts;
     if (part == Part::Undone)
         m_listener->putBack(began);
+    if (m_parts == 0 && m_listener->told() > 0)
+        m_listener->settled();
 }
 
 } // namespace quillon::sqlite

@@ -1,3 +1,5 @@
+#include "app/base/platform/background.h"
+#include "app/base/platform/cloning.h"
 #include "app/base/platform/command_line.h"
 #include "app/base/platform/event_log.h"
 #include "app/base/platform/files.h"
@@ -7,9 +9,12 @@
 #include <QtTest>
 
 #include <array>
+#include <thread>
 
 #ifdef Q_OS_UNIX
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #endif
 
@@ -111,6 +116,46 @@ private Q_SLOTS:
         platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
         QCOMPARE(contentOf(home.filePath(u".local/state/quillon/Quillon.log"_s)), QByteArray("一行目\n"));
         QVERIFY(!QFile::exists(u"relative"_s));
+    }
+
+    void aCloneHasTheContentOrIsNotThere()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"元"_s);
+        const QString clone = folder.filePath(u"写し"_s);
+        makeFile(file);
+        // Whether it can be made is up to the file system.
+        const bool isMade = platform::cloneFile(file, clone);
+        QCOMPARE(QFile::exists(clone), isMade);
+        if (isMade)
+            QCOMPARE(contentOf(clone), contentOf(file));
+        QVERIFY(!platform::cloneFile(folder.filePath(u"nothing"_s), folder.filePath(u"other"_s)));
+        QVERIFY(!QFile::exists(folder.filePath(u"other"_s)));
+    }
+
+    void aFileThatIsThereIsNotClonedOver()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"元"_s);
+        const QString other = folder.filePath(u"別"_s);
+        makeFile(file);
+        makeFile(other);
+        QVERIFY(!platform::cloneFile(file, other));
+        QVERIFY(QFile::exists(other));
+    }
+
+    void aThreadCanStandBackBehindAllOthers()
+    {
+        int before = 0;
+        int after = 0;
+        std::thread([&] {
+            before = getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)));
+            platform::workInBackground();
+            after = getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)));
+        }).join();
+        QCOMPARE(after, 19);
+        // The others are not touched.
+        QCOMPARE(getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))), before);
     }
 
     void aLogThatCannotBeWrittenIsIgnored()

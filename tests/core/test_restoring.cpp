@@ -254,6 +254,7 @@ private Q_SLOTS:
         const auto result = putBackNewest(EventKind::CategoryDeleted);
         QVERIFY(result);
         QVERIFY(compareText(result->text, u"カテゴリ「液体」を戻しました。"));
+        QCOMPARE(listed({}), QStringList(u"カテゴリの削除: 液体 (A-A)"_s));
         QCOMPARE(rowsOf(session().RsCategoryID), QStringList({u"A|自然"_s, u"A-A|液体"_s}));
         QCOMPARE(rowsOf(session().RsCategory), QStringList({u"A-A|M-991231-001"_s, u"A-A|R-991231-001"_s}));
     }
@@ -325,6 +326,10 @@ private Q_SLOTS:
             failureBoxSaying(u"現在のファイル「図.txt」の内容を残せないため、戻しませんでした。"_s));
         QVERIFY(!putBackNewest(EventKind::FileReplaced));
         QCOMPARE(QFileInfo(file()).size(), qint64{1} << 30);
+        QCOMPARE(
+            world->eventLog.lines.first(),
+            u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 75, DESCRIPTION : 上書きされるファイル「%1」の内容は"
+            u"残せませんでした。大きすぎるか、空き領域またはアクセス権がありません。"_s.arg(file()));
     }
 
     void theDetailsOfAReplacedFileTellItsSizes()
@@ -335,6 +340,7 @@ private Q_SLOTS:
         things.ask({});
         QVERIFY(things.readOn());
         const LostDetails details = things.details(0);
+        QCOMPARE(details.fields.at(1).label, u"大きさ"_s);
         QCOMPARE(details.fields.at(1).before, u"3 バイト"_s);
         QCOMPARE(details.fields.at(1).now, u"5 バイト"_s);
     }
@@ -436,6 +442,20 @@ private Q_SLOTS:
         QCOMPARE(details.links, QStringList({u"物質の本 (R-991231-001)"_s, u"火 (M-991231-002)"_s}));
         QCOMPARE(details.categories, QStringList(u"液体 (A-A)"_s));
         QVERIFY(!details.fields.at(0).now);
+    }
+
+    void aRowOfTheTableWithoutAWindowIsListedToo()
+    {
+        TestWorld::addRow(session().RsOpenApp, {u"editor"_s, u"/bin/editor"_s});
+        session().RsOpenApp->deleteEveryRow();
+        QCOMPARE(listed({}), QStringList(u"その他: editor ()"_s));
+        LostThings things(session());
+        things.ask({});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.details(0).fields.at(0).label, u"アプリケーション"_s);
+        QCOMPARE(things.details(0).fields.at(1).label, u"パス"_s);
+        world->dialogs.expect(failureBox(u"PutBack"_s, errors::InvalidArgument));
+        QVERIFY(!PutBack(session(), things, 0));
     }
 
     void theDetailsOfADeletedCategoryNameItsMembers()

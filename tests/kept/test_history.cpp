@@ -174,8 +174,9 @@ private Q_SLOTS:
             RenameCategory(of, presentCategory(of, u"A"_s), name);
         };
         TestWorld other;
-        other.keeping =
-            std::make_unique<kept::Keeping>(other.session.reporting, world->folder.filePath(u"kept"_s));
+        other.keeping = std::make_unique<kept::Keeping>(
+            other.session.reporting,
+            kept::KeepingOrder{.keptFolder = world->folder.filePath(u"kept"_s), .fileFolder = {}});
         other.session.keeper = other.keeping.get();
         other.openDatabase(path);
         at(1);
@@ -281,8 +282,11 @@ private Q_SLOTS:
         QVERIFY(DeleteData(session(), u"M-991231-002"_s, 0));
         QCOMPARE(session().RsMain->recordCount(), 0);
         QCOMPARE(world->eventLog.lines.size(), 1);
-        QVERIFY(world->eventLog.lines[0].startsWith(
-            u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 75, DESCRIPTION : 上書きまたは削除された内容を「"_s));
+        QCOMPARE(
+            world->eventLog.lines[0],
+            u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 75, DESCRIPTION : "_s +
+                u"上書きまたは削除された内容を「%1」に残せませんでした。空き領域とアクセス権を確認してください。"
+                u"操作そのものは行われました。"_s.arg(place().history()));
     }
 
     void theFilesAreForTheUserAlone()

@@ -30,7 +30,11 @@ class TestPlace : public QObject
     }
 
 private Q_SLOTS:
-    void init() { folder.emplace(); }
+    void init()
+    {
+        folder.emplace();
+        qunsetenv("QUILLON_COPIES");
+    }
     void cleanup()
     {
         qunsetenv("QUILLON_COPIES");

@@ -1,5 +1,7 @@
 #include "app/shell/frmSplash.h"
 #include "core/data_records.h"
+#include "store/kept/copies.h"
+#include "store/kept/history.h"
 #include "tests/support/window_world.h"
 #include "ui/data/frmMainData.h"
 #include "ui/main/frmMainMenu.h"
@@ -116,6 +118,38 @@ private Q_SLOTS:
             QVERIFY(program.mainWindow().unload());
         }
         QVERIFY(watched.isNull());
+    }
+
+    void whatIsDeletedAndTheDatabaseAtTheEndAreKept()
+    {
+        const QString path = world->createDatabase();
+        const QString folder = world->folder.filePath(u"kept"_s);
+        {
+            Program program({.dialogs = world->dialogs,
+                             .eventLog = world->eventLog,
+                             .clock = world->clock,
+                             .desktop = world->desktop,
+                             .files = world->files,
+                             .keptFolder = folder},
+                            world->folder.path());
+            program.mainWindow().openChosenFile(path);
+            WindowWorld::addRow(program.session().RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+            WindowWorld::addRow(program.session().RsMain, {u"火"_s, u"M-991231-002"_s, u"熱い"_s});
+            QVERIFY(DeleteData(program.session(), u"M-991231-001"_s, 0));
+        }
+        const kept::Place place(folder, path);
+        kept::History history(place);
+        QVERIFY(history.readOlder());
+        QCOMPARE(history.row(history.events().at(0)).text(0), u"水"_s);
+        QCOMPARE(kept::listCopies(place).at(0).rows, 1);
+    }
+
+    void withoutAPlaceNothingIsKept()
+    {
+        world->open(world->createDatabase());
+        WindowWorld::addRow(world->session().RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        QVERIFY(DeleteData(world->session(), u"M-991231-001"_s, 0));
+        QCOMPARE(world->session().keeper, nullptr);
     }
 
     void everyWindowThatTheMenusOpenExists()

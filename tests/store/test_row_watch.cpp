@@ -221,6 +221,8 @@ private Q_SLOTS:
         run(u"DELETE FROM t WHERE x = '火'"_s);
         QCOMPARE(told->settledTimes, 0);
         part.commit();
+        QVERIFY(told->settledTimes > 0);
+        told->settledTimes = 0;
         run(u"DELETE FROM t WHERE x = '土'"_s);
         QVERIFY(told->settledTimes > 0);
     }

@@ -1,5 +1,6 @@
 #include "tests/support/test_world.h"
 
+#include "app/base/titles.h"
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/schema.h"
@@ -29,7 +30,9 @@ QString TestWorld::createDatabase(const QString& name)
 
 void TestWorld::keep()
 {
-    keeping = std::make_unique<kept::Keeping>(session.reporting, folder.filePath(u"kept"_s));
+    keeping = std::make_unique<kept::Keeping>(
+        session.reporting, kept::KeepingOrder{.keptFolder = folder.filePath(u"kept"_s),
+                                              .fileFolder = session.inCurrentFolder(titles::FileFolder)});
     session.keeper = keeping.get();
 }
 

@@ -1,0 +1,324 @@
+#include "store/kept/copies.h"
+
+#include "app/base/error.h"
+#include "app/base/platform/files.h"
+#include "store/kept/file_contents.h"
+#include "store/kept/retention.h"
+#include "store/quoted.h"
+#include "store/schema.h"
+#include "store/sqlite/backup.h"
+#include "store/sqlite/statement.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRandomGenerator>
+#include <QSaveFile>
+#include <QSet>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::kept
+{
+
+namespace
+{
+
+const QString CopyEnding = u".mdb"_s;
+
+QString aboutPath(const QString& copyPath)
+{
+    return copyPath.chopped(CopyEnding.size()) + u".json"_s;
+}
+
+std::optional<QByteArray> hashOfCopy(const QString& path, const std::function<bool()>& goesOn)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    // Quicker than the hash that names contents; it is only to show that a copy is what it was.
+    QCryptographicHash hash(QCryptographicHash::Blake2b_256);
+    constexpr qint64 Part = qint64{1} << 20;
+    while (!file.atEnd()) {
+        const QByteArray bytes = file.read(Part);
+        if (bytes.isEmpty() || (goesOn && !goesOn()))
+            return std::nullopt;
+        hash.addData(bytes);
+    }
+    return hash.result();
+}
+
+QJsonObject aboutCopy(const Copy& copy, const QString& database)
+{
+    QJsonObject counts;
+    for (auto count = copy.counts.begin(); count != copy.counts.end(); ++count)
+        counts.insert(count.key(), count.value());
+    QJsonArray files;
+    for (const CopiedFile& file : copy.files)
+        files.append(QJsonObject{{u"name"_s, file.name},
+                                 {u"size"_s, file.size},
+                                 {u"modified"_s, file.modified},
+                                 {u"hash"_s, QString::fromLatin1(file.hash.toHex())}});
+    return {{u"database"_s, database},
+            {u"time"_s, copy.time.toString(Qt::ISODateWithMs)},
+            {u"size"_s, copy.size},
+            {u"rows"_s, copy.rows},
+            {u"counts"_s, counts},
+            {u"doubtful"_s, copy.isDoubtful},
+            {u"hash"_s, QString::fromLatin1(copy.hash.toHex())},
+            {u"databaseSize"_s, copy.databaseSize},
+            {u"databaseModified"_s, copy.databaseModified},
+            {u"files"_s, files}};
+}
+
+qint64 numberIn(const QJsonObject& about, const QString& key)
+{
+    return about.value(key).toInteger();
+}
+
+/// Nothing for a file beside which nothing says what it is.
+std::optional<Copy> copyAt(const QString& path)
+{
+    QFile file(aboutPath(path));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonObject about = QJsonDocument::fromJson(file.readAll()).object();
+    Copy copy;
+    copy.path = path;
+    copy.time = QDateTime::fromString(about.value(u"time"_s).toString(), Qt::ISODateWithMs);
+    if (!copy.time.isValid())
+        return std::nullopt;
+    copy.size = numberIn(about, u"size"_s);
+    copy.rows = numberIn(about, u"rows"_s);
+    const QJsonObject counts = about.value(u"counts"_s).toObject();
+    for (auto count = counts.begin(); count != counts.end(); ++count)
+        copy.counts.insert(count.key(), count.value().toInteger());
+    copy.isDoubtful = about.value(u"doubtful"_s).toBool();
+    copy.hash = QByteArray::fromHex(about.value(u"hash"_s).toString().toLatin1());
+    copy.databaseSize = numberIn(about, u"databaseSize"_s);
+    copy.databaseModified = numberIn(about, u"databaseModified"_s);
+    for (const QJsonValue& value : about.value(u"files"_s).toArray()) {
+        const QJsonObject entry = value.toObject();
+        copy.files.push_back({.name = entry.value(u"name"_s).toString(),
+                              .size = numberIn(entry, u"size"_s),
+                              .modified = numberIn(entry, u"modified"_s),
+                              .hash = QByteArray::fromHex(entry.value(u"hash"_s).toString().toLatin1())});
+    }
+    return copy;
+}
+
+/// The making of one copy.
+class CopyMaker
+{
+public:
+    explicit CopyMaker(const CopyOrder& order)
+        : m_order(order), m_known(listCopies(order.place)), m_time(order.now())
+    {
+        const QFileInfo database(order.place.database());
+        m_copy.time = m_time;
+        m_copy.databaseSize = database.size();
+        m_copy.databaseModified = database.lastModified().toMSecsSinceEpoch();
+        // Where the clock of the disk has not gone on since, a later write would leave the same time behind. Then the
+        // next copy is made in any case.
+        constexpr qint64 CoarsestClock = 2000;
+        if (QDateTime::currentMSecsSinceEpoch() - m_copy.databaseModified < CoarsestClock)
+            m_isJustWritten = true;
+    }
+
+    CopyOutcome make()
+    {
+        const bool isUnchanged = !m_known.empty() && m_known[0].databaseSize == m_copy.databaseSize &&
+                                 m_known[0].databaseModified == m_copy.databaseModified;
+        if (isUnchanged)
+            return CopyOutcome::Unchanged;
+        if (!m_order.place.make(m_order.place.copies()))
+            throw Error(errors::PathFileAccess,
+                        u"控えのフォルダ「%1」を作成できません。"_s.arg(m_order.place.copies()));
+        const QString beside = u"%1/.new-%2-%3"_s.arg(
+            m_order.place.copies(), QString::number(QCoreApplication::applicationPid()),
+            QString::number(QRandomGenerator::global()->generate64(), 16));
+        sqlite::Backup backup(m_order.place.database(), beside);
+        if (!copyPages(backup))
+            return CopyOutcome::Stopped;
+        backup.setGoesOn(m_order.goesOn);
+        if (!inspect(backup))
+            return CopyOutcome::Stopped;
+        backup.keep();
+        if (!place(beside)) {
+            QFile::remove(beside);
+            return CopyOutcome::Stopped;
+        }
+        removeOld();
+        return CopyOutcome::Made;
+    }
+
+private:
+    bool copyPages(sqlite::Backup& backup) const
+    {
+        // As many pages as take a few milliseconds: so long a writer may have to wait at the end of a step.
+        constexpr int Fewest = 16;
+        constexpr int Most = 16'384;
+        constexpr qint64 LongStep = 10'000'000; // nanoseconds
+        int beginnings = 0;
+        int left = 0;
+        int pages = 4 * Fewest;
+        for (;;) {
+            if (!m_order.goesOn())
+                return false;
+            QElapsedTimer timer;
+            timer.start();
+            const sqlite::Backup::Progress progress = backup.step(pages);
+            if (progress == sqlite::Backup::Progress::Done)
+                return true;
+            if (progress == sqlite::Backup::Progress::GoesOn) {
+                beginnings += backup.pagesLeft() > left - pages ? 1 : 0;
+                left = backup.pagesLeft();
+                pages = timer.nsecsElapsed() > LongStep ? std::max(Fewest, pages / 2)
+                                                        : std::min(Most, pages + pages / 4);
+            }
+            if (beginnings > m_order.mostBeginnings)
+                throw Error(errors::Locked);
+            if (m_order.pause)
+                m_order.pause();
+        }
+    }
+
+    /// Whether the copy is whole; false when it is to be ended.
+    bool inspect(sqlite::Backup& backup)
+    {
+        try {
+            const auto verdict = backup.ask(u"PRAGMA quick_check(1)"_s);
+            if (!verdict->step() || verdict->text(0) != u"ok")
+                throw Error(errors::NotADatabase);
+            for (const TableSchema* table : schema::all()) {
+                const auto count = backup.ask(u"SELECT count(*) FROM "_s + quoted(table->name));
+                const qint64 rows = count->step() ? count->number(0) : 0;
+                m_copy.counts.insert(table->name, rows);
+                m_copy.rows += rows;
+            }
+            keepFiles(backup);
+        } catch (const Error&) {
+            if (!m_order.goesOn())
+                return false;
+            throw;
+        }
+        if (m_isJustWritten)
+            m_copy.databaseModified = 0;
+        m_copy.isDoubtful = !m_known.empty() && 2 * m_copy.rows < m_known[0].rows;
+        return m_order.goesOn();
+    }
+
+    /// Keeps the contents of the registered files that are new or have changed.
+    void keepFiles(sqlite::Backup& backup)
+    {
+        QHash<QString, const CopiedFile*> known;
+        if (!m_known.empty()) {
+            for (const CopiedFile& file : m_known[0].files)
+                known.insert(file.name, &file);
+        }
+        const FileContents contents(m_order.place);
+        QSet<QString> seen;
+        // As in opening one: either field may name the file.
+        const auto names = backup.ask(u"SELECT Explanation, Name FROM RefFile"_s);
+        while (names->step()) {
+            for (const int column : {0, 1}) {
+                const QString name = names->text(column).toString();
+                const QString path = m_order.fileFolder + u'/' + name;
+                if (name.isEmpty() || name.contains(u'/') || name.contains(u'\\') || seen.contains(name) ||
+                    !platform::isOrdinaryFile(path))
+                    continue;
+                seen.insert(name);
+                if (!m_order.goesOn())
+                    return;
+                const QFileInfo info(path);
+                CopiedFile file{.name = name,
+                                .size = info.size(),
+                                .modified = info.lastModified().toMSecsSinceEpoch(),
+                                .hash = {}};
+                const CopiedFile* const before = known.value(name);
+                const bool isAsBefore = before != nullptr && before->size == file.size &&
+                                        before->modified == file.modified && contents.contains(before->hash);
+                file.hash = isAsBefore ? before->hash : contents.keep(path).value_or(QByteArray());
+                m_copy.files.push_back(file);
+            }
+        }
+    }
+
+    bool place(const QString& beside)
+    {
+        const std::optional<QByteArray> hash = hashOfCopy(beside, m_order.goesOn);
+        if (!hash)
+            return false;
+        m_copy.hash = *hash;
+        m_copy.size = QFileInfo(beside).size();
+        const QString stem = m_order.place.copies() + u'/' + m_time.toString(u"yyyy-MM-dd_HHmmss"_s);
+        m_copy.path = stem + CopyEnding;
+        for (int number = 2; QFile::exists(m_copy.path); ++number)
+            m_copy.path = stem + u'-' + QString::number(number) + CopyEnding;
+        // What says what it is comes first: a copy without it counts for nothing.
+        QSaveFile about(aboutPath(m_copy.path));
+        if (!about.open(QIODevice::WriteOnly))
+            throw Error(errors::PathFileAccess);
+        about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        about.write(QJsonDocument(aboutCopy(m_copy, m_order.place.database())).toJson());
+        if (!about.commit() || !QFile::rename(beside, m_copy.path)) {
+            QFile::remove(aboutPath(m_copy.path));
+            throw Error(errors::PathFileAccess);
+        }
+        return true;
+    }
+
+    void removeOld()
+    {
+        const std::vector<Copy> all = listCopies(m_order.place);
+        std::vector<CopyFacts> facts;
+        for (const Copy& copy : all)
+            facts.push_back({.time = copy.time, .size = copy.size, .isDoubtful = copy.isDoubtful});
+        for (const std::size_t i : copiesToRemove(facts, m_time)) {
+            QFile::remove(all[i].path);
+            QFile::remove(aboutPath(all[i].path));
+        }
+    }
+
+    const CopyOrder& m_order;
+    std::vector<Copy> m_known; // newest first
+    QDateTime m_time;
+    Copy m_copy;
+    bool m_isJustWritten = false;
+};
+
+} // namespace
+
+std::vector<Copy> listCopies(const Place& place)
+{
+    std::vector<Copy> copies;
+    for (const QFileInfo& info : QDir(place.copies()).entryInfoList({u"*.mdb"_s}, QDir::Files)) {
+        if (std::optional<Copy> copy = copyAt(info.filePath()))
+            copies.push_back(std::move(*copy));
+    }
+    std::sort(copies.begin(), copies.end(), [](const Copy& a, const Copy& b) {
+        return a.time != b.time ? a.time > b.time : a.path > b.path;
+    });
+    return copies;
+}
+
+CopyOutcome makeCopy(const CopyOrder& order)
+{
+    return CopyMaker(order).make();
+}
+
+bool isUnharmed(const Copy& copy)
+{
+    return hashOfCopy(copy.path, {}) == copy.hash;
+}
+
+} // namespace quillon::kept

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "store/kept/place.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QHash>
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace quillon::kept
+{
+
+/// A registered file as a copy knows it.
+struct CopiedFile {
+    QString name;
+    qint64 size = 0;
+    qint64 modified = 0; // milliseconds since 1970
+    QByteArray hash;     // of its content among the kept ones; empty: not kept
+};
+
+/// A kept copy of a database.
+struct Copy {
+    QString path;
+    QDateTime time; // local
+    qint64 size = 0;
+    qint64 rows = 0;               // of all tables
+    QHash<QString, qint64> counts; // by table
+    bool isDoubtful = false;       // it holds less than half as much as the one before
+    QByteArray hash;               // of its file
+    qint64 databaseSize = 0;       // of the database when it was begun, and when that had been written last
+    qint64 databaseModified = 0;
+    std::vector<CopiedFile> files;
+};
+
+/// The copies of a place, newest first.
+std::vector<Copy> listCopies(const Place& place);
+
+/// What a copy is made of.
+struct CopyOrder {
+    Place place;
+    QString fileFolder;               // of the registered files
+    std::function<QDateTime()> now;   // local
+    std::function<bool()> goesOn;     // asked all the time; false: to be ended, and nothing is left
+    int mostBeginnings = 50;          // every write of others makes it begin anew; so often it may
+    std::function<void()> pause = {}; // between two steps
+};
+
+enum class CopyOutcome { Made, Unchanged, Stopped };
+
+/// Makes a copy of the database of a place, checks it and puts it among the others, of which some may go for it. None
+/// is made when the database is as it was for the last one. Errors: what stands in the way, and 3343 when the copy is
+/// not whole; then nothing has changed.
+CopyOutcome makeCopy(const CopyOrder& order);
+
+/// Whether a copy is still what it was when it was made.
+bool isUnharmed(const Copy& copy);
+
+} // namespace quillon::kept

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "store/kept/place.h"
+
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace quillon::kept
+{
+
+/// When copies are made.
+struct CopyTimes {
+    std::chrono::milliseconds afterOpening{5'000}; // the opening itself is not to be slowed down
+    std::chrono::milliseconds between{3'600'000};
+    std::chrono::milliseconds atClosing{60'000}; // as long as this the program waits for the last one
+};
+
+/// Makes copies of an open database in a thread of its own: one soon after it was opened, one now and then while it
+/// changes, and one when it is closed. Before the first it removes what is too old.
+class CopyWorker
+{
+public:
+    /// `fileFolder`: of the registered files.
+    CopyWorker(const Place& place, const QString& fileFolder, const CopyTimes& times);
+    /// Ends as `finish` does.
+    ~CopyWorker();
+    CopyWorker(const CopyWorker&) = delete;
+    CopyWorker& operator=(const CopyWorker&) = delete;
+
+    const Place& place() const { return m_place; }
+    /// The database is closed. Does not wait.
+    void close();
+    /// Closes it and waits for the last copy, but not for ever: what is not done by then is given up.
+    void finish();
+    /// Why a copy could not be made, since this was asked last.
+    std::optional<QString> takeFailure();
+
+private:
+    void run();
+    void copyOnce();
+    /// Whether the database has been closed meanwhile.
+    bool waitFor(std::chrono::milliseconds time);
+
+    Place m_place;
+    QString m_fileFolder;
+    CopyTimes m_times;
+    std::mutex m_mutex; // of the following
+    std::condition_variable m_changed;
+    bool m_isClosed = false;
+    bool m_isDone = false;
+    std::optional<QString> m_failure;
+    std::atomic<bool> m_goesOn = true;
+    std::thread m_thread; // last, for it uses all of them
+};
+
+} // namespace quillon::kept

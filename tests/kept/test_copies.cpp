@@ -1,0 +1,368 @@
+#include "app/base/error.h"
+#include "store/kept/copies.h"
+#include "store/kept/copy_worker.h"
+#include "store/kept/file_contents.h"
+#include "store/record_set.h"
+#include "tests/support/errors_of.h"
+#include "tests/support/test_world.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+using kept::Copy;
+using kept::CopyOutcome;
+
+/// The kept copies of a database.
+class TestCopies : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestWorld> world;
+    QString path;
+    int minute = 0;
+    mutable int m_agings = 0;
+
+    Session& session() { return world->session; }
+    kept::Place place() const { return {world->folder.filePath(u"kept"_s), path}; }
+    QString fileFolder() const { return world->folder.filePath(u"RefFile"_s); }
+    /// As if the database had been written a while ago.
+    void letTimePass() const
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QDateTime written = QFileInfo(path).lastModified();
+        QVERIFY(file.setFileTime(written.addSecs(-++m_agings * 10), QFileDevice::FileModificationTime));
+    }
+    CopyOutcome make(
+        const std::function<bool()>& goesOn = [] { return true; }, int mostBeginnings = 50)
+    {
+        // Every copy has a time of its own.
+        const QDateTime now(QDate(2026, 1, 31), QTime(12, ++minute));
+        return kept::makeCopy({.place = place(),
+                               .fileFolder = fileFolder(),
+                               .now = [now] { return now; },
+                               .goesOn = goesOn,
+                               .mostBeginnings = mostBeginnings});
+    }
+    std::vector<Copy> copies() const { return kept::listCopies(place()); }
+    QStringList filesIn(const QString& folder) const
+    {
+        return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+    void addItem(int number)
+    {
+        TestWorld::addRow(session().RsMain,
+                          {u"項目"_s, u"M-991231-%1"_s.arg(number, 3, 10, QChar(u'0')), u"文"_s});
+    }
+    void registerFile(const QString& name, const QByteArray& content)
+    {
+        QDir().mkpath(fileFolder());
+        QFile file(fileFolder() + u'/' + name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        TestWorld::addRow(session().RsRefFile,
+                          {name, u"F-991231-%1"_s.arg(session().RsRefFile->recordCount() + 1), u"未入力"_s});
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        path = world->createDatabase();
+        world->openDatabase(path);
+        for (int i = 1; i <= 10; ++i)
+            addItem(i);
+        minute = 0;
+    }
+    void cleanup() { world.reset(); }
+
+    void aCopyIsTheDatabaseAsItIs()
+    {
+        QCOMPARE(make(), CopyOutcome::Made);
+        QCOMPARE(copies().size(), std::size_t{1});
+        const Copy copy = copies()[0];
+        QCOMPARE(QFileInfo(copy.path).fileName(), u"2026-01-31_120100.mdb"_s);
+        QCOMPARE(copy.rows, 10);
+        QCOMPARE(copy.counts.value(u"Main"_s), 10);
+        QVERIFY(kept::isUnharmed(copy));
+        const auto database = Database::open(copy.path);
+        QCOMPARE(TestWorld::rowsOf(RecordSet::openTable(database, schema::Main())),
+                 TestWorld::rowsOf(session().RsMain));
+    }
+
+    void whileNothingChangesNoFurtherCopyIsMade()
+    {
+        letTimePass();
+        QCOMPARE(make(), CopyOutcome::Made);
+        QCOMPARE(make(), CopyOutcome::Unchanged);
+        addItem(11);
+        QCOMPARE(make(), CopyOutcome::Made);
+        QCOMPARE(copies().size(), std::size_t{2});
+    }
+
+    void aDatabaseWrittenAtTheVeryMomentIsCopiedOnceMore()
+    {
+        // A write that leaves the same time behind could not be told otherwise.
+        QCOMPARE(make(), CopyOutcome::Made);
+        QCOMPARE(make(), CopyOutcome::Made);
+        letTimePass();
+        QCOMPARE(make(), CopyOutcome::Made);
+        QCOMPARE(make(), CopyOutcome::Unchanged);
+    }
+
+    void theNewestStandsFirst()
+    {
+        make();
+        addItem(11);
+        make();
+        QVERIFY(copies()[0].time > copies()[1].time);
+        QCOMPARE(copies()[0].rows, 11);
+    }
+
+    void aCopyThatIsEndedLeavesNothing_data()
+    {
+        QTest::addColumn<int>("after");
+        QTest::newRow("at once") << 0;
+        QTest::newRow("in the middle") << 1;
+        QTest::newRow("at the end") << 2;
+    }
+    void aCopyThatIsEndedLeavesNothing()
+    {
+        QFETCH(int, after);
+        int asked = 0;
+        QCOMPARE(make([&] { return ++asked <= after; }), CopyOutcome::Stopped);
+        QCOMPARE(filesIn(place().copies()), QStringList());
+    }
+
+    void aCopyWithHalfOfTheRowsIsNotDoubtedAndOneWithLessIs()
+    {
+        make();
+        for (int i = 0; i < 5; ++i) {
+            session().RsMain->moveFirst();
+            session().RsMain->deleteRow();
+        }
+        make();
+        QVERIFY(!copies()[0].isDoubtful);
+        for (int i = 0; i < 3; ++i) {
+            session().RsMain->moveFirst();
+            session().RsMain->deleteRow();
+        }
+        make();
+        QCOMPARE(copies()[0].rows, 2);
+        QVERIFY(copies()[0].isDoubtful);
+    }
+
+    void aDatabaseThatIsWrittenAllTheTimeGivesNoCopy()
+    {
+        for (int i = 0; i < 300; ++i) // more than one step holds
+            TestWorld::addRow(session().RsRefDoc, {u"文献"_s, u"R-991231-%1"_s.arg(i), QString(1000, u'水')});
+        int writes = 0;
+        const auto writing = [&] {
+            if (++writes < 1000)
+                TestWorld::addRow(session().RsOpenApp, {QString::number(writes), u""_s});
+            return true;
+        };
+        QCOMPARE(errorOf([&] { make(writing, 3); }), errors::Locked);
+        QCOMPARE(writes, 4);
+        QCOMPARE(filesIn(place().copies()), QStringList());
+    }
+
+    void whereNoFolderCanBeMadeThereIsNoCopy()
+    {
+        QFile inTheWay(world->folder.filePath(u"kept"_s));
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+        QString description;
+        try {
+            make();
+        } catch (const Error& error) {
+            description = error.description;
+        }
+        QCOMPARE(description, u"控えのフォルダ「%1」を作成できません。"_s.arg(place().copies()));
+    }
+
+    void aContentThatWasRemovedIsKeptAnew()
+    {
+        registerFile(u"一.txt"_s, "content");
+        make();
+        QVERIFY(QDir(place().files()).removeRecursively());
+        addItem(11);
+        make();
+        QCOMPARE(filesIn(place().files()).size(), 1);
+    }
+
+    void aDamagedDatabaseGivesNoCopyAndCostsNone()
+    {
+        make();
+        session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
+        QCOMPARE(errorOf([&] { make(); }), errors::TableNotFound);
+        QCOMPARE(copies().size(), std::size_t{1});
+        QCOMPARE(filesIn(place().copies()).size(), 2);
+    }
+
+    void copiesThatAreNotToStayGo()
+    {
+        for (int i = 1; i <= 5; ++i) {
+            addItem(100 + i);
+            make();
+        }
+        // The last three, and no more of the same day.
+        QCOMPARE(copies().size(), std::size_t{3});
+        QCOMPARE(copies()[0].rows, 15);
+        QCOMPARE(filesIn(place().copies()).size(), 6);
+    }
+
+    void twoCopiesOfTheSameSecondDoNotMeet()
+    {
+        make();
+        addItem(11);
+        minute = 0;
+        make();
+        QCOMPARE(filesIn(place().copies()),
+                 QStringList({u"2026-01-31_120100-2.json"_s, u"2026-01-31_120100-2.mdb"_s,
+                              u"2026-01-31_120100.json"_s, u"2026-01-31_120100.mdb"_s}));
+    }
+
+    void aCopyThatWasHarmedIsKnown()
+    {
+        make();
+        QFile file(copies()[0].path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.seek(5000));
+        file.putChar('?');
+        file.close();
+        QVERIFY(!kept::isUnharmed(copies()[0]));
+    }
+
+    void theRegisteredFilesAreKeptByTheirContents()
+    {
+        registerFile(u"一.txt"_s, "same");
+        registerFile(u"二.txt"_s, "same");
+        registerFile(u"三.txt"_s, "other");
+        make();
+        QCOMPARE(filesIn(place().files()).size(), 2);
+        const Copy copy = copies()[0];
+        QCOMPARE(copy.files.size(), std::size_t{3});
+        for (const kept::CopiedFile& file : copy.files) {
+            const auto content = kept::FileContents(place()).find(file.hash);
+            QVERIFY(content);
+            QCOMPARE(kept::FileContents::hashOf(*content),
+                     kept::FileContents::hashOf(fileFolder() + u'/' + file.name));
+        }
+    }
+
+    void aFileThatNoItemNamesIsNotKept()
+    {
+        registerFile(u"一.txt"_s, "ours");
+        QFile stranger(fileFolder() + u"/stranger.txt"_s);
+        QVERIFY(stranger.open(QIODevice::WriteOnly));
+        stranger.write("not ours");
+        stranger.close();
+        make();
+        QCOMPARE(copies()[0].files.size(), std::size_t{1});
+    }
+
+    void aFileThatIsTooLargeIsListedAsNotKept()
+    {
+        registerFile(u"一.txt"_s, "");
+        QVERIFY(QFile::resize(fileFolder() + u"/一.txt"_s, qint64{101} * 1024 * 1024)); // takes no room
+        make();
+        QCOMPARE(copies()[0].files.size(), std::size_t{1});
+        QVERIFY(copies()[0].files[0].hash.isEmpty());
+        QCOMPARE(filesIn(place().files()), QStringList());
+    }
+
+    void aNameThatLeadsElsewhereIsNotFollowed()
+    {
+        registerFile(u"一.txt"_s, "ours");
+        TestWorld::addRow(session().RsRefFile, {u"../QUILLON.mdb"_s, u"F-991231-9"_s, u""_s});
+        make();
+        QCOMPARE(copies()[0].files.size(), std::size_t{1});
+    }
+
+    void theWorkerMakesACopyAfterOpeningAndOneAtTheEnd()
+    {
+        {
+            kept::CopyWorker worker(place(), fileFolder(),
+                                    {.afterOpening = std::chrono::milliseconds(0),
+                                     .between = std::chrono::hours(1),
+                                     .atClosing = std::chrono::minutes(1)});
+            QTRY_COMPARE(copies().size(), std::size_t{1});
+            addItem(11);
+            worker.finish();
+            QCOMPARE(worker.takeFailure(), std::nullopt);
+        }
+        QCOMPARE(copies()[0].rows, 11);
+    }
+
+    void aWorkerThatIsClosedAtOnceMakesItsCopyAllTheSame()
+    {
+        kept::CopyWorker worker(place(), fileFolder(), {});
+        worker.finish();
+        QCOMPARE(copies().size(), std::size_t{1});
+    }
+
+    void aWorkerThatMayNotWaitGivesUp()
+    {
+        kept::CopyWorker worker(place(), fileFolder(),
+                                {.afterOpening = std::chrono::hours(1),
+                                 .between = std::chrono::hours(1),
+                                 .atClosing = std::chrono::milliseconds(0)});
+        session().OpenDb->connection().execute(u"BEGIN EXCLUSIVE"_s); // so that it cannot be quick either
+        worker.finish();
+        QCOMPARE(copies().size(), std::size_t{0});
+        QCOMPARE(filesIn(place().copies()), QStringList());
+        session().OpenDb->connection().execute(u"ROLLBACK"_s);
+    }
+
+    void whyACopyCouldNotBeMadeIsTold()
+    {
+        session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
+        kept::CopyWorker worker(place(), fileFolder(), {});
+        worker.finish();
+        const auto failure = worker.takeFailure();
+        QVERIFY(failure);
+        QVERIFY(failure->startsWith(
+            u"データベース「"_s + place().database() +
+            u"」の控えを作成できませんでした。データベースに必要なテーブルがありません。"_s));
+        QCOMPARE(worker.takeFailure(), std::nullopt);
+    }
+
+    void theLogTellsWhyTheLastCopyIsMissing()
+    {
+        world->keeping = std::make_unique<kept::Keeping>(
+            session().reporting, kept::KeepingOrder{.keptFolder = world->folder.filePath(u"kept"_s),
+                                                    .fileFolder = fileFolder(),
+                                                    .copies = kept::CopyTimes()});
+        session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
+        world->keeping->databaseOpened(*session().OpenDb);
+        world->keeping->finish();
+        QCOMPARE(world->eventLog.lines.size(), 1);
+        QVERIFY(world->eventLog.lines[0].contains(u"LOCATION : KeptCopy"_s));
+    }
+
+    void theDatabaseThatIsOpenedNextLeavesTheOneBeforeItsLastCopy()
+    {
+        world->keeping = std::make_unique<kept::Keeping>(
+            session().reporting, kept::KeepingOrder{.keptFolder = world->folder.filePath(u"kept"_s),
+                                                    .fileFolder = fileFolder(),
+                                                    .copies = kept::CopyTimes()});
+        session().keeper = world->keeping.get();
+        world->openDatabase(path);
+        const QString other = world->createDatabase(u"other.mdb"_s);
+        world->openDatabase(other);
+        world->keeping->finish();
+        QCOMPARE(copies().size(), std::size_t{1});
+        QCOMPARE(kept::listCopies({world->folder.filePath(u"kept"_s), other}).size(), std::size_t{1});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCopies)
+#include "test_copies.moc"
