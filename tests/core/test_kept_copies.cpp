@@ -1,0 +1,102 @@
+#include "core/kept_copies.h"
+#include "store/keeper.h"
+#include "store/record_set.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/test_world.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+/// Listing kept copies and taking one out.
+class TestKeptCopies : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestWorld> world;
+    QString path;
+
+    Session& session() { return world->session; }
+    QString newFile() const { return world->folder.filePath(u"控え.mdb"_s); }
+    kept::Copy copy() { return ListCopies(session(), path).at(0); }
+    static MessageBox refusal(const QString& description)
+    {
+        return {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : TakeOutCopy\r\nEXPLANATION : "_s +
+                        description,
+                .title = u"Quillon 障害対策部"_s};
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        world = std::make_unique<TestWorld>();
+        world->keep();
+        path = world->createDatabase();
+        world->openDatabase(path);
+        TestWorld::addRow(session().RsMain, {u"水"_s, u"M-991231-001"_s, u"流れるもの"_s});
+        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+                        .fileFolder = {},
+                        .now = [] { return QDateTime(QDate(2026, 1, 31), QTime(12, 0)); },
+                        .goesOn = [] { return true; }});
+    }
+    void cleanup()
+    {
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        world.reset();
+    }
+
+    void aCopyIsTakenOutAsADatabaseOfItsOwn()
+    {
+        QVERIFY(TakeOutCopy(session(), copy(), newFile()));
+        const QStringList before = TestWorld::rowsOf(session().RsMain);
+        world->openDatabase(newFile());
+        QCOMPARE(TestWorld::rowsOf(session().RsMain), before);
+        QCOMPARE(ListCopies(session(), path).size(), std::size_t{1});
+    }
+
+    void theCopiesOfADatabaseThatIsGoneAreListed()
+    {
+        session().OpenDb.reset();
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(ListCopies(session(), path).size(), std::size_t{1});
+        QVERIFY(TakeOutCopy(session(), copy(), path));
+    }
+
+    void nothingThatIsThereIsOverwritten()
+    {
+        QFile file(newFile());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("mine");
+        file.close();
+        world->dialogs.expect(failureBox(u"TakeOutCopy"_s, errors::DatabaseExists));
+        QVERIFY(!TakeOutCopy(session(), copy(), newFile()));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("mine"));
+    }
+
+    void aHarmedCopyIsRefused()
+    {
+        QFile harmed(copy().path);
+        QVERIFY(harmed.open(QIODevice::ReadWrite));
+        harmed.putChar('?');
+        harmed.close();
+        world->dialogs.expect(refusal(u"控え「"_s + copy().path +
+                                      u"」は失われているか、壊れています。別の控えを指定してください。"_s));
+        QVERIFY(!TakeOutCopy(session(), copy(), newFile()));
+        QVERIFY(!QFile::exists(newFile()));
+    }
+
+    void whereNothingIsKeptNothingIsListed()
+    {
+        session().keeper = nullptr;
+        QCOMPARE(ListCopies(session(), path).size(), std::size_t{0});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestKeptCopies)
+#include "test_kept_copies.moc"
