@@ -4,6 +4,7 @@
 #include "app/base/ports/clock.h"
 #include "ui/widgets/plain_tool_tip.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QPainter>
