@@ -4,6 +4,7 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <array>
 
 namespace quillon
@@ -23,11 +24,19 @@ QString decodeTextFile(QByteArrayView bytes)
             return QStringDecoder(mark.encoding, QStringConverter::Flag::Stateless)
                 .decode(bytes.sliced(mark.bytes.size()));
     }
+    QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    const QString fromUtf8 = utf8.decode(bytes);
+    const bool isUtf8 = !utf8.hasError();
+    // Japanese in UTF-8 may look like rare characters of 932, but hardly the other way round. Characters of two bytes
+    // prove nothing: half-width katakana of 932 look like them.
+    constexpr uchar FirstOfThreeBytes = 0xE0;
+    const bool hasLongCharacter = std::any_of(
+        bytes.begin(), bytes.end(), [](char byte) { return static_cast<uchar>(byte) >= FirstOfThreeBytes; });
+    if (isUtf8 && hasLongCharacter)
+        return fromUtf8;
     if (const auto text = platform::decode932(bytes))
         return *text;
-    QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    const QString text = utf8.decode(bytes);
-    return utf8.hasError() ? platform::decode932Forgivingly(bytes) : text;
+    return isUtf8 ? fromUtf8 : platform::decode932Forgivingly(bytes);
 }
 
 } // namespace quillon

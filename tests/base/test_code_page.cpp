@@ -45,16 +45,28 @@ private Q_SLOTS:
         QCOMPARE(platform::byteLength932(text), bytes);
     }
 
-    void twinsOfOtherTablesCountLikeTheirOwn()
+    void charactersBesideThePageAreAsWideAsWindowsMakesThem_data()
     {
-        // The same seven characters have two code points each, one per vendor's table.
-        const char16_t twins[][2] = {{u'\u2014', u'\u2015'}, {u'\u301C', u'\uFF5E'}, {u'\u2016', u'\u2225'},
-                                     {u'\u2212', u'\uFF0D'}, {u'\u00A2', u'\uFFE0'}, {u'\u00A3', u'\uFFE1'},
-                                     {u'\u00AC', u'\uFFE2'}};
-        for (const auto& [one, other] : twins) {
-            QCOMPARE(platform::byteLength932(QStringView(&one, 1)), 2);
-            QCOMPARE(platform::byteLength932(QStringView(&other, 1)), 2);
-        }
+        QTest::addColumn<char16_t>("character");
+        QTest::addColumn<int>("bytes");
+        const auto row = [](char16_t character, int bytes) {
+            QTest::addRow("U+%04X", character) << character << bytes;
+        };
+        for (const char16_t missing : {u'\u2014', u'\u2016', u'\u2212', u'\u301C'})
+            row(missing, 1); // "?"
+        for (const char16_t twin :
+             {u'\u2015', u'\u2225', u'\uFF0D', u'\uFF5E', u'\uFFE0', u'\uFFE1', u'\uFFE2'})
+            row(twin, 2); // what the page has in their stead
+        for (const char16_t fitting : {u'\u00AB', u'\u00BB', u'\u00AF', u'\u00B5', u'\u00B7', u'\u00B8',
+                                       u'\u3094', u'\u00A2', u'\u00A3', u'\u00AC'})
+            row(fitting, 2);
+        for (const char16_t halfWide : {u'\u00A1', u'\u00A5', u'\u00A9', u'\u00E9'})
+            row(halfWide, 1);
+    }
+    void charactersBesideThePageAreAsWideAsWindowsMakesThem()
+    {
+        QFETCH(char16_t, character);
+        QTEST(static_cast<int>(platform::byteLength932(QStringView(&character, 1))), "bytes");
     }
 
     void validBytesAreDecoded_data()

@@ -52,6 +52,8 @@ private Q_SLOTS:
         QTest::newRow("UTF-8 with mark, line breaks") << "\xEF\xBB\xBF水\r\n\0\n"_ba << u"水\r\n\0\n"_s;
         QTest::newRow("UTF-8 with mark, damaged") << "\xEF\xBB\xBF水\xFF氷"_ba << u"水\uFFFD氷"_s;
         QTest::newRow("UTF-8 without mark") << "水素と\r\n酸素と\0"_ba << u"水素と\r\n酸素と\0"_s;
+        QTest::newRow("UTF-8 without mark that would be 932") << "ああ"_ba << u"ああ"_s;
+        QTest::newRow("UTF-8 without mark that would be 932, mixed") << "aああ±\r\n"_ba << u"aああ±\r\n"_s;
         QTest::newRow("UTF-8 emoji without mark") << "\U0001F600"_ba << u"\U0001F600"_s;
 
         // UTF-16.

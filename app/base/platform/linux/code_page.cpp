@@ -1,6 +1,7 @@
 #include "app/base/platform/code_page.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/widths_of_windows.h"
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -34,8 +35,6 @@ Converter openConverter()
     return converter;
 }
 
-using LengthTable = std::array<quint8, 0x10000>;
-
 /// How many bytes each UTF-16 code unit takes: units are converted independently of each other, because everything
 /// that would need two of them is outside the page.
 LengthTable makeLengthTable()
@@ -56,9 +55,7 @@ LengthTable makeLengthTable()
             U_SUCCESS(status))
             lengths[static_cast<std::size_t>(unit)] = 2;
     }
-    // Windows writes these seven like their full-width twins (— 〜 ‖ − ¢ £ ¬); other tables do not know them.
-    for (const char16_t twin : {u'\u2014', u'\u301C', u'\u2016', u'\u2212', u'\u00A2', u'\u00A3', u'\u00AC'})
-        lengths[twin] = 2;
+    setWidthsOfWindows(lengths);
     return lengths;
 }
 

@@ -1,8 +1,8 @@
 #include "app/base/platform/code_page.h"
 
-#include <windows.h>
+#include "app/base/platform/widths_of_windows.h"
 
-#include <array>
+#include <windows.h>
 
 namespace quillon::platform
 {
@@ -11,8 +11,6 @@ namespace
 {
 
 constexpr UINT CodePage932 = 932;
-
-using LengthTable = std::array<quint8, 0x10000>;
 
 /// How many bytes each UTF-16 code unit takes: units are converted independently of each other, because everything
 /// that would need two of them is outside the page.
@@ -30,9 +28,7 @@ LengthTable makeLengthTable()
                                 nullptr) == 2)
             lengths[static_cast<std::size_t>(unit)] = 2;
     }
-    // These seven are other code points of characters that the page has, their full-width twins (— 〜 ‖ − ¢ £ ¬).
-    for (const char16_t twin : {u'\u2014', u'\u301C', u'\u2016', u'\u2212', u'\u00A2', u'\u00A3', u'\u00AC'})
-        lengths[twin] = 2;
+    setWidthsOfWindows(lengths);
     return lengths;
 }
 
