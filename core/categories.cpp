@@ -92,6 +92,7 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
             const QString category = membership.text(0).toString();
             rows.push_back({.name = names.name(category), .identifier = category});
         });
+        names.tellFailures();
         for (CategoryRow& row : rows)
             row = listedCategory(session, row.name, row.identifier);
         window.setCategoryRows(rows);

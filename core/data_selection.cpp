@@ -72,6 +72,7 @@ qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& record
                     rows->append(names.name(identifier), shortKindName(identifier), identifier);
             });
             rows->finish();
+            names.tellFailures();
         }
         if (use == SelectionUse::Show) {
             window.showModeless();

@@ -162,6 +162,7 @@ void SetLinkList(Session& session, DataWindow& window, const QString& identifier
                 {.kind = shortKindName(partner), .name = names.name(partner), .identifier = partner});
         });
         window.setLinkRows(rows);
+        names.tellFailures();
     });
 }
 
@@ -195,6 +196,7 @@ void SetAllLinkList(Session& session)
         rows->finish();
         window.setCount(u"現在の情報リンク総数 ：  "_s + QString::number(count));
         window.showModeless();
+        names.tellFailures();
     });
 }
 

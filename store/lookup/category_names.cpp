@@ -5,19 +5,31 @@
 #include "store/record_set.h"
 #include "store/session.h"
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
 
+namespace
+{
+
+const QString Location = u"GetCategoryName"_s;
+
+QString nameOf(Session& session, const QString& categoryIdentifier)
+{
+    RecordSet& categories = required(session.RsCategoryID);
+    const bool found = categories.goTo(category_field::Category_ID, categoryIdentifier);
+    return found ? categories.field(category_field::Name) : titles::Unknown;
+}
+
+} // namespace
+
 QString GetCategoryName(Session& session, const QString& categoryIdentifier)
 {
     QString name;
-    guarded(session.reporting, u"GetCategoryName"_s, [&] {
-        RecordSet& categories = required(session.RsCategoryID);
-        const bool found = categories.goTo(category_field::Category_ID, categoryIdentifier);
-        name = found ? categories.field(category_field::Name) : titles::Unknown;
-    });
+    guarded(session.reporting, Location, [&] { name = nameOf(session, categoryIdentifier); });
     return name;
 }
 
@@ -28,8 +40,18 @@ CategoryNameLookup::CategoryNameLookup(Session& session)
 
 QString CategoryNameLookup::name(const QString& categoryIdentifier)
 {
-    return m_categories.canLookUp(categoryIdentifier) ? m_categories.name(categoryIdentifier)
-                                                      : GetCategoryName(m_session, categoryIdentifier);
+    if (m_categories.canLookUp(categoryIdentifier))
+        return m_categories.name(categoryIdentifier);
+    QString name;
+    guardedBy([this](const Error& failure) { m_failures.push_back(failure); },
+              [&] { name = nameOf(m_session, categoryIdentifier); });
+    return name;
+}
+
+void CategoryNameLookup::tellFailures()
+{
+    for (const Error& failure : std::exchange(m_failures, {}))
+        ReportError(m_session.reporting, failure, Location);
 }
 
 } // namespace quillon

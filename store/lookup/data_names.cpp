@@ -5,18 +5,30 @@
 #include "store/record_set.h"
 #include "store/session.h"
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
 
+namespace
+{
+
+const QString Location = u"GetDataName"_s;
+
+QString nameOf(Session& session, const QString& identifier)
+{
+    RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
+    return rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
+}
+
+} // namespace
+
 QString GetDataName(Session& session, const QString& identifier)
 {
     QString name;
-    guarded(session.reporting, u"GetDataName"_s, [&] {
-        RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
-        name = rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
-    });
+    guarded(session.reporting, Location, [&] { name = nameOf(session, identifier); });
     return name;
 }
 
@@ -43,12 +55,26 @@ QString DataNameLookup::name(Table& table, QStringView identifier)
     if (const std::optional<QStringView> known = table.all ? table.all->find(identifier) : std::nullopt)
         return QString::fromRawData(known->data(), known->size());
     if (!table.single.canLookUp(identifier))
-        return GetDataName(m_session, identifier.toString());
+        return searchedName(identifier.toString());
     if (!table.all && shouldReadAll(table)) {
         table.all.emplace(*table.rows);
         return name(table, identifier);
     }
     return table.all && table.all->isComplete() ? titles::Unknown : table.single.name(identifier);
+}
+
+QString DataNameLookup::searchedName(const QString& identifier)
+{
+    QString name;
+    guardedBy([this](const Error& failure) { m_failures.push_back(failure); },
+              [&] { name = nameOf(m_session, identifier); });
+    return name;
+}
+
+void DataNameLookup::tellFailures()
+{
+    for (const Error& failure : std::exchange(m_failures, {}))
+        ReportError(m_session.reporting, failure, Location);
 }
 
 bool DataNameLookup::shouldReadAll(Table& table)

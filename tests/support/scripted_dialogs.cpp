@@ -65,6 +65,8 @@ QStringList ScriptedDialogs::takeComplaints()
 
 std::optional<ScriptedDialogs::Step> ScriptedDialogs::take(const Box& box)
 {
+    if (m_mustNotWait && m_mustNotWait())
+        m_complaints << u"others are kept from the file meanwhile: "_s + describe(box);
     if (m_steps.empty()) {
         m_complaints << u"unexpected: "_s + describe(box);
         return std::nullopt;

@@ -29,6 +29,9 @@ public:
     /// Runs when the box expected last is on the screen, before it is answered.
     void meanwhile(std::function<void()> action);
 
+    /// Every box that comes while `mustNotWait` says so becomes a complaint.
+    void complainWhile(std::function<bool()> mustNotWait) { m_mustNotWait = std::move(mustNotWait); }
+
     /// The complaints so far and one for every expected box that has not come; empties both.
     QStringList takeComplaints();
 
@@ -52,6 +55,7 @@ private:
 
     std::deque<Step> m_steps;
     QStringList m_complaints;
+    std::function<bool()> m_mustNotWait;
 };
 
 } // namespace quillon::testing

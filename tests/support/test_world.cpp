@@ -14,6 +14,8 @@ TestWorld::TestWorld() : session({dialogs, eventLog, clock, desktop, files, wind
 {
     windows.list.push_back(&mainWindow);
     session.setMainWindow(&mainWindow);
+    // No box may stand open in the middle of a pass over the file or of a write.
+    dialogs.complainWhile([this] { return session.OpenDb && session.OpenDb->connection().holdsLock(); });
 }
 
 TestWorld::~TestWorld() = default;

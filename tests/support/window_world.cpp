@@ -18,6 +18,9 @@ namespace quillon::testing
 WindowWorld::WindowWorld() : program({dialogs, eventLog, clock, desktop, files}, folder.path())
 {
     program.setEnd([this] { ++ends; });
+    // No box may stand open in the middle of a pass over the file or of a write.
+    dialogs.complainWhile(
+        [this] { return program.session().OpenDb && program.session().OpenDb->connection().holdsLock(); });
     program.mainWindow().showModeless();
     processEvents();
 }

@@ -118,6 +118,7 @@ void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSe
         });
         m_progress.finish();
         fill.finish();
+        names.tellFailures();
     });
 }
 
