@@ -1,5 +1,6 @@
 #include "store/database.h"
 
+#include "app/base/absolute_path.h"
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
 #include "store/criteria_sql.h"
@@ -24,14 +25,11 @@ namespace
 constexpr qint64 SmallestDatabase = 512;
 
 /// `path` from the root on. The empty path and one with a zero in it name no file at all.
-QString absolutePath(const QString& path, qint32 errorOfNoPath)
+QString pathFromRoot(const QString& path, qint32 errorOfNoPath)
 {
     if (path.isEmpty() || path.contains(QChar::Null))
         throw Error(errorOfNoPath);
-    // Qt takes a leading colon for the name of something inside the program.
-    if (path.startsWith(u':'))
-        return QDir::currentPath() + u'/' + path;
-    return QDir::current().absoluteFilePath(path);
+    return absolutePath(QDir::currentPath(), path);
 }
 
 /// Refuses what would block, or would fail later in the middle of work.
@@ -72,7 +70,7 @@ std::shared_ptr<Database> Database::open(const QString& path)
 
 std::shared_ptr<Database> Database::inspect(const QString& path)
 {
-    const QString full = absolutePath(path, errors::DatabaseNotFound);
+    const QString full = pathFromRoot(path, errors::DatabaseNotFound);
     checkFile(full);
     return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::OpenExisting));
 }
@@ -85,7 +83,7 @@ void Database::beginUse()
 
 std::shared_ptr<Database> Database::create(const QString& path)
 {
-    const QString full = absolutePath(path, errors::PathNotFound);
+    const QString full = pathFromRoot(path, errors::PathNotFound);
     return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::CreateNew));
 }
 

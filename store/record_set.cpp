@@ -52,10 +52,29 @@ std::shared_ptr<RecordSet> RecordSet::openTable(std::shared_ptr<Database> databa
         throw Error(errors::UnknownField);
     auto set = std::shared_ptr<RecordSet>(new RecordSet(std::move(database), table, std::nullopt));
     // A table that has no row numbers fails here.
-    set->firstRow();
+    set->tellingDamage([&] { return set->firstRow(); });
     // One with indexes or rules that only another program can follow would fail in the middle of work.
     set->m_database->connection().prepareOwn(u"INSERT INTO "_s + quoted(table.name) + u" DEFAULT VALUES"_s);
     return set;
+}
+
+Error RecordSet::withPlace(const Error& error, const Damaged& damaged) const
+{
+    // What tells more than its number does knows better.
+    if (error.number != errors::NotADatabase || error.description != standardDescription(error.number))
+        return error;
+    if (damaged.rowOfPass)
+        return Error(error.number,
+                     u"データベースが壊れているため、テーブル %1 の %2 行目を読み取れませんでした。"
+                     u"控えのファイルを展開してください。"_s.arg(m_table.name)
+                         .arg(*damaged.rowOfPass));
+    if (damaged.row)
+        return Error(error.number,
+                     u"データベースが壊れているため、テーブル %1 の行 (番号 %2) を読み取れませんでした。"
+                     u"控えのファイルを展開してください。"_s.arg(m_table.name)
+                         .arg(*damaged.row));
+    return Error(error.number, u"データベースが壊れているため、テーブル %1 を読み取れませんでした。"
+                               u"控えのファイルを展開してください。"_s.arg(m_table.name));
 }
 
 RecordSet::Stamp RecordSet::stamp() const
@@ -206,7 +225,7 @@ void RecordSet::moveNext()
 
 void RecordSet::findFirst(const QString& criteria)
 {
-    const std::vector<qint64> found = matchingRows(criteria, 1);
+    const std::vector<qint64> found = tellingDamage([&] { return matchingRows(criteria, 1); });
     standOn(found.empty() ? std::nullopt : std::optional(found.front()));
 }
 
@@ -272,7 +291,8 @@ QString RecordSet::field(int index) const
     sqlite::Statement& statement = prepare(u"SELECT "_s + selectList({index}) + u" FROM "_s +
                                            quoted(m_table.name) + u" WHERE rowid = ?"_s);
     const sqlite::ResetAtEnd reset(statement);
-    if (!statement.bind(1, m_row).step())
+    if (!tellingDamage([&] { return statement.bind(1, m_row).step(); },
+                       Damaged{.rowOfPass = std::nullopt, .row = m_row}))
         throw Error(errors::RecordDeleted);
     return statement.text(0).toString();
 }
@@ -444,8 +464,8 @@ void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
 std::shared_ptr<RecordSet> RecordSet::filtered(const QString& criteria) const
 {
     const Stamp before = stamp();
-    auto result =
-        std::shared_ptr<RecordSet>(new RecordSet(m_database, m_table, matchingRows(criteria, Unlimited)));
+    auto result = std::shared_ptr<RecordSet>(
+        new RecordSet(m_database, m_table, tellingDamage([&] { return matchingRows(criteria, Unlimited); })));
     result->m_filteredAt = before;
     // Another program may delete the last of these rows; the next row added must not get its number.
     if (!result->m_rows->empty())

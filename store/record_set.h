@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/error.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/sqlite/statement.h"
@@ -115,6 +116,27 @@ private:
         bool operator==(const Stamp&) const = default;
     };
 
+    /// What could not be read: the n-th row of a pass, the row of a number, or the table.
+    struct Damaged {
+        std::optional<qint64> rowOfPass;
+        std::optional<qint64> row;
+    };
+    /// Reads, and lets a failure of a damaged file tell the table and the row.
+    template <class Read> auto tellingDamage(Read&& read, const Damaged& damaged) const
+    {
+        try {
+            return std::forward<Read>(read)();
+        } catch (const Error& error) {
+            throw withPlace(error, damaged);
+        }
+    }
+    template <class Read> auto tellingDamage(Read&& read) const
+    {
+        return tellingDamage(std::forward<Read>(read),
+                             Damaged{.rowOfPass = std::nullopt, .row = std::nullopt});
+    }
+    Error withPlace(const Error& error, const Damaged& damaged) const;
+
     Stamp stamp() const;
     sqlite::Statement& prepare(const QString& sql) const;
     static std::optional<qint64> firstNumber(sqlite::Statement& statement);
@@ -156,7 +178,10 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
     };
     if (!m_rows) {
         const auto statement = m_database->connection().prepareOwn(passSql(fields));
-        while (statement->step()) {
+        qint64 read = 0;
+        while (tellingDamage([&] { return statement->step(); },
+                             Damaged{.rowOfPass = read + 1, .row = std::nullopt})) {
+            ++read;
             if (!keepsGoing(Row(*statement)))
                 return;
         }
@@ -167,7 +192,9 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
     for (const qint64 row : *m_rows) {
         statement->reset();
         statement->bind(1, row);
-        if (statement->step() && !keepsGoing(Row(*statement)))
+        if (tellingDamage([&] { return statement->step(); },
+                          Damaged{.rowOfPass = std::nullopt, .row = row}) &&
+            !keepsGoing(Row(*statement)))
             return;
     }
 }

@@ -72,6 +72,8 @@ public:
     QString LinkSourceName;
     DataWindow* LinkSourceForm = nullptr;
 
+    QString RegisteredFolder; // where the file lay that was registered last
+
     bool CategoryChosen = false;
     QString ChosenCategoryID;
     QString ChosenCategoryName;

@@ -55,12 +55,11 @@ void ReportError(Reporting& reporting, const Error& error, const QString& locati
     writeLogLine(reporting, location, error.number, error.description);
 }
 
-void reportUntrapped(Reporting& reporting, const Error& error, const QString& location)
+void reportUntrapped(Reporting& reporting, const Error& error, const QString& location, const QString& title)
 {
     onward([&] {
         reporting.dialogs.messageBox(
-            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-             .title = titles::FailureCountermeasures});
+            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description, .title = title});
     });
     writeLogLine(reporting, location, error.number, error.description);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/error.h"
+#include "app/base/titles.h"
 
 #include <QString>
 
@@ -54,7 +55,9 @@ void ReportError(Reporting& reporting, const Error& error, const QString& locati
 
 /// The answer to a failure that no operation trapped: a box, the reporter's log line, and the program goes on.
 /// `location`: the name of the event handler.
-void reportUntrapped(Reporting& reporting, const Error& error, const QString& location);
+/// `title`: a handler with an answer of its own to failures may have another one.
+void reportUntrapped(Reporting& reporting, const Error& error, const QString& location,
+                     const QString& title = titles::FailureCountermeasures);
 
 /// The log line of a failure that costs the user nothing now, so that no box shall interrupt.
 void logFailure(Reporting& reporting, const Error& error, const QString& location);

@@ -17,6 +17,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
+#include <QSettings>
 #include <QSpacerItem>
 #include <QTimer>
 
@@ -253,13 +254,16 @@ void proposeName(QFileDialog& shown, const FileDialog& dialog)
 
 std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
 {
+#ifdef Q_OS_UNIX
+    // The toolkit's dialog would write down where it was used last, in a file of the person's own folder.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
+#endif
     auto* shown = new QFileDialog(parentOfBox());
     // The dialogs of the systems take a proposed name for one in the folder they show.
     shown->setOption(QFileDialog::DontUseNativeDialog, proposesFromElsewhere(dialog));
     const bool saves = dialog.purpose == FileDialog::Purpose::Save;
     shown->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    // Also for opening: it is the caller who answers a name that does not exist.
-    shown->setFileMode(QFileDialog::AnyFile);
+    shown->setFileMode(saves ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     shown->setOption(QFileDialog::DontConfirmOverwrite, !dialog.promptBeforeOverwriting);
     if (!dialog.filter.isEmpty())
         shown->setNameFilter(toolkitFilter(dialog.filter));

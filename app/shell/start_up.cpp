@@ -1,5 +1,6 @@
 #include "app/shell/start_up.h"
 
+#include "app/base/absolute_path.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/files.h"
 #include "app/shell/frmSplash.h"
@@ -39,7 +40,8 @@ bool Main(Program& program, const std::optional<QString>& file)
     });
     if (shown && file) {
         // Made absolute here, because file dialogs may change the process's current folder later on.
-        const QString path = QDir::toNativeSeparators(QDir(session.CurrentFolder).absoluteFilePath(*file));
+        const QString path =
+            QDir::toNativeSeparators(absolutePath(QDir::fromNativeSeparators(session.CurrentFolder), *file));
         handleEvent(session.reporting, u"Main"_s, [&] { program.mainWindow().openChosenFile(path); });
     }
     return shown;

@@ -150,6 +150,25 @@ private Q_SLOTS:
         QVERIFY(FormWorld::entry(form, u"mnuDataEntry"_s)->isEnabled());
     }
 
+    void nextFileIsLookedForWhereTheLastOneLay()
+    {
+        QVERIFY(QDir(world->folder.path()).mkdir(u"資料"_s));
+        const QString path = writeOutside(u"資料/一.txt"_s);
+        {
+            auto& form = begin();
+            FormWorld::enter(FormWorld::name(form), path);
+            world->dialogs.expect(Registered);
+            QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
+            FormWorld::processEvents();
+        }
+        FileDialog dialog = asked();
+        dialog.folder = world->folder.filePath(u"資料"_s);
+        world->dialogs.expect(dialog, std::nullopt);
+        auto& next = begin();
+        button(next, u"cmdPath"_s).click();
+        QVERIFY(FormWorld::closes(next));
+    }
+
     void cancelledChoiceEmptiesThePathAtFirst()
     {
         frmRefFileEntry& form = begin();

@@ -328,7 +328,10 @@ private Q_SLOTS:
         });
         registerPath(path);
         QVERIFY(showedWork);
-        QVERIFY(world->eventLog.lines.isEmpty()); // the window tells by itself
+        QCOMPARE(world->eventLog.lines.size(), 1);
+        QVERIFY(world->eventLog.lines.first().contains(
+            u"LOCATION : mnuDataEntry_Click, ErrorNumber : %1, DESCRIPTION : "_s.arg(number) +
+            standardDescription(number)));
         QCOMPARE(copies(), QStringList());
         verifyNothingHappened(path);
     }

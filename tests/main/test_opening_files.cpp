@@ -46,11 +46,12 @@ class TestOpeningFiles : public QObject
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    void expectFailure(qint32 number)
+    void expectFailure(qint32 number) { expectFailure(standardDescription(number)); }
+    void expectFailure(const QString& description)
     {
         world->dialogs.expect(MessageBox{
             .text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\nEXPLANATION : "_s +
-                    standardDescription(number),
+                    description,
             .title = u"Quillon 障害対策部"_s});
     }
     void expectNotFound()
@@ -167,7 +168,8 @@ private Q_SLOTS:
         QByteArray bytes = read(path);
         bytes.replace(4096, 4096, QByteArray(4096, '\x5A')); // the second page is the root of the first table
         write(path, bytes);
-        expectFailure(errors::NotADatabase);
+        expectFailure(u"データベースが壊れているため、テーブル Main を読み取れませんでした。"
+                      u"控えのファイルを展開してください。"_s);
         window->openChosenFile(path);
         QCOMPARE(list->rows().rowCount(), 0);
         QVERIFY(compareText(status(), u"定義データテーブルを展開中です。"));

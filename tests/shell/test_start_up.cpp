@@ -249,6 +249,22 @@ private Q_SLOTS:
     }
 #endif
 
+    void aNameThatBeginsWithAColonIsOneLikeOthers()
+    {
+#ifdef Q_OS_UNIX
+        const auto database = Database::create(folder->path() + u"/:memory:"_s);
+        for (const TableSchema* table : schema::all())
+            database->execute(table->statement);
+        makeProgram(folder->path(), files);
+        QVERIFY(start(u":memory:"_s));
+        QVERIFY(program->session().OpenDb != nullptr);
+        QVERIFY2(statusText().contains(u"データベース (:memory:)が展開されています｡ "_s),
+                 qPrintable(statusText()));
+#else
+        QSKIP("Such names are not allowed here.");
+#endif
+    }
+
     void aFileIsOpenedOnceTheMainWindowStands()
     {
         const auto database = Database::create(folder->filePath(u"知識 1.mdb"_s));

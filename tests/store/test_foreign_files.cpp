@@ -8,6 +8,7 @@
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 
+#include <QFile>
 #include <QTest>
 
 #include <memory>
@@ -270,6 +271,33 @@ private Q_SLOTS:
             QVERIFY(compareText(error.description,
                                 u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
                                 u"Quillon のデータベースか確認してください。"));
+        }
+    }
+
+    void aDamagedTextTellsItsTableAndRow()
+    {
+        const QString page =
+            ForeignFile(m_path)
+                .run(PlainMain)
+                .run("INSERT INTO Main VALUES ('a', 'M-991231-001', hex(zeroblob(20000)))")
+                .ask("SELECT min(pageno) FROM dbstat WHERE name = 'Main' AND pagetype = 'overflow'")
+                .value(0);
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.seek((page.toLongLong() - 1) * 4096)); // where the number of the next page stands
+        QCOMPARE(file.write(QByteArray(4, '\x5A')), 4);
+        file.close();
+        const auto rows = openMain();
+        rows->moveFirst();
+        QCOMPARE(rows->field(0), u"a"_s);
+        try {
+            rows->field(2);
+            QFAIL("it was read");
+        } catch (const Error& error) {
+            QVERIFY(compareText(
+                error.description,
+                u"データベースが壊れているため、テーブル Main の行 (番号 1) を読み取れませんでした。"
+                u"控えのファイルを展開してください。"));
         }
     }
 

@@ -276,13 +276,26 @@ private Q_SLOTS:
                     " i < 500) SELECT 'A' || i, 'name' FROM n")
                 .ask("SELECT max(pageno) FROM dbstat WHERE name = 'Category_ID' AND pagetype = 'leaf'")
                 .value(0);
+        const QString firstOfPage =
+            ForeignFile(other)
+                .ask(
+                    "SELECT 1 + sum(ncell) FROM dbstat WHERE name = 'Category_ID' AND pagetype = 'leaf' AND pageno <"
+                    " (SELECT max(pageno) FROM dbstat WHERE name = 'Category_ID' AND pagetype = 'leaf')")
+                .value(0);
         QFile file(other);
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(file.seek((page.toLongLong() - 1) * 4096));
         QCOMPARE(file.write(QByteArray(4096, '\x5A')), 4096);
         file.close();
-        m_world->dialogs.expect(failure(errors::NotADatabase));
+        const QString told =
+            u"データベースが壊れているため、テーブル Category_ID の %1 行目を読み取れませんでした。控えのファイルを展開してください。"_s
+                .arg(firstOfPage);
+        m_world->dialogs.expect(
+            {.text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\nEXPLANATION : "_s + told,
+             .title = u"Quillon 障害対策部"_s});
         QVERIFY(!OpenDbFile(m_world->session, other));
+        QVERIFY2(m_world->eventLog.lines.last().endsWith(u", DESCRIPTION : "_s + told),
+                 qPrintable(m_world->eventLog.lines.last() + told));
         QCOMPARE(m_world->session.OpenDb->path(), before);
     }
 

@@ -109,9 +109,7 @@ void DataForm::mnuLinkRefFile_Click()
 void DataForm::mnuLinkView_Click()
 {
     const auto onFailure = [this](const Error& error) {
-        session().dialogs.messageBox(
-            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-             .title = titles::SystemOperation});
+        reportUntrapped(session().reporting, error, u"mnuLinkView_Click"_s, titles::SystemOperation);
     };
     guardedBy(onFailure, [&] {
         const int row = lsvLink->selectedRow();

@@ -15,6 +15,8 @@
 
 #include <QAction>
 #include <QBoxLayout>
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -133,11 +135,12 @@ std::vector<CategoryRow> frmRefFileEntry::categoryRows() const
 
 void frmRefFileEntry::cmdPath_Click()
 {
-    const auto chosen = session().dialogs.fileDialog({.purpose = FileDialog::Purpose::Open,
-                                                      .filter = {},
-                                                      .fileName = m_chosenPath,
-                                                      .folder = {},
-                                                      .promptBeforeOverwriting = false});
+    const auto chosen = session().dialogs.fileDialog(
+        {.purpose = FileDialog::Purpose::Open,
+         .filter = {},
+         .fileName = m_chosenPath,
+         .folder = m_chosenPath.isEmpty() ? session().RegisteredFolder : QString(),
+         .promptBeforeOverwriting = false});
     m_chosenPath = chosen.value_or(m_chosenPath);
     // sic: a cancelled dialog, too, replaces what was typed. It is the person who may want that back.
     QLineEdit& path = *m_txtFields[0];
@@ -149,9 +152,7 @@ void frmRefFileEntry::mnuDataEntry_Click()
 {
     const auto onFailure = [this](const Error& error) {
         CloseWithoutAsking = false;
-        session().dialogs.messageBox(
-            {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-             .title = titles::SystemAudit});
+        reportUntrapped(session().reporting, error, u"mnuDataEntry_Click"_s, titles::SystemAudit);
     };
     guardedBy(onFailure, [&] { registerFile(); });
 }
@@ -173,6 +174,8 @@ void frmRefFileEntry::registerFile()
     case FileRegistration::Cancelled: // the window stays with what was entered
         break;
     case FileRegistration::Registered:
+        if (const QFileInfo file(fieldText(0)); file.isAbsolute() && file.exists())
+            session().RegisteredFolder = QDir::toNativeSeparators(file.path());
         session().dialogs.messageBox({.text = u"本データを登録しました。"_s, .title = fileTitle});
         CloseWithoutAsking = true;
         unload();

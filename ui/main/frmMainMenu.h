@@ -140,7 +140,7 @@ private:
     int requiredNodeIndex() const;
     bool treeHasNodes() const { return nodeCount() > 0; }
     /// The answer of the data menu's own handlers to a failure.
-    void showFailure(const Error& error);
+    void showFailure(const Error& error, const QString& handler);
     /// Files data in a category; of `rows`, which list them, those whose data are gone leave the list.
     void classify(const std::vector<ListedDatum>& listed, const std::vector<int>& rows,
                   const CategoryRow& category);

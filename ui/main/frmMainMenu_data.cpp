@@ -23,7 +23,7 @@ std::vector<ListedDatum> frmMainMenu::dataIn(const std::vector<int>& rows) const
 
 void frmMainMenu::mnuDataView_Click()
 {
-    guardedBy([this](const Error& error) { showFailure(error); },
+    guardedBy([this](const Error& error) { showFailure(error, u"mnuDataView_Click"_s); },
               [&] {
                   const int row = lsvData->selectedRow();
                   // Rows without a selection are like no rows: there is nothing to show.
@@ -38,7 +38,7 @@ void frmMainMenu::mnuDataView_Click()
 
 void frmMainMenu::mnuDataDelete_Click()
 {
-    guardedBy([this](const Error& error) { showFailure(error); },
+    guardedBy([this](const Error& error) { showFailure(error, u"mnuDataDelete_Click"_s); },
               [&] {
                   std::vector<int> rows = lsvData->selectedRows();
                   if (rows.empty()) {
@@ -109,10 +109,9 @@ void frmMainMenu::DeleteSelectedData()
     });
 }
 
-void frmMainMenu::showFailure(const Error& error)
+void frmMainMenu::showFailure(const Error& error, const QString& handler)
 {
-    session().dialogs.messageBox({.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description,
-                                  .title = titles::SystemOperation});
+    reportUntrapped(session().reporting, error, handler, titles::SystemOperation);
 }
 
 } // namespace quillon

@@ -1,0 +1,88 @@
+// Replaces the C library's allocation of a test program, and with it that of all libraries: to be included in one
+// source of it.
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+#if !__has_feature(address_sanitizer)
+#define QUILLON_MEMORY_CAN_FAIL
+#endif
+#else
+#define QUILLON_MEMORY_CAN_FAIL
+#endif
+#endif
+
+namespace quillon::testing
+{
+
+/// As long as it lives, the large blocks of memory are counted; from the one of a given number on none can be had.
+class FailingMemory
+{
+public:
+    static constexpr std::size_t Large = std::size_t{1} << 16;
+
+    explicit FailingMemory(int firstRefused)
+    {
+        s_left = firstRefused;
+        s_counts = true;
+    }
+    ~FailingMemory() { s_counts = false; }
+    FailingMemory(const FailingMemory&) = delete;
+    FailingMemory& operator=(const FailingMemory&) = delete;
+
+    /// Whether any block has been refused so far.
+    static bool hasRefused() { return s_left < 0; }
+    static bool refuses(std::size_t bytes)
+    {
+        if (!s_counts || bytes < Large)
+            return false;
+        if (s_left >= 0)
+            --s_left;
+        return s_left < 0;
+    }
+
+private:
+    inline static bool s_counts = false;
+    inline static int s_left = 0;
+};
+
+} // namespace quillon::testing
+
+#ifdef QUILLON_MEMORY_CAN_FAIL
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names of the library
+extern "C" {
+void* __libc_malloc(std::size_t bytes) noexcept;
+void* __libc_calloc(std::size_t count, std::size_t bytes) noexcept;
+void* __libc_realloc(void* block, std::size_t bytes) noexcept;
+
+void* malloc(std::size_t bytes) noexcept
+{
+    if (!quillon::testing::FailingMemory::refuses(bytes))
+        return __libc_malloc(bytes);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+void* calloc(std::size_t count, std::size_t bytes) noexcept
+{
+    if (!quillon::testing::FailingMemory::refuses(count * bytes))
+        return __libc_calloc(count, bytes);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+void* realloc(void* block, std::size_t bytes) noexcept
+{
+    if (!quillon::testing::FailingMemory::refuses(bytes))
+        return __libc_realloc(block, bytes);
+    errno = ENOMEM;
+    return nullptr;
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+#endif
