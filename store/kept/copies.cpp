@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
 #include "store/kept/file_contents.h"
+#include "store/kept/history_format.h"
 #include "store/kept/retention.h"
 #include "store/quoted.h"
 #include "store/schema.h"
@@ -10,7 +11,6 @@
 #include "store/sqlite/statement.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -40,21 +40,21 @@ QString aboutPath(const QString& copyPath)
     return copyPath.chopped(CopyEnding.size()) + u".json"_s;
 }
 
-std::optional<QByteArray> hashOfCopy(const QString& path, const std::function<bool()>& goesOn)
+std::optional<QByteArray> sumOfCopy(const QString& path, const std::function<bool()>& goesOn)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return std::nullopt;
-    // Quicker than the hash that names contents; it is only to show that a copy is what it was.
-    QCryptographicHash hash(QCryptographicHash::Blake2b_256);
-    constexpr qint64 Part = qint64{1} << 20;
-    while (!file.atEnd()) {
-        const QByteArray bytes = file.read(Part);
-        if (bytes.isEmpty() || (goesOn && !goesOn()))
+    quint64 sum = 0;
+    std::vector<char> part(std::size_t{1} << 18);
+    for (;;) {
+        const qint64 count = file.read(part.data(), static_cast<qint64>(part.size()));
+        if (count < 0 || (goesOn && !goesOn()))
             return std::nullopt;
-        hash.addData(bytes);
+        if (count == 0)
+            return QByteArray::number(sum, 16);
+        sum = checksum(QByteArrayView(part.data(), count), sum);
     }
-    return hash.result();
 }
 
 QJsonObject aboutCopy(const Copy& copy, const QString& database)
@@ -74,7 +74,7 @@ QJsonObject aboutCopy(const Copy& copy, const QString& database)
             {u"rows"_s, copy.rows},
             {u"counts"_s, counts},
             {u"doubtful"_s, copy.isDoubtful},
-            {u"hash"_s, QString::fromLatin1(copy.hash.toHex())},
+            {u"sum"_s, QString::fromLatin1(copy.sum)},
             {u"databaseSize"_s, copy.databaseSize},
             {u"databaseModified"_s, copy.databaseModified},
             {u"files"_s, files}};
@@ -103,7 +103,7 @@ std::optional<Copy> copyAt(const QString& path)
     for (auto count = counts.begin(); count != counts.end(); ++count)
         copy.counts.insert(count.key(), count.value().toInteger());
     copy.isDoubtful = about.value(u"doubtful"_s).toBool();
-    copy.hash = QByteArray::fromHex(about.value(u"hash"_s).toString().toLatin1());
+    copy.sum = about.value(u"sum"_s).toString().toLatin1();
     copy.databaseSize = numberIn(about, u"databaseSize"_s);
     copy.databaseModified = numberIn(about, u"databaseModified"_s);
     for (const QJsonValue& value : about.value(u"files"_s).toArray()) {
@@ -255,10 +255,10 @@ private:
 
     bool place(const QString& beside)
     {
-        const std::optional<QByteArray> hash = hashOfCopy(beside, m_order.goesOn);
-        if (!hash)
+        const std::optional<QByteArray> sum = sumOfCopy(beside, m_order.goesOn);
+        if (!sum)
             return false;
-        m_copy.hash = *hash;
+        m_copy.sum = *sum;
         m_copy.size = QFileInfo(beside).size();
         const QString stem = m_order.place.copies() + u'/' + m_time.toString(u"yyyy-MM-dd_HHmmss"_s);
         m_copy.path = stem + CopyEnding;
@@ -318,7 +318,7 @@ CopyOutcome makeCopy(const CopyOrder& order)
 
 bool isUnharmed(const Copy& copy)
 {
-    return hashOfCopy(copy.path, {}) == copy.hash;
+    return sumOfCopy(copy.path, {}) == copy.sum;
 }
 
 } // namespace quillon::kept

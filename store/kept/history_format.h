@@ -42,6 +42,9 @@ void appendText(QByteArray& bytes, QStringView text);
 /// A row as it was.
 void appendChange(QByteArray& bytes, const sqlite::OldRow& row, quint16 table);
 
+/// Tells whether bytes are what they were; quick, and no protection against anyone. A sum goes on from the one before.
+quint64 checksum(QByteArrayView bytes, quint64 sum = 0);
+
 /// A record with its length and checksum before it.
 QByteArray record(QByteArrayView payload);
 

@@ -20,7 +20,7 @@ class HistoryWriter : public sqlite::RowListener
 {
 public:
     /// `longFrom`: with so many bytes a transaction begins to be written in pieces, instead of filling the memory.
-    explicit HistoryWriter(std::shared_ptr<HistoryFile> file, qsizetype longFrom = qsizetype{1} << 20);
+    explicit HistoryWriter(std::shared_ptr<HistoryFile> file, qsizetype longFrom = qsizetype{1} << 17);
     ~HistoryWriter() override;
 
     void rowGoes(const sqlite::OldRow& row) override;

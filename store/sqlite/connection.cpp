@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QSysInfo>
 
 #include <sqlite3.h>
 
@@ -210,7 +211,11 @@ void Connection::watchRows(std::unique_ptr<RowListener> listener)
     m_watch.reset();
     if (!listener)
         return;
-    m_watch = std::make_unique<RowWatch>(m_handle.get(), std::move(listener));
+    Statement encoding(m_handle, u"PRAGMA encoding"_s);
+    const bool isOurs =
+        QSysInfo::ByteOrder == QSysInfo::LittleEndian && encoding.step() && encoding.text(0) == u"UTF-16le";
+    const auto texts = isOurs ? OldRow::Texts::AsInMemory : OldRow::Texts::ToBeConverted;
+    m_watch = std::make_unique<RowWatch>(m_handle.get(), texts, std::move(listener));
     m_handle.setWatch(m_watch.get());
 }
 

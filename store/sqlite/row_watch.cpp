@@ -62,10 +62,12 @@ StoredValue OldRow::field(int index) const
     case SQLITE_FLOAT:
         return {.type = StoredValue::Type::Real, .real = sqlite3_value_double(value)};
     case SQLITE_TEXT: {
-        // The text first, its length afterwards: the length is that of the converted text.
-        const void* const units = sqlite3_value_text16(value);
+        // Asked for as a text it would be copied to get a zero at its end. The text first, its length afterwards: the
+        // length is that of the converted text.
+        const void* const units =
+            m_texts == Texts::AsInMemory ? sqlite3_value_blob(value) : sqlite3_value_text16(value);
         const int bytes = sqlite3_value_bytes16(value);
-        if (units == nullptr)
+        if (units == nullptr && bytes > 0)
             throw Error(errors::OutOfMemory);
         return {.type = StoredValue::Type::Text,
                 .text = {static_cast<const char16_t*>(units), bytes / static_cast<int>(sizeof(char16_t))}};
@@ -96,8 +98,8 @@ bool OldRow::changes() const
     return false;
 }
 
-RowWatch::RowWatch(sqlite3* connection, std::unique_ptr<RowListener> listener)
-    : m_connection(connection), m_listener(std::move(listener))
+RowWatch::RowWatch(sqlite3* connection, OldRow::Texts texts, std::unique_ptr<RowListener> listener)
+    : m_connection(connection), m_texts(texts), m_listener(std::move(listener))
 {
     sqlite3_preupdate_hook(connection, beforeChange, this);
     sqlite3_rollback_hook(connection, rolledBack, this);
@@ -115,10 +117,11 @@ void RowWatch::beforeChange(void* watch, sqlite3* connection, int operation, con
     // A row that is new replaces nothing, and what lies in memory for the time of the run is nobody's data.
     if (operation == SQLITE_INSERT || std::strcmp(database, "main") != 0)
         return;
-    RowListener& listener = *static_cast<RowWatch*>(watch)->m_listener;
+    const RowWatch& self = *static_cast<RowWatch*>(watch);
+    RowListener& listener = *self.m_listener;
     // No exception may pass through SQLite.
     try {
-        const OldRow row(connection, table, oldRow, operation == SQLITE_DELETE);
+        const OldRow row(connection, table, oldRow, operation == SQLITE_DELETE, self.m_texts);
         if (row.changes())
             listener.rowGoes(row);
     } catch (...) {

@@ -26,8 +26,9 @@ struct StoredValue {
 class OldRow
 {
 public:
-    OldRow(sqlite3* connection, const char* table, qint64 row, bool isDeleted)
-        : m_connection(connection), m_table(table), m_row(row), m_isDeleted(isDeleted)
+    enum class Texts { AsInMemory, ToBeConverted }; ///< how the file keeps them
+    OldRow(sqlite3* connection, const char* table, qint64 row, bool isDeleted, Texts texts)
+        : m_connection(connection), m_table(table), m_row(row), m_isDeleted(isDeleted), m_texts(texts)
     {
     }
 
@@ -46,6 +47,7 @@ private:
     const char* m_table;
     qint64 m_row;
     bool m_isDeleted;
+    Texts m_texts;
 };
 
 /// Who is told of every row that a connection overwrites or deletes.
@@ -73,7 +75,7 @@ public:
 class RowWatch
 {
 public:
-    RowWatch(sqlite3* connection, std::unique_ptr<RowListener> listener);
+    RowWatch(sqlite3* connection, OldRow::Texts texts, std::unique_ptr<RowListener> listener);
     ~RowWatch();
     RowWatch(const RowWatch&) = delete;
     RowWatch& operator=(const RowWatch&) = delete;
@@ -95,6 +97,7 @@ private:
     static void rolledBack(void* watch);
 
     sqlite3* m_connection;
+    OldRow::Texts m_texts;
     std::unique_ptr<RowListener> m_listener;
     std::size_t m_writeBegan = 0;
     int m_parts = 0; // open ones

@@ -1,9 +1,11 @@
 #include "store/sqlite/connection.h"
+#include "store/sqlite/handle.h"
 #include "store/sqlite/row_watch.h"
 #include "store/sqlite/statement.h"
 #include "store/sqlite/transaction.h"
 #include "tests/support/errors_of.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -110,6 +112,34 @@ private Q_SLOTS:
         run(u"DELETE FROM t WHERE x = '火'"_s);
         QCOMPARE(lines, QStringList({u"t 2 changed: \"火\", \"b\""_s, u"durable"_s,
                                      u"t 2 deleted: \"火\", \"z\""_s, u"durable"_s}));
+    }
+
+    void textsOfAFileInAnyEncodingAreTold_data()
+    {
+        QTest::addColumn<QString>("encoding");
+        for (const char* encoding : {"UTF-8", "UTF-16le", "UTF-16be"})
+            QTest::newRow(encoding) << QString::fromLatin1(encoding);
+    }
+    void textsOfAFileInAnyEncodingAreTold()
+    {
+        QFETCH(QString, encoding);
+        const QString foreign = folder->filePath(u"foreign.mdb"_s);
+        {
+            QFile file(foreign);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        {
+            sqlite::Handle handle;
+            handle.open(foreign, sqlite::Access::ToUse);
+            sqlite::Statement(handle, u"PRAGMA encoding = '"_s + encoding + u'\'').run();
+            sqlite::Statement(handle, u"CREATE TABLE t (x TEXT)"_s).run();
+            sqlite::Statement(handle, u"INSERT INTO t VALUES ('水とH2O'), ('')"_s).run();
+        }
+        connection = std::make_unique<Connection>(foreign, Connection::Mode::OpenExisting);
+        connection->beginUse();
+        connection->watchRows(std::make_unique<Told>(lines));
+        run(u"UPDATE t SET x = x || '!'"_s);
+        QCOMPARE(lines, QStringList({u"t 1 changed: \"水とH2O\""_s, u"t 2 changed: \"\""_s, u"durable"_s}));
     }
 
     void everyRowOfATableThatIsEmptiedIsTold()
