@@ -13,20 +13,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
-namespace
-{
-
-/// Whether a name can only be that of an entry of its folder. Refused everywhere is what would lead out of the folder
-/// on any platform, because a database may travel: separators and drives.
-bool isBareName(const QString& name)
-{
-    const bool drive = name.size() > 1 && name[1] == u':' && name[0].isLetter();
-    return !name.isEmpty() && name != u"." && name != u".." && !drive && !name.contains(u'/') &&
-           !name.contains(u'\\') && !name.contains(QChar(u'\0'));
-}
-
-} // namespace
-
 bool SystemFiles::entryExists(const QString& path) const
 {
     // A link that leads nowhere is an entry all the same.
@@ -46,7 +32,7 @@ bool SystemFiles::folderExists(const QString& path) const
 
 std::optional<QString> SystemFiles::storedFile(const QString& folder, const QString& name) const
 {
-    if (!isBareName(name))
+    if (!platform::isBareName(name))
         return std::nullopt;
     const QString path = folder + QDir::separator() + name;
     if (!platform::isOrdinaryFile(path))
@@ -61,7 +47,7 @@ std::optional<QString> SystemFiles::storedFile(const QString& folder, const QStr
 std::unique_ptr<StagedCopy> SystemFiles::stageCopy(const QString& source, const QString& folder,
                                                    const QString& name, const Progress& progress) const
 {
-    if (!isBareName(name))
+    if (!platform::isBareName(name))
         throw Error(errors::PathFileAccess);
     return platform::stageCopy(source, folder, name, progress);
 }

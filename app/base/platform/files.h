@@ -8,6 +8,10 @@ namespace quillon::platform
 /// Whether an ordinary visible file stands at `path`: no folder, device or pipe (links are followed).
 bool isOrdinaryFile(const QString& path);
 
+/// Whether a name can only be that of an entry of its folder: it holds nothing that this system takes for a separator
+/// or a drive, so that a database that has travelled leads nowhere else.
+bool isBareName(const QString& name);
+
 /// Whether this process may create files in `folder`.
 bool mayWriteIn(const QString& folder);
 

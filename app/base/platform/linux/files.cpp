@@ -15,6 +15,12 @@ bool isOrdinaryFile(const QString& path)
     return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+bool isBareName(const QString& name)
+{
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') &&
+           !name.contains(QChar::Null);
+}
+
 bool mayWriteIn(const QString& folder)
 {
     return faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;

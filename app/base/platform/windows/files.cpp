@@ -4,6 +4,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 namespace quillon::platform
 {
 
@@ -33,6 +35,16 @@ bool isOrdinaryFile(const QString& path)
     return file && GetFileType(file.get()) == FILE_TYPE_DISK &&
            GetFileInformationByHandle(file.get(), &found) != 0 &&
            (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool isBareName(const QString& name)
+{
+    // A colon leads to a drive or to another stream of the file.
+    const auto leadsAway = [](QChar character) {
+        return character == u'/' || character == u'\\' || character == u':' || character.isNull();
+    };
+    return !name.isEmpty() && name != u"." && name != u".." &&
+           std::none_of(name.begin(), name.end(), leadsAway);
 }
 
 bool mayWriteIn(const QString& folder)
