@@ -26,7 +26,7 @@ constexpr QFileDevice::Permissions ForTheUserAlone =
 QString withoutLinks(const QString& path)
 {
     const QFileInfo info(path);
-    const QString canonical = info.canonicalFilePath();
+    QString canonical = info.canonicalFilePath();
     if (!canonical.isEmpty())
         return canonical;
     const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();

@@ -87,9 +87,8 @@ Error errorOf(sqlite3* connection, int code)
     // The file asks for what only the program that made it has.
     if ((code & 0xFF) == SQLITE_ERROR && connection != nullptr &&
         QByteArrayView(sqlite3_errmsg(connection)).startsWith("no such collation sequence"))
-        return Error(errors::NotADatabase,
-                     u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
-                     u"Quillon のデータベースか確認してください。"_s);
+        return {errors::NotADatabase, u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
+                                      u"Quillon のデータベースか確認してください。"_s};
     return Error(numberOf(connection, code));
 }
 

@@ -18,8 +18,7 @@ constexpr const char* NameToInspect = "quillon-inspect";
 
 sqlite3_vfs* systemFiles()
 {
-    static sqlite3_vfs* const files = sqlite3_vfs_find(nullptr);
-    return files;
+    return sqlite3_vfs_find(nullptr);
 }
 
 int openToUse(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags)

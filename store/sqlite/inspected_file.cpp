@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <vector>
 
 namespace quillon::sqlite
 {
@@ -40,9 +41,7 @@ public:
         if (exists == 0)
             return (flags & SQLITE_OPEN_CREATE) != 0 ? SQLITE_OK : SQLITE_CANTOPEN;
         // SQLite's own memory is aligned for whatever stands in it.
-        m_below = std::make_unique<std::max_align_t[]>(
-            static_cast<std::size_t>(m_system->szOsFile) / sizeof(std::max_align_t) + 1);
-        std::memset(m_below.get(), 0, static_cast<std::size_t>(m_system->szOsFile));
+        m_below.assign(static_cast<std::size_t>(m_system->szOsFile) / sizeof(std::max_align_t) + 1, {});
         const int readOnly = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
         const int code = m_system->xOpen(m_system, name, below(), readOnly, nullptr);
         m_isOpen = below()->pMethods != nullptr;
@@ -142,7 +141,7 @@ private:
     static constexpr std::int64_t BlockSize = 4096;
     using Block = std::array<char, BlockSize>;
 
-    sqlite3_file* below() { return reinterpret_cast<sqlite3_file*>(m_below.get()); }
+    sqlite3_file* below() { return reinterpret_cast<sqlite3_file*>(m_below.data()); }
 
     /// What stands in the file itself, and zeros behind its end.
     int readBelow(char* target, std::int64_t count, std::int64_t from)
@@ -161,7 +160,7 @@ private:
     }
 
     sqlite3_vfs* m_system;
-    std::unique_ptr<std::max_align_t[]> m_below;
+    std::vector<std::max_align_t> m_below;
     bool m_isOpen = false;
     std::map<std::int64_t, Block> m_written; // by where they begin
     bool m_isResized = false;

@@ -2,10 +2,10 @@
 
 #include "store/sqlite/errors.h"
 
-// The header declares the hook only to whoever knows that the library has it.
-#define SQLITE_ENABLE_PREUPDATE_HOOK
 #include <sqlite3.h>
 
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -26,8 +26,8 @@ bool areEqual(sqlite3_value* a, sqlite3_value* b)
         return sqlite3_value_int64(a) == sqlite3_value_int64(b);
     case SQLITE_FLOAT: {
         // By their bits: nothing that reads otherwise may pass for the same.
-        const double values[] = {sqlite3_value_double(a), sqlite3_value_double(b)};
-        return std::memcmp(&values[0], &values[1], sizeof(double)) == 0;
+        return std::bit_cast<std::uint64_t>(sqlite3_value_double(a)) ==
+               std::bit_cast<std::uint64_t>(sqlite3_value_double(b));
     }
     case SQLITE_TEXT: {
         const void* const first = sqlite3_value_text16(a);
