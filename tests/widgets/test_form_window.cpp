@@ -7,6 +7,7 @@
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "ui/widgets/form_window.h"
+#include "ui/widgets/persons_input.h"
 #include "ui/widgets/window_registry.h"
 
 #include <QMenu>
@@ -129,6 +130,7 @@ private Q_SLOTS:
     void unloadingTwiceAsksOnce();
     void deletingAWindowTakesItOutOfTheRegistry();
     void aModalShowingEndsWithTheUnloading();
+    void theWindowBeforeActsAgainAfterAModalShowing();
     void aModalShowingOutlastsARefusal();
     void aModalShowingEndsWhenTheWindowIsDeleted();
     void aVisibleWindowBecomesModal();
@@ -295,6 +297,26 @@ void TestFormWindow::aModalShowingEndsWithTheUnloading()
     window->showModal();
     QVERIFY(wasModal);
     QCOMPARE(m_world->loadedNames(), QStringList(u"frmMainMenu"_s));
+}
+
+void TestFormWindow::theWindowBeforeActsAgainAfterAModalShowing()
+{
+    const PersonsInput& input = PersonsInput::ofApplication();
+    PlainWindow* main = m_world->window(u"frmMainMenu"_s);
+    PlainWindow* before = m_world->window(u"a"_s);
+    PlainWindow* window = m_world->window(u"b"_s);
+    main->showModeless();
+    before->showModeless();
+    QTest::keyClick(before, Qt::Key_A);
+    QWidget* acting = nullptr;
+    QTimer::singleShot(0, window, [&] {
+        acting = input.actingWindow();
+        QTest::keyClick(window, Qt::Key_A);
+        window->close();
+    });
+    window->showModal();
+    QCOMPARE(acting, window);
+    QCOMPARE(input.actingWindow(), before); // what its action goes on to ask is asked in front of it
 }
 
 void TestFormWindow::aModalShowingOutlastsARefusal()

@@ -181,8 +181,12 @@ void FormWindow::showModal()
     QEventLoop loop;
     connect(this, &FormWindow::unloaded, &loop, &QEventLoop::quit);
     connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
-    bringToFront();
-    loop.exec();
+    {
+        // What follows its end is done by the window before again, and asked there.
+        const PersonsInput::Claim acts(*this);
+        bringToFront();
+        loop.exec();
+    }
     if (before && before->isVisible())
         before->activateWindow();
 }
