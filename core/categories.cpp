@@ -7,6 +7,7 @@
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/category_entry.h"
+#include "core/datum_place.h"
 #include "core/deferred_messages.h"
 #include "core/mode.h"
 #include "store/filter_result.h"
@@ -148,6 +149,18 @@ void DeleteParentCategory(Session& session, const QString& categoryIdentifier, c
             [&] { takeOutOfAncestors(tellingFailures(session), categoryIdentifier, identifier); });
 }
 
+namespace
+{
+
+/// Sees that a category that a list shows is still the same one. Error 3021 when it is gone or another has its identifier.
+void requireListed(Session& session, const CategoryRow& category)
+{
+    if (category.number != 0 && !isCategory(session, category))
+        throw Error(errors::NoCurrentRecord);
+}
+
+} // namespace
+
 void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier)
 {
     const auto memberships = GetFilterResult(session.reporting, session.RsCategory,
@@ -157,12 +170,17 @@ void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, co
     memberships->deleteRow();
 }
 
+void DeleteCategoryEntry(Session& session, const CategoryRow& category, const QString& identifier)
+{
+    requireListed(session, category);
+    DeleteCategoryEntry(session, category.identifier, identifier);
+}
+
 void TakeOutOfCategory(Session& session, const CategoryRow& category, const std::vector<ListedDatum>& data)
 {
     RecordSet& memberships = required(session.RsCategory);
     sqlite::Transaction write(memberships.database().connection());
-    if (category.number != 0 && !isCategory(session, category))
-        throw Error(errors::NoCurrentRecord);
+    requireListed(session, category);
     qsizetype gone = 0;
     QHash<QString, int> wanted; // how often a datum is to be taken out
     {
@@ -250,7 +268,11 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
     return deleted;
 }
 
-void SelectCategory(Session& session, const QString& identifier)
+namespace
+{
+
+/// Lets the user choose one of the main window's categories. False when that is cancelled.
+bool chooseCategory(Session& session)
 {
     const MainWindowPort& tree = session.mainWindow();
     std::vector<ChooserNode> nodes;
@@ -273,8 +295,41 @@ void SelectCategory(Session& session, const QString& identifier)
     }
     chooser.expandNode(NinthNode);
     chooser.showModal();
-    if (session.CategoryChosen)
-        ClassifyCategory(session, session.ChosenCategoryID, identifier);
+    return session.CategoryChosen;
+}
+
+/// Files a datum in the category that the session remembers as chosen. Another program may have deleted it meanwhile,
+/// and a chooser that was closed by its close box chooses what was chosen at any time before.
+void classifyInChosen(Session& session, const QString& identifier)
+{
+    guarded(session.reporting, u"ClassifyCategory"_s, [&] {
+        const CategoryRow chosen{.name = session.ChosenCategoryName, .identifier = session.ChosenCategoryID};
+        Database& database = required(session.RsCategory).database();
+        DeferredMessages messages(database);
+        inWriteTransaction(database, [&] {
+            // No criteria text can hold a quote. Filing in such a category says so.
+            if (!chosen.identifier.contains(u'\''))
+                requireCategory(session, chosen);
+            ClassifyDatum(session, messages, chosen.identifier, identifier);
+        });
+        messages.show(session);
+    });
+}
+
+} // namespace
+
+void SelectCategory(Session& session, const QString& identifier)
+{
+    if (chooseCategory(session))
+        classifyInChosen(session, identifier);
+}
+
+void SelectCategory(Session& session, const DatumPlace& datum)
+{
+    if (!chooseCategory(session))
+        return;
+    requireDatum(session, datum);
+    classifyInChosen(session, datum.identifier);
 }
 
 } // namespace quillon

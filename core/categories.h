@@ -14,6 +14,7 @@ class DataWindow;
 class DeferredMessages;
 class Session;
 struct CategoryRow;
+struct DatumPlace;
 
 /// Fills a data window's category list with the categories of a datum. Failures are reported as "AddCategory".
 void AddCategory(Session& session, DataWindow& window, const QString& identifier);
@@ -41,6 +42,9 @@ void DeleteParentCategory(Session& session, const QString& categoryIdentifier, c
 /// Takes a datum out of one category. Not trapped: error 3021 when it is not filed there.
 void DeleteCategoryEntry(Session& session, const QString& categoryIdentifier, const QString& identifier);
 
+/// The same for a category as a window lists it: error 3021, too, when it is gone or another has its identifier.
+void DeleteCategoryEntry(Session& session, const CategoryRow& category, const QString& identifier);
+
 /// Takes data out of a category, each out of the first of the category and its subcategories in which it is filed; a
 /// datum that is named twice leaves two of them. One durable write. Data that are filed nowhere there any more, or bear
 /// another name by now, are passed over and told afterwards.
@@ -63,7 +67,11 @@ bool HasSubcategories(Session& session, const QString& categoryIdentifier);
 bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 mode);
 
 /// Lets the user choose one of the main window's categories and files a datum in it. Not trapped: error 35600 when
-/// there are fewer than eight categories.
+/// there are fewer than eight categories. That the category is gone, or is another by now, is reported as
+/// "ClassifyCategory".
 void SelectCategory(Session& session, const QString& identifier);
+
+/// The same for the very datum that a window shows: error 3021, too, when it is gone after the choice.
+void SelectCategory(Session& session, const DatumPlace& datum);
 
 } // namespace quillon

@@ -6,6 +6,7 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/datum_place.h"
 #include "core/links.h"
 #include "core/registration_window.h"
 #include "store/data_kinds.h"
@@ -52,7 +53,12 @@ void ShowRefFile(Session& session, const QString& identifier)
     });
 }
 
-bool RegisterFileAndLink(Session& session, const QString& identifier)
+namespace
+{
+
+/// `requireSource`: sees that the datum to be linked is still there.
+template <class RequireSource>
+bool registerAndLink(Session& session, const QString& identifier, RequireSource&& requireSource)
 {
     // Whatever comes of it, nothing that is chosen afterwards is linked any more.
     const auto endPendingLink = qScopeGuard([&session] { session.LinkSourceMode = false; });
@@ -64,8 +70,21 @@ bool RegisterFileAndLink(Session& session, const QString& identifier)
     // From here on the window may be gone.
     if (!required(session.RsRefFile).goTo(data_field::Object_ID, registered))
         return false;
+    requireSource();
     addLink(session, identifier, registered);
     return true;
+}
+
+} // namespace
+
+bool RegisterFileAndLink(Session& session, const QString& identifier)
+{
+    return registerAndLink(session, identifier, [] {});
+}
+
+bool RegisterFileAndLink(Session& session, const DatumPlace& datum)
+{
+    return registerAndLink(session, datum.identifier, [&] { requireDatum(session, datum); });
 }
 
 } // namespace quillon

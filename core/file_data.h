@@ -6,6 +6,7 @@ namespace quillon
 {
 
 class Session;
+struct DatumPlace;
 
 /// Opens the file of a file datum with its associated application. Failures are reported as "ShowRefFile".
 void ShowRefFile(Session& session, const QString& identifier);
@@ -13,5 +14,8 @@ void ShowRefFile(Session& session, const QString& identifier);
 /// Lets the user register an outside file in the registration window and links the new file datum to `identifier`.
 /// False when the user did not register one, or there was no identifier for it. Not trapped: failures go to the caller.
 bool RegisterFileAndLink(Session& session, const QString& identifier);
+
+/// The same for the very datum that a window shows: error 3021 when it is gone after the registration.
+bool RegisterFileAndLink(Session& session, const DatumPlace& datum);
 
 } // namespace quillon

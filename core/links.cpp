@@ -79,7 +79,13 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
             session.dialogs.messageBox({.text = u"既に同一のリンクが存在します。"_s});
             return;
         }
+        sqlite::Transaction write(required(session.RsLink).database().connection());
+        for (const ListedDatum& end : {ListedDatum{source, sourceName}, ListedDatum{target, targetName}}) {
+            if (!isStillThere(session, end))
+                throw Error(errors::NoCurrentRecord); // gone, or another datum by now
+        }
         addLink(session, source, target);
+        write.commit();
         linked = true;
         // sic: a blank after と that the question does not have.
         if (tells(mode))

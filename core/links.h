@@ -11,7 +11,8 @@ struct ListedDatum;
 
 /// Links two data unless they are linked already, in either direction; a datum may be linked to itself.
 /// `mode`: 1 or 3 asks first, 2 or more tells afterwards, 0 is silent.
-/// True when a row was added. Failures are reported as "LinkData".
+/// True when a row was added. Failures are reported as "LinkData"; it is one when one of the data that were named is
+/// gone or another by then.
 bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode);
 
 /// Adds the row of a link. Not trapped: error 3021 when one of the data is not there (any more).
@@ -21,7 +22,7 @@ void addLink(Session& session, const QString& source, const QString& target);
 /// True unless a failure was reported, as "DeleteLink".
 bool DeleteLink(Session& session, const QString& a, const QString& b);
 
-/// The same for two data that a question has named: error 3021, reported as above, when one of them is another by now.
+/// The same for two data that a question or a list has named: error 3021, reported as above, when one of them is another by now.
 bool DeleteLink(Session& session, const ListedDatum& a, const ListedDatum& b);
 
 /// Deletes every link of a datum without a word. Failures are reported as "DeleteRelationalLink".

@@ -57,7 +57,7 @@ private:
     {
         session().CategoryChosen = flag;
         session().ChosenCategoryID = u"C"_s;
-        session().ChosenCategoryName = u"前"_s;
+        session().ChosenCategoryName = u"分類C"_s;
     }
 
 private Q_SLOTS:
@@ -169,7 +169,7 @@ private Q_SLOTS:
         });
         QVERIFY(!session().CategoryChosen);
         QCOMPARE(session().ChosenCategoryID, u"C"_s);
-        QCOMPARE(session().ChosenCategoryName, u"前"_s);
+        QCOMPARE(session().ChosenCategoryName, u"分類C"_s);
         QCOMPARE(memberships(), QStringList());
     }
 

@@ -1,4 +1,6 @@
 #include "core/categories.h"
+#include "core/datum_place.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
@@ -40,8 +42,21 @@ private:
         for (int i = 1; i <= count; ++i) {
             const QString key = i == 1 ? u"A"_s : parent + u"-A"_s;
             nodes.push_back({key, u"分類%1"_s.arg(i), parent});
+            TestWorld::addRow(session().RsCategoryID, {key, u"分類%1"_s.arg(i)});
             parent = key;
         }
+    }
+    void choose(const QString& identifier, const QString& name)
+    {
+        session().CategoryChosen = true;
+        session().ChosenCategoryID = identifier;
+        session().ChosenCategoryName = name;
+    }
+    /// Deletes the category of this position, as another program does.
+    void deleteCategory(const QString& identifier)
+    {
+        QVERIFY(session().RsCategoryID->goTo(category_field::Category_ID, identifier));
+        session().RsCategoryID->deleteRow();
     }
 
 private Q_SLOTS:
@@ -77,10 +92,7 @@ private Q_SLOTS:
     {
         fillTree(8);
         TestWorld::addRow(session().RsCategory, {u"A"_s, Water});
-        chooser().whileModal = [&] {
-            session().CategoryChosen = true;
-            session().ChosenCategoryID = u"A-A"_s;
-        };
+        chooser().whileModal = [&] { choose(u"A-A"_s, u"分類2"_s); };
         SelectCategory(session(), Water);
         QCOMPARE(memberships(), QStringList(u"A-A|M-991231-001"_s)); // and no longer in the ancestor
     }
@@ -89,10 +101,7 @@ private Q_SLOTS:
     {
         fillTree(8);
         const JournaledWrites writes(*session().OpenDb, world->calls);
-        chooser().whileModal = [&] {
-            session().CategoryChosen = true;
-            session().ChosenCategoryID = u"A"_s;
-        };
+        chooser().whileModal = [&] { choose(u"A"_s, u"分類1"_s); };
         SelectCategory(session(), Water);
         QVERIFY(compareLines(world->calls.lines(),
                              {u"frmCategory.setNodes CATEGORY, A, A-A, A-A-A, A-A-A-A, A-A-A-A-A, "
@@ -101,11 +110,61 @@ private Q_SLOTS:
                               u"frmCategory.showModal"_s, u"insert Category A|M-991231-001"_s, u"commit"_s}));
     }
 
+    void categoryDeletedDuringTheChoiceGetsNothing()
+    {
+        fillTree(8);
+        chooser().whileModal = [&] {
+            choose(u"A-A"_s, u"分類2"_s);
+            deleteCategory(u"A-A"_s);
+        };
+        world->dialogs.expect(failureBox(u"ClassifyCategory"_s, 3021));
+        SelectCategory(session(), Water);
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void categoryWithTheIdentifierOfTheChosenOneGetsNothing()
+    {
+        fillTree(8);
+        chooser().whileModal = [&] {
+            choose(u"A-A"_s, u"分類2"_s);
+            deleteCategory(u"A-A"_s);
+            TestWorld::addRow(session().RsCategoryID, {u"A-A"_s, u"別"_s});
+        };
+        world->dialogs.expect(failureBox(u"ClassifyCategory"_s, 3021));
+        SelectCategory(session(), Water);
+        QCOMPARE(memberships(), QStringList());
+    }
+
+    void datumThatWasReplacedDuringTheChoiceIsNotFiled()
+    {
+        fillTree(8);
+        RecordSet& rows = *session().RsMain;
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
+        QVERIFY(rows.goTo(data_field::Object_ID, Water));
+        const DatumPlace shown{.kind = &data_kinds::definition(),
+                               .databaseFile = openDatabaseFile(session()),
+                               .identifier = Water,
+                               .row = rows.rowNumber()};
+        chooser().whileModal = [&] {
+            choose(u"A-A"_s, u"分類2"_s);
+            rows.deleteRow();
+            TestWorld::addRow(session().RsMain, {u"火"_s, Water, u"熱"_s});
+        };
+        QCOMPARE(errorOf([&] { SelectCategory(session(), shown); }), errors::NoCurrentRecord);
+        QCOMPARE(memberships(), QStringList());
+        chooser().whileModal = {};
+        const DatumPlace fire{.kind = shown.kind,
+                              .databaseFile = shown.databaseFile,
+                              .identifier = Water,
+                              .row = shown.row + 1};
+        SelectCategory(session(), fire);
+        QCOMPARE(memberships(), QStringList(u"A-A|M-991231-001"_s));
+    }
+
     void cancelFilesNothing()
     {
         fillTree(8);
-        session().CategoryChosen = true;
-        session().ChosenCategoryID = u"A-A"_s;
+        choose(u"A-A"_s, u"分類2"_s);
         chooser().whileModal = [&] { session().CategoryChosen = false; };
         SelectCategory(session(), Water);
         QCOMPARE(memberships(), QStringList());
@@ -114,8 +173,7 @@ private Q_SLOTS:
     void closingByOtherMeansChoosesAsBefore()
     {
         fillTree(8);
-        session().CategoryChosen = true;
-        session().ChosenCategoryID = u"A-A"_s;
+        choose(u"A-A"_s, u"分類2"_s);
         SelectCategory(session(), Water);
         SelectCategory(session(), Water);
         QCOMPARE(memberships(), QStringList(u"A-A|M-991231-001"_s));
@@ -135,8 +193,7 @@ private Q_SLOTS:
         QFETCH(int, categories);
         QFETCH(bool, shown);
         fillTree(categories);
-        session().CategoryChosen = true; // left over from an earlier choice
-        session().ChosenCategoryID = u"A"_s;
+        choose(u"A"_s, u"分類1"_s); // left over from an earlier choice
         qint32 number = 0;
         QString description;
         try {
@@ -166,10 +223,7 @@ private Q_SLOTS:
     void filingThatFailsIsReported()
     {
         fillTree(8);
-        chooser().whileModal = [&] {
-            session().CategoryChosen = true;
-            session().ChosenCategoryID = u"A'"_s;
-        };
+        chooser().whileModal = [&] { choose(u"A'"_s, u"分類1"_s); };
         world->dialogs.expect(failureBox(u"GetFilterResult"_s, 3075));
         world->dialogs.expect(failureBox(u"ClassifyCategory"_s, 91));
         SelectCategory(session(), Water);

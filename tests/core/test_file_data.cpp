@@ -1,5 +1,7 @@
 #include "core/data_records.h"
+#include "core/datum_place.h"
 #include "core/file_data.h"
+#include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
@@ -398,6 +400,26 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::NoCurrentRecord);
         QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList());
         QCOMPARE(session().RsRefFile->recordCount(), 1); // the file datum stays registered
+    }
+
+    void fileIsNotLinkedToADatumThatReplacedTheShownOne()
+    {
+        RecordSet& rows = *session().RsMain;
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
+        QVERIFY(rows.goTo(data_field::Object_ID, Water));
+        const DatumPlace shown{.kind = &data_kinds::definition(),
+                               .databaseFile = openDatabaseFile(session()),
+                               .identifier = Water,
+                               .row = rows.rowNumber()};
+        session().windows.registrationWindow(u"F"_s);
+        world->windows.dataWindows.back()->whileModal = [&] {
+            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+            QVERIFY(rows.goTo(data_field::Object_ID, Water));
+            rows.deleteRow();
+            TestWorld::addRow(session().RsMain, {u"火"_s, Water, u"熱"_s});
+        };
+        QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), shown); }), errors::NoCurrentRecord);
+        QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList());
     }
 
     void registrationWindowInUseMayRefuseTheLink()

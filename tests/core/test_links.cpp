@@ -99,6 +99,25 @@ private Q_SLOTS:
         QCOMPARE(links(), QStringList(u"M-991231-001|R-991231-001"_s)); // the source first
     }
 
+    void datumThatWasReplacedDuringTheQuestionIsNotLinked()
+    {
+        for (const QString& replaced : {Water, Ice}) {
+            world->dialogs.expect(question(u"水"_s, u"氷"_s));
+            world->dialogs.meanwhile([&] {
+                QVERIFY(session().RsMain->goTo(data_field::Object_ID, replaced));
+                session().RsMain->deleteRow();
+                TestWorld::addRow(session().RsMain, {u"火"_s, replaced, u"熱"_s});
+            });
+            world->dialogs.expect(failureBox(u"LinkData"_s, 3021));
+            QVERIFY(!LinkData(session(), Water, Ice, 3));
+            QCOMPARE(links(), QStringList());
+            QVERIFY(session().RsMain->goTo(data_field::Object_ID, replaced));
+            session().RsMain->edit();
+            session().RsMain->setField(data_field::Name, replaced == Water ? u"水"_s : u"氷"_s);
+            session().RsMain->update();
+        }
+    }
+
     void cancelAddsNothing()
     {
         for (const qint16 mode : {qint16{1}, qint16{3}}) {

@@ -189,6 +189,25 @@ private Q_SLOTS:
         QVERIFY(!world->memberships().contains(u"B|"_s + own));
     }
 
+    void categoryThatReplacedTheListedOneIsNotLeft_data() { bothKinds(); }
+
+    void categoryThatReplacedTheListedOneIsNotLeft()
+    {
+        world->giveCategories(1);
+        for (const QString& identifier : {Water, Book})
+            file(u"A"_s, identifier);
+        open();
+        world->session.RsCategoryID->moveFirst();
+        world->session.RsCategoryID->deleteRow();
+        TestWorld::addRow(world->session.RsCategoryID,
+                          {u"A"_s, u"別"_s}); // the datum is filed there elsewhere
+        selectRow(categories(), 0);
+        world->dialogs.expect(untrapped(3021));
+        QVERIFY(FormWorld::choose(*form, u"mnuCategoryDelete"_s));
+        QVERIFY(world->loggedUnder(u"mnuCategoryDelete_Click"_s, 3021));
+        QCOMPARE(world->memberships().size(), 2);
+    }
+
     void emptyListHasNothingToLeave_data() { bothKinds(); }
 
     void emptyListHasNothingToLeave()

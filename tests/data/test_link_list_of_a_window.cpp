@@ -197,6 +197,24 @@ private Q_SLOTS:
         QCOMPARE(shownLinks(), QStringList({u"絵.png|FILE|F-991231-001"_s}));
     }
 
+    void linkToADatumThatReplacedTheListedOneStays_data() { bothKinds(); }
+
+    void linkToADatumThatReplacedTheListedOneStays()
+    {
+        openWithLinks();
+        world->deleteElsewhere(Ice);
+        world->add(u"火"_s, Ice, u"熱"_s); // and linked to it, elsewhere
+        selectRow(linkList(), 0);
+        world->dialogs.expect(failureBox(u"DeleteLink"_s, 3021));
+        QVERIFY(FormWorld::choose(*form, u"mnuLinkDelete"_s));
+        QCOMPARE(world->links().size(), 2);
+        QCOMPARE(shownLinks().first(), u"火|定義|M-991231-002"_s); // now it is seen, and can be deleted
+        selectRow(linkList(), 0);
+        world->dialogs.expect(linkDeleted(u"火"_s, ownName));
+        QVERIFY(FormWorld::choose(*form, u"mnuLinkDelete"_s));
+        QCOMPARE(world->links().size(), 1);
+    }
+
     void emptyListHasNothingToDelete_data() { bothKinds(); }
 
     void emptyListHasNothingToDelete()

@@ -21,8 +21,8 @@ namespace quillon
 namespace
 {
 
+constexpr int LinkNameColumn = 0;
 constexpr int LinkIdentifierColumn = 2;
-constexpr int CategoryIdentifierColumn = 1;
 
 } // namespace
 
@@ -102,7 +102,7 @@ void DataForm::mnuLinkRefFile_Click()
         return;
     }
     const QPointer<DataForm> self(this);
-    if (RegisterFileAndLink(session(), fieldText(1)) && !self.isNull())
+    if (RegisterFileAndLink(session(), place()) && !self.isNull())
         SetLinkList(session(), *this, fieldText(1));
 }
 
@@ -131,7 +131,10 @@ void DataForm::mnuLinkDelete_Click()
     }
     requireDatum(session(), place());
     const QPointer<DataForm> self(this);
-    DeleteLink(session(), lsvLink->rows().text(row, LinkIdentifierColumn).toString(), fieldText(1));
+    // Nothing is asked: what is deleted must be the link to what the list shows.
+    const ListedDatum partner{.identifier = lsvLink->rows().text(row, LinkIdentifierColumn).toString(),
+                              .name = lsvLink->rows().text(row, LinkNameColumn).toString()};
+    DeleteLink(session(), partner, presentDatum(session(), fieldText(1)));
     if (self)
         SetLinkList(session(), *this, fieldText(1));
 }
@@ -140,7 +143,7 @@ void DataForm::mnuCategoryEntry_Click()
 {
     requireDatum(session(), place());
     const QPointer<DataForm> self(this);
-    SelectCategory(session(), fieldText(1));
+    SelectCategory(session(), place());
     if (self)
         AddCategory(session(), *this, fieldText(1));
 }
@@ -153,8 +156,7 @@ void DataForm::mnuCategoryDelete_Click()
         return;
     }
     requireDatum(session(), place());
-    DeleteCategoryEntry(session(), lsvCategory->rows().text(row, CategoryIdentifierColumn).toString(),
-                        fieldText(1));
+    DeleteCategoryEntry(session(), categoryRows().at(static_cast<std::size_t>(row)), fieldText(1));
     AddCategory(session(), *this, fieldText(1));
 }
 
