@@ -8,7 +8,7 @@
 #   sanitize   the tests of app/base, store and core pass under the address and undefined behaviour sanitizers
 # Options:
 #   --base REVISION   what changed since this revision counts as changed; without it, what the last ten commits
-#                     changed, of which tidy reads the thirty tests that changed last
+#                     changed, of which tidy reads the ten tests that changed last
 #   --all             tidy reads all tests
 #   --sanitize-all    sanitize runs all tests
 #   --long            reserved for runs that are too long for every day; there are none yet, so it changes nothing
@@ -18,7 +18,7 @@ set -eu
 root=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 cd "$root"
 logs=build/check
-most_tests=30
+most_tests=10
 
 usage()
 {

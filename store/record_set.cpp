@@ -64,17 +64,16 @@ Error RecordSet::withPlace(const Error& error, const Damaged& damaged) const
     if (error.number != errors::NotADatabase || error.description != standardDescription(error.number))
         return error;
     if (damaged.rowOfPass)
-        return Error(error.number,
-                     u"データベースが壊れているため、テーブル %1 の %2 行目を読み取れませんでした。"
-                     u"控えのファイルを展開してください。"_s.arg(m_table.name)
-                         .arg(*damaged.rowOfPass));
+        return {error.number, u"データベースが壊れているため、テーブル %1 の %2 行目を読み取れませんでした。"
+                              u"控えのファイルを展開してください。"_s.arg(m_table.name)
+                                  .arg(*damaged.rowOfPass)};
     if (damaged.row)
-        return Error(error.number,
-                     u"データベースが壊れているため、テーブル %1 の行 (番号 %2) を読み取れませんでした。"
-                     u"控えのファイルを展開してください。"_s.arg(m_table.name)
-                         .arg(*damaged.row));
-    return Error(error.number, u"データベースが壊れているため、テーブル %1 を読み取れませんでした。"
-                               u"控えのファイルを展開してください。"_s.arg(m_table.name));
+        return {error.number,
+                u"データベースが壊れているため、テーブル %1 の行 (番号 %2) を読み取れませんでした。"
+                u"控えのファイルを展開してください。"_s.arg(m_table.name)
+                    .arg(*damaged.row)};
+    return {error.number, u"データベースが壊れているため、テーブル %1 を読み取れませんでした。"
+                          u"控えのファイルを展開してください。"_s.arg(m_table.name)};
 }
 
 RecordSet::Stamp RecordSet::stamp() const

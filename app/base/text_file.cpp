@@ -25,7 +25,7 @@ QString decodeTextFile(QByteArrayView bytes)
                 .decode(bytes.sliced(mark.bytes.size()));
     }
     QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    const QString fromUtf8 = utf8.decode(bytes);
+    QString fromUtf8 = utf8.decode(bytes);
     const bool isUtf8 = !utf8.hasError();
     // Japanese in UTF-8 may look like rare characters of 932, but hardly the other way round. Characters of two bytes
     // prove nothing: half-width katakana of 932 look like them.

@@ -106,7 +106,8 @@ std::optional<Copy> copyAt(const QString& path)
     copy.sum = about.value(u"sum"_s).toString().toLatin1();
     copy.databaseSize = numberIn(about, u"databaseSize"_s);
     copy.databaseModified = numberIn(about, u"databaseModified"_s);
-    for (const QJsonValue& value : about.value(u"files"_s).toArray()) {
+    const QJsonArray files = about.value(u"files"_s).toArray();
+    for (const auto& value : files) {
         const QJsonObject entry = value.toObject();
         copy.files.push_back({.name = entry.value(u"name"_s).toString(),
                               .size = numberIn(entry, u"size"_s),
@@ -281,6 +282,7 @@ private:
     {
         const std::vector<Copy> all = listCopies(m_order.place);
         std::vector<CopyFacts> facts;
+        facts.reserve(all.size());
         for (const Copy& copy : all)
             facts.push_back({.time = copy.time, .size = copy.size, .isDoubtful = copy.isDoubtful});
         for (const std::size_t i : copiesToRemove(facts, m_time)) {

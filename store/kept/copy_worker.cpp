@@ -15,8 +15,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon::kept
 {
 
-CopyWorker::CopyWorker(const Place& place, const QString& fileFolder, const CopyTimes& times)
-    : m_place(place), m_fileFolder(fileFolder), m_times(times), m_thread([this] { run(); })
+CopyWorker::CopyWorker(Place place, QString fileFolder, const CopyTimes& times)
+    : m_place(std::move(place)), m_fileFolder(std::move(fileFolder)), m_times(times),
+      m_thread([this] { run(); })
 {
 }
 

@@ -28,7 +28,7 @@ class CopyWorker
 {
 public:
     /// `fileFolder`: of the registered files.
-    CopyWorker(const Place& place, const QString& fileFolder, const CopyTimes& times);
+    CopyWorker(Place place, QString fileFolder, const CopyTimes& times);
     /// Ends as `finish` does.
     ~CopyWorker();
     CopyWorker(const CopyWorker&) = delete;

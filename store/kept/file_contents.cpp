@@ -74,7 +74,7 @@ qint64 sizeOfAll(const QString& folder)
 
 } // namespace
 
-FileContents::FileContents(const Place& place, ContentLimits limits) : m_place(place), m_limits(limits) {}
+FileContents::FileContents(Place place, ContentLimits limits) : m_place(std::move(place)), m_limits(limits) {}
 
 QString FileContents::pathOf(const QByteArray& hash) const
 {
@@ -105,7 +105,7 @@ std::optional<QByteArray> FileContents::keep(const QString& path) const
                                         QString::number(QRandomGenerator::global()->generate64(), 16)));
     if (!copyContent(path, copy.path()))
         return std::nullopt;
-    const std::optional<QByteArray> hash = hashOf(copy.path());
+    std::optional<QByteArray> hash = hashOf(copy.path());
     if (!hash)
         return std::nullopt;
     if (find(*hash)) {

@@ -21,7 +21,7 @@ struct ContentLimits {
 class FileContents
 {
 public:
-    explicit FileContents(const Place& place, ContentLimits limits = {});
+    explicit FileContents(Place place, ContentLimits limits = {});
 
     /// Keeps what a file holds at the moment; the blocks on the disk are shared where the file system can do that. The
     /// hash; nothing when the file is too large, or cannot be read or kept.

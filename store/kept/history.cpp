@@ -20,7 +20,7 @@ namespace
 {
 
 /// The positions of tables among the seven.
-enum Table : quint16 { Main, RefDoc, RefFile, OpenApp, Link, Category_ID, Category };
+enum Table : quint16 { Main, RefDoc, RefFile, OpenApp, Link, CategoryId, Category };
 
 bool isItem(quint16 table)
 {
@@ -46,7 +46,7 @@ std::optional<EventKind> kindOf(const PassedRow& row, const Wholes& wholes)
         if (wholes.items.contains(row.first) || wholes.items.contains(row.second))
             return std::nullopt;
         return EventKind::LinkRemoved;
-    case Category_ID:
+    case CategoryId:
         return isDeleted ? EventKind::CategoryDeleted : EventKind::CategoryRenamed;
     case Category:
         if (wholes.categories.contains(row.first) || wholes.items.contains(row.second))
@@ -175,7 +175,7 @@ void History::addGroup(quint32 number, Group group)
                 break;
             if (row->fate == RowFate::Deleted && isItem(row->table))
                 wholes.items.insert(row->second);
-            else if (row->fate == RowFate::Deleted && row->table == Category_ID)
+            else if (row->fate == RowFate::Deleted && row->table == CategoryId)
                 wholes.categories.insert(row->first);
         }
     }

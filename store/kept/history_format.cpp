@@ -169,9 +169,9 @@ QByteArray record(QByteArrayView payload)
     return bytes;
 }
 
-RecordReader::RecordReader(QByteArrayView file) : m_file(file)
+RecordReader::RecordReader(QByteArrayView file)
+    : m_file(file), m_position(file.startsWith(HistoryLetters) ? HistoryLetters.size() : file.size())
 {
-    m_position = file.startsWith(HistoryLetters) ? HistoryLetters.size() : file.size();
 }
 
 std::optional<QByteArrayView> RecordReader::next()

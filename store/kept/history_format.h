@@ -60,7 +60,7 @@ public:
 
 private:
     QByteArrayView m_file;
-    qsizetype m_position = 0;
+    qsizetype m_position;
 };
 
 /// What stands in a record.

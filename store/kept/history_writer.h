@@ -22,6 +22,8 @@ public:
     /// `longFrom`: with so many bytes a transaction begins to be written in pieces, instead of filling the memory.
     explicit HistoryWriter(std::shared_ptr<HistoryFile> file, qsizetype longFrom = qsizetype{1} << 17);
     ~HistoryWriter() override;
+    HistoryWriter(const HistoryWriter&) = delete;
+    HistoryWriter& operator=(const HistoryWriter&) = delete;
 
     void rowGoes(const sqlite::OldRow& row) override;
     void missed() noexcept override;

@@ -31,6 +31,8 @@ class Keeping : public Keeper
 public:
     Keeping(Reporting& reporting, KeepingOrder order);
     ~Keeping() override;
+    Keeping(const Keeping&) = delete;
+    Keeping& operator=(const Keeping&) = delete;
 
     /// The current database is closed. Waits for the last copies, for a while at most.
     void finish();
@@ -40,12 +42,12 @@ public:
     QString keptFolder() const override { return m_order.keptFolder; }
 
 private:
+    void tellFailures();
+
     Reporting& m_reporting;
     KeepingOrder m_order;
     std::optional<Place> m_place;
     std::shared_ptr<HistoryFile> m_history;
-    void tellFailures();
-
     std::unique_ptr<CopyWorker> m_worker;               // of the current database
     std::vector<std::unique_ptr<CopyWorker>> m_closing; // of those before, at their last copies
 };

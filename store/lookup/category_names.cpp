@@ -15,9 +15,9 @@ namespace quillon
 namespace
 {
 
-const QString Location = u"GetCategoryName"_s;
+const QString GettingCategoryName = u"GetCategoryName"_s;
 
-QString nameOf(Session& session, const QString& categoryIdentifier)
+QString nameOfCategory(Session& session, const QString& categoryIdentifier)
 {
     RecordSet& categories = required(session.RsCategoryID);
     const bool found = categories.goTo(category_field::Category_ID, categoryIdentifier);
@@ -29,7 +29,8 @@ QString nameOf(Session& session, const QString& categoryIdentifier)
 QString GetCategoryName(Session& session, const QString& categoryIdentifier)
 {
     QString name;
-    guarded(session.reporting, Location, [&] { name = nameOf(session, categoryIdentifier); });
+    guarded(session.reporting, GettingCategoryName,
+            [&] { name = nameOfCategory(session, categoryIdentifier); });
     return name;
 }
 
@@ -44,14 +45,14 @@ QString CategoryNameLookup::name(const QString& categoryIdentifier)
         return m_categories.name(categoryIdentifier);
     QString name;
     guardedBy([this](const Error& failure) { m_failures.push_back(failure); },
-              [&] { name = nameOf(m_session, categoryIdentifier); });
+              [&] { name = nameOfCategory(m_session, categoryIdentifier); });
     return name;
 }
 
 void CategoryNameLookup::tellFailures()
 {
     for (const Error& failure : std::exchange(m_failures, {}))
-        ReportError(m_session.reporting, failure, Location);
+        ReportError(m_session.reporting, failure, GettingCategoryName);
 }
 
 } // namespace quillon

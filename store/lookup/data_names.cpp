@@ -15,9 +15,9 @@ namespace quillon
 namespace
 {
 
-const QString Location = u"GetDataName"_s;
+const QString GettingDataName = u"GetDataName"_s;
 
-QString nameOf(Session& session, const QString& identifier)
+QString nameOfDatum(Session& session, const QString& identifier)
 {
     RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
     return rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
@@ -28,7 +28,7 @@ QString nameOf(Session& session, const QString& identifier)
 QString GetDataName(Session& session, const QString& identifier)
 {
     QString name;
-    guarded(session.reporting, Location, [&] { name = nameOf(session, identifier); });
+    guarded(session.reporting, GettingDataName, [&] { name = nameOfDatum(session, identifier); });
     return name;
 }
 
@@ -67,14 +67,14 @@ QString DataNameLookup::searchedName(const QString& identifier)
 {
     QString name;
     guardedBy([this](const Error& failure) { m_failures.push_back(failure); },
-              [&] { name = nameOf(m_session, identifier); });
+              [&] { name = nameOfDatum(m_session, identifier); });
     return name;
 }
 
 void DataNameLookup::tellFailures()
 {
     for (const Error& failure : std::exchange(m_failures, {}))
-        ReportError(m_session.reporting, failure, Location);
+        ReportError(m_session.reporting, failure, GettingDataName);
 }
 
 bool DataNameLookup::shouldReadAll(Table& table)

@@ -23,6 +23,8 @@ public:
     /// `listed`: the node whose data are listed; none while they are taken out.
     ShownList(ReportList& list, StatusPanels& status, CategoryRow& listed);
     ~ShownList() override;
+    ShownList(const ShownList&) = delete;
+    ShownList& operator=(const ShownList&) = delete;
 
     bool hasRows() const { return m_hasRows; }
     void showAgain() override;

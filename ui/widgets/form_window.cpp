@@ -59,7 +59,7 @@ bool FormWindow::mayUnload()
         if (guard)
             m_asking = false;
     });
-    return queryUnload() || !guard; // a failure goes to whoever wanted the window closed
+    return queryUnload() || guard.isNull(); // a failure goes to whoever wanted the window closed
 }
 
 bool FormWindow::tryUnload()

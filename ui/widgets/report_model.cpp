@@ -130,9 +130,9 @@ std::unique_ptr<ReportModel::Rows> ReportModel::take()
     auto taken = std::make_unique<Rows>();
     for (const CellColumn& column : m_columns) {
         if (std::holds_alternative<DictionaryColumn>(column))
-            taken->columns.emplace_back(DictionaryColumn());
+            taken->m_columns.emplace_back(DictionaryColumn());
         else
-            taken->columns.emplace_back(TextColumn());
+            taken->m_columns.emplace_back(TextColumn());
     }
     exchange(*taken);
     return taken;
@@ -147,9 +147,9 @@ void ReportModel::putBack(Rows& rows)
 void ReportModel::exchange(Rows& rows)
 {
     beginResetModel();
-    m_columns.swap(rows.columns);
-    m_order.swap(rows.order);
-    m_rows = std::exchange(rows.count, m_rows);
+    m_columns.swap(rows.m_columns);
+    m_order.swap(rows.m_order);
+    m_rows = std::exchange(rows.m_count, m_rows);
     m_appended = m_rows;
     for (std::vector<quint32>& ranks : m_ranks)
         ranks = {};

@@ -55,9 +55,9 @@ public:
     class Rows
     {
         friend class ReportModel;
-        std::vector<CellColumn> columns;
-        std::vector<quint32> order;
-        int count = 0;
+        std::vector<CellColumn> m_columns;
+        std::vector<quint32> m_order;
+        int m_count = 0;
     };
     /// Removes all rows, to be put back as they were.
     std::unique_ptr<Rows> take();
