@@ -53,9 +53,22 @@ std::shared_ptr<RecordSet> RecordSet::openTable(std::shared_ptr<Database> databa
     auto set = std::shared_ptr<RecordSet>(new RecordSet(std::move(database), table, std::nullopt));
     // A table that has no row numbers fails here.
     set->tellingDamage([&] { return set->firstRow(); });
+    set->noteLastRow();
     // One with indexes or rules that only another program can follow would fail in the middle of work.
     set->m_database->connection().prepareOwn(u"INSERT INTO "_s + quoted(table.name) + u" DEFAULT VALUES"_s);
     return set;
+}
+
+void RecordSet::noteLastRow() const
+{
+    // Should another program delete these rows, then the next one added must not get the number of one of them: a window
+    // of that program may still show it.
+    try {
+        if (const std::optional<qint64> last = lastRow())
+            m_database->noteRow(m_table.name, *last);
+    } catch (const Error&) {
+        // Only a precaution: whoever reads what is damaged there tells where it is.
+    }
 }
 
 Error RecordSet::withPlace(const Error& error, const Damaged& damaged) const

@@ -144,6 +144,7 @@ private:
     bool rowExists(qint64 row) const;
     std::optional<qint64> firstRow() const;
     std::optional<qint64> lastRow() const;
+    void noteLastRow() const;
     std::optional<qint64> rowAfter(qint64 row) const;
     void standOn(std::optional<qint64> row);
     void requireCurrentRow() const;
@@ -185,6 +186,7 @@ template <class Visit> void RecordSet::forEachRow(std::initializer_list<int> fie
             if (!keepsGoing(Row(*statement)))
                 return;
         }
+        noteLastRow();
         return;
     }
     const sqlite::Transaction reading(m_database->connection(), sqlite::Transaction::Purpose::Reading);

@@ -112,6 +112,32 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { last->field(0); }), errors::RecordDeleted);
     }
 
+    void noNumberIsGivenOutAgainThatWasThereAtTheOpening()
+    {
+        for (const QString& number : {u"1"_s, u"2"_s})
+            TestWorld::addRow(m_world->session.RsMain, {u"a"_s + number, u"M-991231-00"_s + number, u""_s});
+        const auto shown = m_world->session.RsMain;
+        shown->moveLast(); // in a window
+        const auto other = RecordSet::openTable(Database::open(m_path), schema::Main());
+        const auto deleting = RecordSet::openTable(m_world->session.OpenDb, schema::Main());
+        deleting->moveLast();
+        deleting->deleteRow();
+        TestWorld::addRow(other, {u"new"_s, u"M-991231-002"_s, u""_s});
+        QCOMPARE(errorOf([&] { shown->field(0); }), errors::RecordDeleted);
+    }
+
+    void noNumberIsGivenOutAgainThatAPassHasMet()
+    {
+        const auto other = RecordSet::openTable(Database::open(m_path), schema::Main());
+        TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});
+        const auto shown = m_world->session.RsMain;
+        shown->moveLast();
+        other->forEachRow({0}, [](const RecordSet::Row&) {}); // fills a list
+        RecordSet::openTable(m_world->session.OpenDb, schema::Main())->deleteEveryRow();
+        TestWorld::addRow(other, {u"new"_s, u"M-991231-001"_s, u""_s});
+        QCOMPARE(errorOf([&] { shown->field(0); }), errors::RecordDeleted);
+    }
+
     void noLockIsHeldBetweenCalls()
     {
         TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});
