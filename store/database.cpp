@@ -45,10 +45,10 @@ void checkFile(const QString& path)
     if (!platform::mayReadAndWrite(file) || !platform::mayWriteIn(QFileInfo(file).path()))
         throw Error(errors::CannotOpen);
     // SQLite takes an empty file, and one of a single byte, for a new database.
-    if (info.size() < SmallestDatabase)
+    if (info.size() > 0 && info.size() < SmallestDatabase)
         throw Error(errors::NotADatabase);
     for (const QString& companion : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
-        if (QFileInfo::exists(file + companion) && !platform::isOrdinaryFile(file + companion))
+        if (platform::isInTheWay(file + companion))
             throw Error(errors::PathFileAccess);
     }
 }
@@ -70,6 +70,16 @@ std::shared_ptr<Database> Database::open(const QString& path)
 
 std::shared_ptr<Database> Database::inspect(const QString& path)
 {
+    auto database = inspectEmpty(path);
+    sqlite::Statement& pages = database->connection().prepare(u"PRAGMA page_count"_s);
+    const sqlite::ResetAtEnd reset(pages);
+    if (pages.step() && pages.number(0) == 0)
+        throw Error(emptyFile());
+    return database;
+}
+
+std::shared_ptr<Database> Database::inspectEmpty(const QString& path)
+{
     const QString full = pathFromRoot(path, errors::DatabaseNotFound);
     checkFile(full);
     return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::OpenExisting));
@@ -83,8 +93,26 @@ void Database::beginUse()
 
 std::shared_ptr<Database> Database::create(const QString& path)
 {
+    auto database = beginCreation(path, false);
+    // An empty transaction writes the header, so that even a file without tables is a database.
+    database->connection().execute(u"BEGIN IMMEDIATE"_s);
+    database->connection().execute(u"COMMIT"_s);
+    return database;
+}
+
+std::shared_ptr<Database> Database::beginCreation(const QString& path, bool over)
+{
     const QString full = pathFromRoot(path, errors::PathNotFound);
-    return std::shared_ptr<Database>(new Database(full, sqlite::Connection::Mode::CreateNew));
+    if (over)
+        checkFile(full);
+    return std::shared_ptr<Database>(new Database(full, over ? sqlite::Connection::Mode::CreateOver
+                                                             : sqlite::Connection::Mode::CreateNew));
+}
+
+Error Database::emptyFile()
+{
+    return Error(errors::NotADatabase, u"データベースの作成が途中で中断されたファイルか、空のファイルです。"
+                                       u"新規データベース作成で同じ名前を指定すると、作成し直せます。"_s);
 }
 
 void Database::execute(const QString& definition)

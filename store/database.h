@@ -22,9 +22,15 @@ public:
     static std::shared_ptr<Database> open(const QString& path);
     /// The same, but only to be read at first: nothing on the disk changes before `beginUse`.
     static std::shared_ptr<Database> inspect(const QString& path);
+    /// The same also for a file with nothing in it at all, which `inspect` refuses.
+    static std::shared_ptr<Database> inspectEmpty(const QString& path);
     void beginUse();
     /// Creates a new file without any table. Errors: 3204 there already, 76 no such folder, 3051 may not be written.
     static std::shared_ptr<Database> create(const QString& path);
+    /// The same, but the file is empty as long as nothing has been written into it. `over`: it is there already.
+    static std::shared_ptr<Database> beginCreation(const QString& path, bool over);
+    /// What an empty file is told as.
+    static Error emptyFile();
 
     /// Runs one data-definition statement as it stands; the type MEMO becomes a type with text affinity.
     /// Error 3075 when it is more or less than one statement.

@@ -3,6 +3,7 @@
 #include "app/base/extract_string.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/main_window_port.h"
+#include "store/creation.h"
 #include "store/database.h"
 #include "store/keeper.h"
 #include "store/record_set.h"
@@ -44,6 +45,8 @@ OpenedFile::OpenedFile(Session& session, const QString& path, const QString& nam
     MainWindowPort& window = session.mainWindow();
     window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
     database = Database::inspect(path);
+    if (isUnfinished(*database))
+        throw Error(Database::emptyFile());
     window.setStatus(1, u"定義データテーブルを展開中です。"_s);
     main = RecordSet::openTable(database, schema::Main());
     openApp = RecordSet::openTable(database, schema::OpenApp());
@@ -125,11 +128,7 @@ Opening CreateDbFile(Session& session, const QString& path)
 {
     Opening outcome = Opening::Failed;
     guarded(session.reporting, Location, [&] {
-        {
-            const auto database = Database::create(path);
-            for (const TableSchema* table : schema::all())
-                database->execute(table->statement);
-        }
+        createDatabaseFile(path);
         // The database has been made, whatever comes of opening it: a failure there is told by the opening itself.
         outcome = openDatabase(session, path);
         if (outcome != Opening::Declined)

@@ -6,7 +6,6 @@
 #include "store/sqlite/rollback_journal.h"
 #include "store/sqlite/statement.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QSysInfo>
@@ -39,12 +38,14 @@ void createEmptyFile(const QString& path)
         throw Error(errors::PathNotFound);
     if (!platform::fitsAsName(info.absolutePath(), info.fileName() + u"-journal"_s))
         throw Error(errors::PathFileAccess, tooLongName());
-    QFile file(path);
     // Only one of two programs that create the same file at the same moment succeeds here.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-        if (QFileInfo::exists(path))
+    try {
+        if (!platform::makeNewFile(path))
             throw Error(errors::DatabaseExists);
-        throw Error(errors::CannotOpen);
+    } catch (const Error& error) {
+        if (error.number == errors::PermissionDenied)
+            throw Error(errors::CannotOpen);
+        throw;
     }
 }
 
@@ -75,12 +76,8 @@ Connection::Connection(const QString& path, Mode mode)
                     u"書き込みをしていたプログラムで修復してからやり直してください。"_s);
     m_handle.open(m_path, m_inspects ? Access::ToInspect : Access::ToUse);
     configure();
-    if (mode == Mode::CreateNew) {
+    if (mode != Mode::OpenExisting)
         execute(u"PRAGMA encoding = 'UTF-16le'"_s);
-        // An empty transaction writes the header, so that even a file without tables is a database.
-        execute(u"BEGIN IMMEDIATE"_s);
-        execute(u"COMMIT"_s);
-    }
     readSchema();
 }
 
@@ -169,8 +166,11 @@ void Connection::checkSize()
     Statement journal(m_handle, u"PRAGMA journal_mode"_s);
     const bool hasLog = journal.step() && journal.text(0) == u"wal";
     journal.reset();
-    const qint64 size = QFileInfo(m_path).size();
+    const QFileInfo file(m_path);
+    const qint64 size = file.size();
     execute(u"COMMIT"_s);
+    if (!file.exists()) // nothing can be asked about it at the moment
+        throw Error(errors::PathFileAccess);
     if (!hasLog && size < needed)
         throw Error(errors::NotADatabase);
 }

@@ -23,10 +23,15 @@ class Transaction;
 class Connection
 {
 public:
-    enum class Mode { OpenExisting, CreateNew };
+    enum class Mode {
+        OpenExisting,
+        CreateNew,
+        CreateOver // an empty file that is there already
+    };
 
     /// Opens or creates the file at `path` (an absolute path).
-    /// Opening never creates a file; creating never opens an existing one (error 3204). A file that was opened can only
+    /// Opening never creates a file; creating a new one never opens an existing one (error 3204). A file that is
+    /// created is empty until something is written into it. A file that was opened can only
     /// be read at first, and as it will be after its repair: nothing on the disk is changed before `beginUse`.
     Connection(const QString& path, Mode mode);
     ~Connection();

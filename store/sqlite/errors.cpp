@@ -1,5 +1,8 @@
 #include "store/sqlite/errors.h"
 
+#include "app/base/platform/system_error.h"
+#include "store/sqlite/troubles.h"
+
 #include <QByteArrayView>
 #include <QString>
 
@@ -55,7 +58,7 @@ qint32 numberOf(sqlite3* connection, int code)
     case SQLITE_NOMEM:
         return errors::OutOfMemory;
     case SQLITE_IOERR:
-        return errors::PathFileAccess;
+        return code == SQLITE_IOERR_NOMEM ? errors::OutOfMemory : errors::PathFileAccess;
     case SQLITE_TOOBIG:
         return errors::FieldTooSmall;
     case SQLITE_MISMATCH:
@@ -89,6 +92,11 @@ Error errorOf(sqlite3* connection, int code)
         QByteArrayView(sqlite3_errmsg(connection)).startsWith("no such collation sequence"))
         return {errors::NotADatabase, u"データベースの表が Quillon にない並べ方を使っているため扱えません。"
                                       u"Quillon のデータベースか確認してください。"_s};
+    // A disk without room, too many open files: SQLite has one code for all of these.
+    if (const auto systemError = systemErrorBehind(code)) {
+        if (const auto lack = platform::errorOfLack(*systemError))
+            return *lack;
+    }
     return Error(numberOf(connection, code));
 }
 

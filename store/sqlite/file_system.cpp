@@ -2,6 +2,7 @@
 
 #include "app/base/platform/short_path.h"
 #include "store/sqlite/inspected_file.h"
+#include "store/sqlite/troubles.h"
 
 #include <sqlite3.h>
 
@@ -27,12 +28,17 @@ int openToUse(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags
     // Such a file lists journals of other databases; one may be named like any file.
     if ((flags & SQLITE_OPEN_SUPER_JOURNAL) != 0)
         return SQLITE_CANTOPEN;
-    return systemFiles()->xOpen(systemFiles(), name, file, flags, outFlags);
+    return openTelling(systemFiles(), name, file, flags, outFlags);
 }
 
 int openToInspect(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags)
 {
     return openInspected(systemFiles(), name, file, flags, outFlags);
+}
+
+int removeToUse(sqlite3_vfs*, const char* name, int syncFolder)
+{
+    return removeTelling(systemFiles(), name, syncFolder);
 }
 
 int deleteNothing(sqlite3_vfs*, const char*, int)
@@ -69,6 +75,7 @@ void registerBoth()
     static sqlite3_vfs toInspect = likeTheSystem(NameToInspect);
     static const bool registered = [] {
         toUse.xOpen = openToUse;
+        toUse.xDelete = removeToUse;
         toInspect.xOpen = openToInspect;
         toInspect.xDelete = deleteNothing;
         toInspect.szOsFile = sizeOfInspected();

@@ -1,5 +1,7 @@
 #include "store/sqlite/inspected_file.h"
 
+#include "store/sqlite/troubles.h"
+
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -38,13 +40,19 @@ public:
         const int asked = m_system->xAccess(m_system, name, SQLITE_ACCESS_EXISTS, &exists);
         if (asked != SQLITE_OK)
             return asked;
-        if (exists == 0)
+        // To SQLite an empty file is not there. The database itself is: its connection has asked.
+        if (exists == 0 && (flags & SQLITE_OPEN_MAIN_DB) == 0)
             return (flags & SQLITE_OPEN_CREATE) != 0 ? SQLITE_OK : SQLITE_CANTOPEN;
         // SQLite's own memory is aligned for whatever stands in it.
         m_below.assign(static_cast<std::size_t>(m_system->szOsFile) / sizeof(std::max_align_t) + 1, {});
         const int readOnly = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
-        const int code = m_system->xOpen(m_system, name, below(), readOnly, nullptr);
+        const int code = openTelling(m_system, name, below(), readOnly, nullptr);
         m_isOpen = below()->pMethods != nullptr;
+        // A journal may have been taken away since the question: another program has finished its write.
+        const bool isJournal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
+        if (code != SQLITE_OK && isJournal && !m_isOpen &&
+            m_system->xAccess(m_system, name, SQLITE_ACCESS_EXISTS, &exists) == SQLITE_OK && exists == 0)
+            return SQLITE_OK;
         return code;
     }
 
@@ -135,6 +143,14 @@ public:
     int sectorSize()
     {
         return m_isOpen ? below()->pMethods->xSectorSize(below()) : static_cast<int>(BlockSize);
+    }
+    /// How much a broken write spoils beside itself: how large the parts of a journal are depends on it, and one of the
+    /// system's own kind is to be understood.
+    int characteristics()
+    {
+        return m_isOpen
+                   ? below()->pMethods->xDeviceCharacteristics(below()) & SQLITE_IOCAP_POWERSAFE_OVERWRITE
+                   : 0;
     }
 
 private:
@@ -249,9 +265,9 @@ int sectorSizeOf(sqlite3_file* file)
     return viewOf(file).sectorSize();
 }
 
-int characteristicsOf(sqlite3_file*)
+int characteristicsOf(sqlite3_file* file)
 {
-    return 0;
+    return viewOf(file).characteristics();
 }
 
 sqlite3_io_methods inspectionMethods()

@@ -5,6 +5,7 @@
 #include "core/close_all_form.h"
 #include "core/data_records.h"
 #include "core/links.h"
+#include "store/creation.h"
 #include "store/opening.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
@@ -100,8 +101,8 @@ void frmMainMenu::mnuFileNew_Click()
     if (dlgDbOpen.fileName.isEmpty())
         return;
     // Even when the dialog has asked about replacing the file already. Folders and links that lead nowhere count on
-    // purpose: no database can be made under such a name either.
-    if (session().files.entryExists(dlgDbOpen.fileName)) {
+    // purpose: no database can be made under such a name either. What an abrupt end has left of a creation is finished.
+    if (session().files.entryExists(dlgDbOpen.fileName) && !isUnfinishedFile(dlgDbOpen.fileName)) {
         session().dialogs.messageBox({.text = u"Quillon ではデータベースの上書き作成を承認できません。"_s,
                                       .title = titles::SystemAudit});
         return;

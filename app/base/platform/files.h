@@ -24,4 +24,13 @@ bool mayRead(const QString& path);
 /// Whether this process may read and write the file at `path`.
 bool mayReadAndWrite(const QString& path);
 
+/// Makes an empty file; false when anything of this name stands there already. Errors: 61, 70, 75, 76.
+bool makeNewFile(const QString& path);
+
+/// Lets the names in `folder` outlive a power failure. Errors: 61, 75, 76.
+void syncFolder(const QString& folder);
+
+/// Whether something that is no ordinary file stands at `path` (links are followed).
+bool isInTheWay(const QString& path);
+
 } // namespace quillon::platform

@@ -1,10 +1,16 @@
 #include "app/base/platform/files.h"
 
+#include "app/base/platform/linux/descriptor.h"
+#include "app/base/platform/system_error.h"
+
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace quillon::platform
 {
@@ -40,6 +46,37 @@ bool mayRead(const QString& path)
 bool mayReadAndWrite(const QString& path)
 {
     return faccessat(AT_FDCWD, QFile::encodeName(path).constData(), R_OK | W_OK, AT_EACCESS) == 0;
+}
+
+bool makeNewFile(const QString& path)
+{
+    constexpr mode_t ForAll = 0666; // less what the user's mask takes away
+    const Descriptor file(
+        open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ForAll));
+    if (file < 0) {
+        if (lastSystemError() == EEXIST)
+            return false;
+        throw Error(errorOfSystem(lastSystemError(), errors::PathNotFound));
+    }
+    syncFolder(QFileInfo(path).path());
+    return true;
+}
+
+void syncFolder(const QString& folder)
+{
+    const Descriptor entries(open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Not every folder can be read, and not every file system syncs one.
+    const bool cannot = entries < 0 && (errno == EACCES || errno == EPERM);
+    if (cannot || (entries >= 0 && (fsync(entries) == 0 || errno == EINVAL || errno == ENOTSUP)))
+        return;
+    throw Error(errorOfSystem(lastSystemError(), errors::PathNotFound));
+}
+
+bool isInTheWay(const QString& path)
+{
+    // One question: what is asked about may come and go.
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 } // namespace quillon::platform

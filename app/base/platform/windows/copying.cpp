@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/system_error.h"
 #include "app/base/platform/windows/handle.h"
 
 #include <QDir>
@@ -20,26 +21,7 @@ namespace
 /// Throws the failure that the system's last error stands for.
 [[noreturn]] void throwLastError(qint32 whenMissing)
 {
-    switch (GetLastError()) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_DIRECTORY: // a file where a folder is wanted, or nothing at all
-    case ERROR_INVALID_DRIVE:
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_NETPATH:
-    case ERROR_BAD_NET_NAME:
-        throw Error(whenMissing);
-    case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT:
-    case ERROR_SHARING_VIOLATION:
-    case ERROR_LOCK_VIOLATION:
-        throw Error(errors::PermissionDenied);
-    case ERROR_DISK_FULL:
-    case ERROR_HANDLE_DISK_FULL:
-        throw Error(errors::DiskFull);
-    default:
-        throw Error(errors::PathFileAccess);
-    }
+    throw Error(errorOfSystem(lastSystemError(), whenMissing));
 }
 
 /// A file that is gone again unless it is kept.

@@ -2,7 +2,10 @@
 
 #include "app/base/platform/windows/handle.h"
 
+#include "app/base/platform/system_error.h"
+
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 
@@ -66,6 +69,28 @@ bool mayRead(const QString& path)
 bool mayReadAndWrite(const QString& path)
 {
     return mayOpen(path, GENERIC_READ | GENERIC_WRITE, 0);
+}
+
+bool makeNewFile(const QString& path)
+{
+    const HANDLE made = CreateFileW(wide(QDir::toNativeSeparators(path)), GENERIC_WRITE, 0, nullptr,
+                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (made != INVALID_HANDLE_VALUE)
+        return CloseHandle(made) != 0;
+    const int failure = lastSystemError();
+    if (failure == ERROR_FILE_EXISTS || failure == ERROR_ALREADY_EXISTS)
+        return false;
+    throw Error(errorOfSystem(failure, errors::PathNotFound));
+}
+
+void syncFolder(const QString& /*folder*/)
+{
+    // The system's journal holds the names.
+}
+
+bool isInTheWay(const QString& path)
+{
+    return !isOrdinaryFile(path) && QFile::exists(path);
 }
 
 } // namespace quillon::platform

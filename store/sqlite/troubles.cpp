@@ -1,0 +1,166 @@
+#include "store/sqlite/troubles.h"
+
+#include <QtGlobal>
+
+#include <sqlite3.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace quillon::sqlite
+{
+
+namespace
+{
+
+struct Trouble {
+    int code = SQLITE_OK;
+    int systemError = 0;
+};
+
+thread_local Trouble lastTrouble;
+
+/// What can be done with a file of the system, with our ears to it.
+struct TellingMethods {
+    sqlite3_io_methods own; // what SQLite sees, and so the first
+    const sqlite3_io_methods* system;
+};
+
+const sqlite3_io_methods& systemsOf(sqlite3_file* file)
+{
+    return *reinterpret_cast<const TellingMethods*>(file->pMethods)->system;
+}
+
+int told(sqlite3_file* file, int code)
+{
+    if (code == SQLITE_OK || code == SQLITE_IOERR_SHORT_READ)
+        return code;
+    int systemError = 0;
+    systemsOf(file).xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &systemError);
+    lastTrouble = {.code = code, .systemError = systemError};
+    return code;
+}
+
+int readTelling(sqlite3_file* file, void* target, int count, sqlite3_int64 from)
+{
+    const int code = systemsOf(file).xRead(file, target, count, from);
+    // SQLite holds a disk that cannot be read for a damaged database. It may be a cable.
+    return told(file, code == SQLITE_IOERR_CORRUPTFS ? SQLITE_IOERR_READ : code);
+}
+
+int writeTelling(sqlite3_file* file, const void* source, int count, sqlite3_int64 to)
+{
+    return told(file, systemsOf(file).xWrite(file, source, count, to));
+}
+
+int truncateTelling(sqlite3_file* file, sqlite3_int64 size)
+{
+    return told(file, systemsOf(file).xTruncate(file, size));
+}
+
+int syncTelling(sqlite3_file* file, int flags)
+{
+    return told(file, systemsOf(file).xSync(file, flags));
+}
+
+int sizeTelling(sqlite3_file* file, sqlite3_int64* size)
+{
+    return told(file, systemsOf(file).xFileSize(file, size));
+}
+
+/// Null without memory for it.
+const sqlite3_io_methods* tellingMethods(const sqlite3_io_methods* system)
+{
+    static std::mutex mutex;
+    static std::map<const sqlite3_io_methods*, std::unique_ptr<TellingMethods>> known; // a few kinds of files
+    try {
+        const std::lock_guard lock(mutex);
+        auto& methods = known[system];
+        if (!methods) {
+            auto made = std::make_unique<TellingMethods>(TellingMethods{.own = *system, .system = system});
+            made->own.xRead = readTelling;
+            made->own.xWrite = writeTelling;
+            made->own.xTruncate = truncateTelling;
+            made->own.xSync = syncTelling;
+            made->own.xFileSize = sizeTelling;
+            methods = std::move(made);
+        }
+        return &methods->own;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+int lastErrorOf(sqlite3_vfs* system)
+{
+    return system->xGetLastError != nullptr ? system->xGetLastError(system, 0, nullptr) : 0;
+}
+
+/// Why a file cannot be made. SQLite then tries to open it only to be read, and that it is not there is all it tells.
+int whyNotMade(sqlite3_vfs* system, const char* name)
+{
+#ifdef Q_OS_UNIX
+    using Open = int (*)(const char*, int, int);
+    const auto open = reinterpret_cast<Open>(system->xGetSystemCall(system, "open"));
+    if (open == nullptr)
+        return ENOENT;
+    const int made = open(name, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (made < 0)
+        return errno;
+    close(made);
+    unlink(name);
+#else
+    Q_UNUSED(system);
+    Q_UNUSED(name);
+#endif
+    return 0;
+}
+
+} // namespace
+
+int openTelling(sqlite3_vfs* system, const char* name, sqlite3_file* file, int flags, int* outFlags)
+{
+    const int code = system->xOpen(system, name, file, flags, outFlags);
+    if (code != SQLITE_OK) {
+        int systemError = lastErrorOf(system);
+#ifdef Q_OS_UNIX
+        if (systemError == ENOENT && name != nullptr && (flags & SQLITE_OPEN_CREATE) != 0)
+            systemError = whyNotMade(system, name);
+#endif
+        lastTrouble = {.code = code, .systemError = systemError};
+        return code;
+    }
+    if ((lastTrouble.code & 0xFF) == SQLITE_CANTOPEN)
+        lastTrouble = {};
+    if (file->pMethods != nullptr) {
+        if (const sqlite3_io_methods* const telling = tellingMethods(file->pMethods))
+            file->pMethods = telling;
+    }
+    return code;
+}
+
+int removeTelling(sqlite3_vfs* system, const char* name, int syncFolder)
+{
+    const int code = system->xDelete(system, name, syncFolder);
+    if (code != SQLITE_OK && code != SQLITE_IOERR_DELETE_NOENT)
+        lastTrouble = {.code = code, .systemError = lastErrorOf(system)};
+    return code;
+}
+
+std::optional<int> systemErrorBehind(int code)
+{
+    if (code == SQLITE_OK || lastTrouble.code != code)
+        return std::nullopt;
+    return lastTrouble.systemError;
+}
+
+} // namespace quillon::sqlite
