@@ -151,7 +151,7 @@ void keptCopy(benchmark::State& state)
              .floor =
                  [&] {
                      const auto copy = files.stageCopy(database, folder->path(), u"copy.mdb"_s, {});
-                     copy->place();
+                     copy->place({});
                      copy->keep();
                  }});
 }

@@ -65,14 +65,13 @@ bool registerAndLink(Session& session, const QString& identifier, RequireSource&
     DataWindow* const window = newRegistration(session, QString(data_kinds::file().letter));
     if (window == nullptr)
         return false;
-    const QString registered = window->fieldText(1);
+    session.RegisteringToLink = Session::FileToLink{.with = identifier, .requireIt = requireSource};
+    const auto endRegistering = qScopeGuard([&session] { session.RegisteringToLink.reset(); });
     window->showModal();
-    // From here on the window may be gone.
-    if (!required(session.RsRefFile).goTo(data_field::Object_ID, registered))
-        return false;
-    requireSource();
-    addLink(session, identifier, registered);
-    return true;
+    // From here on the window may be gone. What it has registered was linked in the same write.
+    if (session.RegisteringToLink->failure)
+        throw Error(*session.RegisteringToLink->failure);
+    return !session.RegisteringToLink->registered.isEmpty();
 }
 
 } // namespace

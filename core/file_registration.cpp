@@ -2,8 +2,10 @@
 
 #include "app/base/error.h"
 #include "app/base/extract_string.h"
+#include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/category_entry.h"
+#include "core/links.h"
 #include "core/typed_path.h"
 #include "store/identifiers.h"
 #include "store/keeper.h"
@@ -12,6 +14,7 @@
 #include "store/session.h"
 #include "store/sqlite/transaction.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 
 #include <memory>
@@ -40,20 +43,69 @@ void checkRow(Session& session, const FileEntry& entry, const QString& fileName)
     requireIdentifier(entry.identifier);
     if (entry.identifier.size() > widthOf(data_field::Object_ID))
         throw Error(errors::FieldTooSmall);
-    if (required(session.RsRefFile).goTo(data_field::Object_ID, entry.identifier))
-        throw Error(errors::DuplicateKey);
+    required(session.RsRefFile);
 }
 
-/// Runs `beforeCommit` when the rows have been accepted; its failure takes them back.
+/// The beginning of the marks of a database.
+QString markOf(Session& session)
+{
+    const QByteArray path = required(session.RsRefFile).database().connection().file().toUtf8();
+    constexpr qsizetype Digits = 8;
+    return QString::fromLatin1(
+               QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().first(Digits)) +
+           u'-';
+}
+
+/// What tells for whom a file is replaced.
+QString markOf(Session& session, const QString& identifier)
+{
+    return markOf(session) + QString::fromLatin1(identifier.toUtf8().toPercentEncoding());
+}
+
+/// Settles what an abrupt end has left: the row decides whether a file that was replaced gets its place back.
+void settle(Session& session, const QString& folder)
+{
+    const QString ours = markOf(session);
+    RecordSet& rows = required(session.RsRefFile);
+    session.files.settleReplacements(folder, [&](const QString& mark, const QString& name) {
+        // Put there by no registration: it was done when it was placed.
+        if (mark.isEmpty())
+            return Files::Replacement::Done;
+        if (!mark.startsWith(ours))
+            return Files::Replacement::NotKnown;
+        const QString identifier =
+            QString::fromUtf8(QByteArray::fromPercentEncoding(mark.sliced(ours.size()).toLatin1()));
+        const bool registered =
+            rows.goTo(data_field::Object_ID, identifier) && rows.field(data_field::Name) == name;
+        return registered ? Files::Replacement::Done : Files::Replacement::BrokenOff;
+    });
+}
+
+/// Links the file with the datum that it is registered for. A datum that is gone keeps no file from being registered.
+void linkIfWanted(Session& session, const QString& identifier)
+{
+    if (!session.RegisteringToLink)
+        return;
+    const auto note = [&](const Error& error) { session.RegisteringToLink->failure = error; };
+    guardedBy(note, [&] {
+        if (session.RegisteringToLink->requireIt)
+            session.RegisteringToLink->requireIt();
+        addLink(session, session.RegisteringToLink->with, identifier);
+    });
+}
+
+/// Runs `beforeCommit` when the rows have been accepted; its failure takes them back. The identifier of the file.
 template <class Step>
-void writeRows(Session& session, const FileEntry& entry, const QString& fileName, Step&& beforeCommit)
+QString writeRows(Session& session, const FileEntry& entry, const QString& fileName, Step&& beforeCommit)
 {
     RecordSet& files = required(session.RsRefFile);
-    // Both rows or none: nothing names a file that could not be registered.
+    // All rows or none: nothing names a file that could not be registered.
     sqlite::Transaction transaction(files.database().connection());
+    // Another window or program may have registered something under it since it was shown.
+    QString identifier = freeIdentifier(files, entry.identifier);
     files.addNew();
     files.setField(0, fileName);
-    files.setField(1, entry.identifier);
+    files.setField(1, identifier);
     files.setField(2, u"未入力"_s);
     files.update();
     // A category that was deleted meanwhile does not come back.
@@ -61,16 +113,21 @@ void writeRows(Session& session, const FileEntry& entry, const QString& fileName
         RecordSet& memberships = required(session.RsCategory);
         memberships.addNew();
         memberships.setField(0, entry.category->identifier);
-        memberships.setField(1, entry.identifier);
+        memberships.setField(1, identifier);
         memberships.update();
     }
-    std::forward<Step>(beforeCommit)();
+    linkIfWanted(session, identifier);
+    std::forward<Step>(beforeCommit)(identifier);
     transaction.commit();
+    if (session.RegisteringToLink)
+        session.RegisteringToLink->registered = identifier;
+    return identifier;
 }
 
 } // namespace
 
-FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Files::Progress& progress)
+FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Files::Progress& progress,
+                              QString* registeredAs)
 {
     const std::optional<QString> path = fileMeantBy(session.files, entry.path);
     if (!path)
@@ -80,6 +137,7 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
         return FileRegistration::NoFolderForFiles;
     const QString name = ExtractString(session.reporting, *path, QDir::separator());
     checkRow(session, entry, name);
+    settle(session, folder);
     if (progress && !progress(0, 0))
         return FileRegistration::Cancelled;
     const std::unique_ptr<StagedCopy> copy = session.files.stageCopy(*path, folder, name, progress);
@@ -89,14 +147,16 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
     // row has been accepted, and gives way to that file again when it cannot be made durable.
     const bool replaces = session.files.entryExists(folder + QDir::separator() + name);
     if (!replaces)
-        copy->place();
+        copy->place({});
     const QString target = folder + QDir::separator() + name;
     const auto former = replaces && session.keeper != nullptr ? session.keeper->fileGoes(target) : nullptr;
-    writeRows(session, entry, name, [&] {
+    const QString identifier = writeRows(session, entry, name, [&](const QString& given) {
         if (replaces)
-            copy->place();
+            copy->place(markOf(session, given));
     });
     copy->keep();
+    if (registeredAs != nullptr)
+        *registeredAs = identifier;
     if (former)
         former->isReplaced();
     return FileRegistration::Registered;

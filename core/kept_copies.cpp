@@ -26,12 +26,12 @@ bool TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFil
         if (session.files.entryExists(newFile))
             throw Error(errors::DatabaseExists);
         if (!kept::isUnharmed(copy))
-            throw Error(errors::NotADatabase,
-                        u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(copy.path));
+            throw Error(
+                errors::NotADatabase,
+                u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(copy.path));
         const QFileInfo target(newFile);
-        const auto written =
-            session.files.stageCopy(copy.path, target.absolutePath(), target.fileName(), {});
-        written->place();
+        const auto written = session.files.stageCopy(copy.path, target.absolutePath(), target.fileName(), {});
+        written->place({});
         written->keep();
         isTakenOut = true;
     });

@@ -288,7 +288,7 @@ private:
             throw Error(errors::PathFileAccess,
                         u"現在のファイル「%1」の内容を残せないため、戻しませんでした。"_s.arg(former.name));
         const auto copy = m_session.files.stageCopy(*content, folder, former.name, {});
-        copy->place();
+        copy->place({});
         copy->keep();
         if (present)
             present->isReplaced();

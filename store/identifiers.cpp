@@ -46,6 +46,16 @@ std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginn
     return taken;
 }
 
+QString firstFreeNumber(const std::vector<bool>& taken)
+{
+    int number = 1;
+    while (number <= GreatestNumber && taken[static_cast<std::size_t>(number)])
+        ++number;
+    if (number > GreatestNumber)
+        throw Error(errors::Overflow);
+    return sequenceText(number);
+}
+
 } // namespace
 
 QString CreateObject_ID(Session& session, const QString& kind)
@@ -60,14 +70,17 @@ QString CreateObject_ID(Session& session, const QString& kind)
                 [&] { taken = takenNumbers(dataTableOf(session, beginning), beginning); });
         if (!taken)
             return;
-        int number = 1;
-        while (number <= GreatestNumber && (*taken)[static_cast<std::size_t>(number)])
-            ++number;
-        if (number > GreatestNumber)
-            throw Error(errors::Overflow);
-        identifier = beginning + sequenceText(number);
+        identifier = beginning + firstFreeNumber(*taken);
     });
     return identifier;
+}
+
+QString freeIdentifier(RecordSet& rows, const QString& identifier)
+{
+    const QString beginning = identifier.first(identifier.lastIndexOf(u'-') + 1);
+    if (beginning.isEmpty() || !rows.goTo(data_field::Object_ID, identifier))
+        return identifier;
+    return beginning + firstFreeNumber(takenNumbers(rows, beginning));
 }
 
 QString GetYYMMDD(Session& session)

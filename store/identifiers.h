@@ -5,6 +5,7 @@
 namespace quillon
 {
 
+class RecordSet;
 class Session;
 
 /// Characters of every identifier; a text of another length is none.
@@ -14,6 +15,10 @@ inline constexpr qsizetype IdentifierLength = 12;
 /// Empty when that failed (the failure has been reported). Beyond 999 items per kind and day it grows to 13
 /// characters, which no table holds.
 QString CreateObject_ID(Session& session, const QString& kind);
+
+/// The identifier itself when no row of `rows` has it, else the first free one of its kind and day. To be asked in the
+/// write that uses it, so that no other program can come first. Not trapped: error 6 when there is none.
+QString freeIdentifier(RecordSet& rows, const QString& identifier);
 
 /// The six date characters of an identifier. What the short date does not have is left out.
 QString GetYYMMDD(Session& session);

@@ -4,7 +4,9 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace quillon
 {
@@ -73,6 +75,15 @@ public:
     DataWindow* LinkSourceForm = nullptr;
 
     QString RegisteredFolder; // where the file lay that was registered last
+
+    /// A file that is being registered to be linked with a datum.
+    struct FileToLink {
+        QString with;                         // the identifier of the datum
+        std::function<void()> requireIt = {}; // fails when it is not the datum that was meant any more
+        QString registered = {};              // that of the file, once it is registered
+        std::optional<Error> failure = {};    // why it is not linked
+    };
+    std::optional<FileToLink> RegisteringToLink;
 
     bool CategoryChosen = false;
     QString ChosenCategoryID;

@@ -52,6 +52,11 @@ std::unique_ptr<StagedCopy> SystemFiles::stageCopy(const QString& source, const 
     return platform::stageCopy(source, folder, name, progress);
 }
 
+void SystemFiles::settleReplacements(const QString& folder, const Judge& judge) const
+{
+    platform::settleReplacements(folder, judge);
+}
+
 QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const
 {
     if (!entryExists(path))

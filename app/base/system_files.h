@@ -15,6 +15,7 @@ public:
     std::optional<QString> storedFile(const QString& folder, const QString& name) const override;
     std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
                                           const Progress& progress) const override;
+    void settleReplacements(const QString& folder, const Judge& judge) const override;
     QByteArray readFile(const QString& path, qint64 atMost) const override;
 };
 

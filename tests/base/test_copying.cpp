@@ -15,6 +15,35 @@
 #include <csignal>
 #endif
 
+#ifdef Q_OS_LINUX
+#include <sys/file.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+
+// The program's own calls arrive here first.
+static bool unlinkFails = false;
+static bool syncFails = false;
+
+extern "C" int unlink(const char* path) noexcept
+{
+    if (unlinkFails) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_unlink, path));
+}
+
+extern "C" int fsync(int file)
+{
+    if (syncFails) {
+        errno = EDQUOT;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_fsync, file));
+}
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -102,7 +131,7 @@ class TestCopying : public QObject
                 const Files::Progress& progress) const
     {
         const auto staged = files.stageCopy(from, where, name, progress);
-        staged->place();
+        staged->place({});
         staged->keep();
     }
 
@@ -283,7 +312,7 @@ private Q_SLOTS:
         {
             const auto staged = files.stageCopy(source(), folder(), u"a"_s, {});
             QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
-            staged->place();
+            staged->place({});
             QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
         }
         QCOMPARE(entries(), QStringList(u"a"_s));
@@ -292,7 +321,7 @@ private Q_SLOTS:
 
     void copyOfANewNameStaysOnceItIsPlaced()
     {
-        files.stageCopy(source(), folder(), u"a"_s, {})->place();
+        files.stageCopy(source(), folder(), u"a"_s, {})->place({});
         QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
         QCOMPARE(entries(), QStringList(u"a"_s));
     }
@@ -308,6 +337,100 @@ private Q_SLOTS:
     }
 
 #ifdef Q_OS_LINUX
+    void halfCopiesThatNobodyHoldsAreRemoved()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        makeFile(inFolder(u".quillon-copy-abcdef"_s), "half");
+        makeFile(inFolder(u".quillon"_s), "of somebody");
+        QVERIFY(QDir(folder()).mkdir(u".quillon-former-x-abcdef"_s)); // an end before anything was put there
+        const QString held = inFolder(u".quillon-copy-123456"_s);
+        makeFile(held, "half");
+        const int holder = open(QFile::encodeName(held).constData(), O_RDONLY | O_CLOEXEC);
+        QCOMPARE(flock(holder, LOCK_EX | LOCK_NB), 0);
+        const auto staged = files.stageCopy(source(), folder(), u"b"_s, {});
+        const auto judge = [](const QString&, const QString&) { return Files::Replacement::Done; };
+        files.settleReplacements(folder(), judge);
+        QCOMPARE(entries(), QStringList({u".quillon"_s, u".quillon-copy-123456"_s, u"a"_s}));
+        close(holder);
+        files.settleReplacements(folder(), judge);
+        QCOMPARE(entries(), QStringList({u".quillon"_s, u"a"_s}));
+        staged->place({});
+        QCOMPARE(contentOf(inFolder(u"b"_s)), contentOf(source()));
+    }
+
+    void formerContentGoesWhereItIsJudgedTo_data()
+    {
+        QTest::addColumn<Files::Replacement>("replacement");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("stays");
+        QTest::newRow("done") << Files::Replacement::Done << "new"_ba << false;
+        QTest::newRow("broken off") << Files::Replacement::BrokenOff << "old"_ba << false;
+        QTest::newRow("not known") << Files::Replacement::NotKnown << "new"_ba << true;
+    }
+
+    void formerContentGoesWhereItIsJudgedTo()
+    {
+        QFETCH(Files::Replacement, replacement);
+        QFETCH(QByteArray, content);
+        QFETCH(bool, stays);
+        makeFile(inFolder(u"水 1.txt"_s), "old");
+        makeFile(source(), "new");
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            const auto staged = files.stageCopy(source(), folder(), u"水 1.txt"_s, {});
+            staged->place(u"0123-F-1"_s);
+            _exit(0);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QCOMPARE(contentOf(inFolder(u"水 1.txt"_s)), "new"_ba);
+        QStringList asked;
+        files.settleReplacements(folder(), [&](const QString& mark, const QString& name) {
+            asked << mark + u'|' + name;
+            return replacement;
+        });
+        QCOMPARE(asked, QStringList(u"0123-F-1|水 1.txt"_s));
+        QCOMPARE(contentOf(inFolder(u"水 1.txt"_s)), content);
+        QCOMPARE(entries().size(), stays ? 2 : 1);
+    }
+
+    void replacementThatIsGoingOnIsLeftAlone()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        const auto staged = files.stageCopy(source(), folder(), u"a"_s, {});
+        staged->place(u"0123-F-1"_s);
+        files.settleReplacements(
+            folder(), [](const QString&, const QString&) { return Files::Replacement::BrokenOff; });
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        staged->keep();
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void copyingEndsWhenNothingCanBeUnlinkedAnyMore()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        unlinkFails = true;
+        copy(source(), u"a"_s);
+        unlinkFails = false;
+        QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
+        // What could not be removed is by the next.
+        files.settleReplacements(folder(),
+                                 [](const QString&, const QString&) { return Files::Replacement::Done; });
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+    void namesAreOnTheDiskBeforeACopyCountsAsPlaced()
+    {
+        makeFile(inFolder(u"a"_s), "old");
+        const auto staged = files.stageCopy(source(), folder(), u"a"_s, {});
+        syncFails = true;
+        QCOMPARE(errorOf([&] { staged->place({}); }), errors::DiskFull);
+        syncFails = false;
+        QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
     void programThatEndsWhileCopyingLeavesNothing()
     {
         makeFile(source(), QByteArray(3 << 20, 'x'));

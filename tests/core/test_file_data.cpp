@@ -1,6 +1,7 @@
 #include "core/data_records.h"
 #include "core/datum_place.h"
 #include "core/file_data.h"
+#include "core/file_registration.h"
 #include "store/data_kinds.h"
 #include "store/record_set.h"
 #include "tests/support/errors_of.h"
@@ -51,6 +52,16 @@ private:
     void addFileDatum(const QString& name, const QString& explanation = u"未入力"_s)
     {
         TestWorld::addRow(session().RsRefFile, {name, File, explanation});
+    }
+    /// What the person does in the window: registers a file under the identifier there.
+    void registerIn(const FakeDataWindow& window, const QString& name)
+    {
+        QVERIFY(QDir(world->folder.path()).mkpath(u"RefFile"_s));
+        const QString path = world->folder.filePath(name);
+        makeFile(path);
+        QCOMPARE(
+            RegisterFile(session(), {.path = path, .identifier = window.fieldText(1), .category = {}}, {}),
+            FileRegistration::Registered);
     }
     void refusesToOpen(const QString& name)
     {
@@ -303,7 +314,7 @@ private Q_SLOTS:
         fake.whileModal = [&] {
             // The window has its identifier before it appears; the person registers under it.
             QCOMPARE(window.fieldText(1), u"F-991231-002"_s);
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, window.fieldText(1), u"未入力"_s});
+            registerIn(fake, u"b.txt"_s);
             TestWorld::addRow(session().RsRefFile, {u"c.txt"_s, u"F-991231-003"_s, u"未入力"_s});
         };
         QVERIFY(RegisterFileAndLink(session(), Water));
@@ -311,23 +322,43 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList(u"M-991231-001|F-991231-002"_s));
     }
 
-    void fileIsRegisteredUnderItsIdentifierAndLinkedAfterwards()
+    void fileIsLinkedUnderTheIdentifierThatItGot()
+    {
+        TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
+        session().windows.registrationWindow(u"F"_s);
+        auto& fake = *world->windows.dataWindows.back();
+        fake.whileModal = [&] {
+            addFileDatum(u"a.txt"_s); // another program comes first
+            registerIn(fake, u"b.txt"_s);
+        };
+        QVERIFY(RegisterFileAndLink(session(), Water));
+        QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList(u"M-991231-001|F-991231-002"_s));
+        // And what another program registers while this window is cancelled is not linked at all.
+        fake.whileModal = [&] {
+            TestWorld::addRow(session().RsRefFile, {u"c.txt"_s, u"F-991231-003"_s, u"未入力"_s});
+        };
+        QVERIFY(!RegisterFileAndLink(session(), Water));
+        QCOMPARE(TestWorld::rowsOf(session().RsLink).size(), 1);
+    }
+
+    void fileIsRegisteredUnderItsIdentifierAndLinkedInOneWrite()
     {
         TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         const JournaledWrites writes(*session().OpenDb, world->calls);
         session().windows.registrationWindow(u"F"_s);
         world->windows.dataWindows.back()->fields[0] = u"/tmp/a.txt"_s; // typed before
-        world->windows.dataWindows.back()->whileModal = [&] {
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
-        };
+        FakeDataWindow& fake = *world->windows.dataWindows.back();
+        fake.whileModal = [&] { registerIn(fake, u"b.txt"_s); };
         world->calls.take();
         QVERIFY(RegisterFileAndLink(session(), Water));
-        QVERIFY(compareLines(world->calls.lines(),
-                             {u"frmRefFileEntry.mayUnload"_s, u"registrationWindow F"_s,
-                              u"frmRefFileEntry.setFieldText 0 "_s, u"frmRefFileEntry.setFieldText 2 "_s,
-                              u"frmRefFileEntry.setFieldText 1 F-991231-001"_s,
-                              u"frmRefFileEntry.showModal"_s, u"insert RefFile b.txt|F-991231-001|未入力"_s,
-                              u"commit"_s, u"insert Link M-991231-001|F-991231-001"_s, u"commit"_s}));
+        QVERIFY(
+            compareLines(world->calls.lines(),
+                         {u"frmRefFileEntry.mayUnload"_s, u"registrationWindow F"_s,
+                          u"frmRefFileEntry.setFieldText 0 "_s, u"frmRefFileEntry.setFieldText 2 "_s,
+                          u"frmRefFileEntry.setFieldText 1 F-991231-001"_s, u"frmRefFileEntry.showModal"_s,
+                          u"copy "_s + world->folder.filePath(u"b.txt"_s) + u" to "_s + inFolder(u"b.txt"_s),
+                          u"insert RefFile b.txt|F-991231-001|未入力"_s,
+                          u"insert Link M-991231-001|F-991231-001"_s, u"commit"_s}));
     }
 
     void cancelledRegistrationLinksNothing()
@@ -360,10 +391,10 @@ private Q_SLOTS:
         auto& fake = *world->windows.dataWindows.back();
         fake.whileModal = [&] {
             QVERIFY(session().LinkSourceMode);
-            if (registers)
-                TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, fake.fields[1], u"未入力"_s});
             if (fails)
                 session().RsLink.reset();
+            if (registers)
+                registerIn(fake, u"b.txt"_s);
         };
         session().LinkSourceMode = true;
         session().LinkSourceID = Water;
@@ -392,10 +423,11 @@ private Q_SLOTS:
     {
         TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         session().windows.registrationWindow(u"F"_s);
-        world->windows.dataWindows.back()->whileModal = [&] {
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        FakeDataWindow& fake = *world->windows.dataWindows.back();
+        fake.whileModal = [&] {
             session().RsMain->moveFirst();
             session().RsMain->deleteRow();
+            registerIn(fake, u"b.txt"_s);
         };
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::NoCurrentRecord);
         QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList());
@@ -412,11 +444,12 @@ private Q_SLOTS:
                                .identifier = Water,
                                .row = rows.rowNumber()};
         session().windows.registrationWindow(u"F"_s);
-        world->windows.dataWindows.back()->whileModal = [&] {
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        FakeDataWindow& fake = *world->windows.dataWindows.back();
+        fake.whileModal = [&] {
             QVERIFY(rows.goTo(data_field::Object_ID, Water));
             rows.deleteRow();
             TestWorld::addRow(session().RsMain, {u"火"_s, Water, u"熱"_s});
+            registerIn(fake, u"b.txt"_s);
         };
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), shown); }), errors::NoCurrentRecord);
         QCOMPARE(TestWorld::rowsOf(session().RsLink), QStringList());
@@ -440,21 +473,11 @@ private Q_SLOTS:
         TestWorld::addRow(session().RsMain, {u"水"_s, Water, u"液体"_s});
         session().windows.registrationWindow(u"F"_s);
         auto& fake = *world->windows.dataWindows.back();
-        std::unique_ptr<ForeignLock> lock;
-        fake.whileModal = [&] {
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, fake.fields[1], u"未入力"_s});
-            lock = std::make_unique<ForeignLock>(*session().OpenDb, ForeignLock::Kind::Writing);
-        };
-        QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::Locked);
-        lock.reset();
-        // The file datum stays registered.
-        QCOMPARE(session().RsRefFile->recordCount(), 1);
-
-        fake.whileModal = [&] {
-            TestWorld::addRow(session().RsRefFile, {u"b.txt"_s, fake.fields[1], u"未入力"_s});
-        };
+        fake.whileModal = [&] { registerIn(fake, u"b.txt"_s); };
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), u"M-991231-1000"_s); }),
                  errors::NoCurrentRecord);
+        // The file datum stays registered.
+        QCOMPARE(session().RsRefFile->recordCount(), 1);
         session().RsLink.reset();
         QCOMPARE(errorOf([&] { RegisterFileAndLink(session(), Water); }), errors::ObjectNotSet);
     }

@@ -11,6 +11,11 @@
 #include <QTest>
 #include <QUrl>
 
+#ifdef Q_OS_UNIX
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -19,6 +24,41 @@ namespace
 {
 
 const QString Picture = u"F-991231-001"_s;
+
+#ifdef Q_OS_UNIX
+/// Ends the program at a moment of a replacement: 1 when the copy has been placed, 2 when it is to be kept.
+class EndingAt : public SystemFiles
+{
+public:
+    explicit EndingAt(int moment) : m_moment(moment) {}
+
+    std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
+                                          const Progress& progress) const override
+    {
+        return std::make_unique<Copy>(SystemFiles::stageCopy(source, folder, name, progress), m_moment);
+    }
+
+private:
+    class Copy : public StagedCopy
+    {
+    public:
+        Copy(std::unique_ptr<StagedCopy> copy, int moment) : m_copy(std::move(copy)), m_moment(moment) {}
+        void place(const QString& mark) override
+        {
+            m_copy->place(mark);
+            if (m_moment == 1)
+                _exit(17);
+        }
+        void keep() override { _exit(17); }
+
+    private:
+        std::unique_ptr<StagedCopy> m_copy;
+        int m_moment;
+    };
+
+    int m_moment;
+};
+#endif
 
 } // namespace
 
@@ -49,6 +89,11 @@ private:
     QStringList copies() const
     {
         return QDir(pathOf(u"RefFile"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+    /// The hidden ones, too.
+    QStringList everything() const
+    {
+        return QDir(pathOf(u"RefFile"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
     FileRegistration registerPath(const QString& path, const std::optional<QString>& category = {},
                                   const QString& identifier = Picture)
@@ -183,7 +228,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("identifier");
         QTest::addColumn<qint32>("number");
         QTest::newRow("name too long") << QString(51, u'a') << Picture << errors::FieldTooSmall;
-        QTest::newRow("identifier taken") << u"a.txt"_s << u"F-991231-000"_s << errors::DuplicateKey;
         QTest::newRow("identifier too long") << u"a.txt"_s << u"F-991231-1000"_s << errors::FieldTooSmall;
         QTest::newRow("no identifier") << u"a.txt"_s << QString() << errors::InvalidArgument;
     }
@@ -199,6 +243,19 @@ private Q_SLOTS:
         QCOMPARE(copies(), QStringList());
         QCOMPARE(fileRows(), QStringList({u"先客|F-991231-000|未入力"_s}));
         QCOMPARE(memberships(), QStringList());
+    }
+
+    void identifierTakenMeanwhileGivesWayToTheNextFreeOne()
+    {
+        TestWorld::addRow(session().RsRefFile, {u"先客"_s, Picture, u"未入力"_s});
+        const FileEntry entry{.path = write(u"a.txt"_s, "a"),
+                              .identifier = Picture,
+                              .category = CategoryRow{.name = u"分類"_s, .identifier = u"A"_s}};
+        QString identifier;
+        QCOMPARE(RegisterFile(session(), entry, {}, &identifier), FileRegistration::Registered);
+        QCOMPARE(identifier, u"F-991231-002"_s);
+        QCOMPARE(fileRows().last(), u"a.txt|F-991231-002|未入力"_s);
+        QCOMPARE(memberships(), QStringList(u"A|F-991231-002"_s));
     }
 
     void refusalOfANameTellsTheNameAndHowLongItMayBe()
@@ -264,6 +321,75 @@ private Q_SLOTS:
         QCOMPARE(errorOfRegistering(write(u"a.txt"_s, "new"), u"A"_s), errors::DuplicateKey);
         QCOMPARE(copied(u"a.txt"_s), QByteArray("of another datum"));
         QCOMPARE(copies(), QStringList(u"a.txt"_s));
+    }
+
+    void whatAnAbruptEndLeavesInTheFolderIsSettledByTheRow_data()
+    {
+#ifdef Q_OS_UNIX
+        QTest::addColumn<int>("moment");
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("placed, the row not yet durable") << 1 << "of another datum"_ba;
+        QTest::newRow("the row durable, the former content still there") << 2 << "new"_ba;
+#endif
+    }
+
+    void whatAnAbruptEndLeavesInTheFolderIsSettledByTheRow()
+    {
+#ifdef Q_OS_UNIX
+        QFETCH(int, moment);
+        QFETCH(QByteArray, content);
+        write(u"RefFile/a.txt"_s, "of another datum");
+        TestWorld::addRow(session().RsRefFile, {u"a.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        const QString path = write(u"a.txt"_s, "new");
+        const QString database = session().OpenDb->path();
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            EndingAt files(moment);
+            TestWorld other;
+            other.openDatabase(database);
+            Session session({.dialogs = other.dialogs,
+                             .eventLog = other.eventLog,
+                             .clock = other.clock,
+                             .desktop = other.desktop,
+                             .files = files,
+                             .windows = other.windows},
+                            world->folder.path());
+            session.OpenDb = other.session.OpenDb;
+            session.RsRefFile = other.session.RsRefFile;
+            session.RsCategory = other.session.RsCategory;
+            session.RsCategoryID = other.session.RsCategoryID;
+            RegisterFile(session, {.path = path, .identifier = u"F-991231-002"_s, .category = {}}, {});
+            _exit(0);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QCOMPARE(WEXITSTATUS(status), 17);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("new"));
+        QCOMPARE(everything().size(), 2); // the former content, too
+        QCOMPARE(fileRows().size(), moment);
+        // The next registration, of whatever file.
+        QCOMPARE(registerPath(write(u"b.txt"_s, "b"), {}, u"F-991231-003"_s), FileRegistration::Registered);
+        QCOMPARE(copied(u"a.txt"_s), content);
+        QCOMPARE(everything(), QStringList({u"a.txt"_s, u"b.txt"_s}));
+#else
+        QSKIP("There is no such end here.");
+#endif
+    }
+
+    void whatBelongsToAnotherDatabaseIsLeftToIt()
+    {
+        write(u"RefFile/a.txt"_s, "new");
+        const QString left = u"RefFile/.quillon-former-00000000-F-991231-001-abcdef/a.txt"_s;
+        write(left, "former");
+        QCOMPARE(registerPath(write(u"b.txt"_s, "b")), FileRegistration::Registered);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("new"));
+        QVERIFY(QFile::exists(pathOf(left)));
+        // Until the name is replaced for good.
+        QCOMPARE(registerPath(write(u"a.txt"_s, "newer"), {}, u"F-991231-002"_s),
+                 FileRegistration::Registered);
+        QCOMPARE(copied(u"a.txt"_s), QByteArray("newer"));
+        QCOMPARE(everything(), QStringList({u"a.txt"_s, u"b.txt"_s}));
     }
 
     void copyThatIsCancelledChangesNothing_data()

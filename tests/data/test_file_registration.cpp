@@ -383,16 +383,19 @@ private Q_SLOTS:
         QCOMPARE(world->registeredFiles(), QStringList({name + u"|F-991231-001|未入力"_s}));
     }
 
-    void identifierThatIsTakenIsToldAndLeavesNoCopy()
+    void identifierTakenMeanwhileIsReplacedByTheNextAndShown()
     {
         begin();
         world->add(u"先客"_s, Picture, u"未入力"_s);
         FormWorld::enter(FormWorld::name(*form), write(u"a.txt"_s, "a"));
-        world->dialogs.expect(failure(3022));
+        world->dialogs.expect(Registered);
+        world->dialogs.meanwhile([&] { QCOMPARE(form->fieldText(1), u"F-991231-002"_s); });
         QVERIFY(FormWorld::choose(*form, u"mnuDataEntry"_s));
-        QCOMPARE(world->registeredFiles(), QStringList({u"先客|F-991231-001|未入力"_s}));
-        QCOMPARE(copies(), QStringList());
-        QVERIFY(!form.isNull());
+        FormWorld::processEvents();
+        QCOMPARE(world->registeredFiles(),
+                 QStringList({u"先客|F-991231-001|未入力"_s, u"a.txt|F-991231-002|未入力"_s}));
+        QCOMPARE(copies(), QStringList(u"a.txt"_s));
+        QVERIFY(form.isNull());
     }
 
     void failingMembershipWritesNoRowEither()

@@ -214,7 +214,10 @@ FileRegistration frmRefFileEntry::copyAndWrite()
         m_progress->hide();
         m_copying = nullptr;
     });
-    return RegisterFile(session(), entry, progress);
+    QString identifier = entry.identifier;
+    const FileRegistration outcome = RegisterFile(session(), entry, progress, &identifier);
+    setFieldText(1, identifier); // another one when it had been taken meanwhile
+    return outcome;
 }
 
 void frmRefFileEntry::cmdCancel_Click()

@@ -15,4 +15,8 @@ namespace quillon::platform
 std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
                                       const Files::Progress& progress);
 
+/// Tidies what programs that have ended abruptly left in `folder`: half copies go, and what had the name of a placed
+/// copy gets it back or goes, as `judge` says. What a program is still at work with stays. Never fails.
+void settleReplacements(const QString& folder, const Files::Judge& judge);
+
 } // namespace quillon::platform

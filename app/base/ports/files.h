@@ -18,7 +18,9 @@ public:
 
     /// Gives the copy its name. What had the name until then gets it back, as it was, together with the end of this
     /// object, unless `keep` has been called. Errors: 61, 70, 75, 76; then everything is as it was.
-    virtual void place() = 0;
+    /// `mark`: tells after an abrupt end for whom the file was replaced (see `Files::settleReplacements`); at most 120
+    /// letters, digits and signs of ASCII that a name may hold.
+    virtual void place(const QString& mark) = 0;
     /// Lets go of what had the name before.
     virtual void keep() = 0;
 };
@@ -45,6 +47,17 @@ public:
     /// left, when `progress` has ended the work. Errors: 53, 61, 70, 75, 76.
     virtual std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder,
                                                   const QString& name, const Progress& progress) const = 0;
+    /// What is known of a copy that was placed by a program that ended before it could keep or take back the copy.
+    enum class Replacement {
+        Done,      // it was to stay
+        BrokenOff, // what had the name is to get it back
+        NotKnown   // for others to judge
+    };
+    /// Judges a replacement by its mark and the name of the file.
+    using Judge = std::function<Replacement(const QString& mark, const QString& name)>;
+    /// Tidies what programs that have ended abruptly left in a folder of copies: half copies, and what had the name of
+    /// a placed one. Never fails.
+    virtual void settleReplacements(const QString& folder, const Judge& judge) const = 0;
     /// The bytes of an ordinary file. Errors: 53, 70, 75, and 6 when there are more than `atMost` bytes.
     virtual QByteArray readFile(const QString& path, qint64 atMost) const = 0;
 };

@@ -1,17 +1,23 @@
 #include "app/base/platform/copying.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/files.h"
+#include "app/base/platform/linux/descriptor.h"
+#include "app/base/platform/system_error.h"
 
+#include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <memory>
 #include <vector>
 
 namespace quillon::platform
@@ -20,49 +26,44 @@ namespace quillon::platform
 namespace
 {
 
+// What bears one of these names is on its way. Whoever puts it there holds it (`flock`) as long as he is at work: what
+// nobody holds has been left by an abrupt end.
+constexpr const char* CopyOnItsWay = ".quillon-copy-";
+constexpr const char* FormerContent = ".quillon-former-"; // a folder, and in it the file under its own name
+
+/// How many names are tried. Every one of them being taken means that something else is wrong.
+constexpr int MostNames = 100;
+
 /// Throws the failure that the system's last error stands for.
 [[noreturn]] void throwLastError(qint32 whenMissing)
 {
-    switch (errno) {
-    case ENOENT:
-    case ENOTDIR:
-        throw Error(whenMissing);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        throw Error(errors::PermissionDenied);
-    case ENOSPC:
-    case EDQUOT:
-        throw Error(errors::DiskFull);
-    default:
-        throw Error(errors::PathFileAccess);
-    }
+    throw Error(errorOfSystem(lastSystemError(), whenMissing));
 }
 
-/// An open file of the system.
-class Descriptor
+/// A name that hardly anything has.
+QByteArray anyName(const QByteArray& folder, const QByteArray& beginning)
 {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    operator int() const { return m_descriptor; }
+    constexpr quint64 Names = 2'176'782'336; // of six characters
+    const quint64 number = QRandomGenerator::system()->generate64() % Names;
+    return folder + '/' + beginning + QByteArray::number(number, 36).rightJustified(6, '0');
+}
 
-private:
-    int m_descriptor;
-};
+/// Whether this program holds what is open now, and it still has a name. `otherwise` when the file system knows no such
+/// thing.
+bool holds(int file, bool otherwise)
+{
+    struct stat status = {};
+    if (flock(file, LOCK_EX | LOCK_NB) != 0)
+        return errno != EWOULDBLOCK && errno != EINTR && otherwise;
+    return fstat(file, &status) == 0 && status.st_nlink > 0;
+}
 
 /// A file that is gone again unless it is kept. Where the file system can, it has no name until then, so that not even
 /// the end of the program leaves it behind.
 class FileBeside
 {
 public:
-    explicit FileBeside(const QByteArray& folder) : m_pattern(folder + "/.quillon-XXXXXX"), m_file(make())
+    explicit FileBeside(const QByteArray& folder) : m_folder(folder), m_file(make())
     {
         if (m_file < 0)
             throwLastError(errors::PathNotFound);
@@ -80,8 +81,10 @@ public:
     void keepAs(const QByteArray& name)
     {
         if (m_name.isEmpty()) {
-            if (giveName(name))
+            if (link(m_file, name))
                 return;
+            if (errno != EEXIST)
+                throwLastError(errors::PathNotFound);
             nameBeside();
         }
         if (rename(m_name.constData(), name.constData()) != 0)
@@ -89,58 +92,48 @@ public:
         m_name.clear();
     }
 
-    /// Gives what bears a name another one for the time being, and that is the answer; empty when nothing bears it.
-    QByteArray setAside(const QByteArray& name) const
-    {
-        struct stat status = {};
-        if (lstat(name.constData(), &status) != 0) {
-            if (errno == ENOENT)
-                return {};
-            throwLastError(errors::PathNotFound);
-        }
-        if (S_ISDIR(status.st_mode))
-            throw Error(errors::PathFileAccess);
-        QByteArray aside = freeName();
-        if (aside.isEmpty())
-            throwLastError(errors::PathNotFound);
-        // As a second name, so that there is a file of that name at every moment; not every file system has these.
-        if (linkat(AT_FDCWD, name.constData(), AT_FDCWD, aside.constData(), 0) != 0 &&
-            rename(name.constData(), aside.constData()) != 0)
-            throwLastError(errors::PathNotFound);
-        return aside;
-    }
-
 private:
+    QByteArray anyName() const { return platform::anyName(m_folder, CopyOnItsWay); }
     int make()
     {
         if (canNameLater()) {
             const int nameless = makeNameless();
-            if (nameless >= 0)
+            if (nameless >= 0) {
+                flock(nameless, LOCK_EX | LOCK_NB); // before it has a name
                 return nameless;
+            }
         }
-        m_name = m_pattern;
-        const int named = mkostemp(m_name.data(), O_CLOEXEC);
-        if (named < 0)
-            m_name.clear();
-        return named;
+        for (int i = 0; i < MostNames; ++i) {
+            const QByteArray name = anyName();
+            const int named =
+                open(name.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+            if (named < 0 && errno != EEXIST)
+                return named;
+            // Between its making and its holding, another program may have taken it for a left one.
+            if (named >= 0 && holds(named, true)) {
+                m_name = name;
+                return named;
+            }
+            if (named >= 0)
+                close(named);
+        }
+        errno = EEXIST;
+        return -1;
     }
     int makeNameless() const
     {
-        const QByteArray folder = m_pattern.first(m_pattern.lastIndexOf('/') + 1);
-        return open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+        return open(m_folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
     }
     /// Tries it with an empty file: some systems make nameless files and refuse to name them, which would be known
     /// only after everything has been copied.
     bool canNameLater() const
     {
         const Descriptor trial(makeNameless());
-        if (trial < 0)
+        const QByteArray name = anyName();
+        if (trial < 0 || !link(trial, name))
             return false;
-        const QByteArray name = freeName();
-        const bool named = !name.isEmpty() && link(trial, name);
-        if (named)
-            unlink(name.constData());
-        return named;
+        unlink(name.constData());
+        return true;
     }
     /// Only the process's own list of files leads from a file without a name to one with a name.
     static bool link(int file, const QByteArray& name)
@@ -148,48 +141,125 @@ private:
         const QByteArray self = "/proc/self/fd/" + QByteArray::number(file);
         return linkat(AT_FDCWD, self.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0;
     }
-    /// A name in the folder that nothing has; empty after a failure.
-    QByteArray freeName() const
-    {
-        QByteArray name = m_pattern;
-        const Descriptor placeholder(mkostemp(name.data(), O_CLOEXEC));
-        if (placeholder < 0)
-            return {};
-        unlink(name.constData());
-        return name;
-    }
-    /// Names the nameless file; false when something has this name.
-    bool giveName(const QByteArray& name) const
-    {
-        if (link(m_file, name))
-            return true;
-        if (errno != EEXIST)
-            throwLastError(errors::PathNotFound);
-        return false;
-    }
     /// Names the nameless file for the moment before it replaces another.
     void nameBeside()
     {
-        while (m_name.isEmpty()) {
-            const QByteArray name = freeName();
-            if (name.isEmpty())
-                throwLastError(errors::PathNotFound);
-            if (giveName(name))
+        for (int i = 0; i < MostNames; ++i) {
+            const QByteArray name = anyName();
+            if (link(m_file, name)) {
                 m_name = name;
+                return;
+            }
+            if (errno != EEXIST)
+                break;
         }
+        throwLastError(errors::PathNotFound);
     }
 
-    QByteArray m_pattern;
+    QByteArray m_folder;
     QByteArray m_name; // as long as it is a name for the time being
     Descriptor m_file;
 };
+
+/// What bore a name until it was given to a copy: in a folder of its own, which tells for whom it was replaced.
+class Former
+{
+public:
+    /// Nothing is there yet.
+    Former(const QByteArray& folder, const QByteArray& name, const QByteArray& mark)
+        : m_path(folder + '/' + name), m_name(name), m_held(make(folder, mark))
+    {
+        if (m_held < 0)
+            throwLastError(errors::PathNotFound);
+    }
+    /// One that an abrupt end has left; to be used only when it `isHeld`.
+    Former(const QByteArray& folder, const QByteArray& name, const QString& left)
+        : m_path(folder + '/' + name), m_name(name), m_aside(folder + '/' + QFile::encodeName(left)),
+          m_held(open(m_aside.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC))
+    {
+    }
+    Former(const Former&) = delete;
+    Former& operator=(const Former&) = delete;
+
+    bool isHeld() const { return m_held >= 0 && holds(m_held, false); }
+    void take() const
+    {
+        // As a second name, so that there is a file of that name at every moment; not every file system has these.
+        if (linkat(AT_FDCWD, m_path.constData(), AT_FDCWD, aside().constData(), 0) != 0 &&
+            rename(m_path.constData(), aside().constData()) != 0)
+            throwLastError(errors::PathNotFound);
+        // An abrupt end from here on finds it.
+        if (fsync(m_held) != 0 && errno != EINVAL && errno != ENOTSUP)
+            throwLastError(errors::PathNotFound);
+    }
+    void putBack() const
+    {
+        // Two names of the same file both stay in a renaming.
+        if (rename(aside().constData(), m_path.constData()) == 0)
+            letGo();
+        else
+            rmdir(m_aside.constData()); // goes only when there is nothing in it
+    }
+    void letGo() const
+    {
+        unlink(aside().constData());
+        rmdir(m_aside.constData());
+    }
+
+private:
+    QByteArray aside() const { return m_aside + '/' + m_name; }
+    int make(const QByteArray& folder, const QByteArray& mark)
+    {
+        for (int i = 0; i < MostNames; ++i) {
+            m_aside = anyName(folder, FormerContent + mark + '-');
+            if (mkdir(m_aside.constData(), S_IRWXU) != 0) {
+                if (errno == EEXIST)
+                    continue;
+                return -1;
+            }
+            const int held = open(m_aside.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            if (held >= 0 && holds(held, true))
+                return held;
+            if (held >= 0)
+                close(held);
+        }
+        errno = EEXIST;
+        return -1;
+    }
+
+    QByteArray m_path;
+    QByteArray m_name;
+    QByteArray m_aside;
+    Descriptor m_held;
+};
+
+QStringList leftIn(const QString& folder, const char* beginning)
+{
+    return QDir(folder).entryList({QString::fromLatin1(beginning) + u'*'},
+                                  QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+/// What is told by the name of the folder of a former content.
+QString markOf(const QString& aside)
+{
+    const QString mark = aside.sliced(static_cast<qsizetype>(qstrlen(FormerContent)));
+    return mark.first(qMax(qsizetype(0), mark.lastIndexOf(u'-')));
+}
+
+/// The name of the file in it; empty when there is none.
+QString nameIn(const QString& aside)
+{
+    const QStringList names =
+        QDir(aside).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    return names.isEmpty() ? QString() : names.constFirst();
+}
 
 /// A copy that lies beside its place.
 class CopyBeside : public StagedCopy
 {
 public:
     CopyBeside(const QByteArray& folder, const QByteArray& name)
-        : m_folder(folder), m_path(folder + '/' + name), m_beside(folder)
+        : m_folder(folder), m_name(name), m_beside(folder)
     {
     }
     ~CopyBeside() override { putBack(); }
@@ -197,47 +267,63 @@ public:
     CopyBeside& operator=(const CopyBeside&) = delete;
 
     int file() const { return m_beside.file(); }
-    void place() override
+    void place(const QString& mark) override
     {
-        m_former = m_beside.setAside(m_path);
+        const QByteArray path = m_folder + '/' + m_name;
+        struct stat status = {};
+        const bool replaces = lstat(path.constData(), &status) == 0;
+        if (!replaces && errno != ENOENT)
+            throwLastError(errors::PathNotFound);
+        if (replaces && S_ISDIR(status.st_mode))
+            throw Error(errors::PathFileAccess);
+        if (replaces)
+            m_former = std::make_unique<Former>(m_folder, m_name, mark.toUtf8());
         try {
-            m_beside.keepAs(m_path);
+            if (replaces) {
+                m_former->take();
+                syncFolder(QFile::decodeName(m_folder));
+            }
+            m_beside.keepAs(path);
+            syncFolder(QFile::decodeName(m_folder));
         } catch (const Error&) {
             putBack();
             throw;
         }
-        syncNames();
     }
     void keep() override
     {
-        if (!m_former.isEmpty())
-            unlink(m_former.constData());
-        m_former.clear();
+        if (m_former)
+            m_former->letGo();
+        m_former.reset();
+        // What was left here under this name, whatever was to become of it, has been replaced for good.
+        const QString folder = QFile::decodeName(m_folder);
+        for (const QString& left : leftIn(folder, FormerContent)) {
+            if (nameIn(folder + u'/' + left) != QFile::decodeName(m_name))
+                continue;
+            const Former former(m_folder, m_name, left);
+            if (former.isHeld())
+                former.letGo();
+        }
     }
 
 private:
     void putBack()
     {
-        if (m_former.isEmpty())
+        if (!m_former)
             return;
-        // Two names of the same file both stay in a renaming.
-        if (rename(m_former.constData(), m_path.constData()) == 0)
-            unlink(m_former.constData());
-        m_former.clear();
-        syncNames();
-    }
-    /// Lets the names, too, outlive a power failure.
-    void syncNames() const
-    {
-        const Descriptor entries(open(m_folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (entries >= 0)
-            fsync(entries);
+        m_former->putBack();
+        m_former.reset();
+        try {
+            syncFolder(QFile::decodeName(m_folder));
+        } catch (const Error&) {
+            return; // there is a failure already that is being told
+        }
     }
 
     QByteArray m_folder;
-    QByteArray m_path;
+    QByteArray m_name;
     FileBeside m_beside;
-    QByteArray m_former; // the name for the time being of what bore this one's
+    std::unique_ptr<Former> m_former; // what bore the name
 };
 
 /// False when `progress` has ended it.
@@ -257,8 +343,10 @@ bool copyBytes(int from, int to, qint64 total, const Files::Progress& progress)
         for (ssize_t written = 0; written < count;) {
             const ssize_t part =
                 write(to, buffer.data() + written, static_cast<std::size_t>(count - written));
-            if (part >= 0)
+            if (part > 0)
                 written += part;
+            else if (part == 0)
+                throw Error(errors::DiskFull);
             else if (errno != EINTR)
                 throwLastError(errors::PathNotFound);
         }
@@ -293,6 +381,31 @@ std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& fold
     if (fsync(file) != 0)
         throwLastError(errors::PathNotFound);
     return copy;
+}
+
+void settleReplacements(const QString& folder, const Files::Judge& judge)
+{
+    const QByteArray in = QFile::encodeName(folder);
+    for (const QString& left : leftIn(folder, CopyOnItsWay)) {
+        const QByteArray path = in + '/' + QFile::encodeName(left);
+        const Descriptor file(open(path.constData(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+        struct stat status = {};
+        if (file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && holds(file, false))
+            unlink(path.constData());
+    }
+    for (const QString& left : leftIn(folder, FormerContent)) {
+        const Former lock(in, {}, left);
+        if (!lock.isHeld())
+            continue;
+        const QString name = nameIn(folder + u'/' + left);
+        const Former former(in, QFile::encodeName(name), left); // its file is that of `lock`, which holds it
+        const Files::Replacement outcome =
+            name.isEmpty() ? Files::Replacement::Done : judge(markOf(left), name);
+        if (outcome == Files::Replacement::Done)
+            former.letGo();
+        else if (outcome == Files::Replacement::BrokenOff)
+            former.putBack();
+    }
 }
 
 } // namespace quillon::platform

@@ -6,6 +6,7 @@
 #include "app/base/platform/windows/handle.h"
 
 #include <QDir>
+#include <QRandomGenerator>
 
 #include <array>
 #include <exception>
@@ -59,12 +60,83 @@ private:
     bool m_kept = false;
 };
 
+constexpr const wchar_t* HeldBy =
+    L"\\.quillon-held"; // open, and gone with the program, as long as it is at work
+
+QString formerContent()
+{
+    return QStringLiteral(".quillon-former-");
+}
+
+/// What bore a name until it was given to a copy: in a folder of its own, which tells for whom it was replaced.
+class Former
+{
+public:
+    /// `aside`: the folder, which is made unless it `isLeft` from an abrupt end.
+    Former(const QString& folder, const QString& name, const QString& aside, bool isLeft)
+        : m_path(folder + u'\\' + name), m_folder(folder + u'\\' + aside), m_aside(m_folder + u'\\' + name)
+    {
+        if (!isLeft && CreateDirectoryW(wide(m_folder), nullptr) == 0)
+            throwLastError(errors::PathNotFound);
+        const HANDLE held =
+            CreateFileW(wide(m_folder + QString::fromWCharArray(HeldBy)), GENERIC_WRITE, 0, nullptr,
+                        CREATE_ALWAYS, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        m_held.reset(held == INVALID_HANDLE_VALUE ? nullptr : held);
+    }
+
+    bool isHeld() const { return m_held != nullptr; }
+    void take() const
+    {
+        if (!FileBeside::rename(wide(m_path), wide(m_aside)))
+            throwLastError(errors::PathNotFound);
+    }
+    void putBack()
+    {
+        // Where that fails it stays under its other name and is not lost.
+        FileBeside::rename(wide(m_aside), wide(m_path));
+        removeFolder();
+    }
+    void letGo()
+    {
+        DeleteFileW(wide(m_aside));
+        removeFolder();
+    }
+
+private:
+    void removeFolder()
+    {
+        m_held.reset();
+        RemoveDirectoryW(wide(m_folder)); // goes only when there is nothing in it
+    }
+
+    QString m_path;
+    QString m_folder;
+    QString m_aside;
+    Handle m_held;
+};
+
+QStringList leftIn(const QString& folder)
+{
+    return QDir(folder).entryList({formerContent() + u'*'}, QDir::Dirs | QDir::Hidden);
+}
+
+/// The name of the file in the folder of a former content; empty when there is none.
+QString nameIn(const QString& aside)
+{
+    const QString held = QString::fromWCharArray(HeldBy).sliced(1);
+    for (const QString& name : QDir(aside).entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+        if (name != held)
+            return name;
+    }
+    return {};
+}
+
 /// A copy that lies beside its place.
 class CopyBeside : public StagedCopy
 {
 public:
     CopyBeside(const QString& folder, const QString& name)
-        : m_folder(folder), m_path(folder + u'\\' + name), m_beside(folder)
+        : m_folder(folder), m_name(name), m_path(folder + u'\\' + name), m_beside(folder)
     {
     }
     ~CopyBeside() override { putBack(); }
@@ -72,15 +144,16 @@ public:
     CopyBeside& operator=(const CopyBeside&) = delete;
 
     const wchar_t* name() const { return m_beside.name(); }
-    void place() override
+    void place(const QString& mark) override
     {
         const DWORD present = GetFileAttributesW(wide(m_path));
         if (present != INVALID_FILE_ATTRIBUTES) {
             if ((present & FILE_ATTRIBUTE_DIRECTORY) != 0)
                 throw Error(errors::PathFileAccess); // not a matter of permission, as the system would say
-            auto former = std::make_unique<FileBeside>(m_folder);
-            if (!FileBeside::rename(wide(m_path), former->name()))
-                throwLastError(errors::PathNotFound);
+            const quint64 number = QRandomGenerator::system()->generate64();
+            auto former = std::make_unique<Former>(
+                m_folder, m_name, formerContent() + mark + u'-' + QString::number(number, 36), false);
+            former->take();
             m_former = std::move(former);
         }
         try {
@@ -90,25 +163,35 @@ public:
             throw;
         }
     }
-    void keep() override { m_former.reset(); }
+    void keep() override
+    {
+        if (m_former)
+            m_former->letGo();
+        m_former.reset();
+        // What was left here under this name, whatever was to become of it, has been replaced for good.
+        for (const QString& left : leftIn(m_folder)) {
+            if (nameIn(m_folder + u'\\' + left).compare(m_name, Qt::CaseInsensitive) != 0)
+                continue;
+            Former former(m_folder, m_name, left, true);
+            if (former.isHeld())
+                former.letGo();
+        }
+    }
 
 private:
     void putBack()
     {
         if (!m_former)
             return;
-        try {
-            m_former->keepAs(m_path);
-        } catch (const Error&) {
-            static_cast<void>(m_former.release()); // under its other name it is not lost
-        }
+        m_former->putBack();
         m_former.reset();
     }
 
     QString m_folder;
+    QString m_name;
     QString m_path;
     FileBeside m_beside;
-    std::unique_ptr<FileBeside> m_former; // what bore the name before
+    std::unique_ptr<Former> m_former; // what bore the name before
 };
 
 /// Who is told, and what he threw: no exception can pass through the system's function.
@@ -165,6 +248,24 @@ std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& fold
     if (!writeToDisk(copy->name()))
         throwLastError(errors::PathNotFound);
     return copy;
+}
+
+void settleReplacements(const QString& folder, const Files::Judge& judge)
+{
+    const QString in = QDir::toNativeSeparators(folder);
+    for (const QString& left : leftIn(in)) {
+        const QString name = nameIn(in + u'\\' + left);
+        Former former(in, name, left, true);
+        if (!former.isHeld())
+            continue;
+        const qsizetype begin = formerContent().size();
+        const QString mark = left.sliced(begin, qMax(qsizetype(0), left.lastIndexOf(u'-') - begin));
+        const Files::Replacement outcome = name.isEmpty() ? Files::Replacement::Done : judge(mark, name);
+        if (outcome == Files::Replacement::Done)
+            former.letGo();
+        else if (outcome == Files::Replacement::BrokenOff)
+            former.putBack();
+    }
 }
 
 } // namespace quillon::platform
