@@ -103,8 +103,12 @@ void AddCategory(Session& session, DataWindow& window, const QString& identifier
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier)
 {
     guarded(session.reporting, u"ClassifyCategory"_s, [&] {
-        fileIn(session, tellingFailures(session), categoryIdentifier, identifier);
-        DeleteParentCategory(session, categoryIdentifier, identifier);
+        Database& database = required(session.RsCategory).database();
+        DeferredMessages messages(database);
+        // As one write, so that nothing can leave a datum in a category and its ancestor.
+        inWriteTransaction(database,
+                           [&] { ClassifyDatum(session, messages, categoryIdentifier, identifier); });
+        messages.show(session);
     });
 }
 

@@ -41,6 +41,21 @@ void RegisterCategory(Session& session, const QString& categoryIdentifier, const
     write.commit();
 }
 
+QString RegisterNewCategory(Session& session, const QString& beginning,
+                            const std::function<bool(const QString&)>& isShown, const QString& name,
+                            const CategoryRow* parent)
+{
+    RecordSet& categories = required(session.RsCategoryID);
+    sqlite::Transaction write(categories.database().connection());
+    QString identifier = newCategoryIdentifier(beginning, [&](const QString& candidate) {
+        // Another program may have added some that no window here shows.
+        return isShown(candidate) || categories.goTo(category_field::Category_ID, candidate);
+    });
+    RegisterCategory(session, identifier, name, parent);
+    write.commit();
+    return identifier;
+}
+
 void RenameCategory(Session& session, const CategoryRow& category, const QString& name)
 {
     RecordSet& categories = required(session.RsCategoryID);

@@ -20,6 +20,12 @@ QString newCategoryIdentifier(const QString& beginning, const std::function<bool
 void RegisterCategory(Session& session, const QString& categoryIdentifier, const QString& name,
                       const CategoryRow* parent = nullptr);
 
+/// Adds a category under the first identifier of a `beginning` that neither the windows (`isShown`) nor the database
+/// knows, and that is the answer. Otherwise like `RegisterCategory`; error 6 when there is none.
+QString RegisterNewCategory(Session& session, const QString& beginning,
+                            const std::function<bool(const QString&)>& isShown, const QString& name,
+                            const CategoryRow* parent = nullptr);
+
 /// Gives a category another name. Not trapped: errors 3021 when there is no such category, 3163 as above.
 void RenameCategory(Session& session, const CategoryRow& category, const QString& name);
 

@@ -99,10 +99,12 @@ std::optional<SavedDatum> RegisterDatum(Session& session, const DataKind& kind, 
     QStringList vanished;
     keepNumbersOfShownRows(session, kind);
     inWriteTransaction(rows.database(), [&] {
+        // Another window or program may have registered something under it since it was shown.
+        place.identifier = freeIdentifier(rows, identifier);
         rows.addNew();
-        setFields(session, rows, texts, &identifier);
+        setFields(session, rows, texts, &place.identifier);
         place.row = rows.update();
-        vanished = classify(session, messages, categories, identifier);
+        vanished = classify(session, messages, categories, place.identifier);
     });
     return SavedDatum{.place = std::move(place),
                       .messages = std::move(messages),

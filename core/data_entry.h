@@ -44,9 +44,9 @@ struct SavedDatum {
     QStringList vanishedCategories; // those of the categories that are gone: the datum was not filed there
 };
 
-/// Adds a datum to the open database and files it in categories, as one durable write. Nothing when `CheckDatum` has
-/// refused the texts. Not trapped: errors 5 without an identifier, 3022 for one that is taken, 3163 for one that is too
-/// long, 3260.
+/// Adds a datum to the open database and files it in categories, as one durable write. When the identifier has been
+/// taken meanwhile, the datum gets the next free one. Nothing when `CheckDatum` has refused the texts. Not trapped:
+/// errors 5 without an identifier, 3163 for one that is too long, 3260.
 std::optional<SavedDatum> RegisterDatum(Session& session, const DataKind& kind, const QString& identifier,
                                         const DatumTexts& texts, const std::vector<CategoryRow>& categories);
 

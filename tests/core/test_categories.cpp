@@ -107,9 +107,9 @@ private Q_SLOTS:
         addMemberships({u"A-B"_s, u"A"_s}); // in the other order
         const JournaledWrites writes(*world->session.OpenDb, world->calls);
         ClassifyCategory(world->session, u"A-B-C"_s, Datum);
-        QVERIFY(compareLines(world->calls.lines(), {u"insert Category A-B-C|"_s + Datum, u"commit"_s,
-                                                    u"delete Category A|"_s + Datum, u"commit"_s,
-                                                    u"delete Category A-B|"_s + Datum, u"commit"_s}));
+        QVERIFY(compareLines(world->calls.lines(),
+                             {u"insert Category A-B-C|"_s + Datum, u"delete Category A|"_s + Datum,
+                              u"delete Category A-B|"_s + Datum, u"commit"_s}));
     }
 
     void outermostAncestorIsCleanedBeforeALaterOneFails()

@@ -54,6 +54,15 @@ private Q_SLOTS:
         QCOMPARE(categories(), QStringList({u"A|自然"_s, u"A-A|水"_s}));
     }
 
+    void newCategoryPassesOverWhatTheWindowsAndTheDatabaseKnow()
+    {
+        RegisterCategory(world->session, u"A-C"_s, u"氷"_s); // by another program
+        const auto isShown = [](const QString& identifier) { return identifier == u"A-B"; };
+        const CategoryRow parent = presentCategory(world->session, u"A"_s);
+        QCOMPARE(RegisterNewCategory(world->session, u"A-"_s, isShown, u"湯"_s, &parent), u"A-D"_s);
+        QCOMPARE(categories().last(), u"A-D|湯"_s);
+    }
+
     void nameOfMoreThanFiftyCharactersIsRefused()
     {
         const QString fits(50, u'名');

@@ -152,12 +152,28 @@ private Q_SLOTS:
         QCOMPARE(memberships(), QStringList());
     }
 
-    void identifierThatIsTakenIsRefused()
+    void identifierTakenMeanwhileGivesWayToTheNextFreeOne()
     {
-        enter(u"水"_s, u"液体"_s);
-        QCOMPARE(errorOf([&] { enter(u"氷"_s, u"固体"_s, categories({u"A"_s})); }), errors::DuplicateKey);
-        QCOMPARE(definitions(), QStringList({u"水|M-991231-001|液体"_s}));
-        QCOMPARE(memberships(), QStringList());
+        for (const QString& taken : {u"M-991231-001"_s, u"M-991231-002"_s, u"M-991231-004"_s})
+            TestWorld::addRow(world->session.RsMain, {u"先客"_s, taken, u"…"_s});
+        const auto saved = RegisterDatum(world->session, data_kinds::definition(), u"M-991231-001"_s,
+                                         {.name = u"氷"_s, .content = u"固体"_s}, categories({u"A"_s}));
+        QCOMPARE(saved->place.identifier, u"M-991231-003"_s);
+        QCOMPARE(definitions().last(), u"氷|M-991231-003|固体"_s);
+        QCOMPARE(memberships(), QStringList(u"A|M-991231-003"_s));
+    }
+
+    void identifiersOfADayCanRunOut()
+    {
+        {
+            sqlite::Transaction write(world->session.OpenDb->connection());
+            for (int i = 1; i < 1000; ++i)
+                TestWorld::addRow(world->session.RsMain,
+                                  {u"先客"_s, u"M-991231-%1"_s.arg(i, 3, 10, QChar(u'0')), u"…"_s});
+            write.commit();
+        }
+        QCOMPARE(errorOf([&] { enter(u"水"_s, u"液体"_s); }), errors::FieldTooSmall);
+        QCOMPARE(definitions().size(), 999);
     }
 
     void identifierBeyondTheDayIsRefused()

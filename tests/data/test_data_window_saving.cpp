@@ -353,20 +353,25 @@ private Q_SLOTS:
         QCOMPARE(form.fieldText(2), content);
     }
 
-    void identifierTakenMeanwhileLosesNothing_data() { bothKinds(); }
+    void identifierTakenMeanwhileIsReplacedByTheNextAndShown_data() { bothKinds(); }
 
-    void identifierTakenMeanwhileLosesNothing()
+    void identifierTakenMeanwhileIsReplacedByTheNextAndShown()
     {
         DataForm& form = beginRegistration();
         fill(form, u"水"_s, u"液体"_s);
         takeIdentifier();
-        world->dialogs.expect(untrapped(3022));
+        if (twin().registered)
+            world->dialogs.expect(*twin().registered);
         QVERIFY(FormWorld::choose(form, u"mnuDataEntry"_s));
-        QVERIFY(world->loggedUnder(u"mnuDataEntry_Click"_s, 3022));
-        QCOMPARE(form.modeText(), u"登録モード"_s);
-        QCOMPARE(form.fieldText(0), u"水"_s);
-        QCOMPARE(form.fieldText(2), u"液体"_s);
-        QCOMPARE(data().size(), 1);
+        QCOMPARE(form.modeText(), u"表示モード"_s);
+        QCOMPARE(form.fieldText(1), twin().second);
+        QCOMPARE(data().last(), u"水|"_s + twin().second + u"|液体"_s);
+        QCOMPARE(data().size(), 2);
+        // It is the new datum that the window now shows and changes.
+        fill(form, u"湯"_s, u"熱い"_s);
+        world->dialogs.expect(twin().updated);
+        QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
+        QCOMPARE(data().last(), u"湯|"_s + twin().second + u"|熱い"_s);
     }
 
     void identifierBeyondTheDayIsRefusedByTheTable_data() { bothKinds(); }

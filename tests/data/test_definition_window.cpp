@@ -241,11 +241,11 @@ private Q_SLOTS:
     {
         frmMainData& form = world->beginRegistration();
         fill(form, u"謎"_s, QString());
-        world->add(u"先客"_s, Water, u"…"_s);
+        const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Writing);
         world->dialogs.expect(AskUndefined, Answer::Ok);
-        world->dialogs.expect(untrapped(3022));
+        world->dialogs.expect(untrapped(3260));
         QVERIFY(FormWorld::choose(form, u"mnuDataNoDef"_s));
-        QVERIFY(world->loggedUnder(u"mnuDataNoDef_Click"_s, 3022));
+        QVERIFY(world->loggedUnder(u"mnuDataNoDef_Click"_s, 3260));
         QCOMPARE(form.modeText(), u"登録モード"_s);
     }
 };

@@ -76,6 +76,14 @@ private Q_SLOTS:
         QCOMPARE(categories().last(), u"B-B|乙の二"_s);
     }
 
+    void identifierThatAnotherProgramHasTakenIsPassedOver()
+    {
+        WindowWorld::addRow(world->session().RsCategoryID, {u"C"_s, u"他"_s}); // the tree does not show it
+        registerCategory(TopLevelQuestion, u"丙"_s);
+        QCOMPARE(categories().last(), u"D|丙"_s);
+        QCOMPARE(window->nodeKey(window->nodeCount()), u"D"_s);
+    }
+
     void registeringDoesNotRebuildTheList()
     {
         chooseNode(u"M_DIV"_s);

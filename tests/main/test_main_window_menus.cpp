@@ -182,6 +182,16 @@ private Q_SLOTS:
         QVERIFY(!enabled(u"mnuData"_s));
     }
 
+    void creationThatWasBrokenOffIsDoneAgain()
+    {
+        const QString path = world->folder.filePath(u"半.mdb"_s);
+        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+        expectSaveDialog(path);
+        world->dialogs.expect(MessageBox{.text = u"Quillon 用のデータベースを作成しました。"_s});
+        QVERIFY(WindowWorld::choose(*window, u"mnuFileNew"_s));
+        QVERIFY(enabled(u"mnuData"_s));
+    }
+
     void folderOfThatNameIsRefusedToo()
     {
         QVERIFY(QDir(world->folder.path()).mkdir(u"棚.mdb"_s));

@@ -149,6 +149,8 @@ std::optional<SavedDatum> DataForm::registerShownDatum()
 
 void DataForm::hasSaved(const SavedDatum& saved, const DatumTexts& written)
 {
+    if (fieldText(1) != saved.place.identifier)
+        setFieldText(1, saved.place.identifier);
     m_row = {.databaseFile = saved.place.databaseFile, .number = saved.place.row};
     m_seen = written;
     if (saved.vanishedCategories.isEmpty())

@@ -2,6 +2,7 @@
 #include "core/categories.h"
 #include "core/category_entry.h"
 #include "store/session.h"
+#include "ui/main/category_tree.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/keyed_tree.h"
 
@@ -47,12 +48,16 @@ void frmMainMenu::mnuCategoryEntry_Click()
                                           : parent->name + u"の下に新規のカテゴリを登録しますか。"_s;
         if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
             return;
-        const QString identifier = GetNewCategory_ID(parentKey, topLevel);
+        GetNewCategory_ID(parentKey, topLevel); // without a free one there is nothing to ask
+        QString identifier;
         const QString prompt = u"カテゴリ名を入力してください。"_s;
         const auto name = storeTypedName(
             {.prompt = prompt}, prompt,
             [&](const QString& typed) {
-                RegisterCategory(session(), identifier, typed, parent ? &*parent : nullptr);
+                identifier = RegisterNewCategory(
+                    session(), topLevel ? QString() : parentKey + u'-',
+                    [&](const QString& key) { return GetNodeIndex(tvwCategory->nodes(), key) != 0; }, typed,
+                    parent ? &*parent : nullptr);
             },
             [&](const Error& error) { ReportError(session().reporting, error.number, location); });
         if (!name)
