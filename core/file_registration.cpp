@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/extract_string.h"
+#include "app/base/platform/any_names.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/category_entry.h"
@@ -135,7 +136,7 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
     const QString folder = session.inCurrentFolder(titles::FileFolder);
     if (!session.files.folderExists(folder))
         return FileRegistration::NoFolderForFiles;
-    const QString name = ExtractString(session.reporting, *path, QDir::separator());
+    const QString name = platform::readableName(ExtractString(session.reporting, *path, QDir::separator()));
     checkRow(session, entry, name);
     settle(session, folder);
     if (progress && !progress(0, 0))

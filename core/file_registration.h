@@ -30,6 +30,7 @@ enum class FileRegistration {
 /// membership and the link that it is registered for, all or none. A category that is gone gets no membership.
 /// `progress` is called first when the copying begins. No identifier and a name that is too long are refused before
 /// that. When the identifier has been taken meanwhile, the file gets the next free one; `registeredAs` tells it.
+/// A name that is no text is registered as a person can read it.
 /// What other programs have left behind in the folder by an abrupt end is settled first.
 /// Not trapped: error 5 without an identifier, a failing copy (53, 61, 70, 75, 76) or row (3022, 3163, 3260). Then a
 /// file that was to be replaced stands as it was; only a copy whose name was new stays.

@@ -1,10 +1,10 @@
 #include "core/typed_path.h"
 
+#include "app/base/platform/any_names.h"
 #include "app/base/ports/files.h"
 
 #include <QDir>
 #include <QStringView>
-#include <QUrl>
 
 #include <array>
 
@@ -39,7 +39,8 @@ QString withoutScheme(QStringView path)
     constexpr QStringView Scheme = u"file://";
     if (!path.startsWith(Scheme, Qt::CaseInsensitive))
         return path.toString();
-    QString address = QUrl::fromPercentEncoding(path.sliced(Scheme.size()).toUtf8());
+    QString address =
+        platform::pathOfSystem(QByteArray::fromPercentEncoding(path.sliced(Scheme.size()).toUtf8()));
     constexpr QStringView ThisComputer = u"localhost/";
     if (address.startsWith(ThisComputer, Qt::CaseInsensitive))
         address.remove(0, ThisComputer.size() - 1);

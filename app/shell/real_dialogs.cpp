@@ -1,10 +1,12 @@
 #include "app/shell/real_dialogs.h"
 
+#include "app/base/platform/any_names.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/persons_input.h"
 #include "ui/widgets/title_width.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
@@ -15,6 +17,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSettings>
@@ -250,6 +253,42 @@ void proposeName(QFileDialog& shown, const FileDialog& dialog)
     shown.selectFile(proposed.fileName());
 }
 
+/// Lets files be chosen, too, whose names are no text: the toolkit does not list them. `chosen`: the address of one.
+void offerUnreadableNames(QFileDialog& shown, QString& chosen)
+{
+    auto* grid = qobject_cast<QGridLayout*>(shown.layout());
+    if (grid == nullptr)
+        return; // a dialog of the system
+    auto* names = new QComboBox;
+    names->setObjectName(u"unreadableNames"_s);
+    auto* label = new QLabel(u"文字化けした名前(&Z):"_s);
+    label->setBuddy(names);
+    names->setAccessibleName(u"文字化けした名前のファイル"_s);
+    const int row = grid->rowCount();
+    grid->addWidget(label, row, 0);
+    grid->addWidget(names, row, 1);
+    auto* choose = new QPushButton(u"選択(&S)"_s);
+    choose->setAutoDefault(false);
+    grid->addWidget(choose, row, 2);
+    const auto fill = [names, label, choose](const QString& folder) {
+        names->clear();
+        names->addItem(u"（選択してください）"_s);
+        for (const QString& path : platform::filesWithUnreadableNames(folder))
+            names->addItem(platform::readableName(path.sliced(path.lastIndexOf(u'/') + 1)),
+                           platform::addressOfPath(path));
+        names->setVisible(names->count() > 1);
+        label->setVisible(names->count() > 1);
+        choose->setVisible(names->count() > 1);
+    };
+    QObject::connect(&shown, &QFileDialog::directoryEntered, names, fill);
+    fill(shown.directory().absolutePath());
+    QObject::connect(choose, &QPushButton::clicked, &shown, [&shown, &chosen, names] {
+        chosen = names->currentData().toString();
+        if (!chosen.isEmpty())
+            static_cast<QDialog&>(shown).done(QDialog::Accepted);
+    });
+}
+
 } // namespace
 
 std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
@@ -259,9 +298,13 @@ std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
 #endif
     auto* shown = new QFileDialog(parentOfBox());
-    // The dialogs of the systems take a proposed name for one in the folder they show.
-    shown->setOption(QFileDialog::DontUseNativeDialog, proposesFromElsewhere(dialog));
     const bool saves = dialog.purpose == FileDialog::Purpose::Save;
+    // The dialogs of the systems take a proposed name for one in the folder they show, and list no names but texts.
+    shown->setOption(
+        QFileDialog::DontUseNativeDialog,
+        proposesFromElsewhere(dialog) ||
+            (!saves && dialog.filter.isEmpty() &&
+             !platform::filesWithUnreadableNames(QDir::fromNativeSeparators(dialog.folder)).isEmpty()));
     shown->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     shown->setFileMode(saves ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     shown->setOption(QFileDialog::DontConfirmOverwrite, !dialog.promptBeforeOverwriting);
@@ -271,9 +314,15 @@ std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
         shown->setDefaultSuffix(suffixOfFilter(dialog.filter));
     if (!dialog.folder.isEmpty())
         shown->setDirectory(QDir::fromNativeSeparators(dialog.folder));
-    if (!dialog.fileName.isEmpty())
+    // The address of a file whose name is no text proposes none.
+    if (!dialog.fileName.isEmpty() && !dialog.fileName.startsWith(u"file://"))
         proposeName(*shown, dialog);
-    return run(shown, [](const QFileDialog* asked, int result) -> std::optional<QString> {
+    QString unreadable;
+    if (!saves && dialog.filter.isEmpty())
+        offerUnreadableNames(*shown, unreadable);
+    return run(shown, [&unreadable](const QFileDialog* asked, int result) -> std::optional<QString> {
+        if (!unreadable.isEmpty())
+            return unreadable;
         if (asked == nullptr || result != QDialog::Accepted || asked->selectedFiles().isEmpty())
             return std::nullopt;
         return QDir::toNativeSeparators(asked->selectedFiles().constFirst());

@@ -1,4 +1,5 @@
 // Registering outside files, without a window.
+#include "app/base/platform/any_names.h"
 #include "core/file_registration.h"
 #include "store/record_set.h"
 #include "tests/support/compare_text.h"
@@ -12,6 +13,7 @@
 #include <QUrl>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -417,6 +419,43 @@ private Q_SLOTS:
         QCOMPARE(copies(), QStringList(u"a.txt"_s));
         QCOMPARE(fileRows(), QStringList());
         QCOMPARE(memberships(), QStringList());
+    }
+
+    void nameThatIsNoTextIsRegisteredAsItCanBeRead_data()
+    {
+#ifdef Q_OS_UNIX
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("code page 932") << "\x83\x65\x83\x58\x83\x67.txt"_ba << u"テスト.txt"_s;
+        QTest::newRow("a second byte like a separator") << "\x95\x5c.txt"_ba << u"表.txt"_s;
+        QTest::newRow("partly UTF-8") << "a\xff\x5cb.txt"_ba << u"a・_b.txt"_s;
+#endif
+    }
+
+    void nameThatIsNoTextIsRegisteredAsItCanBeRead()
+    {
+#ifdef Q_OS_UNIX
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, name);
+        QVERIFY(QDir(world->folder.path()).mkdir(u"古い書庫"_s));
+        const QByteArray path = QFile::encodeName(pathOf(u"古い書庫/"_s)) + bytes;
+        {
+            const int file = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+            if (file < 0)
+                QSKIP("This file system has no such names.");
+            QCOMPARE(::write(file, "old", 3), 3);
+            close(file);
+        }
+        const QStringList offered = platform::filesWithUnreadableNames(pathOf(u"古い書庫"_s));
+        QCOMPARE(offered.size(), 1);
+        const QString address = platform::addressOfPath(offered.first());
+        QCOMPARE(address, u"file://"_s + QString::fromLatin1(path.toPercentEncoding("/")));
+        QCOMPARE(registerPath(address), FileRegistration::Registered);
+        QCOMPARE(fileRows(), QStringList(name + u"|F-991231-001|未入力"_s));
+        QCOMPARE(copied(name), "old"_ba);
+#else
+        QSKIP("Every name is text here.");
+#endif
     }
 
     void pathMayComeAsItWasCopiedElsewhere_data()

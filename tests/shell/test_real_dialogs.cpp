@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -17,6 +18,11 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -429,6 +435,49 @@ private Q_SLOTS:
 #else
         QSKIP("Settings are no files here.");
 #endif
+    }
+
+    void aFileWhoseNameIsNoTextCanBeChosen()
+    {
+#ifdef Q_OS_UNIX
+        const QTemporaryDir folder;
+        makeFile(folder.filePath(u"水.txt"_s));
+        const QByteArray path =
+            QFile::encodeName(folder.filePath(QString())) + "\x83\x65\x83\x58\x83\x67.txt";
+        const int file = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        if (file < 0)
+            QSKIP("This file system has no such names.");
+        close(file);
+        whenShown<QFileDialog>([](QFileDialog& dialog) {
+            auto* names = dialog.findChild<QComboBox*>(u"unreadableNames"_s);
+            QVERIFY(names->isVisible());
+            QCOMPARE(names->itemText(1), u"テスト.txt"_s);
+            QTest::keyClick(names, Qt::Key_Down);
+            QVERIFY(dialog.isVisible());
+            for (auto* button : dialog.findChildren<QPushButton*>()) {
+                if (button->text() == u"選択(&S)")
+                    button->click();
+            }
+        });
+        const auto answer = dialogs.fileDialog({.folder = folder.path()});
+        QCOMPARE(m_shown, 1);
+        QCOMPARE(answer.value_or(u"cancelled"_s),
+                 u"file://"_s + QString::fromLatin1(path.toPercentEncoding("/")));
+#else
+        QSKIP("Every name is text here.");
+#endif
+    }
+
+    void whereEveryNameIsTextNothingElseIsOffered()
+    {
+        const QTemporaryDir folder;
+        makeFile(folder.filePath(u"水.txt"_s));
+        whenShown<QFileDialog>([](QFileDialog& dialog) {
+            QVERIFY(!dialog.findChild<QComboBox*>(u"unreadableNames"_s)->isVisible());
+            dialog.reject();
+        });
+        dialogs.fileDialog({.folder = folder.path()});
+        QCOMPARE(m_shown, 1);
     }
 
     void aNewDatabaseGetsItsSuffix()

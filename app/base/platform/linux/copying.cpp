@@ -1,6 +1,7 @@
 #include "app/base/platform/copying.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/any_names.h"
 #include "app/base/platform/files.h"
 #include "app/base/platform/linux/descriptor.h"
 #include "app/base/platform/system_error.h"
@@ -362,7 +363,7 @@ std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& fold
                                       const Files::Progress& progress)
 {
     // A pipe must not be waited for, not even in opening it.
-    const Descriptor from(open(QFile::encodeName(source).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor from(open(bytesForSystem(source).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (from < 0)
         throwLastError(errors::FileNotFound);
     struct stat status = {};

@@ -1,5 +1,6 @@
 #include "app/base/platform/files.h"
 
+#include "app/base/platform/any_names.h"
 #include "app/base/platform/linux/descriptor.h"
 #include "app/base/platform/system_error.h"
 
@@ -18,7 +19,7 @@ namespace quillon::platform
 bool isOrdinaryFile(const QString& path)
 {
     struct stat status = {};
-    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+    return stat(bytesForSystem(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 bool isBareName(const QString& name)
