@@ -36,8 +36,10 @@ QString pathFromRoot(const QString& path, qint32 errorOfNoPath)
 void checkFile(const QString& path)
 {
     const QFileInfo info(path);
-    if (!info.exists())
-        throw Error(errors::DatabaseNotFound);
+    if (!info.exists()) {
+        const Error reason = platform::whyNotFound(path, errors::DatabaseNotFound);
+        throw reason.number == errors::PermissionDenied ? Error(errors::CannotOpen) : reason;
+    }
     if (!platform::isOrdinaryFile(path))
         throw Error(errors::PathFileAccess);
     // The journal stands beside the file itself, wherever a link to it stands.

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/platform/copying.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/system_error.h"
 
 #include <QDir>
 #include <QFile>
@@ -65,8 +66,11 @@ QByteArray SystemFiles::readFile(const QString& path, qint64 atMost) const
     if (!platform::isOrdinaryFile(path))
         throw Error(errors::PathFileAccess);
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (const auto lack = platform::errorOfLack(platform::lastSystemError()))
+            throw Error(*lack);
         throw Error(platform::mayRead(path) ? errors::PathFileAccess : errors::PermissionDenied);
+    }
     // One byte more than wanted tells that there are too many, also when the file grows meanwhile.
     QByteArray bytes = file.read(atMost + 1);
     if (file.error() != QFileDevice::NoError)

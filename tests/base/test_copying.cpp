@@ -420,6 +420,28 @@ private Q_SLOTS:
         QCOMPARE(entries(), QStringList(u"a"_s));
     }
 
+    void tooManyOpenFilesAreToldAsThat()
+    {
+        const QString told = u"同時に開けるファイルの数の上限に達しました。"_s;
+        rlimit before = {};
+        getrlimit(RLIMIT_NOFILE, &before);
+        const auto descriptionOf = [&](const std::function<void()>& operation) {
+            const rlimit none{0, before.rlim_max};
+            setrlimit(RLIMIT_NOFILE, &none);
+            QString description;
+            try {
+                operation();
+            } catch (const Error& error) {
+                description = error.description;
+            }
+            setrlimit(RLIMIT_NOFILE, &before);
+            return description;
+        };
+        QVERIFY(descriptionOf([&] { files.stageCopy(source(), folder(), u"a"_s, {}); }).startsWith(told));
+        QVERIFY(descriptionOf([&] { files.readFile(source(), 100); }).startsWith(told));
+        copy(source(), u"a"_s);
+    }
+
     void namesAreOnTheDiskBeforeACopyCountsAsPlaced()
     {
         makeFile(inFolder(u"a"_s), "old");

@@ -8,6 +8,10 @@
 
 #include <QtTest>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -130,6 +134,21 @@ private Q_SLOTS:
         QVERIFY(compareText(failureOf([&] { Database::open(m_path); }), u"75 "_s + TooManyFiles));
         fails = false;
         QCOMPARE(failureOf([&] { Database::open(m_path); }), u"nothing"_s);
+    }
+
+    void aFileThatOnlyOthersMayReachIsNotMissing()
+    {
+        const QString folder = m_world->folder.path();
+        const uid_t before = geteuid();
+        constexpr uid_t Nobody = 65534;
+        QVERIFY(QFile::setPermissions(folder, {}));
+        QVERIFY(before != 0 || seteuid(Nobody) == 0);
+        const QString told = failureOf([&] { Database::open(m_path); });
+        QVERIFY(before != 0 || seteuid(before) == 0);
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QVERIFY(compareText(told, standard(errors::CannotOpen)));
+        QVERIFY(compareText(failureOf([&] { Database::open(folder + u"/none.mdb"_s); }),
+                            standard(errors::DatabaseNotFound)));
     }
 
     void aJournalThatVanishesWhileTheFileIsOpenedDisturbsNothing()

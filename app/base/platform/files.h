@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/base/error.h"
+
 #include <QString>
 
 namespace quillon::platform
@@ -29,6 +31,9 @@ bool makeNewFile(const QString& path);
 
 /// Lets the names in `folder` outlive a power failure. Errors: 61, 75, 76.
 void syncFolder(const QString& folder);
+
+/// Why nothing is found at `path`. `whenMissing`: the number when the reason is that nothing is there.
+Error whyNotFound(const QString& path, qint32 whenMissing);
 
 /// Whether something that is no ordinary file stands at `path` (links are followed).
 bool isInTheWay(const QString& path);

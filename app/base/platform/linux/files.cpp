@@ -73,6 +73,14 @@ void syncFolder(const QString& folder)
     throw Error(errorOfSystem(lastSystemError(), errors::PathNotFound));
 }
 
+Error whyNotFound(const QString& path, qint32 whenMissing)
+{
+    struct stat status = {};
+    if (stat(bytesForSystem(path).constData(), &status) == 0)
+        return Error(whenMissing); // it has come meanwhile
+    return errorOfSystem(lastSystemError(), whenMissing);
+}
+
 bool isInTheWay(const QString& path)
 {
     // One question: what is asked about may come and go.

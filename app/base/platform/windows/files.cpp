@@ -88,6 +88,13 @@ void syncFolder(const QString& /*folder*/)
     // The system's journal holds the names.
 }
 
+Error whyNotFound(const QString& path, qint32 whenMissing)
+{
+    if (GetFileAttributesW(wide(QDir::toNativeSeparators(path))) != INVALID_FILE_ATTRIBUTES)
+        return Error(whenMissing); // it has come meanwhile
+    return errorOfSystem(lastSystemError(), whenMissing);
+}
+
 bool isInTheWay(const QString& path)
 {
     return !isOrdinaryFile(path) && QFile::exists(path);
