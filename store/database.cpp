@@ -36,12 +36,12 @@ QString pathFromRoot(const QString& path, qint32 errorOfNoPath)
 void checkFile(const QString& path)
 {
     const QFileInfo info(path);
-    if (!info.exists()) {
+    if (!platform::isOrdinaryFile(path)) {
+        if (platform::isInTheWay(path))
+            throw Error(errors::PathFileAccess);
         const Error reason = platform::whyNotFound(path, errors::DatabaseNotFound);
         throw reason.number == errors::PermissionDenied ? Error(errors::CannotOpen) : reason;
     }
-    if (!platform::isOrdinaryFile(path))
-        throw Error(errors::PathFileAccess);
     // The journal stands beside the file itself, wherever a link to it stands.
     const QString file = info.canonicalFilePath();
     if (!platform::mayReadAndWrite(file) || !platform::mayWriteIn(QFileInfo(file).path()))

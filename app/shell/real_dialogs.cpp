@@ -268,6 +268,7 @@ void offerUnreadableNames(QFileDialog& shown, QString& chosen)
     grid->addWidget(label, row, 0);
     grid->addWidget(names, row, 1);
     auto* choose = new QPushButton(u"選択(&S)"_s);
+    choose->setObjectName(u"chooseUnreadableName"_s);
     choose->setAutoDefault(false);
     grid->addWidget(choose, row, 2);
     const auto fill = [names, label, choose](const QString& folder) {

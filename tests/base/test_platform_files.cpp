@@ -3,6 +3,7 @@
 #include "app/base/platform/command_line.h"
 #include "app/base/platform/event_log.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/system_error.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -12,6 +13,7 @@
 #include <thread>
 
 #ifdef Q_OS_UNIX
+#include <cerrno>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -163,6 +165,41 @@ private Q_SLOTS:
         qputenv("XDG_STATE_HOME", "/proc/self");
         platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
         QVERIFY(!QFile::exists(u"/proc/self/quillon"_s));
+    }
+
+    void failuresOfTheSystemHaveTheSentenceThatIsTrue_data()
+    {
+        QTest::addColumn<int>("failure");
+        QTest::addColumn<qint32>("number");
+        QTest::addColumn<QString>("sentence");
+        const auto standard = [](int failure, qint32 number) {
+            QTest::addRow("%d", failure) << failure << number << standardDescription(number);
+        };
+        standard(ENOENT, errors::FileNotFound);
+        standard(ENOTDIR, errors::FileNotFound);
+        standard(EACCES, errors::PermissionDenied);
+        standard(ENOSPC, errors::DiskFull);
+        standard(ENOMEM, errors::OutOfMemory);
+        standard(EIO, errors::PathFileAccess);
+        QTest::newRow("too large") << EFBIG << errors::PathFileAccess
+                                   << u"ファイルの大きさが上限を超えるため書き込めません。"
+                                      u"別のディスクを使用してください。"_s;
+        QTest::newRow("read-only disk") << EROFS << errors::PermissionDenied
+                                        << u"ディスクが読み取り専用のため書き込めません。"
+                                           u"別のディスクを使用してください。"_s;
+        QTest::newRow("long name") << ENAMETOOLONG << errors::PathFileAccess
+                                   << u"ファイルまたはフォルダの名前が長すぎます。"
+                                      u"短い名前に変えてからやり直してください。"_s;
+    }
+
+    void failuresOfTheSystemHaveTheSentenceThatIsTrue()
+    {
+        QFETCH(int, failure);
+        QFETCH(qint32, number);
+        QFETCH(QString, sentence);
+        const Error error = platform::errorOfSystem(failure, errors::FileNotFound);
+        QCOMPARE(error.number, number);
+        QCOMPARE(error.description, sentence);
     }
 
     void permissionsAreThoseOfThePersonWhoRunsTheProgram()

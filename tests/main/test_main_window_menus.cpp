@@ -1,4 +1,5 @@
 // The menu bar of the main window: names, captions, order, enabling and what the entries do.
+#include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/support/compare_text.h"
@@ -143,7 +144,7 @@ private Q_SLOTS:
         createEmptyFile(u"空.mdb"_s);
         world->dialogs.expect(MessageBox{
             .text = u"対処不能なエラーが発生しました。\r\nLOCATION : OpenDbFile\r\nEXPLANATION : "_s +
-                    standardDescription(errors::NotADatabase),
+                    Database::emptyFile().description,
             .title = u"Quillon 障害対策部"_s});
         window->openChosenFile(world->folder.filePath(u"空.mdb"_s));
         QVERIFY(!enabled(u"mnuData"_s));

@@ -3,6 +3,7 @@
 #include "app/base/ports/data_selection.h"
 #include "app/base/ports/link_list_window.h"
 #include "core/data_records.h"
+#include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/support/compare_text.h"
@@ -116,7 +117,7 @@ private Q_SLOTS:
     {
         const QString path = world->folder.filePath(u"空.mdb"_s);
         write(path, {});
-        expectFailure(errors::NotADatabase);
+        expectFailure(Database::emptyFile().description);
         window->openChosenFile(path);
         QCOMPARE(QFileInfo(path).size(), 0); // nothing was written into it
     }
@@ -239,7 +240,7 @@ private Q_SLOTS:
         const auto before = world->session().OpenDb;
         const QString path = world->folder.filePath(u"空.mdb"_s);
         write(path, {});
-        expectFailure(errors::NotADatabase);
+        expectFailure(Database::emptyFile().description);
         window->openChosenFile(path);
         QCOMPARE(world->session().OpenDb, before);
         QCOMPARE(list->rows().rowCount(), 0); // cleared at the beginning

@@ -19,6 +19,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <unistd.h>
@@ -442,22 +444,29 @@ private Q_SLOTS:
 #ifdef Q_OS_UNIX
         const QTemporaryDir folder;
         makeFile(folder.filePath(u"水.txt"_s));
-        const QByteArray path =
-            QFile::encodeName(folder.filePath(QString())) + "\x83\x65\x83\x58\x83\x67.txt";
+        const QByteArray path = QFile::encodeName(folder.path() + u"/"_s) + "\x83\x65\x83\x58\x83\x67.txt";
         const int file = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
         if (file < 0)
             QSKIP("This file system has no such names.");
         close(file);
         whenShown<QFileDialog>([](QFileDialog& dialog) {
             auto* names = dialog.findChild<QComboBox*>(u"unreadableNames"_s);
-            QVERIFY(names->isVisible());
+            const auto closing = qScopeGuard([&dialog] {
+                if (dialog.result() != QDialog::Accepted)
+                    dialog.reject();
+            });
+            QVERIFY(!names->isHidden());
+            QCOMPARE(names->accessibleName(), u"文字化けした名前のファイル"_s);
+            QCOMPARE(names->itemText(0), u"（選択してください）"_s);
+            const auto labels = dialog.findChildren<QLabel*>();
+            QVERIFY(std::any_of(labels.begin(), labels.end(), [names](const QLabel* label) {
+                return label->buddy() == names && label->text() == u"文字化けした名前(&Z):"_s;
+            }));
             QCOMPARE(names->itemText(1), u"テスト.txt"_s);
             QTest::keyClick(names, Qt::Key_Down);
-            QVERIFY(dialog.isVisible());
-            for (auto* button : dialog.findChildren<QPushButton*>()) {
-                if (button->text() == u"選択(&S)")
-                    button->click();
-            }
+            auto* choose = dialog.findChild<QPushButton*>(u"chooseUnreadableName"_s);
+            QCOMPARE(choose->text(), u"選択(&S)"_s);
+            choose->click();
         });
         const auto answer = dialogs.fileDialog({.folder = folder.path()});
         QCOMPARE(m_shown, 1);
@@ -473,7 +482,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         makeFile(folder.filePath(u"水.txt"_s));
         whenShown<QFileDialog>([](QFileDialog& dialog) {
-            QVERIFY(!dialog.findChild<QComboBox*>(u"unreadableNames"_s)->isVisible());
+            QVERIFY(dialog.findChild<QComboBox*>(u"unreadableNames"_s)->isHidden());
             dialog.reject();
         });
         dialogs.fileDialog({.folder = folder.path()});
