@@ -71,6 +71,7 @@ private Q_SLOTS:
     {
         int reads = 0;
         int failing = 0; // the number of the read that fails
+        int failures = 0;
         const SystemCalls calls([&](const QByteArray& call, const QByteArray&) {
             return call == "read" && ++reads == failing ? EIO : 0;
         });
@@ -82,9 +83,12 @@ private Q_SLOTS:
             });
             if (reads < failing)
                 break;
+            if (told == u"nothing")
+                continue; // a mere precaution met with it: every row was read
+            ++failures;
             QVERIFY(compareText(told, standard(errors::PathFileAccess)));
         }
-        QVERIFY(failing > 10);
+        QVERIFY(failures > 10);
     }
 
     void aFailureOfTheSystemIsToldAsWhatItIs_data()
