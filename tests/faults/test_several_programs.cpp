@@ -1,0 +1,103 @@
+// Two and three programs work with one file at the same time: nothing of what one has done is lost or torn by another.
+#include "tests/faults/children.h"
+#include "tests/faults/fault_world.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+using Outcome = FaultWorld::Outcome;
+
+class TestSeveralPrograms : public QObject
+{
+    Q_OBJECT
+
+private:
+    enum Message { CannotOpen = -1, Failed = -2, Refused = -3, Opened = 0 }; // else how many steps are done
+
+    /// Performs steps that touch nothing of the other programs. One that is refused, because another program held the
+    /// file for too long, is tried again: it must not have done a part.
+    static void work(const QString& folder, const std::vector<Step>& steps, const Child::Tell& tell)
+    {
+        FaultWorld world(folder);
+        if (world.open(u"QUILLON.mdb"_s) != Outcome::Done) {
+            std::fprintf(stderr, "%s\n", qPrintable(world.told().join(u'\n')));
+            tell(CannotOpen);
+            return;
+        }
+        tell(Opened);
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            auto outcome = world.perform(steps[i]);
+            for (; outcome == Outcome::Refused; outcome = world.perform(steps[i]))
+                tell(Refused);
+            if (outcome != Outcome::Done) {
+                std::fprintf(stderr, "%s: %s\n", qPrintable(steps[i].described()),
+                             qPrintable(world.told().join(u'\n')));
+                tell(Failed);
+                return;
+            }
+            tell(static_cast<int>(i) + 1);
+        }
+    }
+
+private Q_SLOTS:
+    void noneLosesWhatAnotherHasDone_data()
+    {
+        QTest::addColumn<int>("programs");
+        QTest::newRow("two") << 2;
+        QTest::newRow("three") << 3;
+    }
+    void noneLosesWhatAnotherHasDone()
+    {
+        QFETCH(const int, programs);
+        std::mt19937 random(seedOfRun());
+        QTemporaryDir folder;
+        const Model begun = prepareFolder(folder.path(), programs);
+        const int count = numberFromEnvironment("QUILLON_STEPS_AT_ONCE", 80);
+        std::vector<std::vector<Step>> lives;
+        Model expected = begun;
+        for (int program = 0; program < programs; ++program) {
+            lives.emplace_back();
+            // Each sees what the others do, but has data, links and categories of its own: in whatever order their
+            // steps come, they end in the same.
+            for (int i = 0; i < count; ++i) {
+                lives.back().push_back(randomStep(random, expected, {program}));
+                expected = after(lives.back().back(), expected);
+            }
+        }
+        std::vector<std::unique_ptr<Child>> children;
+        for (const auto& life : lives)
+            children.push_back(
+                std::make_unique<Child>([&](const Child::Tell& tell) { work(folder.path(), life, tell); }));
+        int refused = 0;
+        for (const auto& child : children) {
+            int number = 0;
+            int done = 0;
+            while (child->hear(number) == Child::Heard::Number) {
+                QVERIFY2(number >= Refused && number != Failed && number != CannotOpen,
+                         qPrintable(QString::number(number)));
+                if (number == Refused)
+                    ++refused;
+                else
+                    done = number;
+            }
+            QCOMPARE(done, count);
+            QVERIFY(child->finish());
+        }
+        QString why;
+        const auto actual = readModel(folder.filePath(u"QUILLON.mdb"_s), why);
+        QVERIFY2(actual, qPrintable(why));
+        QCOMPARE(difference(*actual, expected), QString());
+        const QString files = filesProblem(folder.path(), *actual);
+        QVERIFY2(files.isEmpty(), qPrintable(files));
+        qInfo("%d steps of %d programs, %d refused for the time being", programs * count, programs, refused);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSeveralPrograms)
+#include "test_several_programs.moc"
