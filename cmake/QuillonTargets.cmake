@@ -7,6 +7,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 option(QUILLON_SANITIZE "Build with the address and undefined behaviour sanitizers" OFF)
+option(QUILLON_FUZZ "Build the fuzzers with their engine, which clang has, and everything so that it shows its way" OFF)
 
 add_library(quillon_rules INTERFACE)
 target_compile_definitions(quillon_rules INTERFACE
@@ -31,6 +32,9 @@ if(QUILLON_SANITIZE)
   target_compile_options(quillon_rules INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)
   target_link_options(quillon_rules INTERFACE -fsanitize=address,undefined)
+endif()
+if(QUILLON_FUZZ)
+  target_compile_options(quillon_rules INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # A static library of one folder. Whatever it may include, it must link: the link list is the layering.

@@ -13,7 +13,7 @@ for group in "$@"; do
             packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
         check) # what reads the sources: their format, the usual mistakes, the scripts, and a second compiler
             packages="$packages clang-format clang-tidy shellcheck g++ git" ;;
-        asan) # what the sanitizers link
+        asan) # what the sanitizers and the fuzzers link
             packages="$packages libclang-rt-14-dev" ;;
         bench) # what the benchmarks are built with, and what they are compared with
             packages="$packages libbenchmark-dev valgrind ripgrep" ;;
