@@ -6,12 +6,16 @@
 #   gcc        everything is built by g++ without a warning, and without precompiled headers
 #   tidy       clang-tidy finds nothing in the program, its tools and benchmarks, and in the tests that changed
 #   sanitize   the tests of app/base, store and core pass under the address and undefined behaviour sanitizers
+# Steps that are too long for every day, run when they are named or with --long:
+#   faults     failing disks, power failures, 10,000 kills and several programs at once, all that there is to try
+#              (QUILLON_KILLS, QUILLON_CRASH_DISKS, QUILLON_STEPS_AT_ONCE and QUILLON_SEED change it)
+#   fuzz       every fuzzer for ten minutes (QUILLON_FUZZ_SECONDS and QUILLON_SEED change it)
 # Options:
 #   --base REVISION   what changed since this revision counts as changed; without it, what the last ten commits
 #                     changed, of which tidy reads the ten tests that changed last
 #   --all             tidy reads all tests
 #   --sanitize-all    sanitize runs all tests
-#   --long            reserved for runs that are too long for every day; there are none yet, so it changes nothing
+#   --long            adds the steps faults and fuzz
 # Every step is run, whatever became of those before it. What a step said stays in build/check/STEP.log.
 set -eu
 
@@ -36,6 +40,7 @@ steps=
 base=
 every_test=no
 sanitize_all=no
+long=no
 while [ $# -gt 0 ]; do
     case $1 in
         --help | -h)
@@ -50,8 +55,8 @@ while [ $# -gt 0 ]; do
             shift ;;
         --all) every_test=yes ;;
         --sanitize-all) sanitize_all=yes ;;
-        --long) ;;
-        format | scripts | gcc | tidy | sanitize) steps="$steps $1" ;;
+        --long) long=yes ;;
+        format | scripts | gcc | tidy | sanitize | faults | fuzz) steps="$steps $1" ;;
         *)
             echo "check.sh: unknown word '$1'" >&2
             usage >&2
@@ -141,6 +146,33 @@ sanitize()
     fi
 }
 
+# What the tests of faults counted stands in the log.
+faults()
+{
+    cmake --preset dev && cmake --build --preset dev --target tests_faults || return
+    QUILLON_FAULTS_LONG=1 QUILLON_KILLS="${QUILLON_KILLS:-10000}" \
+        QUILLON_STEPS_AT_ONCE="${QUILLON_STEPS_AT_ONCE:-4000}" QTEST_FUNCTION_TIMEOUT=86400000 \
+        ctest --preset dev -L '^faults$' --timeout 86400 --verbose
+}
+
+# What a fuzzer learns stays in build/fuzz/corpus, what it finds wrong in build/fuzz/found.
+fuzz()
+{
+    cmake --preset fuzz && cmake --build --preset fuzz || return
+    mkdir -p build/fuzz/found
+    status=0
+    for known in tests/fuzz/corpus/*; do
+        name=$(basename "$known")
+        mkdir -p "build/fuzz/corpus/$name"
+        echo "== $name"
+        LSAN_OPTIONS=suppressions=tests/support/leaks.supp QT_QPA_PLATFORM=offscreen QUILLON_COPIES=off \
+            "build/fuzz/$name" -max_total_time="${QUILLON_FUZZ_SECONDS:-600}" -timeout=20 -rss_limit_mb=4096 \
+            -print_final_stats=1 -verbosity=0 -artifact_prefix="build/fuzz/found/$name-" \
+            ${QUILLON_SEED:+-seed="$QUILLON_SEED"} "build/fuzz/corpus/$name" "$known" || status=1
+    done
+    return $status
+}
+
 # Adds up the processor time in what the shell's `times` wrote about the processes it has waited for.
 seconds_in()
 {
@@ -153,6 +185,7 @@ seconds_in()
     }' "$1"
 }
 
+[ $long = no ] || all_steps="$all_steps faults fuzz"
 sh packaging/install-packages.sh build test bench asan check
 mkdir -p "$logs"
 
