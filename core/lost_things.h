@@ -42,18 +42,9 @@ struct LostField {
 /// All there is to see of it.
 struct LostDetails {
     std::vector<LostField> fields;
-    // Each as name and identifier, and those of them that are there now.
-    QStringList links; // of a deleted item
-    QStringList linksNow;
+    QStringList links;      // of a deleted item, each as name and identifier
     QStringList categories; // it was filed in
-    QStringList categoriesNow;
-    QStringList members; // of a deleted category
-    QStringList membersNow;
-    int notListed = 0; // so many more of all these were there
-
-    /// Whether something stands in its place, and whether that is the same.
-    enum class Present { Gone, Same, Different };
-    Present present() const;
+    QStringList members;    // of a deleted category
 };
 
 /// The word for a kind of event, for lists and choices.

@@ -13,9 +13,8 @@ struct CommandLine {
     enum class Request { Run, Help, Version, Refused };
 
     Request request = Request::Run;
-    std::optional<QString> file = {}; // the database to open, as it was written
-    QString complaint = {};           // why it was refused, for the person at the terminal
-    bool restores = false;            // a run for taking things back
+    std::optional<QString> file; // the database to open, as it was written
+    QString complaint;           // why it was refused, for the person at the terminal
 };
 
 /// Understands the arguments without the program's own name.

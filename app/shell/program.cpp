@@ -1,6 +1,5 @@
 #include "app/shell/program.h"
 
-#include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "app/shell/frmSplash.h"
 #include "ui/auxiliary/frmCategory.h"
@@ -12,7 +11,6 @@
 #include "ui/data/frmRefDoc.h"
 #include "ui/data/frmRefFileEntry.h"
 #include "ui/main/frmMainMenu.h"
-#include "ui/restore/frmRestore.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -31,7 +29,7 @@ Program::Program(const Ports& ports, const QString& currentFolder)
             m_session.reporting,
             kept::KeepingOrder{.keptFolder = *ports.keptFolder,
                                .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
-                               .copies = ports.copies});
+                               .copies = kept::CopyTimes()});
         m_session.keeper = m_keeping.get();
     }
     registerWindows();
@@ -78,26 +76,6 @@ frmMainMenu& Program::mainWindow()
         });
     }
     return *m_mainWindow;
-}
-
-frmRestore& Program::restoreWindow()
-{
-    if (m_restoreWindow == nullptr) {
-        m_restoreWindow = new frmRestore(m_session, m_windows);
-        m_session.setMainWindow(m_restoreWindow);
-        QObject::connect(m_restoreWindow, &FormWindow::unloaded, m_restoreWindow, [this] {
-            m_session.setMainWindow(nullptr);
-            if (m_end)
-                m_end();
-        });
-        QObject::connect(m_restoreWindow, &frmRestore::databaseWanted, m_restoreWindow,
-                         [this](const QString& path) {
-                             if (m_start && !m_start(path))
-                                 m_session.dialogs.messageBox({.text = u"Quillon を起動できませんでした。"_s,
-                                                               .title = titles::SystemOperation});
-                         });
-    }
-    return *m_restoreWindow;
 }
 
 } // namespace quillon

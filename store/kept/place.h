@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -35,8 +34,5 @@ private:
     QString m_database;
     QString m_folder;
 };
-
-/// The full names of the databases for which something is kept in a folder.
-QStringList databasesIn(const QString& keptFolder);
 
 } // namespace quillon::kept
