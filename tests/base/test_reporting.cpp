@@ -76,9 +76,8 @@ private Q_SLOTS:
     void aFailureThatCostsNothingIsLoggedWithoutABox()
     {
         logFailure(reporting, Error(errors::DiskFull, u"空きがありません。"_s), u"History"_s);
-        QCOMPARE(eventLog.lines,
-                 QStringList(u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 61, "
-                             u"DESCRIPTION : 空きがありません。"_s));
+        QCOMPARE(eventLog.lines, QStringList(u"1999/12/31, 23:45, LOCATION : History, ErrorNumber : 61, "
+                                             u"DESCRIPTION : 空きがありません。"_s));
     }
 
     void numberZeroShowsAndLogsNothing()
