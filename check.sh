@@ -5,7 +5,7 @@
 #   scripts    shellcheck finds nothing in the scripts
 #   gcc        everything is built by g++ without a warning, and without precompiled headers
 #   tidy       clang-tidy finds nothing in the program, its tools and benchmarks, and in the tests that changed
-#   sanitize   the tests of app/base, store and core pass under the address and undefined behaviour sanitizers
+#   sanitize   the tests of app/base, store, core and exchange pass under the address and undefined behaviour sanitizers
 # Steps that are too long for every day, run when they are named or with --long:
 #   faults     failing disks, power failures, 10,000 kills and several programs at once, all that there is to try
 #              (QUILLON_KILLS, QUILLON_CRASH_DISKS, QUILLON_STEPS_AT_ONCE and QUILLON_SEED change it)
@@ -68,7 +68,7 @@ done
 # All sources, whether they are known to git or not.
 sources()
 {
-    find app bench core store tests tools ui -name '*.cpp' -o -name '*.h'
+    find app bench core exchange store tests tools ui -name '*.cpp' -o -name '*.h'
 }
 
 format()
@@ -141,8 +141,8 @@ sanitize()
     if [ $sanitize_all = yes ]; then
         cmake --build --preset asan && ctest --preset asan
     else
-        cmake --build --preset asan --target tests_base tests_store tests_core &&
-            ctest --preset asan -L '^(base|store|core)$'
+        cmake --build --preset asan --target tests_base tests_store tests_core tests_exchange &&
+            ctest --preset asan -L '^(base|store|core|exchange)$'
     fi
 }
 

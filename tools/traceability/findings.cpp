@@ -218,7 +218,8 @@ Findings findingsIn(const QString& root)
         if (!subject.behaviours.isEmpty())
             findings.subjects.push_back(subject);
     }
-    findings.messages = messagesOf(filesBelow(root, {u"app"_s, u"core"_s, u"store"_s, u"ui"_s}));
+    findings.messages =
+        messagesOf(filesBelow(root, {u"app"_s, u"core"_s, u"exchange"_s, u"store"_s, u"ui"_s}));
     QStringList texts = testsWith.keys();
     texts.removeIf([](const QString& text) { return !isForPeople(text); });
     for (Message& message : findings.messages) {
