@@ -3,14 +3,46 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "store/keeper.h"
+#include "store/kept/file_contents.h"
 #include "store/session.h"
 
+#include <QDir>
 #include <QFileInfo>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
 {
+
+std::vector<KeptDatabase> ListKeptDatabases(Session& session)
+{
+    std::vector<KeptDatabase> databases;
+    if (session.keeper == nullptr)
+        return databases;
+    const QString folder = session.keeper->keptFolder();
+    for (const QString& path : kept::databasesIn(folder)) {
+        const kept::Place place(folder, path);
+        KeptDatabase database{.path = path, .copied = {}, .changed = {}};
+        const std::vector<kept::Copy> copies = kept::listCopies(place);
+        if (!copies.empty())
+            database.copied = copies.front().time;
+        const QFileInfoList history = QDir(place.history()).entryInfoList(QDir::Files, QDir::Time);
+        if (!history.isEmpty())
+            database.changed = history.first().lastModified();
+        databases.push_back(database);
+    }
+    const auto lastUse = [](const KeptDatabase& database) {
+        const auto milliseconds = [](const QDateTime& time) {
+            return time.isValid() ? time.toMSecsSinceEpoch() : 0;
+        };
+        return std::max(milliseconds(database.copied), milliseconds(database.changed));
+    };
+    std::stable_sort(databases.begin(), databases.end(),
+                     [&](const KeptDatabase& a, const KeptDatabase& b) { return lastUse(a) > lastUse(b); });
+    return databases;
+}
 
 std::vector<kept::Copy> ListCopies(Session& session, const QString& database)
 {
@@ -36,6 +68,44 @@ bool TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFil
         isTakenOut = true;
     });
     return isTakenOut;
+}
+
+std::optional<TakenOutFiles> TakeOutFiles(Session& session, const QString& database, const kept::Copy& copy,
+                                          const QString& folder)
+{
+    std::optional<TakenOutFiles> result;
+    guarded(session.reporting, u"TakeOutFiles"_s, [&] {
+        if (session.keeper == nullptr)
+            throw Error(errors::ObjectNotSet);
+        const kept::FileContents contents(kept::Place(session.keeper->keptFolder(), database));
+        TakenOutFiles files;
+        for (const kept::CopiedFile& file : copy.files) {
+            // What is written down could be anything by now.
+            if (file.name.isEmpty() || QFileInfo(file.name).fileName() != file.name)
+                continue;
+            const QString target = folder + QDir::separator() + file.name;
+            if (session.files.entryExists(target)) {
+                const bool isSame = QFileInfo(target).size() == file.size && !file.hash.isEmpty() &&
+                                    kept::FileContents::hashOf(target) == file.hash;
+                ++(isSame ? files.same : files.different);
+                continue;
+            }
+            const std::optional<QString> content =
+                file.hash.isEmpty() ? std::nullopt : contents.find(file.hash);
+            if (!content) {
+                ++files.lost;
+                continue;
+            }
+            if (!session.files.folderExists(folder) && !QDir().mkpath(folder))
+                throw Error(errors::PathFileAccess);
+            const auto written = session.files.stageCopy(*content, folder, file.name, {});
+            written->place({});
+            written->keep();
+            ++files.written;
+        }
+        result = files;
+    });
+    return result;
 }
 
 } // namespace quillon

@@ -2,8 +2,10 @@
 
 #include "store/kept/copies.h"
 
+#include <QDateTime>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace quillon
@@ -11,11 +13,34 @@ namespace quillon
 
 class Session;
 
+/// A database for which something is kept.
+struct KeptDatabase {
+    QString path;
+    QDateTime copied;  // when the newest copy was made; invalid: there is none
+    QDateTime changed; // when something was last overwritten or deleted in it; invalid: never
+};
+
+/// All of them, those that were changed last first; also such as are damaged or gone.
+std::vector<KeptDatabase> ListKeptDatabases(Session& session);
+
 /// The kept copies of a database, newest first; also of one that is damaged or gone. Empty when nothing is kept.
 std::vector<kept::Copy> ListCopies(Session& session, const QString& database);
 
 /// Writes a kept copy as a new file. False when a failure was reported, as "TakeOutCopy": 3204 for a file that is there
 /// already, 3343 for a copy that is not what it was any more.
 bool TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile);
+
+/// What became of the registered files of a copy.
+struct TakenOutFiles {
+    int written = 0;
+    int same = 0;      // were there already
+    int different = 0; // another content has the name; it stays
+    int lost = 0;      // their contents are not kept
+};
+
+/// Writes the registered files that a copy of a database knew into a folder, where nothing has their names. Nothing when
+/// a failure was reported, as "TakeOutFiles".
+std::optional<TakenOutFiles> TakeOutFiles(Session& session, const QString& database, const kept::Copy& copy,
+                                          const QString& folder);
 
 } // namespace quillon

@@ -1,15 +1,17 @@
 #include "core/lost_things.h"
 
+#include "app/base/ports/files.h"
+#include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
 #include "store/keeper.h"
-#include "store/lookup/category_names.h"
-#include "store/lookup/data_names.h"
+#include "store/kept/file_contents.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/text_fold.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -87,6 +89,57 @@ bool goToPresent(Session& session, const StoredRow& lost)
     rows.findFirst(equals(*lost.table, 0, lost.text(0)) + u" AND "_s + equals(*lost.table, 1, lost.text(1)));
     return rows.hasCurrentRow();
 }
+
+/// What something is called now. Its name is for reading only: a damaged file is not told of for each of many rows.
+QString nameOfItem(Session& session, const QString& identifier)
+{
+    QString name = titles::Unknown;
+    const DataKind* const kind = kindOf(identifier);
+    guardedBy([](const Error&) {},
+              [&] {
+                  if (kind != nullptr &&
+                      required(session.*kind->recordSet).goTo(data_field::Object_ID, identifier))
+                      name = (session.*kind->recordSet)->field(data_field::Name);
+              });
+    return name;
+}
+
+QString nameOfCategory(Session& session, const QString& identifier)
+{
+    QString name = titles::Unknown;
+    guardedBy([](const Error&) {},
+              [&] {
+                  if (required(session.RsCategoryID).goTo(category_field::Category_ID, identifier))
+                      name = session.RsCategoryID->field(category_field::Name);
+              });
+    return name;
+}
+
+/// A former content beside the file that stands there now.
+std::vector<LostField> fieldsOfFile(Session& session, const kept::FormerFile& file)
+{
+    const QString path = session.inCurrentFolder(titles::FileFolder) + QDir::separator() + file.name;
+    const auto sized = [](qint64 size) { return QString::number(size) + u" バイト"_s; };
+    std::vector<LostField> fields = {
+        {.label = u"ファイル名"_s, .before = file.name, .now = {}},
+        {.label = u"大きさ"_s, .before = sized(file.size), .now = {}},
+        {.label = u"内容"_s,
+         .before = file.hash.isEmpty() ? u"残されていません。"_s : u"上書き前の内容"_s,
+         .now = {}}};
+    if (!session.files.fileExists(path))
+        return fields;
+    const qint64 size = QFileInfo(path).size();
+    // Whatever is kept is not so large that looking at it would take long.
+    const bool isSame =
+        !file.hash.isEmpty() && size == file.size && kept::FileContents::hashOf(path) == file.hash;
+    fields[0].now = file.name;
+    fields[1].now = sized(size);
+    fields[2].now = isSame ? fields[2].before : u"上書き前とは異なる内容"_s;
+    return fields;
+}
+
+/// So many of its relations are listed.
+constexpr int MostListed = 1000;
 
 } // namespace
 
@@ -189,10 +242,10 @@ LostEntry LostThings::entry(std::size_t number) const
         entry.name = row.text(category_field::Name);
         entry.identifier = row.text(category_field::Category_ID);
     } else if (isOf(row, schema::Link())) {
-        entry.name = GetDataName(m_session, row.text(0)) + u" - "_s + GetDataName(m_session, row.text(1));
+        entry.name = nameOfItem(m_session, row.text(0)) + u" - "_s + nameOfItem(m_session, row.text(1));
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else if (isOf(row, schema::Category())) {
-        entry.name = GetCategoryName(m_session, row.text(0)) + u" - "_s + GetDataName(m_session, row.text(1));
+        entry.name = nameOfCategory(m_session, row.text(0)) + u" - "_s + nameOfItem(m_session, row.text(1));
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else {
         entry.name = row.text(0);
@@ -200,20 +253,21 @@ LostEntry LostThings::entry(std::size_t number) const
     return entry;
 }
 
+LostDetails::Present LostDetails::present() const
+{
+    const auto isGone = [](const LostField& field) { return !field.now; };
+    if (std::all_of(fields.begin(), fields.end(), isGone))
+        return Present::Gone;
+    const auto isSame = [](const LostField& field) { return field.now == field.before; };
+    return std::all_of(fields.begin(), fields.end(), isSame) ? Present::Same : Present::Different;
+}
+
 LostDetails LostThings::details(std::size_t number) const
 {
     const Event& lost = event(number);
     LostDetails details;
     if (lost.kind == EventKind::FileReplaced) {
-        const kept::FormerFile file = m_history->file(lost);
-        const QFileInfo present(m_session.inCurrentFolder(titles::FileFolder) + u'/' + file.name);
-        const auto sized = [](qint64 size) { return QString::number(size) + u" バイト"_s; };
-        details.fields.push_back({.label = u"ファイル名"_s, .before = file.name, .now = {}});
-        details.fields.push_back({.label = u"大きさ"_s, .before = sized(file.size), .now = {}});
-        if (present.isFile()) {
-            details.fields[0].now = file.name;
-            details.fields[1].now = sized(present.size());
-        }
+        details.fields = fieldsOfFile(m_session, m_history->file(lost));
         return details;
     }
     const StoredRow row = m_history->row(lost);
@@ -231,19 +285,27 @@ LostDetails LostThings::details(std::size_t number) const
     if (!isDeletedItem && !isDeletedCategory)
         return details;
     const QString identifier = row.text(isDeletedItem ? data_field::Object_ID : category_field::Category_ID);
+    const auto add = [&](const StoredRow& beside, QStringList& before, QStringList& now, const auto& name,
+                         const QString& other) {
+        if (before.size() >= MostListed) {
+            ++details.notListed;
+            return;
+        }
+        before << named(name(m_session, other), other);
+        if (goToPresent(m_session, beside))
+            now << before.last();
+    };
     m_history->forEachRowBeside(lost, [&](const StoredRow& beside) {
         if (beside.fate != RowFate::Deleted)
             return;
         const QString first = beside.text(0);
         const QString second = beside.text(1);
-        if (isOf(beside, schema::Link()) && isDeletedItem && (first == identifier || second == identifier)) {
-            const QString& partner = first == identifier ? second : first;
-            details.links << named(GetDataName(m_session, partner), partner);
-        } else if (isOf(beside, schema::Category()) && isDeletedItem && second == identifier) {
-            details.categories << named(GetCategoryName(m_session, first), first);
-        } else if (isOf(beside, schema::Category()) && isDeletedCategory && first == identifier) {
-            details.members << named(GetDataName(m_session, second), second);
-        }
+        if (isOf(beside, schema::Link()) && isDeletedItem && (first == identifier || second == identifier))
+            add(beside, details.links, details.linksNow, nameOfItem, first == identifier ? second : first);
+        else if (isOf(beside, schema::Category()) && isDeletedItem && second == identifier)
+            add(beside, details.categories, details.categoriesNow, nameOfCategory, first);
+        else if (isOf(beside, schema::Category()) && isDeletedCategory && first == identifier)
+            add(beside, details.members, details.membersNow, nameOfItem, second);
     });
     return details;
 }

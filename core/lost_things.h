@@ -42,9 +42,18 @@ struct LostField {
 /// All there is to see of it.
 struct LostDetails {
     std::vector<LostField> fields;
-    QStringList links;      // of a deleted item, each as name and identifier
+    // Each as name and identifier, and those of them that are there now.
+    QStringList links; // of a deleted item
+    QStringList linksNow;
     QStringList categories; // it was filed in
-    QStringList members;    // of a deleted category
+    QStringList categoriesNow;
+    QStringList members; // of a deleted category
+    QStringList membersNow;
+    int notListed = 0; // so many more of all these were there
+
+    /// Whether something stands in its place, and whether that is the same.
+    enum class Present { Gone, Same, Different };
+    Present present() const;
 };
 
 /// The word for a kind of event, for lists and choices.

@@ -16,12 +16,14 @@ constexpr int Success = 0;
 constexpr int WrongUse = 2;
 
 const char* const Help = R"(使い方: quillon [オプション] [--] [ファイル]
+        quillon --restore [--] [ファイル]
 
 自己教育的データベース管理システム Quillon を起動します。
 ファイルを指定すると、メイン画面を表示した後でそのデータベースを展開します。
 ファイルデータはカレントフォルダ内の RefFile フォルダに置かれます。
 
 オプション:
+  --restore     失われたデータを戻す画面を開きます
   -h, --help    この説明を表示して終了します
   --version     版を表示して終了します
   --            以降の語をすべてファイル名として扱います
@@ -29,7 +31,7 @@ const char* const Help = R"(使い方: quillon [オプション] [--] [ファイ
 
 CommandLine refused(const QString& complaint)
 {
-    return {CommandLine::Request::Refused, std::nullopt, complaint};
+    return {.request = CommandLine::Request::Refused, .complaint = complaint};
 }
 
 void print(std::FILE* stream, const QByteArray& text)
@@ -54,10 +56,12 @@ CommandLine parseCommandLine(const QStringList& arguments)
             commandLine.file = argument;
         } else if (argument == u"--"_s) {
             optionsEnded = true;
+        } else if (argument == u"--restore"_s) {
+            commandLine.restores = true;
         } else if (argument == u"--help"_s || argument == u"-h"_s) {
-            return {CommandLine::Request::Help, std::nullopt, {}};
+            return {.request = CommandLine::Request::Help};
         } else if (argument == u"--version"_s) {
-            return {CommandLine::Request::Version, std::nullopt, {}};
+            return {.request = CommandLine::Request::Version};
         } else {
             return refused(u"不明なオプションです: %1"_s.arg(argument));
         }

@@ -13,8 +13,9 @@ struct CommandLine {
     enum class Request { Run, Help, Version, Refused };
 
     Request request = Request::Run;
-    std::optional<QString> file; // the database to open, as it was written
-    QString complaint;           // why it was refused, for the person at the terminal
+    std::optional<QString> file = {}; // the database to open, as it was written
+    QString complaint = {};           // why it was refused, for the person at the terminal
+    bool restores = false;            // a run for taking things back
 };
 
 /// Understands the arguments without the program's own name.

@@ -1,5 +1,6 @@
 #include "app/base/platform/command_line.h"
 #include "app/base/system_files.h"
+#include "app/base/titles.h"
 #include "app/shell/command_line.h"
 #include "app/shell/japanese_interface.h"
 #include "app/shell/program.h"
@@ -9,6 +10,8 @@
 #include "store/kept/place.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QProcess>
 #include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
@@ -36,12 +39,16 @@ int main(int argc, char** argv)
     SystemClock clock;
     SystemDesktop desktop;
     SystemFiles files;
+    // A run for taking things back leaves the copies as they are; the next one of the other kind makes the next.
+    const std::optional<kept::CopyTimes> copies =
+        commandLine.restores ? std::nullopt : std::optional(kept::CopyTimes());
     Program program({.dialogs = dialogs,
                      .eventLog = eventLog,
                      .clock = clock,
                      .desktop = desktop,
                      .files = files,
-                     .keptFolder = kept::keptFolder()},
+                     .keptFolder = kept::keptFolder(),
+                     .copies = copies},
                     currentFolderOfProcess());
 
     // Leaving all event loops, nested ones included, ends the program at once: no window is closed, so none asks
@@ -49,9 +56,19 @@ int main(int argc, char** argv)
     // because every change was written when it was made; a hard exit of the process would gain nothing.
     program.setEnd([] { QCoreApplication::exit(0); });
 
+    // Where its registered files lie the program starts, if they lie beside the database.
+    program.setStart([&program](const QString& path) {
+        const QString beside = QFileInfo(path).absolutePath();
+        const bool hasFiles = QFileInfo(beside + u'/' + titles::FileFolder).isDir();
+        return QProcess::startDetached(QCoreApplication::applicationFilePath(), {u"--"_s, path},
+                                       hasFiles ? beside : program.session().CurrentFolder);
+    });
+
     // Inside the event loop, so that even an end during start-up finds a loop to leave.
     QTimer::singleShot(0, &application, [&] {
-        if (!Main(program, commandLine.file))
+        const bool isShown =
+            commandLine.restores ? Restore(program, commandLine.file) : Main(program, commandLine.file);
+        if (!isShown)
             QCoreApplication::exit(1);
     });
     return QApplication::exec();

@@ -1,5 +1,6 @@
 #include "app/shell/program.h"
 
+#include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "app/shell/frmSplash.h"
 #include "ui/auxiliary/frmCategory.h"
@@ -11,6 +12,7 @@
 #include "ui/data/frmRefDoc.h"
 #include "ui/data/frmRefFileEntry.h"
 #include "ui/main/frmMainMenu.h"
+#include "ui/restore/frmRestore.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -29,7 +31,7 @@ Program::Program(const Ports& ports, const QString& currentFolder)
             m_session.reporting,
             kept::KeepingOrder{.keptFolder = *ports.keptFolder,
                                .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
-                               .copies = kept::CopyTimes()});
+                               .copies = ports.copies});
         m_session.keeper = m_keeping.get();
     }
     registerWindows();
@@ -76,6 +78,26 @@ frmMainMenu& Program::mainWindow()
         });
     }
     return *m_mainWindow;
+}
+
+frmRestore& Program::restoreWindow()
+{
+    if (m_restoreWindow == nullptr) {
+        m_restoreWindow = new frmRestore(m_session, m_windows);
+        m_session.setMainWindow(m_restoreWindow);
+        QObject::connect(m_restoreWindow, &FormWindow::unloaded, m_restoreWindow, [this] {
+            m_session.setMainWindow(nullptr);
+            if (m_end)
+                m_end();
+        });
+        QObject::connect(m_restoreWindow, &frmRestore::databaseWanted, m_restoreWindow,
+                         [this](const QString& path) {
+                             if (m_start && !m_start(path))
+                                 m_session.dialogs.messageBox({.text = u"Quillon を起動できませんでした。"_s,
+                                                               .title = titles::SystemOperation});
+                         });
+    }
+    return *m_restoreWindow;
 }
 
 } // namespace quillon

@@ -15,6 +15,7 @@ namespace quillon
 {
 
 class frmMainMenu;
+class frmRestore;
 
 /// One run of the program: the session, the windows and how each window comes into being. It knows nothing of where
 /// its ports come from, so a test builds it with ports of its own.
@@ -29,6 +30,8 @@ public:
         Files& files;
         /// Where what is overwritten and deleted is kept; nothing: it is not.
         std::optional<QString> keptFolder = {};
+        /// When copies are made there; nothing: never.
+        std::optional<kept::CopyTimes> copies = kept::CopyTimes();
     };
 
     /// `currentFolder`: the process's current folder, empty when there is none.
@@ -43,9 +46,13 @@ public:
 
     /// The main window, created and made known to the session on first use; it is not shown.
     frmMainMenu& mainWindow();
+    /// The window to take things back, in its place in a run for that.
+    frmRestore& restoreWindow();
 
     /// What happens when the person has confirmed the end of the program; nothing by default.
     void setEnd(std::function<void()> end) { m_end = std::move(end); }
+    /// How another run of the program is started to open a database; false when that fails. Not at all by default.
+    void setStart(std::function<bool(const QString&)> start) { m_start = std::move(start); }
 
 private:
     void registerWindows();
@@ -54,7 +61,9 @@ private:
     Session m_session;
     std::unique_ptr<kept::Keeping> m_keeping;
     QPointer<frmMainMenu> m_mainWindow;
+    QPointer<frmRestore> m_restoreWindow;
     std::function<void()> m_end;
+    std::function<bool(const QString&)> m_start;
 };
 
 } // namespace quillon

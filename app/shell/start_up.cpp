@@ -6,6 +6,7 @@
 #include "app/shell/frmSplash.h"
 #include "app/shell/program.h"
 #include "ui/main/frmMainMenu.h"
+#include "ui/restore/frmRestore.h"
 #include "ui/widgets/event_edge.h"
 
 #include <QDir>
@@ -45,6 +46,28 @@ bool Main(Program& program, const std::optional<QString>& file)
         handleEvent(session.reporting, u"Main"_s, [&] { program.mainWindow().openChosenFile(path); });
     }
     return shown;
+}
+
+bool Restore(Program& program, const std::optional<QString>& file)
+{
+    Session& session = program.session();
+    bool shown = false;
+    guarded(session.reporting, u"Main"_s, [&] {
+        if (session.CurrentFolder.isEmpty())
+            throw Error(errors::PathNotFound);
+        program.restoreWindow().showModeless();
+        shown = true;
+    });
+    if (!shown)
+        return false;
+    handleEvent(session.reporting, u"Main"_s, [&] {
+        if (file)
+            program.restoreWindow().showDatabase(
+                QDir::toNativeSeparators(QDir(session.CurrentFolder).absoluteFilePath(*file)));
+        else
+            program.restoreWindow().chooseDatabase();
+    });
+    return true;
 }
 
 } // namespace quillon

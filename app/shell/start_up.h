@@ -18,4 +18,8 @@ QString currentFolderOfProcess();
 /// False when a failure was reported and there is no main window.
 bool Main(Program& program, const std::optional<QString>& file = std::nullopt);
 
+/// Start-up of a run for taking things back: its window alone, with what is kept of `file`, or with the choice of a
+/// database. False as above.
+bool Restore(Program& program, const std::optional<QString>& file = std::nullopt);
+
 } // namespace quillon

@@ -98,4 +98,21 @@ bool Place::make(const QString& inside) const
     return true;
 }
 
+QStringList databasesIn(const QString& keptFolder)
+{
+    QStringList databases;
+    const QFileInfoList folders =
+        QDir(keptFolder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QFileInfo& folder : folders) {
+        QFile about(folder.filePath() + u"/database.json"_s);
+        if (!about.open(QIODevice::ReadOnly))
+            continue;
+        const QString path = QJsonDocument::fromJson(about.readAll()).object().value(u"path"_s).toString();
+        // Elsewhere nothing of it would be found again.
+        if (!path.isEmpty() && Place(keptFolder, path).folder() == keptFolder + u'/' + folder.fileName())
+            databases << path;
+    }
+    return databases;
+}
+
 } // namespace quillon::kept

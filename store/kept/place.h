@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -34,5 +35,8 @@ private:
     QString m_database;
     QString m_folder;
 };
+
+/// The full names of the databases for which something is kept in a folder.
+QStringList databasesIn(const QString& keptFolder);
 
 } // namespace quillon::kept
