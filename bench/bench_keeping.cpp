@@ -34,7 +34,6 @@ namespace
 constexpr int Updates = 51;
 constexpr int Selected = 10'000;
 constexpr int FirstRow = 60'000; // behind what other rows have deleted
-constexpr int IdentifierColumn = 2;
 
 /// A program over a copy of the corpus of its own, with or without a history.
 class Side

@@ -20,9 +20,6 @@ namespace quillon::bench
 namespace
 {
 
-constexpr int NameColumn = 0;
-constexpr int IdentifierColumn = 2;
-
 void click(QuietProgram& program, int column)
 {
     Q_EMIT program.list().horizontalHeader()->sectionClicked(column);

@@ -153,7 +153,6 @@ public:
 
 private:
     static constexpr int FirstRow = 20'000;
-    static constexpr int IdentifierColumn = 2;
 
     QStringList m_identifiers; // in the order of the list
     qsizetype m_next = 0;

@@ -25,7 +25,6 @@ Everyday::Everyday(QString path) : m_path(std::move(path)), m_program(std::make_
     m_program->open(m_path);
     const ReportModel& rows = m_program->list().rows();
     constexpr int Wanted = 50;
-    constexpr int IdentifierColumn = 2;
     const int definitions = static_cast<int>(session().RsMain->recordCount());
     for (int i = 0; i < Wanted; ++i)
         m_items << rows.text(definitions / Wanted * i, IdentifierColumn).toString();

@@ -33,6 +33,10 @@ private:
     QString m_announced;
 };
 
+/// Columns of the main list.
+constexpr int NameColumn = 0;
+constexpr int IdentifierColumn = 2;
+
 /// A clock that shows what it is set to.
 class SetClock : public Clock
 {
