@@ -7,6 +7,8 @@
 #include "store/write_transaction.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,17 +31,16 @@ qint64 numberOf(Database& database, const QString& question)
 bool isUnfinished(Database& database)
 {
     const auto tables = schema::all();
-    const auto missing = std::find_if(tables.begin(), tables.end(), [&](const TableSchema* table) {
-        return !database.isAsDeclared(*table);
-    });
-    const auto made = std::distance(tables.begin(), missing);
-    constexpr std::ptrdiff_t OlderLayout = 5; // the tables without those for categories
-    if (missing == tables.end() || made == OlderLayout)
+    std::size_t made = 0;
+    while (made < tables.size() && database.isAsDeclared(*tables[made]))
+        ++made;
+    constexpr std::size_t OlderLayout = 5; // the tables without those for categories
+    if (made == tables.size() || made == OlderLayout)
         return false;
     if (numberOf(database, u"SELECT count(*) FROM sqlite_master WHERE name NOT LIKE 'sqlite_autoindex%'"_s) !=
         made)
         return false;
-    return std::all_of(tables.begin(), missing, [&](const TableSchema* table) {
+    return std::ranges::all_of(std::span(tables).first(made), [&](const TableSchema* table) {
         return numberOf(database, u"SELECT EXISTS (SELECT 1 FROM \""_s + table->name + u"\")"_s) == 0;
     });
 }

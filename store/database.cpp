@@ -113,8 +113,8 @@ std::shared_ptr<Database> Database::beginCreation(const QString& path, bool over
 
 Error Database::emptyFile()
 {
-    return Error(errors::NotADatabase, u"データベースの作成が途中で中断されたファイルか、空のファイルです。"
-                                       u"新規データベース作成で同じ名前を指定すると、作成し直せます。"_s);
+    return {errors::NotADatabase, u"データベースの作成が途中で中断されたファイルか、空のファイルです。"
+                                  u"新規データベース作成で同じ名前を指定すると、作成し直せます。"_s};
 }
 
 void Database::execute(const QString& definition)

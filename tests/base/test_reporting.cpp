@@ -99,7 +99,7 @@ private Q_SLOTS:
 
     void theLineIsWrittenWhenTheBoxHasBeenAnswered()
     {
-        const auto anHourPasses = [this] { clock.time = clock.time.addSecs(60 * 60); };
+        const auto anHourPasses = [this] { clock.time = clock.time.addSecs(qint64{60} * 60); };
         expectReport(u"Main"_s, standardDescription(5));
         dialogs.meanwhile(anHourPasses);
         ReportError(reporting, 5, u"Main"_s);

@@ -14,34 +14,36 @@
 namespace
 {
 
-int failing = 0; // 0: nothing fails
-int failure = 0;
-bool staysFailing = false;
-int count = 0;
-const char* failed = nullptr;
+struct {
+    int failing = 0; // 0: nothing fails
+    int failure = 0;
+    bool staysFailing = false;
+    int count = 0;
+    const char* failed = nullptr;
+} plan; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): the wrapped calls know no object
 
-/// Whether the call that comes now is to end in `failure`.
+/// Whether the call that comes now is to end in `plan.failure`.
 bool failsNow(const char* call)
 {
     using quillon::testing::FailingCalls;
-    if (failing == 0)
+    if (plan.failing == 0)
         return false;
-    ++count;
-    if (staysFailing ? count < failing : count != failing)
+    ++plan.count;
+    if (plan.staysFailing ? plan.count < plan.failing : plan.count != plan.failing)
         return false;
-    if (failure == FailingCalls::ShortWrite && std::strcmp(call, "write") != 0)
+    if (plan.failure == FailingCalls::ShortWrite && std::strcmp(call, "write") != 0)
         return false;
-    if (failed == nullptr)
-        failed = call;
-    if (failure != FailingCalls::ShortWrite)
-        errno = failure;
+    if (plan.failed == nullptr)
+        plan.failed = call;
+    if (plan.failure != FailingCalls::ShortWrite)
+        errno = plan.failure;
     return true;
 }
 
 } // namespace
 
 // The names are the linker's.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
+// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
 extern "C" {
 int __real_open(const char* path, int flags, ...);
 ssize_t __real_read(int file, void* target, std::size_t size);
@@ -73,8 +75,9 @@ ssize_t __wrap_write(int file, const void* source, std::size_t size)
 {
     if (!failsNow("write"))
         return __real_write(file, source, size);
-    return failure == quillon::testing::FailingCalls::ShortWrite ? __real_write(file, source, (size + 1) / 2)
-                                                                 : -1;
+    return plan.failure == quillon::testing::FailingCalls::ShortWrite
+               ? __real_write(file, source, (size + 1) / 2)
+               : -1;
 }
 
 int __wrap_fsync(int file)
@@ -112,29 +115,29 @@ int __wrap_rmdir(const char* path)
     return failsNow("rmdir") ? -1 : __real_rmdir(path);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
+// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
 
 namespace quillon::testing
 {
 
 void FailingCalls::failAt(int number, int error, Duration duration)
 {
-    failing = number;
-    failure = error;
-    staysFailing = duration == Duration::FromThenOn;
-    count = 0;
-    failed = nullptr;
+    plan.failing = number;
+    plan.failure = error;
+    plan.staysFailing = duration == Duration::FromThenOn;
+    plan.count = 0;
+    plan.failed = nullptr;
 }
 
 int FailingCalls::heal()
 {
-    failing = 0;
-    return count;
+    plan.failing = 0;
+    return plan.count;
 }
 
 const char* FailingCalls::failedCall()
 {
-    return failed;
+    return plan.failed;
 }
 
 } // namespace quillon::testing

@@ -23,7 +23,7 @@ class TestFailingCopies : public QObject
     Q_OBJECT
 
 private:
-    std::mt19937 m_random;
+    std::mt19937 m_random{seedOfRun()};
 
     // The numbers of calls to be tried: every one in a long run, else every few.
     static bool isLong() { return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0; }
@@ -52,8 +52,6 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { m_random.seed(seedOfRun()); }
-
     void aRegistrationIsDoneOrTold_data()
     {
         QTest::addColumn<int>("error");
@@ -138,7 +136,7 @@ private Q_SLOTS:
         }
     }
 
-    void cleanupTestCase() { qInfo("%d calls failed", m_failures); }
+    void cleanupTestCase() const { qInfo("%d calls failed", m_failures); }
 
 private:
     int m_failures = 0;

@@ -19,6 +19,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace quillon::platform
@@ -64,7 +65,7 @@ bool holds(int file, bool otherwise)
 class FileBeside
 {
 public:
-    explicit FileBeside(const QByteArray& folder) : m_folder(folder), m_file(make())
+    explicit FileBeside(QByteArray folder) : m_folder(std::move(folder)), m_file(make())
     {
         if (m_file < 0)
             throwLastError(errors::PathNotFound);
@@ -179,6 +180,7 @@ public:
           m_held(open(m_aside.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC))
     {
     }
+    ~Former() = default;
     Former(const Former&) = delete;
     Former& operator=(const Former&) = delete;
 
@@ -259,8 +261,8 @@ QString nameIn(const QString& aside)
 class CopyBeside : public StagedCopy
 {
 public:
-    CopyBeside(const QByteArray& folder, const QByteArray& name)
-        : m_folder(folder), m_name(name), m_beside(folder)
+    CopyBeside(const QByteArray& folder, QByteArray name)
+        : m_folder(folder), m_name(std::move(name)), m_beside(folder)
     {
     }
     ~CopyBeside() override { putBack(); }

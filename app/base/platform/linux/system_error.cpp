@@ -22,8 +22,8 @@ std::optional<Error> errorOfLack(int failure)
             errors::DiskFull,
             u"利用できるディスク容量の上限に達しました。不要なファイルを削除してからやり直してください。"_s);
     case EFBIG:
-        return Error(errors::PathFileAccess,
-                     u"ファイルの大きさが上限を超えるため書き込めません。別のディスクを使用してください。"_s);
+        return {errors::PathFileAccess,
+                u"ファイルの大きさが上限を超えるため書き込めません。別のディスクを使用してください。"_s};
     case EMFILE:
     case ENFILE:
         return Error(errors::PathFileAccess, u"同時に開けるファイルの数の上限に達しました。"
@@ -47,11 +47,11 @@ Error errorOfSystem(int failure, qint32 whenMissing)
     case EPERM:
         return Error(errors::PermissionDenied);
     case EROFS:
-        return Error(errors::PermissionDenied,
-                     u"ディスクが読み取り専用のため書き込めません。別のディスクを使用してください。"_s);
+        return {errors::PermissionDenied,
+                u"ディスクが読み取り専用のため書き込めません。別のディスクを使用してください。"_s};
     case ENAMETOOLONG:
-        return Error(errors::PathFileAccess,
-                     u"ファイルまたはフォルダの名前が長すぎます。短い名前に変えてからやり直してください。"_s);
+        return {errors::PathFileAccess,
+                u"ファイルまたはフォルダの名前が長すぎます。短い名前に変えてからやり直してください。"_s};
     default:
         return Error(errors::PathFileAccess);
     }
