@@ -38,7 +38,7 @@ bool isUnfinished(Database& database)
     if (made == tables.size() || made == OlderLayout)
         return false;
     if (numberOf(database, u"SELECT count(*) FROM sqlite_master WHERE name NOT LIKE 'sqlite_autoindex%'"_s) !=
-        made)
+        static_cast<qint64>(made))
         return false;
     return std::ranges::all_of(std::span(tables).first(made), [&](const TableSchema* table) {
         return numberOf(database, u"SELECT EXISTS (SELECT 1 FROM \""_s + table->name + u"\")"_s) == 0;

@@ -22,8 +22,8 @@ std::optional<Error> errorOfLack(int failure)
             errors::DiskFull,
             u"利用できるディスク容量の上限に達しました。不要なファイルを削除してからやり直してください。"_s);
     case EFBIG:
-        return {errors::PathFileAccess,
-                u"ファイルの大きさが上限を超えるため書き込めません。別のディスクを使用してください。"_s};
+        return Error(errors::PathFileAccess,
+                     u"ファイルの大きさが上限を超えるため書き込めません。別のディスクを使用してください。"_s);
     case EMFILE:
     case ENFILE:
         return Error(errors::PathFileAccess, u"同時に開けるファイルの数の上限に達しました。"
