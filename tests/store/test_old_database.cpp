@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
 #include <random>
 
 #ifdef Q_OS_UNIX
@@ -257,26 +258,27 @@ private Q_SLOTS:
         const auto tables = smallTables();
         const OldFile whole = writeOldFile(tables, form());
         QVERIFY(gives(contentOf(whole.bytes), tables));
+        std::mt19937 random(seed());
         qint64 told = 0;
         for (qsizetype at = 0; at < whole.bytes.size(); ++at) {
             const char use = whole.uses[at];
             // What belongs to nothing is much, and all alike; so are long texts.
             if ((use == OldFile::Free && at % 61 != 0) || (use == OldFile::Text && at % 13 != 0))
                 continue;
-            for (const int change : {0x01, 0x40, 0xFF}) {
-                QByteArray bytes = whole.bytes;
-                bytes[at] = static_cast<char>(bytes[at] ^ change);
-                const Content content = contentOf(bytes);
-                told += content.isTold() ? 1 : 0;
-                const bool isRight = use == OldFile::Free ? !content.isTold() && gives(content, tables)
-                                     : use == OldFile::Structure
-                                         ? !seemsWhole(content, tables) || gives(content, tables)
-                                         : true; // another text is a text
-                QVERIFY2(isRight,
-                         qPrintable(u"byte %1 of use %2, changed by %3"_s.arg(at).arg(int(use)).arg(change)));
-            }
+            // One change each, another one in another run.
+            const int change = std::array{0x01, 0x40, 0xFF}.at(random() % 3);
+            QByteArray bytes = whole.bytes;
+            bytes[at] = static_cast<char>(bytes[at] ^ change);
+            const Content content = contentOf(bytes);
+            told += content.isTold() ? 1 : 0;
+            const bool isRight = use == OldFile::Free ? !content.isTold() && gives(content, tables)
+                                 : use == OldFile::Structure
+                                     ? !seemsWhole(content, tables) || gives(content, tables)
+                                     : true; // another text is a text
+            QVERIFY2(isRight,
+                     qPrintable(u"byte %1 of use %2, changed by %3"_s.arg(at).arg(int(use)).arg(change)));
         }
-        QVERIFY(told > 500);
+        QVERIFY(told > 150);
     }
 
     void everyCutIsTold_data() { addFormats(); }
@@ -299,7 +301,7 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         int runs = 0;
-        for (; runs < 200 && timer.elapsed() < 2000; ++runs) {
+        for (; runs < 200 && timer.elapsed() < 1000; ++runs) {
             QByteArray bytes = whole;
             for (unsigned i = 0, count = 1 + random() % 30; i < count; ++i) {
                 const auto at = static_cast<qsizetype>(random() % static_cast<unsigned>(bytes.size()));

@@ -1,7 +1,6 @@
 #include "tests/support/old_file_writer.h"
 
 #include "app/base/platform/code_page.h"
-#include "store/schema.h"
 
 #include <QHash>
 #include <QtEndian>
@@ -468,16 +467,15 @@ private:
 
 std::vector<OldTable> oldTables(int count)
 {
-    std::vector<OldTable> tables;
-    for (const TableSchema* schema : schema::all()) {
-        if (static_cast<int>(tables.size()) == count)
-            break;
-        OldTable table{.name = schema->name, .columns = {}, .rows = {}};
-        for (const FieldSchema& field : schema->fields)
-            table.columns.push_back({.name = field.name, .width = field.width});
-        tables.push_back(table);
-    }
-    return tables;
+    const std::vector<OldTable> tables = {
+        {u"Main"_s, {{u"Name"_s, 50}, {u"Object_ID"_s, 12}, {u"Explanation"_s, 255}}, {}},
+        {u"RefDoc"_s, {{u"Name"_s, 50}, {u"Object_ID"_s, 12}, {u"Explanation"_s, 0}}, {}},
+        {u"RefFile"_s, {{u"Name"_s, 50}, {u"Object_ID"_s, 12}, {u"Explanation"_s, 255}}, {}},
+        {u"OpenApp"_s, {{u"AppName"_s, 50}, {u"Path"_s, 255}}, {}},
+        {u"Link"_s, {{u"Link_Object_ID"_s, 12}, {u"Object_ID"_s, 12}}, {}},
+        {u"Category_ID"_s, {{u"Category_ID"_s, 50}, {u"Name"_s, 50}}, {}},
+        {u"Category"_s, {{u"Category_ID"_s, 50}, {u"Object_ID"_s, 50}}, {}}};
+    return {tables.begin(), tables.begin() + count};
 }
 
 OldFile writeOldFile(const std::vector<OldTable>& tables, const OldFileForm& form)
