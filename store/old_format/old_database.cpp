@@ -37,6 +37,19 @@ constexpr quint16 TableType = 1;
 constexpr quint32 SystemFlags = 0x8000'0002;
 constexpr quint32 PageOfId = 0x00FF'FFFF;
 
+/// Ascending numbers, those in a row as the first and the last.
+QString inRuns(const std::vector<int>& numbers)
+{
+    QStringList runs;
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const int first = numbers[i];
+        while (i + 1 < numbers.size() && numbers[i + 1] == numbers[i] + 1)
+            ++i;
+        runs += numbers[i] == first ? QString::number(first) : u"%1～%2"_s.arg(first).arg(numbers[i]);
+    }
+    return runs.join(u'、');
+}
+
 } // namespace
 
 OldDatabase::OldDatabase(QByteArray content) : m_pages(std::move(content), m_losses)
@@ -140,6 +153,8 @@ void OldDatabase::forEachStoredRow(const QString& name, const Definition& defini
         const PageRows rows(m_pages, m_pages.page(number));
         if (rows.isOverfull())
             lose(name, {}, u"ページ %1 が壊れていて、その行を読み取れません。"_s.arg(number));
+        std::vector<int> damaged;
+        std::vector<int> doubtful;
         for (int i = 0; i < rows.count(); ++i) {
             std::optional<PageRow> row = rows.row(i);
             if (row && row->isSkipped)
@@ -148,17 +163,21 @@ void OldDatabase::forEachStoredRow(const QString& name, const Definition& defini
             if (row && row->isPointer)
                 row = pointedRow(*row, definition.page, taken);
             if (!row || !fields.read(row->bytes)) {
-                lose(name, {},
-                     u"ページ %1 の %2 番目の行が壊れていて、読み取れません。"_s.arg(number).arg(i + 1));
+                damaged.push_back(i + 1);
                 continue;
             }
             if (fields.hasStrayBytes())
-                lose(
-                    name, {},
-                    u"ページ %1 の %2 番目の行に、どの項目のものでもないバイトがあります。"_s.arg(number).arg(
-                        i + 1));
+                doubtful.push_back(i + 1);
             read(fields);
         }
+        if (!damaged.empty())
+            lose(
+                name, {},
+                u"ページ %1 の %2 番目の行が壊れていて、読み取れません。"_s.arg(number).arg(inRuns(damaged)));
+        if (!doubtful.empty())
+            lose(name, {},
+                 u"ページ %1 の %2 番目の行に、どの項目のものでもないバイトがあります。"_s.arg(number).arg(
+                     inRuns(doubtful)));
     }
     if (count != definition.rowCount)
         lose(name, {},

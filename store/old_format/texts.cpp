@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quillon::old_format
 {
 
@@ -65,6 +67,8 @@ DecodedText decompressed(QByteArrayView bytes)
 
 DecodedText decoded(const Pages& pages, QByteArrayView bytes)
 {
+    if (bytes.isEmpty())
+        return {.text = u""_s};
     if (pages.isFormatThree())
         return decodedFrom932(bytes);
     if (bytes.startsWith(CompressionMark))

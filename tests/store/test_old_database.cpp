@@ -391,6 +391,21 @@ private Q_SLOTS:
         QVERIFY(compareText(losses[0].text, text));
     }
 
+    void damagedRowsOfAPageAreToldTogether()
+    {
+        auto tables = oldTables(1);
+        for (int i = 0; i < 6; ++i)
+            tables[0].rows.push_back({u"水"_s, u"M-%1"_s.arg(i), u""_s});
+        QByteArray bytes = writeOldFile(tables).bytes;
+        // The numbers of columns of the rows, which all have one length.
+        const qsizetype length = bytes.indexOf("M\0-\0000"_ba) - bytes.indexOf("M\0-\0001"_ba);
+        for (const int row : {1, 2, 3, 5})
+            bytes[5 * 4096 - length * (row + 1)] = '\xFF';
+        const auto losses = contentOf(bytes).losses;
+        QCOMPARE(losses.size(), 1U);
+        QVERIFY(compareText(losses[0].text, u"ページ 4 の 2～4、6 番目の行が壊れていて、読み取れません。"));
+    }
+
     void endsThatLackAreTold()
     {
         const auto losses = contentOf(writeOldFile(smallTables()).bytes + "xy").losses;
