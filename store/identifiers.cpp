@@ -24,7 +24,8 @@ QString sequenceText(int number)
     return QString::number(number).rightJustified(3, u'0');
 }
 
-/// The numbers that identifiers of this beginning have in a table, as an array of flags.
+} // namespace
+
 std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginning)
 {
     if (beginning.contains(u'\''))
@@ -45,6 +46,9 @@ std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginn
     }
     return taken;
 }
+
+namespace
+{
 
 QString firstFreeNumber(const std::vector<bool>& taken)
 {

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <vector>
+
 namespace quillon
 {
 
@@ -26,6 +28,9 @@ QString GetYYMMDD(Session& session);
 /// Whether an identifier is free: no row of its kind's table carries it. False also when the kind is unknown or the
 /// look-up failed, which is then reported.
 bool ExistCheck(Session& session, const QString& identifier);
+
+/// The numbers that identifiers of this beginning ("M-991231-") have in a table, as an array of flags.
+std::vector<bool> takenNumbers(const RecordSet& recordSet, const QString& beginning);
 
 /// Error 5 for an empty identifier: a datum without one could neither be shown nor deleted.
 void requireIdentifier(const QString& identifier);

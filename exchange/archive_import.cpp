@@ -1,0 +1,292 @@
+#include "app/base/ports/files.h"
+#include "app/base/titles.h"
+#include "exchange/archive.h"
+#include "exchange/archive_format.h"
+#include "exchange/input.h"
+#include "exchange/merging.h"
+#include "exchange/progress.h"
+#include "exchange/refused.h"
+#include "exchange/tables.h"
+#include "store/record_set.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "store/sqlite/transaction.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::exchange
+{
+
+namespace
+{
+
+constexpr qint64 BytesPerStep = qint64{1} << 20;
+
+QByteArray contentOf(const QString& path)
+{
+    constexpr qint64 Much = qint64{1} << 28;
+    return InputFile(path).read(Much);
+}
+
+/// The rows of an archive. Every pass sees that they are those of the manifest.
+class ArchivedRows : public RowSource
+{
+public:
+    ArchivedRows(QString folder, const archive::Manifest& manifest, Progress* progress)
+        : m_folder(std::move(folder)), m_manifest(manifest), m_progress(progress)
+    {
+        for (const archive::Table& table : manifest.tables)
+            m_rows += table.rows;
+        for (const archive::File& file : manifest.files)
+            m_names.insert(file.name);
+    }
+
+    /// Files that get another name than they have in the archive.
+    void setNewNames(QHash<QString, QString> names) { m_newNames = std::move(names); }
+
+    void forEachRow(const TableSchema& table, const Visit& visit) override
+    {
+        const auto entry = std::find_if(m_manifest.tables.begin(), m_manifest.tables.end(),
+                                        [&](const archive::Table& each) { return each.schema == &table; });
+        const QString name = archive::fileOf(table);
+        InputFile file(m_folder + u'/' + name);
+        QByteArray line;
+        qint64 number = 0;
+        while (file.readLine(line)) {
+            ++number;
+            const QString where = name + u':' + QString::number(number);
+            auto row = archive::readRow(line, table);
+            if (!row || !file.lineEnded())
+                throw Refused(u"書庫が壊れています。%1 行目を読み取れません。"_s.arg(where));
+            rename(table, *row);
+            visit(*row, where);
+            constexpr qint64 RowsPerStep = 1000;
+            if (++m_visited % RowsPerStep == 0)
+                advance(m_progress, std::min(m_visited, 2 * m_rows), 2 * m_rows);
+        }
+        if (number != entry->rows || file.done() != entry->bytes || file.sha256() != entry->sha256)
+            throw Refused(u"書庫が壊れています。%1 の内容が目録と一致しません。"_s.arg(name));
+    }
+
+private:
+    /// A datum follows its file: the third field names it, or else the first.
+    void rename(const TableSchema& table, StoredRow& row) const
+    {
+        if (m_newNames.isEmpty() || &table != &schema::RefFile())
+            return;
+        for (const int field : {data_field::Explanation, data_field::Name}) {
+            std::optional<QString>& text = row[static_cast<std::size_t>(field)];
+            if (!text || !m_names.contains(*text))
+                continue;
+            text = m_newNames.value(*text, *text);
+            return;
+        }
+    }
+
+private:
+    QString m_folder;
+    const archive::Manifest& m_manifest;
+    Progress* m_progress;
+    qint64 m_rows = 0;
+    qint64 m_visited = 0;
+    QSet<QString> m_names;
+    QHash<QString, QString> m_newNames;
+};
+
+/// Files that have been put into the folder of registered files. They are gone with this object unless it is told that
+/// they stay.
+class PlacedFiles
+{
+public:
+    PlacedFiles() = default;
+    ~PlacedFiles()
+    {
+        for (const QString& path : std::as_const(m_paths))
+            QFile::remove(path);
+        if (!m_folder.isEmpty())
+            QDir().rmdir(m_folder);
+    }
+    PlacedFiles(const PlacedFiles&) = delete;
+    PlacedFiles& operator=(const PlacedFiles&) = delete;
+
+    void add(const QString& path) { m_paths << path; }
+    void madeFolder(const QString& path) { m_folder = path; }
+    void stay()
+    {
+        m_paths.clear();
+        m_folder.clear();
+    }
+
+private:
+    QStringList m_paths;
+    QString m_folder;
+};
+
+class ArchiveImport
+{
+public:
+    ArchiveImport(Session& session, QString folder, const ImportOptions& options, Progress* progress)
+        : m_session(session), m_folder(std::move(folder)), m_options(options), m_progress(progress),
+          m_fileFolder(session.inCurrentFolder(titles::FileFolder))
+    {
+    }
+
+    ImportReport run()
+    {
+        const QString manifest = m_folder + u'/' + archive::ManifestName;
+        if (!QFileInfo(m_folder).isDir() || !QFileInfo::exists(manifest))
+            throw Refused(u"「%1」は Quillon の書庫ではありません。"_s.arg(m_folder));
+        m_manifest = archive::readManifest(contentOf(manifest));
+        checkFiles();
+        ArchivedRows rows(m_folder, m_manifest, m_progress);
+        rows.setNewNames(newNames());
+        Merging merging(m_session, rows, m_report);
+        merging.examine();
+        PlacedFiles placed;
+        sqlite::Transaction write(required(m_session.RsMain).database().connection());
+        merging.write();
+        if (!m_options.dryRun) {
+            placeFiles(placed);
+            write.commit();
+            placed.stay();
+        }
+        return std::move(m_report);
+    }
+
+private:
+    void requireSame(const QString& path, const archive::File& file)
+    {
+        if (!m_session.files.fileExists(path))
+            throw Refused(u"書庫が壊れています。ファイル %1 がありません。"_s.arg(file.name));
+        if (!holds(path, file))
+            throw Refused(u"書庫が壊れています。ファイル %1 の内容が目録と一致しません。"_s.arg(file.name));
+    }
+
+    bool holds(const QString& path, const archive::File& file)
+    {
+        InputFile present(path);
+        if (present.size() != file.bytes)
+            return false;
+        while (!present.read(BytesPerStep).isEmpty())
+            advance(m_progress, present.done(), present.size());
+        return present.done() == file.bytes && present.sha256() == file.sha256;
+    }
+
+    QString archived(const archive::File& file) const
+    {
+        return m_folder + u'/' + archive::FilesFolder + u'/' + file.name;
+    }
+    QString registered(const QString& name) const { return m_fileFolder + QDir::separator() + name; }
+
+    void checkFiles()
+    {
+        for (const archive::File& file : m_manifest.files)
+            requireSame(archived(file), file);
+    }
+
+    /// Finds a name for every file: its own, unless another file has that.
+    QHash<QString, QString> newNames()
+    {
+        QSet<QString> coming;
+        for (const archive::File& file : m_manifest.files)
+            coming.insert(file.name);
+        QHash<QString, QString> renamed;
+        for (const archive::File& file : m_manifest.files) {
+            QString name = file.name;
+            for (int number = 2;; ++number) {
+                const bool isFree = name == file.name || !coming.contains(name);
+                const bool stands = m_session.files.entryExists(registered(name));
+                if (isFree && !stands) {
+                    m_toPlace.push_back({.file = file, .as = name});
+                    coming.insert(name);
+                    break;
+                }
+                // One that is there already needs no copy.
+                if (isFree && m_session.files.fileExists(registered(name)) && holds(registered(name), file))
+                    break;
+                name = numbered(file.name, number);
+            }
+            if (name == file.name)
+                continue;
+            renamed.insert(file.name, name);
+            m_report.notes.push_back(
+                {.where = archived(file),
+                 .text =
+                     u"同じ名前の別のファイルがあるため、「%1」という名前で取り込みました。"_s.arg(name)});
+        }
+        return renamed;
+    }
+
+    /// A name with a number before its ending, as short as a datum's name may be.
+    static QString numbered(const QString& name, int number)
+    {
+        const auto width = schema::RefFile().fields[data_field::Name].width;
+        const qsizetype dot = name.lastIndexOf(u'.');
+        const qsizetype stem = dot > 0 ? dot : name.size();
+        const QString ending = u" (%1)"_s.arg(number) + name.sliced(stem);
+        qsizetype kept = std::clamp(width - ending.size(), qsizetype(1), stem);
+        if (kept < stem && name[kept].isLowSurrogate())
+            --kept;
+        return name.first(kept) + ending;
+    }
+
+    void placeFiles(PlacedFiles& placed)
+    {
+        if (m_toPlace.empty())
+            return;
+        if (!m_session.files.folderExists(m_fileFolder)) {
+            if (!QDir().mkdir(m_fileFolder))
+                throw Error(errors::PathFileAccess,
+                            u"ファイルデータのフォルダ「%1」を作成できません。"_s.arg(m_fileFolder));
+            placed.madeFolder(m_fileFolder);
+        }
+        for (const Placing& placing : m_toPlace) {
+            const auto copy = m_session.files.stageCopy(archived(placing.file), m_fileFolder, placing.as,
+                                                        [&](qint64 done, qint64 whole) {
+                                                            advance(m_progress, done, whole);
+                                                            return true;
+                                                        });
+            if (!copy)
+                throw Cancelled();
+            // Another program may have come first.
+            if (m_session.files.entryExists(registered(placing.as)))
+                throw Refused(
+                    u"ファイル「%1」が同時に登録されました。やり直してください。"_s.arg(placing.as));
+            copy->place({});
+            placed.add(registered(placing.as));
+            copy->keep();
+            requireSame(registered(placing.as), placing.file);
+        }
+    }
+
+    struct Placing {
+        archive::File file;
+        QString as;
+    };
+
+    Session& m_session;
+    QString m_folder;
+    ImportOptions m_options;
+    Progress* m_progress;
+    QString m_fileFolder;
+    archive::Manifest m_manifest;
+    std::vector<Placing> m_toPlace;
+    ImportReport m_report;
+};
+
+} // namespace
+
+ImportReport importArchive(Session& session, const QString& folder, const ImportOptions& options,
+                           Progress* progress)
+{
+    return ArchiveImport(session, folder, options, progress).run();
+}
+
+} // namespace quillon::exchange
