@@ -59,7 +59,9 @@ OldDatabase::OldDatabase(QByteArray content) : m_pages(std::move(content), m_los
 
 void OldDatabase::lose(const QString& table, const QString& column, const QString& text)
 {
-    m_losses.add({.table = table, .column = column, .text = text});
+    m_hasLost = true;
+    if (!m_isReadAgain)
+        m_losses.add({.table = table, .column = column, .text = text});
 }
 
 void OldDatabase::readCatalogue()
@@ -83,9 +85,9 @@ void OldDatabase::readCatalogue()
                         u"ファイルの目録を読み取れません。控えのファイルを指定してください。"_s);
         columns.push_back(&*found);
     }
-    const qint64 before = m_losses.count();
+    m_hasLost = false;
     forEachStoredRow(Catalogue, definition, [&](const Fields& fields) { noteEntry(fields, columns); });
-    m_isCatalogueDamaged = m_losses.count() != before;
+    m_isCatalogueDamaged = m_hasLost;
 }
 
 void OldDatabase::noteEntry(const Fields& fields, const std::vector<const Column*>& columns)
@@ -205,17 +207,21 @@ std::optional<PageRow> OldDatabase::pointedRow(const PageRow& pointer, quint32 o
 
 void OldDatabase::forEachRow(const QString& name, const Definition& definition, const RowReader& read)
 {
+    m_isReadAgain = m_tablesRead.contains(name);
+    m_tablesRead.insert(name);
+    LongTexts longTexts(m_pages);
     Row row(definition.columns.size());
     forEachStoredRow(name, definition, [&](const Fields& fields) {
-        const qint64 before = m_losses.count();
+        m_hasLost = false;
         for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = text(name, definition.columns[i], fields.field(definition.columns[i]));
-        read(row, m_losses.count() != before);
+            row[i] = text(name, definition.columns[i], fields.field(definition.columns[i]), longTexts);
+        read(row, m_hasLost);
     });
+    m_isReadAgain = false;
 }
 
 std::optional<QString> OldDatabase::text(const QString& table, const Column& column,
-                                         const Fields::Field& field)
+                                         const Fields::Field& field, LongTexts& longTexts)
 {
     if (field.kind == Fields::Kind::Null)
         return std::nullopt;
@@ -229,7 +235,7 @@ std::optional<QString> OldDatabase::text(const QString& table, const Column& col
             lose(table, column.name, u"文字として読み取れないバイトがあります。"_s);
         return found.text;
     }
-    const LongTexts::Found found = m_longTexts.follow(field.bytes);
+    const LongTexts::Found found = longTexts.follow(field.bytes);
     const DecodedText content = decoded(m_pages, found.bytes);
     if (!found.isWhole)
         lose(table, column.name,

@@ -43,6 +43,7 @@ public:
     /// cannot be read.
     using Row = std::vector<std::optional<QString>>;
     /// Gives the rows of a table in the order in which they lie in the file. Only columns of texts can be read.
+    /// A table may be read again; what is lost of it has been noted then.
     /// `isDamaged`: some field of it is a loss.
     using RowReader = std::function<void(const Row& row, bool isDamaged)>;
     void forEachRow(const QString& name, const Definition& definition, const RowReader& read);
@@ -60,13 +61,16 @@ private:
     void noteEntry(const Fields& fields, const std::vector<const Column*>& columns);
     void forEachStoredRow(const QString& name, const Definition& definition, const FieldsReader& read);
     std::optional<PageRow> pointedRow(const PageRow& pointer, quint32 owner, QSet<quint32>& taken) const;
-    std::optional<QString> text(const QString& table, const Column& column, const Fields::Field& field);
+    std::optional<QString> text(const QString& table, const Column& column, const Fields::Field& field,
+                                LongTexts& longTexts);
     void lose(const QString& table, const QString& column, const QString& text);
 
     Losses m_losses;
     Pages m_pages;
-    LongTexts m_longTexts{m_pages};
     std::vector<Entry> m_entries;
+    QSet<QString> m_tablesRead;
+    bool m_isReadAgain = false; // what is lost now is known
+    bool m_hasLost = false;     // since somebody looked
     bool m_isCatalogueDamaged = false;
 };
 
