@@ -1,6 +1,7 @@
 #include "store/kept/copies.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/background.h"
 #include "app/base/platform/files.h"
 #include "store/kept/file_contents.h"
 #include "store/kept/history_format.h"
@@ -23,6 +24,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <atomic>
+#include <future>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -40,7 +43,8 @@ QString aboutPath(const QString& copyPath)
     return copyPath.chopped(CopyEnding.size()) + u".json"_s;
 }
 
-std::optional<QByteArray> sumOfCopy(const QString& path, const std::function<bool()>& goesOn)
+/// Nothing when the file cannot be read, or when it does not go on.
+template <class GoesOn> std::optional<QByteArray> sumOfCopy(const QString& path, GoesOn&& goesOn)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
@@ -49,7 +53,7 @@ std::optional<QByteArray> sumOfCopy(const QString& path, const std::function<boo
     std::vector<char> part(std::size_t{1} << 18);
     for (;;) {
         const qint64 count = file.read(part.data(), static_cast<qint64>(part.size()));
-        if (count < 0 || (goesOn && !goesOn()))
+        if (count < 0 || !goesOn())
             return std::nullopt;
         if (count == 0)
             return QByteArray::number(sum, 16);
@@ -117,6 +121,42 @@ std::optional<Copy> copyAt(const QString& path)
     return copy;
 }
 
+/// What a thread of its own does for a copy that nobody writes any more, while another one looks whether it is whole: it
+/// brings it to the disk and sums it up.
+class DiskWork
+{
+public:
+    explicit DiskWork(const QString& path)
+        : m_sum(std::async(std::launch::async, [this, path]() -> std::optional<QByteArray> {
+              platform::workInBackground();
+              platform::syncFile(path);
+              return sumOfCopy(path, [this] { return m_goesOn.load(); });
+          }))
+    {
+    }
+    ~DiskWork()
+    {
+        m_goesOn = false;
+        if (m_sum.valid())
+            m_sum.wait();
+    }
+    DiskWork(const DiskWork&) = delete;
+    DiskWork& operator=(const DiskWork&) = delete;
+
+    /// The sum, when all is done. Errors: what the disk says; 75 when the copy cannot be read.
+    QByteArray finish()
+    {
+        const std::optional<QByteArray> sum = m_sum.get();
+        if (!sum)
+            throw Error(errors::PathFileAccess);
+        return *sum;
+    }
+
+private:
+    std::atomic<bool> m_goesOn = true;
+    std::future<std::optional<QByteArray>> m_sum; // last, for its thread uses the above
+};
+
 /// The making of one copy.
 class CopyMaker
 {
@@ -139,7 +179,7 @@ public:
     {
         const bool isUnchanged = !m_known.empty() && m_known[0].databaseSize == m_copy.databaseSize &&
                                  m_known[0].databaseModified == m_copy.databaseModified;
-        if (isUnchanged)
+        if (isUnchanged && m_order.inspection == Inspection::WhenChanged)
             return CopyOutcome::Unchanged;
         if (!m_order.place.make(m_order.place.copies()))
             throw Error(errors::PathFileAccess,
@@ -150,13 +190,21 @@ public:
         sqlite::Backup backup(m_order.place.database(), beside);
         if (!copyPages(backup))
             return CopyOutcome::Stopped;
+        DiskWork diskWork(beside);
         backup.setGoesOn(m_order.goesOn);
         if (!inspect(backup))
             return CopyOutcome::Stopped;
-        backup.keep();
-        if (!place(beside)) {
-            QFile::remove(beside);
+        if (isUnchanged)
+            return CopyOutcome::Unchanged; // and whole
+        m_copy.sum = diskWork.finish();
+        if (!m_order.goesOn())
             return CopyOutcome::Stopped;
+        backup.keep();
+        try {
+            place(beside);
+        } catch (...) {
+            QFile::remove(beside);
+            throw;
         }
         removeOld();
         return CopyOutcome::Made;
@@ -165,13 +213,15 @@ public:
 private:
     bool copyPages(sqlite::Backup& backup) const
     {
-        // As many pages as take a few milliseconds: so long a writer may have to wait at the end of a step.
-        constexpr int Fewest = 16;
-        constexpr int Most = 16'384;
+        // On a slow disk fewer pages than a step can hold: so long a writer may have to wait at its end.
+        constexpr int Fewest = 4;
         constexpr qint64 LongStep = 10'000'000; // nanoseconds
+        constexpr qint64 LongWork = 10'000'000;
         int beginnings = 0;
         int left = 0;
-        int pages = 4 * Fewest;
+        int pages = std::min(backup.mostPages(), 4 * Fewest);
+        QElapsedTimer work; // since the last pause
+        work.start();
         for (;;) {
             if (!m_order.goesOn())
                 return false;
@@ -183,13 +233,17 @@ private:
             if (progress == sqlite::Backup::Progress::GoesOn) {
                 beginnings += backup.pagesLeft() > left - pages ? 1 : 0;
                 left = backup.pagesLeft();
-                pages = timer.nsecsElapsed() > LongStep ? std::max(Fewest, pages / 2)
-                                                        : std::min(Most, pages + pages / 4);
+                pages = timer.nsecsElapsed() > LongStep ? std::max(Fewest, pages / 2) : pages + pages / 4;
+                pages = std::min(backup.mostPages(), pages);
             }
             if (beginnings > m_order.mostBeginnings)
                 throw Error(errors::Locked);
-            if (m_order.pause)
+            const bool isDue =
+                progress == sqlite::Backup::Progress::IsLocked || work.nsecsElapsed() > LongWork;
+            if (isDue && m_order.pause) {
                 m_order.pause();
+                work.start();
+            }
         }
     }
 
@@ -197,7 +251,9 @@ private:
     bool inspect(sqlite::Backup& backup)
     {
         try {
-            const auto verdict = backup.ask(u"PRAGMA quick_check(1)"_s);
+            const bool isThorough = m_order.inspection == Inspection::Thorough;
+            const auto verdict =
+                backup.ask(isThorough ? u"PRAGMA integrity_check(1)"_s : u"PRAGMA quick_check(1)"_s);
             if (!verdict->step() || verdict->text(0) != u"ok")
                 throw Error(errors::NotADatabase);
             for (const TableSchema* table : schema::all()) {
@@ -254,12 +310,9 @@ private:
         }
     }
 
-    bool place(const QString& beside)
+    /// Gives the copy its name.
+    void place(const QString& beside)
     {
-        const std::optional<QByteArray> sum = sumOfCopy(beside, m_order.goesOn);
-        if (!sum)
-            return false;
-        m_copy.sum = *sum;
         m_copy.size = QFileInfo(beside).size();
         const QString stem = m_order.place.copies() + u'/' + m_time.toString(u"yyyy-MM-dd_HHmmss"_s);
         m_copy.path = stem + CopyEnding;
@@ -275,7 +328,7 @@ private:
             QFile::remove(aboutPath(m_copy.path));
             throw Error(errors::PathFileAccess);
         }
-        return true;
+        platform::syncFolder(m_order.place.copies());
     }
 
     void removeOld()
@@ -320,7 +373,7 @@ CopyOutcome makeCopy(const CopyOrder& order)
 
 bool isUnharmed(const Copy& copy)
 {
-    return sumOfCopy(copy.path, {}) == copy.sum;
+    return sumOfCopy(copy.path, [] { return true; }) == copy.sum;
 }
 
 } // namespace quillon::kept

@@ -39,6 +39,13 @@ struct Copy {
 /// The copies of a place, newest first.
 std::vector<Copy> listCopies(const Place& place);
 
+/// How a database is looked at when it is copied: what is looked at is the copy, so that nobody has to wait.
+enum class Inspection {
+    WhenChanged, // quickly, and not at all when the database is as it was for the last copy
+    Quick,       // in any case
+    Thorough     // in any case, and every index is compared with its table
+};
+
 /// What a copy is made of.
 struct CopyOrder {
     Place place;
@@ -46,14 +53,15 @@ struct CopyOrder {
     std::function<QDateTime()> now;   // local
     std::function<bool()> goesOn;     // asked all the time; false: to be ended, and nothing is left
     int mostBeginnings = 50;          // every write of others makes it begin anew; so often it may
-    std::function<void()> pause = {}; // between two steps
+    std::function<void()> pause = {}; // now and then between two steps
+    Inspection inspection = Inspection::WhenChanged;
 };
 
 enum class CopyOutcome { Made, Unchanged, Stopped };
 
 /// Makes a copy of the database of a place, checks it and puts it among the others, of which some may go for it. None
-/// is made when the database is as it was for the last one. Errors: what stands in the way, and 3343 when the copy is
-/// not whole; then nothing has changed.
+/// is made when the database is as it was for the last one. Errors: what stands in the way, and 3343 when the database is
+/// damaged, and so the copy; then nothing has changed.
 CopyOutcome makeCopy(const CopyOrder& order);
 
 /// Whether a copy is still what it was when it was made.

@@ -9,6 +9,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,6 +37,23 @@ void createEmpty(const QString& path)
         throw Error(errors::CannotOpen);
 }
 
+/// How many pages a step copies at most. The size of a page stands in the header, which is read without a lock: it
+/// hardly ever changes, and nothing goes wrong when it does.
+int mostPagesOf(sqlite3* database)
+{
+    constexpr int LargestPage = 65'536;
+    constexpr sqlite3_int64 PlaceInHeader = 16;
+    sqlite3_file* file = nullptr;
+    std::array<unsigned char, 2> bytes{};
+    int size = LargestPage;
+    if (sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
+        file != nullptr && file->pMethods != nullptr &&
+        file->pMethods->xRead(file, bytes.data(), static_cast<int>(bytes.size()), PlaceInHeader) == SQLITE_OK)
+        size = bytes[0] * 256 + bytes[1];
+    constexpr int SmallestPage = 512;
+    return Backup::StepBytes / (size < SmallestPage ? LargestPage : size);
+}
+
 int endsQuestion(void* goesOn)
 {
     return (*static_cast<std::function<bool()>*>(goesOn))() ? 0 : 1;
@@ -45,12 +64,16 @@ int endsQuestion(void* goesOn)
 Backup::Backup(const QString& source, const QString& target) : m_target(target)
 {
     m_from.open(canonical(source), Access::ToUse);
+    m_mostPages = mostPagesOf(m_from.get());
     createEmpty(target);
     try {
         m_to.open(canonical(target), Access::ToUse);
         // Nobody knows the copy yet: when anything goes wrong, it goes as a whole.
         Statement(m_to, u"PRAGMA journal_mode = OFF"_s).run();
-        Statement(m_to, u"PRAGMA synchronous = FULL"_s).run();
+        // SQLite would wait for the disk in the last step, while it still keeps others from writing.
+        Statement(m_to, u"PRAGMA synchronous = OFF"_s).run();
+        // Room for what a step copies, so that it is written behind the step.
+        Statement(m_to, u"PRAGMA cache_size = -4096"_s).run();
         m_backup = sqlite3_backup_init(m_to.get(), "main", m_from.get(), "main");
         if (m_backup == nullptr)
             throw errorOf(m_to.get(), sqlite3_extended_errcode(m_to.get()));
@@ -71,9 +94,10 @@ Backup::~Backup()
 
 Backup::Progress Backup::step(int pages)
 {
-    const int code = sqlite3_backup_step(m_backup, pages);
+    const int code = sqlite3_backup_step(m_backup, std::min(pages, m_mostPages));
     switch (code) {
     case SQLITE_OK:
+        writeWhatWasCopied();
         return Progress::GoesOn;
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -86,6 +110,14 @@ Backup::Progress Backup::step(int pages)
             return Progress::IsLocked;
         throw errorOf(m_to.get(), code);
     }
+}
+
+void Backup::writeWhatWasCopied()
+{
+    const int code = sqlite3_db_cacheflush(m_to.get());
+    // Where the page is still at hand it is written later.
+    if (code != SQLITE_BUSY)
+        check(m_to.get(), code);
 }
 
 int Backup::pagesLeft() const

@@ -31,12 +31,16 @@ public:
         IsLocked, ///< by someone who is writing just now; to be tried again
         Done
     };
-    /// Copies some pages. Errors as of any reading and writing.
+    /// Copies some pages, `mostPages` at most: so long others may have to wait for the end of their writes. Errors as
+    /// of any reading and writing.
     Progress step(int pages);
+    /// So much any disk reads in a moment.
+    static constexpr int StepBytes = 512 * 1024;
+    int mostPages() const { return m_mostPages; }
     /// How many pages are left of the present try.
     int pagesLeft() const;
 
-    /// Asks the finished copy, which is on the disk then. `goesOn`: ends long questions, which then fail.
+    /// Asks the finished copy, which the system has, but not yet the disk. `goesOn`: ends long questions, which then fail.
     std::unique_ptr<Statement> ask(const QString& sql);
     void setGoesOn(std::function<bool()> goesOn);
 
@@ -44,12 +48,14 @@ public:
     void keep();
 
 private:
+    void writeWhatWasCopied();
     void finish();
 
     QString m_target;
     Handle m_from;
     Handle m_to;
     sqlite3_backup* m_backup = nullptr;
+    int m_mostPages = 1; // in a step
     std::function<bool()> m_goesOn;
     bool m_isKept = false;
 };

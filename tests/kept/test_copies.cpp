@@ -3,6 +3,7 @@
 #include "store/kept/copy_worker.h"
 #include "store/kept/file_contents.h"
 #include "store/record_set.h"
+#include "store/sqlite/backup.h"
 #include "tests/support/errors_of.h"
 #include "tests/support/test_world.h"
 
@@ -158,6 +159,31 @@ private Q_SLOTS:
         make();
         QCOMPARE(copies()[0].rows, 2);
         QVERIFY(copies()[0].isDoubtful);
+    }
+
+    void betweenItsStepsAndWhileItIsCheckedEverybodyMayWrite()
+    {
+        for (int i = 0; i < 300; ++i)
+            TestWorld::addRow(session().RsRefDoc, {u"文献"_s, u"R-991231-%1"_s.arg(i), QString(5000, u'水')});
+        sqlite::Connection& connection = session().OpenDb->connection();
+        connection.execute(u"PRAGMA busy_timeout = 0"_s);
+        int moments = 0;
+        int locked = 0;
+        const auto asWriter = [&] {
+            ++moments;
+            // As at the end of a write: nobody else may even be reading.
+            locked += errorOf([&] {
+                          connection.execute(u"BEGIN EXCLUSIVE"_s);
+                          connection.execute(u"ROLLBACK"_s);
+                      }) != 0
+                          ? 1
+                          : 0;
+            return true;
+        };
+        QCOMPARE(make(asWriter), CopyOutcome::Made);
+        QCOMPARE(locked, 0);
+        const qint64 steps = QFileInfo(path).size() / sqlite::Backup::StepBytes;
+        QVERIFY2(steps > 4 && moments > steps, qPrintable(u"%1 moments"_s.arg(moments)));
     }
 
     void aDatabaseThatIsWrittenAllTheTimeGivesNoCopy()

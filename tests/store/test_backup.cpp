@@ -6,6 +6,7 @@
 #include "tests/support/errors_of.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -79,6 +80,46 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { connection->execute(u"INSERT INTO t VALUES ('later')"_s); }), 0);
         goOn(backup);
         QCOMPARE(rowsIn(backup), 201);
+    }
+
+    void aStepCopiesNoMoreThanAnyDiskReadsInAMoment()
+    {
+        connection->execute(u"INSERT INTO t VALUES (printf('%.3000000c', 'x'))"_s);
+        Backup backup(source(), target());
+        constexpr int PageSize = 4096;
+        QCOMPARE(backup.mostPages(), Backup::StepBytes / PageSize);
+        QCOMPARE(backup.step(1), Backup::Progress::GoesOn);
+        const int left = backup.pagesLeft();
+        QVERIFY(left > 2 * backup.mostPages());
+        QCOMPARE(backup.step(1'000'000), Backup::Progress::GoesOn);
+        QCOMPARE(backup.pagesLeft(), left - backup.mostPages());
+    }
+
+    void largePagesMakeSmallSteps()
+    {
+        connection->execute(u"PRAGMA page_size = 65536"_s);
+        connection->execute(u"VACUUM"_s);
+        const Backup backup(source(), target());
+        QCOMPARE(backup.mostPages(), 8);
+    }
+
+    void whatAStepCopiedIsWrittenBehindIt()
+    {
+        connection->execute(u"INSERT INTO t VALUES (printf('%.3000000c', 'x'))"_s);
+        Backup backup(source(), target());
+        for (int i = 1; i <= 4; ++i) {
+            QCOMPARE(backup.step(10), Backup::Progress::GoesOn);
+            QVERIFY(QFileInfo(target()).size() >= qint64{i} * 9 * 4096);
+        }
+    }
+
+    void theLastStepDoesNotWaitForTheDisk()
+    {
+        Backup backup(source(), target());
+        goOn(backup);
+        const auto synchronous = backup.ask(u"PRAGMA synchronous"_s);
+        QVERIFY(synchronous->step());
+        QCOMPARE(synchronous->number(0), 0);
     }
 
     void whileSomeoneWritesTheCopyWaits()

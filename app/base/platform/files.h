@@ -29,6 +29,9 @@ bool mayReadAndWrite(const QString& path);
 /// Makes an empty file; false when anything of this name stands there already. Errors: 61, 70, 75, 76.
 bool makeNewFile(const QString& path);
 
+/// Lets what a file holds outlive a power failure. Errors: 53, 61, 70, 75.
+void syncFile(const QString& path);
+
 /// Lets the names in `folder` outlive a power failure. Errors: 61, 75, 76.
 void syncFolder(const QString& folder);
 

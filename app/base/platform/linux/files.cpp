@@ -63,6 +63,13 @@ bool makeNewFile(const QString& path)
     return true;
 }
 
+void syncFile(const QString& path)
+{
+    const Descriptor file(open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC));
+    if (file < 0 || (fsync(file) != 0 && errno != EINVAL && errno != ENOTSUP))
+        throw Error(errorOfSystem(lastSystemError(), errors::FileNotFound));
+}
+
 void syncFolder(const QString& folder)
 {
     const Descriptor entries(open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

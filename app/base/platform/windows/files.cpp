@@ -83,6 +83,13 @@ bool makeNewFile(const QString& path)
     throw Error(errorOfSystem(failure, errors::PathNotFound));
 }
 
+void syncFile(const QString& path)
+{
+    const Handle file = openExisting(QDir::toNativeSeparators(path), GENERIC_WRITE, 0);
+    if (!file || FlushFileBuffers(file.get()) == 0)
+        throw Error(errorOfSystem(lastSystemError(), errors::FileNotFound));
+}
+
 void syncFolder(const QString& /*folder*/)
 {
     // The system's journal holds the names.
