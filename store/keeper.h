@@ -19,6 +19,11 @@ public:
     /// A database has become the current one, in place of the one before.
     virtual void databaseOpened(Database& database) = 0;
 
+    /// The current database was left in the middle of a write: whether it is whole is looked at in the background.
+    virtual void databaseWasBrokenOff() = 0;
+    /// A database turned out to be damaged when it was to be opened.
+    virtual void databaseIsDamaged(const QString& path) = 0;
+
     /// The content of a file, kept before another takes its place.
     class ReplacedFile
     {

@@ -9,6 +9,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "store/sqlite/rollback_journal.h"
 #include "store/windows_of_database.h"
 #include "store/write_transaction.h"
 
@@ -30,6 +31,7 @@ struct OpenedFile {
     OpenedFile(Session& session, const QString& path, const QString& name);
     void makeCurrent(Session& session) const;
 
+    bool wasBrokenOff = false; // in the middle of a write
     std::shared_ptr<Database> database;
     std::shared_ptr<RecordSet> main;
     std::shared_ptr<RecordSet> openApp;
@@ -56,6 +58,7 @@ OpenedFile::OpenedFile(Session& session, const QString& path, const QString& nam
     refDoc = RecordSet::openTable(database, schema::RefDoc());
     window.setStatus(1, u"リンク情報テーブルを展開中です。"_s);
     link = RecordSet::openTable(database, schema::Link());
+    wasBrokenOff = sqlite::hasJournal(database->connection().file());
     // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
     database->beginUse();
     if (!TableExists(session, *database, schema::Category_ID().name)) {
@@ -84,8 +87,23 @@ void OpenedFile::makeCurrent(Session& session) const
     session.RsCategoryID = categoryId;
     session.RsCategory = category;
     session.MainLastFieldIndex = 2;
-    if (session.keeper != nullptr)
-        session.keeper->databaseOpened(*database);
+    if (session.keeper == nullptr)
+        return;
+    session.keeper->databaseOpened(*database);
+    if (wasBrokenOff)
+        session.keeper->databaseWasBrokenOff();
+}
+
+/// Opens a file beside the present one. Who keeps copies of it is told when it is damaged.
+OpenedFile openFile(Session& session, const QString& path, const QString& name)
+{
+    try {
+        return {session, path, name};
+    } catch (const Error& error) {
+        if (error.number == errors::NotADatabase && session.keeper != nullptr)
+            session.keeper->databaseIsDamaged(path);
+        throw;
+    }
 }
 
 } // namespace
@@ -97,7 +115,7 @@ Opening openDatabase(Session& session, const QString& path)
         MainWindowPort& window = session.mainWindow();
         const QString name = ExtractString(session.reporting, path, QDir::separator());
         const auto shown = window.clearDataList();
-        const OpenedFile file(session, path, name);
+        const OpenedFile file = openFile(session, path, name);
         const bool isAnother = !session.OpenDb || !file.database->isFileOf(*session.OpenDb);
         if (isAnother && !CloseDataWindows(session)) {
             shown->showAgain();

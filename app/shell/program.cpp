@@ -3,6 +3,8 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "app/shell/frmSplash.h"
+#include "core/damage_notice.h"
+#include "store/database.h"
 #include "ui/auxiliary/frmCategory.h"
 #include "ui/auxiliary/frmDataSelect.h"
 #include "ui/auxiliary/frmEntryInfo.h"
@@ -13,9 +15,11 @@
 #include "ui/data/frmRefFileEntry.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/restore/frmRestore.h"
+#include "ui/widgets/event_edge.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,7 +35,8 @@ Program::Program(const Ports& ports, const QString& currentFolder)
             m_session.reporting,
             kept::KeepingOrder{.keptFolder = *ports.keptFolder,
                                .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
-                               .copies = ports.copies});
+                               .copies = ports.copies,
+                               .onDamage = [this](const kept::Damage& damage) { tellDamage(damage); }});
         m_session.keeper = m_keeping.get();
     }
     registerWindows();
@@ -65,6 +70,20 @@ void Program::registerWindows()
         window->showInformation();
         return window;
     });
+}
+
+void Program::tellDamage(const kept::Damage& damage)
+{
+    // The window to take things back says itself what has become of a database.
+    if (m_mainWindow == nullptr)
+        return;
+    // Nobody else is to wait while a person reads.
+    if (m_session.OpenDb && m_session.OpenDb->connection().holdsLock()) {
+        constexpr int Later = 200; // milliseconds
+        QTimer::singleShot(Later, m_mainWindow, [this, damage] { tellDamage(damage); });
+        return;
+    }
+    handleEvent(m_session.reporting, u"Damage"_s, [&] { TellDamage(m_session, damage); });
 }
 
 frmMainMenu& Program::mainWindow()

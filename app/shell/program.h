@@ -56,6 +56,7 @@ public:
 
 private:
     void registerWindows();
+    void tellDamage(const kept::Damage& damage);
 
     WindowRegistry m_windows;
     Session m_session;

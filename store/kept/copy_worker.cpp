@@ -2,11 +2,11 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/background.h"
-#include "store/kept/copies.h"
 #include "store/kept/pruning.h"
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -15,9 +15,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon::kept
 {
 
-CopyWorker::CopyWorker(Place place, QString fileFolder, const CopyTimes& times)
+CopyWorker::CopyWorker(Place place, QString fileFolder, const CopyTimes& times, DamageListener onDamage)
     : m_place(std::move(place)), m_fileFolder(std::move(fileFolder)), m_times(times),
-      m_thread([this] { run(); })
+      m_onDamage(std::move(onDamage)), m_thread([this] { run(); })
 {
 }
 
@@ -39,6 +39,15 @@ void CopyWorker::finish()
     m_thread.join();
 }
 
+void CopyWorker::inspectSoon(Inspection inspection)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_isDamaged)
+        return;
+    m_wanted = std::max(m_wanted, inspection);
+    m_changed.notify_all();
+}
+
 void CopyWorker::close()
 {
     const std::lock_guard lock(m_mutex);
@@ -55,7 +64,8 @@ std::optional<QString> CopyWorker::takeFailure()
 bool CopyWorker::waitFor(std::chrono::milliseconds time)
 {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, time, [this] { return m_isClosed; });
+    m_changed.wait_for(lock, time, [this] { return m_isClosed || m_wanted != Inspection::WhenChanged; });
+    return m_isClosed;
 }
 
 void CopyWorker::run()
@@ -81,20 +91,47 @@ void CopyWorker::run()
 void CopyWorker::copyOnce()
 {
     std::optional<QString> failure;
+    bool isDamaged = false;
+    Inspection inspection = Inspection::WhenChanged;
+    {
+        const std::lock_guard lock(m_mutex);
+        inspection = std::exchange(m_wanted, inspection);
+    }
     try {
         makeCopy({.place = m_place,
                   .fileFolder = m_fileFolder,
                   .now = [] { return QDateTime::currentDateTime(); },
                   .goesOn = [this] { return m_goesOn.load(); },
-                  .pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); }});
+                  .pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); },
+                  .inspection = inspection});
     } catch (const Error& error) {
         failure = error.description;
+        isDamaged = error.number == errors::NotADatabase;
     } catch (const std::exception&) {
         failure = standardDescription(errors::OutOfMemory);
     }
+    if (isDamaged)
+        tellDamage();
     const std::lock_guard lock(m_mutex);
     if (failure)
         m_failure = u"データベース「%1」の控えを作成できませんでした。%2"_s.arg(m_place.database(), *failure);
+}
+
+void CopyWorker::tellDamage()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_wanted = Inspection::WhenChanged; // looking at it has met with the damage, too
+        if (std::exchange(m_isDamaged, true))
+            return;
+    }
+    if (!m_onDamage)
+        return;
+    try {
+        m_onDamage(lookForGoodCopy(m_place));
+    } catch (const std::exception&) {
+        // Without memory there is nobody to tell it to. The log says why there is no copy.
+    }
 }
 
 } // namespace quillon::kept

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/kept/copies.h"
+#include "store/kept/damage.h"
 #include "store/kept/place.h"
 
 #include <QString>
@@ -27,14 +29,16 @@ struct CopyTimes {
 class CopyWorker
 {
 public:
-    /// `fileFolder`: of the registered files.
-    CopyWorker(Place place, QString fileFolder, const CopyTimes& times);
+    /// `fileFolder`: of the registered files. `onDamage`: is called in the worker's thread, once at most.
+    CopyWorker(Place place, QString fileFolder, const CopyTimes& times, DamageListener onDamage = {});
     /// Ends as `finish` does.
     ~CopyWorker();
     CopyWorker(const CopyWorker&) = delete;
     CopyWorker& operator=(const CopyWorker&) = delete;
 
     const Place& place() const { return m_place; }
+    /// The database may be damaged: it is looked at as soon as can be. Does not wait.
+    void inspectSoon(Inspection inspection);
     /// The database is closed. Does not wait.
     void close();
     /// Closes it and waits for the last copy, but not for ever: what is not done by then is given up.
@@ -45,16 +49,20 @@ public:
 private:
     void run();
     void copyOnce();
-    /// Whether the database has been closed meanwhile.
+    void tellDamage();
+    /// Ends early when the database is to be looked at. Whether it has been closed meanwhile.
     bool waitFor(std::chrono::milliseconds time);
 
     Place m_place;
     QString m_fileFolder;
     CopyTimes m_times;
+    DamageListener m_onDamage;
     std::mutex m_mutex; // of the following
     std::condition_variable m_changed;
     bool m_isClosed = false;
     bool m_isDone = false;
+    Inspection m_wanted = Inspection::WhenChanged; // of the next copy
+    bool m_isDamaged = false;                      // and that has been told
     std::optional<QString> m_failure;
     std::atomic<bool> m_goesOn = true;
     std::thread m_thread; // last, for it uses all of them

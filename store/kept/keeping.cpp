@@ -7,9 +7,12 @@
 #include "store/kept/file_contents.h"
 #include "store/kept/history_file.h"
 #include "store/kept/history_writer.h"
+#include "store/sqlite/damage_watch.h"
 
 #include <QFileInfo>
 
+#include <exception>
+#include <system_error>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -65,6 +68,9 @@ Keeping::~Keeping()
 
 void Keeping::finish()
 {
+    m_damageWatch.reset();
+    if (m_search.joinable())
+        m_search.join();
     if (m_worker)
         m_closing.push_back(std::move(m_worker));
     for (const auto& worker : m_closing)
@@ -91,11 +97,54 @@ void Keeping::databaseOpened(Database& database)
     // The same file once more goes on with the same worker.
     if (!m_order.copies || (m_worker && m_worker->place().folder() == m_place->folder()))
         return;
+    m_damageWatch.reset();
     if (m_worker) {
         m_worker->close();
         m_closing.push_back(std::move(m_worker));
     }
-    m_worker = std::make_unique<CopyWorker>(*m_place, m_order.fileFolder, *m_order.copies);
+    m_worker = std::make_unique<CopyWorker>(*m_place, m_order.fileFolder, *m_order.copies,
+                                            [this](const Damage& damage) { passOnDamage(damage); });
+    m_damageWatch =
+        std::make_unique<sqlite::DamageWatch>(database.connection().file(), [worker = m_worker.get()] {
+            worker->inspectSoon(Inspection::Thorough);
+        });
+}
+
+void Keeping::databaseWasBrokenOff()
+{
+    if (m_worker)
+        m_worker->inspectSoon(Inspection::Quick);
+}
+
+void Keeping::databaseIsDamaged(const QString& path)
+{
+    const Place place(m_order.keptFolder, path);
+    if (listCopies(place).empty())
+        return; // hardly one of ours
+    if (m_search.joinable())
+        m_search.join();
+    try {
+        m_search = std::thread([this, place] {
+            try {
+                passOnDamage(lookForGoodCopy(place));
+            } catch (const std::exception&) {
+                // As below.
+            }
+        });
+    } catch (const std::system_error&) {
+        // That the database is damaged has been told; without a thread it is not said what can take its place.
+    }
+}
+
+void Keeping::passOnDamage(const Damage& damage)
+{
+    const auto tell = [this, damage] {
+        if (!m_order.onDamage || m_toldDamaged.contains(damage.database))
+            return;
+        m_toldDamaged.insert(damage.database);
+        m_order.onDamage(damage);
+    };
+    QMetaObject::invokeMethod(m_here.get(), tell, Qt::QueuedConnection);
 }
 
 std::unique_ptr<Keeper::ReplacedFile> Keeping::fileGoes(const QString& path)

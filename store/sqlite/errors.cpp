@@ -1,6 +1,7 @@
 #include "store/sqlite/errors.h"
 
 #include "app/base/platform/system_error.h"
+#include "store/sqlite/damage_watch.h"
 #include "store/sqlite/troubles.h"
 
 #include <QByteArrayView>
@@ -87,6 +88,8 @@ QString tooLongName()
 
 Error errorOf(sqlite3* connection, int code)
 {
+    if ((code & 0xFF) == SQLITE_CORRUPT || (code & 0xFF) == SQLITE_NOTADB)
+        damageMet(connection);
     // The file asks for what only the program that made it has.
     if ((code & 0xFF) == SQLITE_ERROR && connection != nullptr &&
         QByteArrayView(sqlite3_errmsg(connection)).startsWith("no such collation sequence"))

@@ -8,11 +8,32 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon::sqlite
 {
 
+namespace
+{
+
+QString journalOf(const QString& path)
+{
+    return path + u"-journal"_s;
+}
+
+/// One whose beginning is wiped out is not played back any more.
+bool isWipedOut(QFile& journal)
+{
+    return journal.peek(1) == QByteArray(1, '\0');
+}
+
+} // namespace
+
+bool hasJournal(const QString& path)
+{
+    QFile journal(journalOf(path));
+    return journal.open(QIODevice::ReadOnly) && journal.size() > 0 && !isWipedOut(journal);
+}
+
 bool journalNamesFurtherFiles(const QString& path)
 {
-    QFile journal(path + u"-journal"_s);
-    // One whose beginning is wiped out is not played back any more.
-    if (!journal.open(QIODevice::ReadOnly) || journal.peek(1) == QByteArray(1, '\0'))
+    QFile journal(journalOf(path));
+    if (!journal.open(QIODevice::ReadOnly) || isWipedOut(journal))
         return false;
     // It would end in the name, the name's length, a sum and a mark.
     const QByteArray mark("\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8);

@@ -1,3 +1,4 @@
+#include "core/damage_notice.h"
 #include "core/kept_copies.h"
 #include "store/keeper.h"
 #include "store/record_set.h"
@@ -95,6 +96,28 @@ private Q_SLOTS:
     {
         session().keeper = nullptr;
         QCOMPARE(ListCopies(session(), path).size(), std::size_t{0});
+    }
+
+    void damageIsToldWithTheNewestGoodCopy()
+    {
+        world->dialogs.expect(MessageBox{
+            .text =
+                u"データベース「知識.mdb」が壊れています。\r\n"
+                u"2026/01/31 09:08:07 に作成した正常な控えがあります。\r\n"
+                u"控えを取り出すには、quillon --restore で復元画面を開き、［控え］の一覧から選んでください。"_s,
+            .title = u"Quillon 障害対策部"_s});
+        TellDamage(world->session, {.database = u"/home/user/知識.mdb"_s,
+                                    .newestGood = QDateTime(QDate(2026, 1, 31), QTime(9, 8, 7))});
+    }
+
+    void damageWithoutAGoodCopyIsToldWithWhatToDo()
+    {
+        world->dialogs.expect(MessageBox{
+            .text = u"データベース「知識.mdb」が壊れています。\r\n"
+                    u"正常な控えは残されていません。\r\n"
+                    u"これ以上壊れないように、データベースファイルを別の場所に複写してください。"_s,
+            .title = u"Quillon 障害対策部"_s});
+        TellDamage(world->session, {.database = u"/home/user/知識.mdb"_s, .newestGood = std::nullopt});
     }
 };
 

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace quillon
+{
+
+class Session;
+
+namespace kept
+{
+struct Damage;
+}
+
+/// Tells the person that a database is damaged, which kept copy can take its place and how that is taken out.
+void TellDamage(Session& session, const kept::Damage& damage);
+
+} // namespace quillon
