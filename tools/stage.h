@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/base/system_files.h"
+#include "app/base/system_ports.h"
 #include "app/shell/program.h"
-#include "app/shell/system_ports.h"
 #include "tools/guide.h"
 #include "tools/silent_ports.h"
 

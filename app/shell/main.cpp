@@ -1,12 +1,12 @@
 #include "app/base/platform/command_line.h"
 #include "app/base/system_files.h"
+#include "app/base/system_ports.h"
 #include "app/base/titles.h"
 #include "app/shell/command_line.h"
 #include "app/shell/japanese_interface.h"
 #include "app/shell/program.h"
 #include "app/shell/real_dialogs.h"
 #include "app/shell/start_up.h"
-#include "app/shell/system_ports.h"
 #include "store/kept/place.h"
 
 #include <QApplication>

@@ -1,5 +1,5 @@
 #include "app/base/system_files.h"
-#include "app/shell/system_ports.h"
+#include "app/base/system_ports.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "app/shell/system_ports.h"
+#include "app/base/system_ports.h"
 
 #include "app/base/platform/desktop.h"
 #include "app/base/platform/event_log.h"
