@@ -5,13 +5,11 @@
 #include "app/base/ports/main_window_port.h"
 #include "store/creation.h"
 #include "store/database.h"
-#include "store/keeper.h"
+#include "store/opened_file.h"
 #include "store/record_set.h"
-#include "store/schema.h"
 #include "store/session.h"
 #include "store/sqlite/rollback_journal.h"
 #include "store/windows_of_database.h"
-#include "store/write_transaction.h"
 
 #include <QDir>
 
@@ -26,6 +24,7 @@ namespace
 // Creating, opening and converting are one operation to the user.
 const QString Location = u"OpenDbFile"_s;
 
+<<<<<<< HEAD
 /// A file with all that a session holds of one, beside the present one until it is made the current one.
 struct OpenedFile {
     OpenedFile(Session& session, const QString& path, const QString& name);
@@ -106,6 +105,8 @@ OpenedFile openFile(Session& session, const QString& path, const QString& name)
     }
 }
 
+=======
+>>>>>>> 6eac084 (store: let a file be opened without a main window)
 } // namespace
 
 Opening openDatabase(Session& session, const QString& path)
@@ -115,7 +116,15 @@ Opening openDatabase(Session& session, const QString& path)
         MainWindowPort& window = session.mainWindow();
         const QString name = ExtractString(session.reporting, path, QDir::separator());
         const auto shown = window.clearDataList();
+<<<<<<< HEAD
         const OpenedFile file = openFile(session, path, name);
+=======
+        window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
+        const OpenedFile file(session, path, [&](const QString& status) { window.setStatus(1, status); });
+        // The tree is built of these: what cannot be read of them fails here, and not when the present database has gone.
+        file.categoryId->forEachRow(
+            {0, 1}, [](const RecordSet::Row& row) { return row.text(0).size() + row.text(1).size() >= 0; });
+>>>>>>> 6eac084 (store: let a file be opened without a main window)
         const bool isAnother = !session.OpenDb || !file.database->isFileOf(*session.OpenDb);
         if (isAnother && !CloseDataWindows(session)) {
             shown->showAgain();
@@ -153,26 +162,6 @@ Opening CreateDbFile(Session& session, const QString& path)
             session.dialogs.messageBox({.text = u"Quillon 用のデータベースを作成しました。"_s});
     });
     return outcome;
-}
-
-bool TableExists(Session& session, Database& database, const QString& name)
-{
-    bool exists = false;
-    guarded(session.reporting, Location, [&] { exists = database.tableExists(name); });
-    return exists;
-}
-
-void CreateCategoryTables(Session& session, const std::shared_ptr<Database>& database)
-{
-    guarded(session.reporting, Location, [&] {
-        if (!database)
-            throw Error(errors::ObjectNotSet);
-        // Both or, when the program ends in between, none: only the absence of the first makes a later opening convert.
-        inWriteTransaction(*database, [&] {
-            database->execute(schema::Category_ID().statement);
-            database->execute(schema::Category().statement);
-        });
-    });
 }
 
 } // namespace quillon

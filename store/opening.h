@@ -2,12 +2,9 @@
 
 #include <QString>
 
-#include <memory>
-
 namespace quillon
 {
 
-class Database;
 class Session;
 
 /// What has become of an opening.
@@ -28,11 +25,5 @@ bool OpenDbFile(Session& session, const QString& path);
 /// Creates a new database file with its seven empty tables, opens it and tells the user, unless that was declined.
 /// Failures are reported as "OpenDbFile"; a file that was begun stays.
 Opening CreateDbFile(Session& session, const QString& path);
-
-/// Whether `database` has a table of exactly this name; false also after a reported failure.
-bool TableExists(Session& session, Database& database, const QString& name);
-
-/// Creates the two category tables in a database.
-void CreateCategoryTables(Session& session, const std::shared_ptr<Database>& database);
 
 } // namespace quillon

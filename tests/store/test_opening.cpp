@@ -1,4 +1,5 @@
 #include "app/base/error.h"
+#include "store/opened_file.h"
 #include "store/opening.h"
 #include "store/record_set.h"
 #include "store/schema.h"
