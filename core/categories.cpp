@@ -81,22 +81,35 @@ void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIden
 
 } // namespace
 
+bool isFiled(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    RecordSet& memberships = required(session.RsCategory);
+    memberships.findFirst(u"Category_ID = '"_s + categoryIdentifier + u"' AND Object_ID = '"_s + identifier +
+                          u'\'');
+    return memberships.hasCurrentRow();
+}
+
+std::vector<CategoryRow> categoriesOf(Session& session, const QString& identifier)
+{
+    const auto memberships =
+        GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s);
+    CategoryNameLookup names(session);
+    std::vector<CategoryRow> rows;
+    required(memberships).forEachRow({0}, [&](const RecordSet::Row& membership) {
+        const QString category = membership.text(0).toString();
+        rows.push_back({.name = names.name(category), .identifier = category});
+    });
+    names.tellFailures();
+    for (CategoryRow& row : rows)
+        row = listedCategory(session, row.name, row.identifier);
+    return rows;
+}
+
 void AddCategory(Session& session, DataWindow& window, const QString& identifier)
 {
     guarded(session.reporting, u"AddCategory"_s, [&] {
         window.setCategoryRows({});
-        const auto memberships =
-            GetFilterResult(session.reporting, session.RsCategory, u"Object_ID ='"_s + identifier + u"'"_s);
-        CategoryNameLookup names(session);
-        std::vector<CategoryRow> rows;
-        required(memberships).forEachRow({0}, [&](const RecordSet::Row& membership) {
-            const QString category = membership.text(0).toString();
-            rows.push_back({.name = names.name(category), .identifier = category});
-        });
-        names.tellFailures();
-        for (CategoryRow& row : rows)
-            row = listedCategory(session, row.name, row.identifier);
-        window.setCategoryRows(rows);
+        window.setCategoryRows(categoriesOf(session, identifier));
     });
 }
 

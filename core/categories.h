@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/ports/data_window.h"
 #include "core/listed_datum.h"
 
 #include <QString>
@@ -10,11 +11,15 @@
 namespace quillon
 {
 
-class DataWindow;
 class DeferredMessages;
 class Session;
-struct CategoryRow;
 struct DatumPlace;
+
+/// Whether a datum is filed in this very category. Not trapped. Moves the cursor of the memberships.
+bool isFiled(Session& session, const QString& categoryIdentifier, const QString& identifier);
+
+/// The categories of a datum, each as a window lists it. Names that cannot be read are reported; all else is not trapped.
+std::vector<CategoryRow> categoriesOf(Session& session, const QString& identifier);
 
 /// Fills a data window's category list with the categories of a datum. Failures are reported as "AddCategory".
 void AddCategory(Session& session, DataWindow& window, const QString& identifier);

@@ -22,8 +22,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
-void ShowRefFile(Session& session, const QString& identifier)
+FileOpening ShowRefFile(Session& session, const QString& identifier)
 {
+    FileOpening outcome = FileOpening::Failed;
     guarded(session.reporting, u"ShowRefFile"_s, [&] {
         RecordSet& rows = required(session.RsRefFile);
         if (!rows.goTo(data_field::Object_ID, identifier))
@@ -35,6 +36,7 @@ void ShowRefFile(Session& session, const QString& identifier)
             session.dialogs.messageBox({.text = text, .title = titles::SystemAudit});
         };
         if (!session.files.folderExists(folder)) {
+            outcome = FileOpening::NoFolderForFiles;
             refuse(titles::FileFolderMissing);
             return;
         }
@@ -44,13 +46,25 @@ void ShowRefFile(Session& session, const QString& identifier)
                 path = session.files.storedFile(folder, name);
         }
         if (!path) {
+            outcome = FileOpening::FileNotFound;
             refuse(u"指定されたファイルデータが見つかりませんでした。"_s);
             return;
         }
-        if (session.desktop.open(*path) == OpenOutcome::NoAssociation)
+        switch (session.desktop.open(*path)) {
+        case OpenOutcome::Opened:
+            outcome = FileOpening::Opened;
+            break;
+        case OpenOutcome::NoAssociation:
+            outcome = FileOpening::NoAssociation;
             session.dialogs.messageBox({.text = u"指定されたファイルはアプリに関連付けられていません。"_s,
                                         .title = titles::FileData});
+            break;
+        case OpenOutcome::OtherFailure:
+            outcome = FileOpening::NotStarted;
+            break;
+        }
     });
+    return outcome;
 }
 
 namespace

@@ -46,6 +46,16 @@ void requireRowOf(Session& session, const QString& identifier)
 
 } // namespace
 
+bool areLinked(Session& session, const QString& a, const QString& b)
+{
+    const auto oneWay = [](const QString& from, const QString& to) {
+        return u"Link_Object_ID = '"_s + from + u"' AND Object_ID = '"_s + to + u'\'';
+    };
+    RecordSet& links = required(session.RsLink);
+    links.findFirst(oneWay(a, b) + u" OR "_s + oneWay(b, a));
+    return links.hasCurrentRow();
+}
+
 void addLink(Session& session, const QString& source, const QString& target)
 {
     RecordSet& links = required(session.RsLink);
@@ -155,19 +165,23 @@ void DeleteRelationalLink(Session& session, const QString& identifier)
     });
 }
 
+std::vector<LinkRow> linksOf(Session& session, const QString& identifier, DataNameLookup& names)
+{
+    const auto links = GetFilterResult(session.reporting, session.RsLink, touching(identifier));
+    std::vector<LinkRow> rows;
+    required(links).forEachRow({0, 1}, [&](const RecordSet::Row& link) {
+        const QString partner = link.text(link.text(0) == identifier ? 1 : 0).toString();
+        rows.push_back({.kind = shortKindName(partner), .name = names.name(partner), .identifier = partner});
+    });
+    return rows;
+}
+
 void SetLinkList(Session& session, DataWindow& window, const QString& identifier)
 {
     guarded(session.reporting, u"SetLinkList"_s, [&] {
         window.setLinkRows({});
-        const auto links = GetFilterResult(session.reporting, session.RsLink, touching(identifier));
         DataNameLookup names(session);
-        std::vector<LinkRow> rows;
-        required(links).forEachRow({0, 1}, [&](const RecordSet::Row& link) {
-            const QString partner = link.text(link.text(0) == identifier ? 1 : 0).toString();
-            rows.push_back(
-                {.kind = shortKindName(partner), .name = names.name(partner), .identifier = partner});
-        });
-        window.setLinkRows(rows);
+        window.setLinkRows(linksOf(session, identifier, names));
         names.tellFailures();
     });
 }

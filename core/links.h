@@ -1,11 +1,15 @@
 #pragma once
 
+#include "app/base/ports/data_window.h"
+
 #include <QString>
+
+#include <vector>
 
 namespace quillon
 {
 
-class DataWindow;
+class DataNameLookup;
 class Session;
 struct ListedDatum;
 
@@ -14,6 +18,9 @@ struct ListedDatum;
 /// True when a row was added. Failures are reported as "LinkData"; it is one when one of the data that were named is
 /// gone or another by then.
 bool LinkData(Session& session, const QString& source, const QString& target, qint16 mode);
+
+/// Whether two data are linked, in either direction. Not trapped. Moves the cursor of the links.
+bool areLinked(Session& session, const QString& a, const QString& b);
 
 /// Adds the row of a link. Not trapped: error 3021 when one of the data is not there (any more).
 void addLink(Session& session, const QString& source, const QString& target);
@@ -29,6 +36,10 @@ bool DeleteLink(Session& session, const ListedDatum& a, const ListedDatum& b);
 void DeleteRelationalLink(Session& session, const QString& identifier);
 /// The same as a part of a larger write. Not trapped.
 void deleteLinksOf(Session& session, const QString& identifier);
+
+/// The links of a datum from its own point of view: each row is the partner, on whichever side it is stored. Not
+/// trapped; the caller tells what `names` could not read.
+std::vector<LinkRow> linksOf(Session& session, const QString& identifier, DataNameLookup& names);
 
 /// Fills a data window's link list with the links of a datum, from the datum's own point of view: each row is the
 /// partner, on whichever side it is stored. Failures are reported as "SetLinkList".

@@ -4,7 +4,9 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/categories.h"
 #include "core/category_entry.h"
+#include "core/links.h"
 #include "core/lost_things.h"
 #include "store/data_kinds.h"
 #include "store/identifiers.h"
@@ -51,23 +53,6 @@ bool itemExists(Session& session, const QString& identifier)
 bool categoryExists(Session& session, const QString& identifier)
 {
     return required(session.RsCategoryID).goTo(category_field::Category_ID, identifier);
-}
-
-bool areLinked(Session& session, const QString& a, const QString& b)
-{
-    const auto oneWay = [](const QString& from, const QString& to) {
-        return u"Link_Object_ID = '"_s + from + u"' AND Object_ID = '"_s + to + u'\'';
-    };
-    RecordSet& links = required(session.RsLink);
-    links.findFirst(oneWay(a, b) + u" OR "_s + oneWay(b, a));
-    return links.hasCurrentRow();
-}
-
-bool isFiled(Session& session, const QString& category, const QString& identifier)
-{
-    RecordSet& memberships = required(session.RsCategory);
-    memberships.findFirst(u"Category_ID = '"_s + category + u"' AND Object_ID = '"_s + identifier + u'\'');
-    return memberships.hasCurrentRow();
 }
 
 void addPair(RecordSet& rows, const QString& first, const QString& second)

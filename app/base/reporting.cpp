@@ -52,6 +52,7 @@ void ReportError(Reporting& reporting, const Error& error, const QString& locati
                                               location + u"\r\nEXPLANATION : "_s + error.description,
                                       .title = titles::FailureCountermeasures});
     });
+    reporting.eventLog.failureTold(error.number);
     writeLogLine(reporting, location, error.number, error.description);
 }
 
@@ -61,6 +62,7 @@ void reportUntrapped(Reporting& reporting, const Error& error, const QString& lo
         reporting.dialogs.messageBox(
             {.text = u"対処不能なエラーが発生しました。\r\n説明："_s + error.description, .title = title});
     });
+    reporting.eventLog.failureTold(error.number);
     writeLogLine(reporting, location, error.number, error.description);
 }
 

@@ -5,6 +5,7 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/data_selection.h"
+#include "core/item_lists.h"
 #include "store/data_kinds.h"
 #include "store/filter_result.h"
 #include "store/session.h"
@@ -82,8 +83,7 @@ void frmFind::arrange()
 void frmFind::cmdFind_Click()
 {
     const QString text = txtFind->text();
-    // Taken as it is: wildcards work as wildcards, and a quote is a failure that says so.
-    const QString criteria = u"Name Like '*"_s + text + u"*' OR Explanation Like '*"_s + text + u"*'"_s;
+    const QString criteria = searchCriteria(text);
     const auto refuse = [this](const QString& reason) {
         session().dialogs.messageBox({.text = reason, .title = titles::SystemAudit});
     };

@@ -1,11 +1,10 @@
 #include "ui/data/frmRefDoc.h"
 
-#include "app/base/platform/code_page.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/files.h"
-#include "app/base/text_file.h"
 #include "app/base/titles.h"
 #include "app/base/twips.h"
+#include "core/text_loading.h"
 #include "store/data_kinds.h"
 #include "store/session.h"
 
@@ -132,25 +131,7 @@ void frmRefDoc::mnuDataLoadText_Click()
     m_chosenPath = chosen.value_or(m_chosenPath);
     if (m_chosenPath.isEmpty() || !session().files.entryExists(m_chosenPath))
         return;
-    const auto refuse = [] {
-        throw Error(errors::Overflow,
-                    u"ファイルが大きすぎて読み込めません。"
-                    u"文献の内容に読み込めるのは全角で32,768文字までです。ファイルを分割してください。"_s);
-    };
-    const auto contentBytes = static_cast<qint64>(2 * data_kinds::document().limits.room); // in code page 932
-    // The longest encoding of what fits is three bytes of UTF-8 for a half-width character, and a mark before them.
-    const qint64 mostBytes = 3 * (contentBytes + 1);
-    QString text;
-    try {
-        text = decodeTextFile(session().files.readFile(m_chosenPath, mostBytes));
-    } catch (const Error& error) {
-        if (error.number != errors::Overflow)
-            throw;
-        refuse();
-    }
-    if (platform::byteLength932(text) > contentBytes)
-        refuse();
-    replaceFieldText(2, text);
+    replaceFieldText(2, loadText(session().files, m_chosenPath, data_kinds::document()));
 }
 
 void frmRefDoc::cmdSize_Click(int points)

@@ -1,10 +1,10 @@
 #include "ui/main/data_list.h"
 
 #include "app/base/reporting.h"
+#include "core/item_lists.h"
 #include "store/data_kinds.h"
 #include "store/filter_result.h"
 #include "store/lookup/data_names.h"
-#include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
 #include "store/session.h"
 #include "ui/main/fill_progress.h"
@@ -70,12 +70,8 @@ void DataListFiller::ShowFixedNode(FixedNode node)
 void DataListFiller::ShowCategory(const QString& key)
 {
     m_rows.clear();
-    const auto members =
-        GetFilterResult(m_session.reporting, m_session.RsCategory, u"Category_ID = '"_s + key + u"'"_s);
-    FillListFromRows(members, u"NO"_s);
-    const auto below =
-        GetFilterResult(m_session.reporting, m_session.RsCategory, u"Category_ID Like '"_s + key + u"-*'"_s);
-    FillListFromRows(below, u"YES"_s);
+    FillListFromRows(membersOf(m_session, key), u"NO"_s);
+    FillListFromRows(membersBelow(m_session, key), u"YES"_s);
 }
 
 bool DataListFiller::CreateDataListMain(const std::shared_ptr<RecordSet>& table, bool append,
@@ -129,15 +125,9 @@ void DataListFiller::ShowUncategorisedList(const std::shared_ptr<RecordSet>& tab
         RecordSet& data = required(table);
         if (!data.hasRows())
             return;
-        RecordSet& memberships = required(m_session.RsCategory);
         // Without memberships nothing is searched, and there is no progress to speak of.
-        const bool searches = memberships.hasRows();
-        // One pass over the memberships instead of one search per datum; no null is equal to any identifier.
-        IdentifierSet categorised;
-        memberships.forEachRow({1}, [&](const RecordSet::Row& row) {
-            if (!row.isNull(0))
-                categorised.insert(row.text(0));
-        });
+        const bool searches = required(m_session.RsCategory).hasRows();
+        const IdentifierSet categorised = categorisedIdentifiers(m_session);
         if (searches)
             m_progress.prepare(data.recordCount());
         QString kind; // of the first row, for all of them
