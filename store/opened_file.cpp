@@ -8,6 +8,7 @@
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "store/sqlite/rollback_journal.h"
 #include "store/write_transaction.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -37,6 +38,7 @@ OpenedFile::OpenedFile(Session& session, const QString& path, const Tell& tell)
     refDoc = RecordSet::openTable(database, schema::RefDoc());
     tell(u"リンク情報テーブルを展開中です。"_s);
     link = RecordSet::openTable(database, schema::Link());
+    wasBrokenOff = sqlite::hasJournal(database->connection().file());
     // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
     database->beginUse();
     if (!TableExists(session, *database, schema::Category_ID().name)) {
@@ -62,8 +64,11 @@ void OpenedFile::makeCurrent(Session& session) const
     session.RsCategoryID = categoryId;
     session.RsCategory = category;
     session.MainLastFieldIndex = 2;
-    if (session.keeper != nullptr)
-        session.keeper->databaseOpened(*database);
+    if (session.keeper == nullptr)
+        return;
+    session.keeper->databaseOpened(*database);
+    if (wasBrokenOff)
+        session.keeper->databaseWasBrokenOff();
 }
 
 bool TableExists(Session& session, Database& database, const QString& name)

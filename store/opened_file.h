@@ -21,6 +21,7 @@ struct OpenedFile {
     OpenedFile(Session& session, const QString& path, const Tell& tell);
     void makeCurrent(Session& session) const;
 
+    bool wasBrokenOff = false; // in the middle of a write
     std::shared_ptr<Database> database;
     std::shared_ptr<RecordSet> main;
     std::shared_ptr<RecordSet> openApp;

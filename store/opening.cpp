@@ -24,80 +24,15 @@ namespace
 // Creating, opening and converting are one operation to the user.
 const QString Location = u"OpenDbFile"_s;
 
-<<<<<<< HEAD
-/// A file with all that a session holds of one, beside the present one until it is made the current one.
-struct OpenedFile {
-    OpenedFile(Session& session, const QString& path, const QString& name);
-    void makeCurrent(Session& session) const;
-
-    bool wasBrokenOff = false; // in the middle of a write
-    std::shared_ptr<Database> database;
-    std::shared_ptr<RecordSet> main;
-    std::shared_ptr<RecordSet> openApp;
-    std::shared_ptr<RecordSet> refFile;
-    std::shared_ptr<RecordSet> refDoc;
-    std::shared_ptr<RecordSet> link;
-    std::shared_ptr<RecordSet> categoryId;
-    std::shared_ptr<RecordSet> category;
-};
-
-OpenedFile::OpenedFile(Session& session, const QString& path, const QString& name)
-{
-    MainWindowPort& window = session.mainWindow();
-    window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
-    database = Database::inspect(path);
-    if (isUnfinished(*database))
-        throw Error(Database::emptyFile());
-    window.setStatus(1, u"定義データテーブルを展開中です。"_s);
-    main = RecordSet::openTable(database, schema::Main());
-    openApp = RecordSet::openTable(database, schema::OpenApp());
-    window.setStatus(1, u"ファイルデータテーブルを展開中です。"_s);
-    refFile = RecordSet::openTable(database, schema::RefFile());
-    window.setStatus(1, u"文献データテーブルを展開中です。"_s);
-    refDoc = RecordSet::openTable(database, schema::RefDoc());
-    window.setStatus(1, u"リンク情報テーブルを展開中です。"_s);
-    link = RecordSet::openTable(database, schema::Link());
-    wasBrokenOff = sqlite::hasJournal(database->connection().file());
-    // Now it is known to be one of ours; another program's file stays as it is, its journal and its log included.
-    database->beginUse();
-    if (!TableExists(session, *database, schema::Category_ID().name)) {
-        session.dialogs.messageBox({.text = u"カテゴリ情報テーブルが存在しませんでした。\r\n"
-                                            u"カテゴリテーブルを作成します。"_s,
-                                    .title = u"データベースコンバート処理"_s});
-        CreateCategoryTables(session, database);
-    }
-    window.setStatus(1, u"カテゴリ情報テーブルを展開中です。"_s);
-    categoryId = RecordSet::openTable(database, schema::Category_ID());
-    window.setStatus(1, u"分類情報テーブルを展開中です。"_s);
-    category = RecordSet::openTable(database, schema::Category());
-    // The tree is built of these: what cannot be read of them fails here, and not when the present database has gone.
-    categoryId->forEachRow(
-        {0, 1}, [](const RecordSet::Row& row) { return row.text(0).size() + row.text(1).size() >= 0; });
-}
-
-void OpenedFile::makeCurrent(Session& session) const
-{
-    session.OpenDb = database;
-    session.RsMain = main;
-    session.RsOpenApp = openApp;
-    session.RsRefFile = refFile;
-    session.RsRefDoc = refDoc;
-    session.RsLink = link;
-    session.RsCategoryID = categoryId;
-    session.RsCategory = category;
-    session.MainLastFieldIndex = 2;
-    if (session.keeper == nullptr)
-        return;
-    session.keeper->databaseOpened(*database);
-    if (wasBrokenOff)
-        session.keeper->databaseWasBrokenOff();
-}
-
 /// Opens a file beside the present one. Who keeps copies of it is told when it is damaged.
-OpenedFile openFile(Session& session, const QString& path, const QString& name)
+OpenedFile openFile(Session& session, const QString& path, const OpenedFile::Tell& tell)
 {
     try {
-        return {session, path, name};
+        OpenedFile file(session, path, tell);
+        // The tree is built of these: what cannot be read of them fails here, and not when the present database has gone.
+        file.categoryId->forEachRow(
+            {0, 1}, [](const RecordSet::Row& row) { return row.text(0).size() + row.text(1).size() >= 0; });
+        return file;
     } catch (const Error& error) {
         if (error.number == errors::NotADatabase && session.keeper != nullptr)
             session.keeper->databaseIsDamaged(path);
@@ -105,8 +40,6 @@ OpenedFile openFile(Session& session, const QString& path, const QString& name)
     }
 }
 
-=======
->>>>>>> 6eac084 (store: let a file be opened without a main window)
 } // namespace
 
 Opening openDatabase(Session& session, const QString& path)
@@ -116,15 +49,9 @@ Opening openDatabase(Session& session, const QString& path)
         MainWindowPort& window = session.mainWindow();
         const QString name = ExtractString(session.reporting, path, QDir::separator());
         const auto shown = window.clearDataList();
-<<<<<<< HEAD
-        const OpenedFile file = openFile(session, path, name);
-=======
         window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
-        const OpenedFile file(session, path, [&](const QString& status) { window.setStatus(1, status); });
-        // The tree is built of these: what cannot be read of them fails here, and not when the present database has gone.
-        file.categoryId->forEachRow(
-            {0, 1}, [](const RecordSet::Row& row) { return row.text(0).size() + row.text(1).size() >= 0; });
->>>>>>> 6eac084 (store: let a file be opened without a main window)
+        const OpenedFile file =
+            openFile(session, path, [&](const QString& status) { window.setStatus(1, status); });
         const bool isAnother = !session.OpenDb || !file.database->isFileOf(*session.OpenDb);
         if (isAnother && !CloseDataWindows(session)) {
             shown->showAgain();
