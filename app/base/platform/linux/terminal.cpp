@@ -1,0 +1,85 @@
+#include "app/base/platform/terminal.h"
+
+#include <csignal>
+
+#include <cerrno>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace quillon::platform
+{
+
+namespace
+{
+
+volatile std::sig_atomic_t interrupted = 0;
+
+int descriptorOf(Stream stream)
+{
+    switch (stream) {
+    case Stream::Input:
+        return STDIN_FILENO;
+    case Stream::Output:
+        return STDOUT_FILENO;
+    case Stream::Errors:
+        return STDERR_FILENO;
+    }
+    return -1;
+}
+
+} // namespace
+
+bool isTerminal(Stream stream)
+{
+    return isatty(descriptorOf(stream)) == 1;
+}
+
+int terminalColumns(Stream stream)
+{
+    winsize size = {};
+    return ioctl(descriptorOf(stream), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+Written writeTo(Stream stream, QByteArrayView text)
+{
+    while (!text.isEmpty()) {
+        const ssize_t written =
+            write(descriptorOf(stream), text.data(), static_cast<std::size_t>(text.size()));
+        if (written >= 0)
+            text = text.sliced(written);
+        else if (errno == EPIPE || (errno == EINTR && interrupted != 0))
+            return Written::Closed;
+        else if (errno != EINTR)
+            return Written::Failed;
+    }
+    return Written::Whole;
+}
+
+std::optional<QByteArray> readInput(qsizetype atMost)
+{
+    QByteArray bytes(atMost, Qt::Uninitialized);
+    const ssize_t read = ::read(STDIN_FILENO, bytes.data(), static_cast<std::size_t>(atMost));
+    if (read < 0)
+        return std::nullopt;
+    bytes.truncate(read);
+    return bytes;
+}
+
+void noteInterruptions()
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) { interrupted = 1; };
+    // Once: whoever cannot wait for the end interrupts again. A waiting read ends.
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(signal, &action, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool wasInterrupted()
+{
+    return interrupted != 0;
+}
+
+} // namespace quillon::platform
