@@ -5,10 +5,10 @@
 #include "app/base/ports/main_window_port.h"
 #include "store/creation.h"
 #include "store/database.h"
+#include "store/keeper.h"
 #include "store/opened_file.h"
 #include "store/record_set.h"
 #include "store/session.h"
-#include "store/sqlite/rollback_journal.h"
 #include "store/windows_of_database.h"
 
 #include <QDir>

@@ -1,0 +1,57 @@
+#include "app/cli/given_text.h"
+
+#include "app/base/absolute_path.h"
+#include "app/base/ports/files.h"
+#include "app/cli/run.h"
+#include "core/text_loading.h"
+
+#include <QDir>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::cli
+{
+
+namespace
+{
+
+QByteArray standardInput(const Run& run)
+{
+    constexpr qsizetype Piece = qsizetype{64} * 1024;
+    QByteArray bytes;
+    // One byte more than a document can hold tells that there are too many.
+    while (bytes.size() <= mostBytesOfText()) {
+        const auto piece = platform::readInput(Piece);
+        run.goOn();
+        if (!piece)
+            throw Refusal{Status::Refused, u"標準入力を読み込めませんでした。"_s};
+        if (piece->isEmpty())
+            break;
+        bytes += *piece;
+    }
+    return bytes;
+}
+
+} // namespace
+
+std::optional<QString> givenText(Run& run, const DataKind& kind)
+{
+    const Arguments& arguments = run.arguments;
+    const QString word = u"--text"_s;
+    const QString file = u"--file"_s;
+    const QString input = u"-"_s;
+    const int sources = int{arguments.has(word)} + int{arguments.has(file)} + int{arguments.has(input)};
+    if (sources > 1)
+        throw WrongUsage{u"内容は --text、--file、- のうち一つだけで指定してください。"_s, arguments.verb};
+    if (arguments.has(word))
+        return arguments.value(word);
+    if (arguments.has(file))
+        return loadText(run.session.files,
+                        QDir::toNativeSeparators(absolutePath(QDir::currentPath(), arguments.value(file))),
+                        kind);
+    if (arguments.has(input))
+        return textOfBytes(standardInput(run), kind);
+    return std::nullopt;
+}
+
+} // namespace quillon::cli
