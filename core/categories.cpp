@@ -136,6 +136,24 @@ void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& 
     });
 }
 
+void fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers)
+{
+    // What would be taken out again by a category that follows is not put in.
+    QStringList filed;
+    for (const QString& category : categoryIdentifiers) {
+        filed.removeIf(
+            [&](const QString& before) { return before == category || category.startsWith(before + u'-'); });
+        filed << category;
+    }
+    RecordSet& memberships = required(session.RsCategory);
+    for (const QString& category : std::as_const(filed)) {
+        memberships.addNew();
+        memberships.setField(0, category);
+        memberships.setField(1, identifier);
+        memberships.update();
+    }
+}
+
 std::vector<std::size_t> ClassifyManyData(Session& session, const CategoryRow& category,
                                           const std::vector<ListedDatum>& data,
                                           const std::function<void()>& advance)

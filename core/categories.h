@@ -4,6 +4,7 @@
 #include "core/listed_datum.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <vector>
@@ -31,6 +32,10 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
 /// The same inside a durable write: what there is to report waits in `messages`.
 void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& categoryIdentifier,
                    const QString& identifier);
+
+/// Files a datum that is filed nowhere yet, in these categories one after the other, as `ClassifyCategory` does. A part
+/// of a larger write. Not trapped.
+void fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers);
 
 /// Files many data in a category that was asked about, each as ClassifyCategory does, as one durable write. Data that
 /// are gone, or bear another name by now, are passed over. What there is to tell about single ones comes when all have

@@ -1,6 +1,9 @@
 #include "core/data_entry.h"
 
 #include "app/base/input_checks.h"
+#include "app/base/platform/code_page.h"
+#include "app/base/ports/dialogs.h"
+#include "app/base/titles.h"
 #include "core/categories.h"
 #include "core/category_entry.h"
 #include "store/data_kinds.h"
@@ -64,18 +67,40 @@ QStringList classify(Session& session, DeferredMessages& messages, const std::ve
 
 } // namespace
 
+QString refusalOf(const DataKind& kind, const DatumTexts& texts)
+{
+    struct Field {
+        const QString& text;
+        double limit;
+        QString label;
+    };
+    // sic: a document's content is called "定義" here, too.
+    for (const Field& field : {Field{texts.name, kind.limits.name, u"名称"_s},
+                               Field{texts.content, kind.limits.content, u"定義"_s}}) {
+        for (const QString& refusal :
+             {lengthRefusal(platform::byteLength932(field.text), field.limit, field.label),
+              emptyRefusal(field.text)}) {
+            if (!refusal.isEmpty())
+                return refusal;
+        }
+    }
+    return {};
+}
+
 bool CheckDatum(Session& session, const DataKind& kind, const DatumTexts& texts)
 {
-    Reporting& reporting = session.reporting;
-    // Both checks of a text run: it can only fail one of them, but neither may hide the other.
-    const bool nameFits = MaxTextCheck(reporting, texts.name, kind.limits.name, u"名称"_s);
-    const bool nameFilled = NullCheck(reporting, texts.name);
-    if (!nameFits || !nameFilled)
-        return false;
-    // sic: a document's content is called "定義" here, too.
-    const bool contentFits = MaxTextCheck(reporting, texts.content, kind.limits.content, u"定義"_s);
-    const bool contentFilled = NullCheck(reporting, texts.content);
-    return contentFits && contentFilled;
+    const QString refusal = refusalOf(kind, texts);
+    if (!refusal.isEmpty())
+        session.dialogs.messageBox({.text = refusal, .title = titles::SystemAudit});
+    return refusal.isEmpty();
+}
+
+qint64 addDatumRow(Session& session, const DataKind& kind, const QString& identifier, const DatumTexts& texts)
+{
+    RecordSet& rows = tableOf(session, kind);
+    rows.addNew();
+    setFields(session, rows, texts, &identifier);
+    return rows.update();
 }
 
 std::optional<DatumTexts> StoredTexts(Session& session, const DatumPlace& place)
@@ -101,9 +126,7 @@ std::optional<SavedDatum> RegisterDatum(Session& session, const DataKind& kind, 
     inWriteTransaction(rows.database(), [&] {
         // Another window or program may have registered something under it since it was shown.
         place.identifier = freeIdentifier(rows, identifier);
-        rows.addNew();
-        setFields(session, rows, texts, &place.identifier);
-        place.row = rows.update();
+        place.row = addDatumRow(session, kind, place.identifier, texts);
         vanished = classify(session, messages, categories, place.identifier);
     });
     return SavedDatum{.place = std::move(place),

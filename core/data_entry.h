@@ -33,6 +33,14 @@ struct SeenDatum {
 /// Whether name and content are filled and short enough for their kind; tells the user when they are not.
 bool CheckDatum(Session& session, const DataKind& kind, const DatumTexts& texts);
 
+/// What `CheckDatum` says first of texts that it refuses; nothing when they are all right.
+QString refusalOf(const DataKind& kind, const DatumTexts& texts);
+
+/// Adds the row of a datum, as a part of a larger write. Whether the texts may be refused is the caller's to ask.
+/// Returns the number of the row. Not trapped: errors 3022, 3163.
+qint64 addDatumRow(Session& session, const DataKind& kind, const QString& identifier,
+                   const DatumTexts& texts);
+
 /// The texts of a datum as its row holds them; nothing when the row is gone, another datum has its identifier, or
 /// another database is open. Moves the cursor of the datum's table. Not trapped.
 std::optional<DatumTexts> StoredTexts(Session& session, const DatumPlace& place);

@@ -3,11 +3,11 @@
 #include "app/base/ports/clock.h"
 #include "core/category_entry.h"
 #include "exchange/refused.h"
+#include "exchange/row_question.h"
 #include "exchange/tables.h"
 #include "store/data_kinds.h"
 #include "store/identifier_supply.h"
 #include "store/lookup/identifier_set.h"
-#include "store/quoted.h"
 #include "store/record_set.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -65,41 +65,6 @@ std::optional<QString> textIn(const sqlite::Statement& statement, int column)
     QString text = statement.text(column).toString();
     return text.isNull() ? u""_s : text; // null means that nothing is stored
 }
-
-/// Answers whether a table holds rows, and what else is in them.
-class TableQuestions
-{
-public:
-    TableQuestions(const RecordSet& rows, const QString& select, const std::vector<int>& key)
-    {
-        const TableSchema& table = rows.table();
-        QString sql = u"SELECT "_s + select + u" FROM "_s + quoted(table.name);
-        for (const int field : key)
-            sql += (field == key.front() ? u" WHERE "_s : u" AND "_s) +
-                   quoted(table.fields[static_cast<std::size_t>(field)].name) + u" = ? COLLATE BINARY"_s;
-        m_statement = rows.database().connection().prepareOwn(sql + u" LIMIT 1"_s);
-    }
-
-    /// Whether a row is found; then `read` gets the statement that stands on it.
-    template <class Read> bool ask(std::initializer_list<QStringView> key, Read&& read)
-    {
-        const sqlite::ResetAtEnd reset(*m_statement);
-        int position = 0;
-        for (const QStringView text : key)
-            m_statement->bind(++position, text);
-        if (!m_statement->step())
-            return false;
-        read(*m_statement);
-        return true;
-    }
-    bool ask(std::initializer_list<QStringView> key)
-    {
-        return ask(key, [](const sqlite::Statement&) {});
-    }
-
-private:
-    std::unique_ptr<sqlite::Statement> m_statement;
-};
 
 } // namespace
 
@@ -230,7 +195,7 @@ private:
         RecordSet& rows = required(m_session.*kind.recordSet);
         const QDate today = m_session.clock.now().date();
         Unidentified unidentified(rows);
-        TableQuestions present(rows, u"\"Name\", \"Explanation\""_s, keyOf(rows.table()));
+        RowQuestion present(rows, u"\"Name\", \"Explanation\""_s, keyOf(rows.table()));
         const auto count = [&](bool added) { ++(added ? m_report.added : m_report.skipped); };
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
@@ -266,8 +231,7 @@ private:
     /// Finds for each category under which identifier it comes.
     void placeCategories()
     {
-        TableQuestions present(required(m_session.RsCategoryID), quoted(schema::Category_ID().fields[1].name),
-                               keyOf(schema::Category_ID()));
+        RowQuestion present(required(m_session.RsCategoryID), u"\"Name\""_s, keyOf(schema::Category_ID()));
         std::vector<ComingCategory*> parentsFirst;
         QSet<QString> coming;
         for (ComingCategory& category : m_categories) {
@@ -363,8 +327,8 @@ private:
         RecordSet& rows = required(m_session.RsLink);
         askWhetherPresent();
         Unidentified unidentified(rows);
-        TableQuestions present(rows, u"1"_s, {0, 1});
-        TableQuestions numbers(rows, u"rowid"_s, {0, 1});
+        RowQuestion present(rows, u"1"_s, {0, 1});
+        RowQuestion numbers(rows, u"rowid"_s, {0, 1});
         const qint64 before = rows.roughCount();
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
@@ -396,8 +360,8 @@ private:
     {
         RecordSet& rows = required(m_session.RsCategory);
         Unidentified unidentified(rows);
-        TableQuestions present(rows, u"1"_s, {0, 1});
-        TableQuestions categories(required(m_session.RsCategoryID), u"1"_s, keyOf(schema::Category_ID()));
+        RowQuestion present(rows, u"1"_s, {0, 1});
+        RowQuestion categories(required(m_session.RsCategoryID), u"1"_s, keyOf(schema::Category_ID()));
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
                 m_report.filed += unidentified.add(row) ? 1 : 0;
@@ -425,7 +389,7 @@ private:
     ImportReport& m_report;
     std::vector<IdentifierSupply> m_supplies;              // by kind
     std::array<IdentifierSet, data_kinds::Count> m_coming; // by kind, as where they come from
-    std::vector<TableQuestions> m_present;                 // by kind
+    std::vector<RowQuestion> m_present;                    // by kind
     QHash<QString, QString> m_renamedData;
     std::vector<ComingCategory> m_categories;
     QHash<QString, QString> m_categoriesAs;

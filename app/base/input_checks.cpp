@@ -14,12 +14,10 @@ bool NullCheck(Reporting& reporting, const QString& fieldText)
 {
     bool filled = false;
     guarded(reporting, u"NullCheck"_s, [&] {
-        if (fieldText.isEmpty()) {
-            reporting.dialogs.messageBox(
-                {.text = u"必須項目が入力されていません。"_s, .title = titles::SystemAudit});
-            return;
-        }
-        filled = true;
+        const QString refusal = emptyRefusal(fieldText);
+        filled = refusal.isEmpty();
+        if (!filled)
+            reporting.dialogs.messageBox({.text = refusal, .title = titles::SystemAudit});
     });
     return filled;
 }
@@ -35,13 +33,24 @@ bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChar
 
 bool MaxLengthCheck(Reporting& reporting, qsizetype bytes, double maxChars, const QString& fieldName)
 {
+    const QString refusal = lengthRefusal(bytes, maxChars, fieldName);
+    if (!refusal.isEmpty())
+        reporting.dialogs.messageBox({.text = refusal, .title = titles::SystemAudit});
+    return refusal.isEmpty();
+}
+
+QString emptyRefusal(const QString& fieldText)
+{
+    return fieldText.isEmpty() ? u"必須項目が入力されていません。"_s : QString();
+}
+
+QString lengthRefusal(qsizetype bytes, double maxChars, const QString& fieldName)
+{
     // sic: a text of exactly the limit is already refused.
     if (static_cast<double>(bytes) < 2 * maxChars)
-        return true;
-    reporting.dialogs.messageBox({.text = fieldName + u"が最大入力値を超えています。最大入力値は全角"_s +
-                                          shortestDecimal(maxChars) + u"文字です。"_s,
-                                  .title = titles::SystemAudit});
-    return false;
+        return {};
+    return fieldName + u"が最大入力値を超えています。最大入力値は全角"_s + shortestDecimal(maxChars) +
+           u"文字です。"_s;
 }
 
 QString shortestDecimal(double number)

@@ -18,6 +18,10 @@ bool MaxTextCheck(Reporting& reporting, const QString& fieldText, double maxChar
 /// `MaxTextCheck` for a text whose length is known. `bytes`: its length in code page 932.
 bool MaxLengthCheck(Reporting& reporting, qsizetype bytes, double maxChars, const QString& fieldName);
 
+/// What these two say of a field that is not filled and of a text that is too long; nothing when it is all right.
+QString emptyRefusal(const QString& fieldText);
+QString lengthRefusal(qsizetype bytes, double maxChars, const QString& fieldName);
+
 /// A number in its shortest decimal form: "25", "24.5", "-3".
 QString shortestDecimal(double number);
 

@@ -1,0 +1,289 @@
+#include "exchange/new_data.h"
+
+#include "app/base/input_checks.h"
+#include "app/base/ports/clock.h"
+#include "core/categories.h"
+#include "core/category_entry.h"
+#include "core/data_entry.h"
+#include "core/links.h"
+#include "exchange/refused.h"
+#include "store/identifiers.h"
+#include "store/lookup/identifier_pages.h"
+#include "store/record_set.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "store/sqlite/transaction.h"
+
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::exchange
+{
+
+namespace
+{
+
+quint64 hashOf(QStringView name, QStringView text)
+{
+    const std::size_t first = qHash(name, 0x9E3779B9U);
+    return qHash(text, first);
+}
+
+/// What a person reads of an import that is refused.
+QString refusalOf(const std::vector<Note>& refused)
+{
+    constexpr std::size_t Most = 20;
+    QString text = u"取り込めないものが %1 件あるため、何も書き込みませんでした。"_s.arg(refused.size());
+    for (std::size_t i = 0; i < std::min(Most, refused.size()); ++i)
+        text += u'\n' + refused[i].where + u": "_s + refused[i].text;
+    if (refused.size() > Most)
+        text += u"\nほか %1 件"_s.arg(refused.size() - Most);
+    return text;
+}
+
+} // namespace
+
+NewData::NewData(Session& session, ImportReport& report)
+    : m_session(session), m_report(report), m_messages(required(session.RsMain).database())
+{
+    for (const DataKind& kind : data_kinds::all()) {
+        const RecordSet& rows = required(session.*kind.recordSet);
+        m_supplies.emplace_back(rows, kind);
+        m_identifiers.emplace_back(rows, u"1"_s, std::vector<int>{data_field::Object_ID});
+    }
+    required(session.RsCategoryID)
+        .forEachRow({category_field::Category_ID, category_field::Name}, [&](const RecordSet::Row& row) {
+            const QString identifier = row.text(0).toString();
+            const QString parent = identifier.first(std::max(qsizetype(0), identifier.lastIndexOf(u'-')));
+            m_categoryIdentifiers.insert(identifier);
+            const std::pair key{parent, row.text(1).toString()};
+            if (!m_categories.contains(key))
+                m_categories.insert(key, identifier);
+        });
+}
+
+void NewData::refuse(const QString& where, const QString& text)
+{
+    m_refused.push_back({.where = where, .text = text});
+}
+
+void NewData::readPresent()
+{
+    m_hasReadPresent = true;
+    for (std::size_t kind = 0; kind < KindsThatCome; ++kind) {
+        const RecordSet& rows = required(m_session.*data_kinds::all().at(kind).recordSet);
+        const auto pass =
+            rows.database().connection().prepareOwn(u"SELECT \"Name\", \"Explanation\", rowid FROM \""_s +
+                                                    rows.table().name + u"\" ORDER BY rowid"_s);
+        while (pass->step()) {
+            const QStringView name = pass->text(0);
+            const quint64 hash = hashOf(name, pass->text(1));
+            m_present.emplace(hash, std::pair{kind, pass->number(2)});
+        }
+        m_rows.push_back(RowQuestion::ofRowNumber(rows, u"\"Name\", \"Explanation\", \"Object_ID\""_s));
+    }
+}
+
+QString NewData::presentSame(const NewDatum& datum)
+{
+    if (!m_hasReadPresent)
+        readPresent();
+    const std::size_t kind = data_kinds::positionOf(*datum.kind);
+    const auto candidates = m_present.equal_range(hashOf(datum.name, datum.text));
+    for (auto candidate = candidates.first; candidate != candidates.second; ++candidate) {
+        if (candidate->second.first != kind)
+            continue;
+        QString identifier;
+        m_rows.at(kind).askRow(candidate->second.second, [&](const sqlite::Statement& row) {
+            if (row.text(0) == datum.name && row.text(1) == datum.text)
+                identifier = row.text(2).toString();
+        });
+        if (!identifier.isEmpty())
+            return identifier;
+    }
+    return {};
+}
+
+QString NewData::givenTo(const NewDatum& datum)
+{
+    const std::size_t kind = data_kinds::positionOf(*datum.kind);
+    const QDate today = m_session.clock.now().date();
+    const bool had = identifierNumber(datum.identifier).has_value() && kindOf(datum.identifier) == datum.kind;
+    if (had && !m_identifiers[kind].ask({datum.identifier})) {
+        m_supplies[kind].reserve(datum.identifier);
+        return datum.identifier;
+    }
+    QDate day = had ? dayOfIdentifier(datum.identifier, today) : QDate();
+    if (!day.isValid())
+        day = datum.day.isValid() ? datum.day : today;
+    return m_supplies[kind].next(day);
+}
+
+QString NewData::placeOf(const QStringList& way, const QString& where)
+{
+    QString place;
+    for (const QString& name : way) {
+        const std::pair key{place, name};
+        const auto known = m_categories.constFind(key);
+        if (known != m_categories.cend()) {
+            place = *known;
+            continue;
+        }
+        const QString beginning = place.isEmpty() ? QString() : place + u'-';
+        const auto& fields = schema::Category_ID().fields;
+        if (name.isEmpty() || name.size() > fields[category_field::Name].width) {
+            refuse(where, u"カテゴリ名「%1」は 1 文字以上 %2 文字以内でなければなりません。"_s.arg(name).arg(
+                              fields[category_field::Name].width));
+            return {};
+        }
+        if (beginning.size() >= fields[category_field::Category_ID].width) {
+            refuse(where, u"カテゴリ「%1」の階層が深すぎます。"_s.arg(way.join(u'/')));
+            return {};
+        }
+        place = newCategoryIdentifier(
+            beginning, [&](const QString& identifier) { return m_categoryIdentifiers.contains(identifier); });
+        m_categoryIdentifiers.insert(place);
+        m_categories.insert(key, place);
+        RegisterCategory(m_session, place, name);
+        ++m_report.categories;
+    }
+    return place;
+}
+
+QStringList NewData::placesOf(const NewDatum& datum)
+{
+    QStringList places;
+    for (const QStringList& way : datum.categories) {
+        const QString place = placeOf(way, datum.where);
+        if (!place.isEmpty() && !places.contains(place))
+            places << place;
+    }
+    return places;
+}
+
+QString NewData::add(const NewDatum& datum)
+{
+    const DatumTexts texts{.name = datum.name, .content = datum.text};
+    const QString refusal = quillon::refusalOf(*datum.kind, texts);
+    if (!refusal.isEmpty()) {
+        refuse(datum.where, refusal);
+        return {};
+    }
+    if (!m_refused.empty())
+        return {}; // nothing of it will be written; the rest is only looked at
+    const QStringList places = placesOf(datum);
+    const RecordSet& memberships = required(m_session.RsCategory);
+    if (!m_refused.empty())
+        return {};
+    const qint64 before = places.isEmpty() ? 0 : memberships.roughCount();
+    QString identifier = presentSame(datum);
+    if (identifier.isEmpty()) {
+        identifier = givenTo(datum);
+        addDatumRow(m_session, *datum.kind, identifier, texts);
+        fileNewDatum(m_session, identifier, places);
+        m_added.insert(identifier);
+        ++m_report.added;
+        if (!datum.identifier.isEmpty() && identifier != datum.identifier)
+            ++m_report.renamed;
+    } else {
+        for (const QString& place : places)
+            ClassifyDatum(m_session, m_messages, place, identifier);
+        ++m_report.skipped;
+    }
+    if (!datum.identifier.isEmpty() && !m_renamed.contains(datum.identifier))
+        m_renamed.insert(datum.identifier, identifier);
+    if (!places.isEmpty())
+        m_report.filed += std::max(qint64(0), memberships.roughCount() - before);
+    return identifier;
+}
+
+void NewData::linkLater(const QString& identifier, const QString& target, const QString& where)
+{
+    if (!identifier.isEmpty())
+        m_links.push_back({.from = identifier, .target = target, .where = where});
+}
+
+void NewData::link(const QString& from, const QString& to)
+{
+    if (from.isEmpty() || to.isEmpty() || areLinked(m_session, from, to))
+        return;
+    addLink(m_session, from, to);
+    ++m_report.linked;
+}
+
+/// The identifiers of data that bear one of these names: of those that have come in, else of others.
+QHash<QString, QString> NewData::identifiersOf(const QSet<QString>& names, QSet<QString>& ambiguous)
+{
+    QHash<QString, QString> found;
+    if (names.isEmpty())
+        return found;
+    QSet<QString> isNew;
+    for (const DataKind& kind : data_kinds::all()) {
+        required(m_session.*kind.recordSet)
+            .forEachRow({data_field::Name, data_field::Object_ID}, [&](const RecordSet::Row& row) {
+                const QString name = row.text(0).toString();
+                if (!names.contains(name))
+                    return;
+                const QString identifier = row.text(1).toString();
+                const bool isAdded = m_added.contains(identifier);
+                if (!found.contains(name) || (isAdded && !isNew.contains(name))) {
+                    found[name] = identifier;
+                    ambiguous.remove(name);
+                } else if (isAdded || !isNew.contains(name)) {
+                    ambiguous.insert(name);
+                }
+                if (isAdded)
+                    isNew.insert(name);
+            });
+    }
+    return found;
+}
+
+void NewData::finish()
+{
+    if (!m_refused.empty())
+        throw Refused(exchange::refusalOf(m_refused));
+    QSet<QString> names;
+    for (const LaterLink& later : m_links)
+        names.insert(later.target);
+    QSet<QString> ambiguous;
+    const QHash<QString, QString> named = identifiersOf(names, ambiguous);
+    for (const LaterLink& later : m_links) {
+        QString to = m_renamed.value(later.target);
+        const DataKind* const kind = kindOf(later.target);
+        if (to.isEmpty() && identifierNumber(later.target) && kind != nullptr &&
+            m_identifiers[data_kinds::positionOf(*kind)].ask({later.target}))
+            to = later.target;
+        if (to.isEmpty()) {
+            to = named.value(later.target);
+            if (ambiguous.contains(later.target))
+                m_report.notes.push_back(
+                    {.where = later.where,
+                     .text = u"「%1」という名称のデータが複数あるため、%2 とリンクしました。"_s.arg(
+                         later.target, to)});
+        }
+        if (to.isEmpty())
+            m_report.notes.push_back(
+                {.where = later.where, .text = u"リンク先「%1」が見つかりません。"_s.arg(later.target)});
+        else
+            link(later.from, to);
+    }
+}
+
+ImportReport bringIn(Session& session, const ImportOptions& options,
+                     const std::function<void(NewData&)>& bring)
+{
+    ImportReport report;
+    sqlite::Transaction write(required(session.RsMain).database().connection());
+    NewData data(session, report);
+    bring(data);
+    data.finish();
+    if (options.dryRun)
+        return report;
+    write.commit();
+    data.messages().show(session);
+    return report;
+}
+
+} // namespace quillon::exchange
