@@ -6,6 +6,7 @@
 #include "core/category_entry.h"
 #include "exchange/merging.h"
 #include "exchange/old_source.h"
+#include "exchange/output.h"
 #include "exchange/tables.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
@@ -169,6 +170,8 @@ private:
     std::vector<std::pair<StoredRow, QString>> m_late; // rows whose key another one has
 };
 
+const QString Ending = u".mdb"_s;
+
 const QStringList& companions()
 {
     static const QStringList endings = {u"-journal"_s, u"-wal"_s, u"-shm"_s};
@@ -178,16 +181,15 @@ const QStringList& companions()
 /// The n-th name for the copy of a file.
 QString nameOfCopy(const QFileInfo& source, int n)
 {
-    const QString ending = u".mdb"_s;
     const QString mark = n == 1 ? u"-変換"_s : u"-変換-%1"_s.arg(n);
     QString stem = source.fileName();
-    if (stem.endsWith(ending, Qt::CaseInsensitive))
-        stem.chop(ending.size());
+    if (stem.endsWith(Ending, Qt::CaseInsensitive))
+        stem.chop(Ending.size());
     // The name of a journal, which is longer, must fit, too.
     while (stem.size() > 1 &&
-           !platform::fitsAsName(source.path(), stem + mark + ending + companions().front()))
+           !platform::fitsAsName(source.path(), stem + mark + Ending + companions().front()))
         stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
-    return source.path() + u'/' + stem + mark + ending;
+    return source.path() + u'/' + stem + mark + Ending;
 }
 
 /// Makes the file for the copy, under the first name that is free.
@@ -259,6 +261,19 @@ ConvertedFile convertOldFile(const QString& source, Progress* progress)
     }
     removal.keep();
     return converted;
+}
+
+QString writeNotes(const ConvertedFile& converted)
+{
+    QString content = QString(QChar::ByteOrderMark); // so that every editor takes it for what it is
+    for (const Note& note : converted.report.notes)
+        content += (note.where.isEmpty() ? note.text : note.where + u": "_s + note.text) + u"\r\n"_s;
+    const QString stem = converted.path.chopped(Ending.size());
+    QString path = stem + u".txt"_s;
+    for (int n = 2; QFile::exists(path); ++n)
+        path = stem + u"-%1.txt"_s.arg(n);
+    writeFile(path, content.toUtf8());
+    return path;
 }
 
 ImportReport importOldFile(Session& session, const QString& source, const ImportOptions& options,

@@ -29,6 +29,10 @@ struct ConvertedFile {
 /// of ours, `Cancelled`.
 ConvertedFile convertOldFile(const QString& source, Progress* progress = nullptr);
 
+/// Writes all notes about a converted file into a text file beside it, of its name or the next one that is free, and
+/// returns that file's name. Errors: 61, 70, 75, 76.
+QString writeNotes(const ConvertedFile& converted);
+
 /// Brings the database in an old file into the open one, as one write or not at all. How it meets with what is there
 /// already: see `Merging`. Not trapped: as above, and `Refused` for a text that is too long for its field; 3260.
 ImportReport importOldFile(Session& session, const QString& source, const ImportOptions& options = {},

@@ -5,6 +5,7 @@
 #include "app/shell/program.h"
 #include "store/database.h"
 #include "store/schema.h"
+#include "tests/support/old_file_writer.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "tests/support/window_world.h"
@@ -278,6 +279,22 @@ private Q_SLOTS:
         QVERIFY2(statusText().contains(u"データベース (知識 1.mdb)が展開されています｡ "_s),
                  qPrintable(statusText()));
         QVERIFY2(statusText().contains(u"表示データ数 ： 0"_s), qPrintable(statusText()));
+    }
+
+    void anOldFileIsConvertedAfterTheQuestion()
+    {
+        QFile file(folder->filePath(u"旧.mdb"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(writeOldFile(oldTables(5), {.format = 3}).bytes);
+        file.close();
+        makeProgram(folder->path(), files);
+        dialogs.expect(MessageBox{.text = u"以前のデータベースエンジンのファイルです。\r\n"
+                                          u"変換した写しを作成して展開します。"_s,
+                                  .title = u"データベースコンバート処理"_s,
+                                  .buttons = Buttons::OkCancel});
+        QVERIFY(start(u"旧.mdb"_s));
+        QVERIFY(program->session().OpenDb != nullptr);
+        QCOMPARE(program->session().OpenDb->path(), folder->filePath(u"旧-変換.mdb"_s));
     }
 
     void aMissingFileIsToldAsInTheFileMenu()

@@ -72,6 +72,7 @@ frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
 
     const QSize wanted(pixelsFromTwips(metrics::DesignWidth), pixelsFromTwips(metrics::DesignHeight));
     resize(wanted.boundedTo(screen()->availableSize() - QSize(40, 60)));
+    setAcceptDrops(true);
     tvwCategory->setFocus();
 }
 

@@ -20,6 +20,11 @@ class QFrame;
 class QMenu;
 class QProgressBar;
 
+namespace quillon::exchange
+{
+struct ConvertedFile;
+}
+
 namespace quillon
 {
 
@@ -32,7 +37,7 @@ class StatusPanels;
 
 /// The main window: the category tree on the left, the data list on the right, a splitter between them, the status
 /// bar and the menus. The members of one subject stand in one file: frmMainMenu_layout, _menus,
-/// _tree, _list, _categories, _data, _console.
+/// _tree, _list, _categories, _data, _console, _old_files.
 class frmMainMenu : public FormWindow, public MainWindowPort
 {
     Q_OBJECT
@@ -118,6 +123,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     /// The column of the data list that holds the identifier.
@@ -152,6 +160,10 @@ private:
                                           const std::function<void(const QString&)>& store,
                                           const std::function<void(const Error&)>& tell);
     void openTextFile(const QString& fileName, const QString& missing);
+    /// Asks whether a file of the older engine is to be converted, and does it. Nothing when it is not, or when that
+    /// has failed, which is told.
+    std::optional<exchange::ConvertedFile> convertedCopy(const QString& path);
+    void tellWhatIsLost(const exchange::ConvertedFile& converted);
 
     KeyedTree* tvwCategory = nullptr;
     ReportList* lsvData = nullptr;
@@ -161,6 +173,7 @@ private:
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;
     bool Moving = false;
+    bool m_takesDrag = false;  // of a file
     CategoryRow m_listed;      // the node whose data are listed; one that is no category has no number
     double m_splitterLeft = 0; // where the handle stands, in twips
 

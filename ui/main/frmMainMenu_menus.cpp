@@ -5,6 +5,7 @@
 #include "core/close_all_form.h"
 #include "core/data_records.h"
 #include "core/links.h"
+#include "exchange/old_file.h"
 #include "store/creation.h"
 #include "store/opening.h"
 #include "store/session.h"
@@ -133,11 +134,20 @@ void frmMainMenu::openChosenFile(const QString& path)
             {.text = u"指定されたファイルが見つかりません。"_s, .title = titles::DataResearch});
         return;
     }
-    const Opening outcome = openDatabase(session(), path);
+    std::optional<exchange::ConvertedFile> converted;
+    if (exchange::isOldFile(path)) {
+        converted = convertedCopy(path);
+        dlgDbOpen.fileName = converted ? converted->path : before;
+        if (!converted)
+            return;
+    }
+    const Opening outcome = openDatabase(session(), dlgDbOpen.fileName);
     if (outcome == Opening::Opened)
         ShowDataList(positionOf(FixedNode::AllData));
     else if (outcome == Opening::Declined)
         dlgDbOpen.fileName = before;
+    if (converted)
+        tellWhatIsLost(*converted);
 }
 
 void frmMainMenu::mnuEnd_Click()

@@ -11,10 +11,10 @@ namespace quillon
 {
 
 /// Takes what is dragged over a control when it carries text, always as a copy. False for all else, which is left to
-/// whoever wants it.
+/// whoever wants it; so are files, whose names come as a text, too.
 inline bool takesText(QDropEvent& event)
 {
-    if (!event.mimeData()->hasText()) {
+    if (!event.mimeData()->hasText() || event.mimeData()->hasUrls()) {
         event.ignore();
         return false;
     }
