@@ -1,7 +1,9 @@
 #include "core/kept_copies.h"
 
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
+#include "app/base/titles.h"
 #include "store/keeper.h"
 #include "store/kept/file_contents.h"
 #include "store/session.h"
@@ -51,37 +53,20 @@ std::vector<kept::Copy> ListCopies(Session& session, const QString& database)
     return kept::listCopies(kept::Place(session.keeper->keptFolder(), database));
 }
 
-bool TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile)
+namespace
 {
-    bool isTakenOut = false;
-    guarded(session.reporting, u"TakeOutCopy"_s, [&] {
-        if (session.files.entryExists(newFile))
-            throw Error(errors::DatabaseExists);
-        if (!kept::isUnharmed(copy))
-            throw Error(
-                errors::NotADatabase,
-                u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(copy.path));
-        const QFileInfo target(newFile);
-        const auto written = session.files.stageCopy(copy.path, target.absolutePath(), target.fileName(), {});
-        written->place({});
-        written->keep();
-        isTakenOut = true;
-    });
-    return isTakenOut;
-}
 
-std::optional<TakenOutFiles> TakeOutFiles(Session& session, const QString& database, const kept::Copy& copy,
-                                          const QString& folder)
+/// Writes the registered files of a copy into a folder, where nothing has their names.
+TakenOutFiles takeOutFiles(Session& session, const kept::Copy& copy, const QString& folder)
 {
-    std::optional<TakenOutFiles> result;
+    TakenOutFiles files;
     guarded(session.reporting, u"TakeOutFiles"_s, [&] {
         if (session.keeper == nullptr)
             throw Error(errors::ObjectNotSet);
-        const kept::FileContents contents(kept::Place(session.keeper->keptFolder(), database));
-        TakenOutFiles files;
+        const kept::FileContents contents(kept::Place(session.keeper->keptFolder(), copy.database));
         for (const kept::CopiedFile& file : copy.files) {
             // What is written down could be anything by now.
-            if (file.name.isEmpty() || QFileInfo(file.name).fileName() != file.name)
+            if (!platform::isBareName(file.name))
                 continue;
             const QString target = folder + QDir::separator() + file.name;
             if (session.files.entryExists(target)) {
@@ -103,9 +88,31 @@ std::optional<TakenOutFiles> TakeOutFiles(Session& session, const QString& datab
             written->keep();
             ++files.written;
         }
-        result = files;
     });
-    return result;
+    return files;
+}
+
+} // namespace
+
+std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile)
+{
+    bool isTakenOut = false;
+    const QFileInfo target(newFile);
+    guarded(session.reporting, u"TakeOutCopy"_s, [&] {
+        if (session.files.entryExists(newFile))
+            throw Error(errors::DatabaseExists);
+        if (!kept::isUnharmed(copy))
+            throw Error(
+                errors::NotADatabase,
+                u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(copy.path));
+        const auto written = session.files.stageCopy(copy.path, target.absolutePath(), target.fileName(), {});
+        written->place({});
+        written->keep();
+        isTakenOut = true;
+    });
+    if (!isTakenOut)
+        return std::nullopt;
+    return takeOutFiles(session, copy, target.absolutePath() + QDir::separator() + titles::FileFolder);
 }
 
 } // namespace quillon

@@ -26,10 +26,6 @@ std::vector<KeptDatabase> ListKeptDatabases(Session& session);
 /// The kept copies of a database, newest first; also of one that is damaged or gone. Empty when nothing is kept.
 std::vector<kept::Copy> ListCopies(Session& session, const QString& database);
 
-/// Writes a kept copy as a new file. False when a failure was reported, as "TakeOutCopy": 3204 for a file that is there
-/// already, 3343 for a copy that is not what it was any more.
-bool TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile);
-
 /// What became of the registered files of a copy.
 struct TakenOutFiles {
     int written = 0;
@@ -38,9 +34,10 @@ struct TakenOutFiles {
     int lost = 0;      // their contents are not kept
 };
 
-/// Writes the registered files that a copy of a database knew into a folder, where nothing has their names. Nothing when
-/// a failure was reported, as "TakeOutFiles".
-std::optional<TakenOutFiles> TakeOutFiles(Session& session, const QString& database, const kept::Copy& copy,
-                                          const QString& folder);
+/// Writes a kept copy as a new file, and the registered files that it knew into the folder for them beside it, where
+/// nothing has their names. Nothing when a failure was reported, as "TakeOutCopy": 3204 for a file that is there already,
+/// 3343 for a copy that is not what it was any more. A failure of the registered files is reported as "TakeOutFiles" and
+/// leaves the rest of them away.
+std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile);
 
 } // namespace quillon

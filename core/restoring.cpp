@@ -8,7 +8,9 @@
 #include "core/category_entry.h"
 #include "core/links.h"
 #include "core/lost_things.h"
+#include "core/whereabouts.h"
 #include "store/data_kinds.h"
+#include "store/database.h"
 #include "store/identifiers.h"
 #include "store/keeper.h"
 #include "store/kept/file_contents.h"
@@ -33,6 +35,7 @@ using kept::Event;
 using kept::History;
 using kept::RowFate;
 using kept::StoredRow;
+using Owed = kept::OwedRelation::Other;
 
 /// The kind whose table a row is of; null for a table of no kind.
 const DataKind* kindOfRow(Session& session, const StoredRow& row)
@@ -74,6 +77,25 @@ void setFields(RecordSet& rows, const StoredRow& row, int identifierField, const
     }
 }
 
+void linkUnlessLinked(Session& session, const QString& source, const QString& target)
+{
+    if (!areLinked(session, source, target))
+        addPair(required(session.RsLink), source, target);
+}
+
+void fileUnlessFiled(Session& session, const QString& category, const QString& identifier)
+{
+    if (!isFiled(session, category, identifier))
+        addPair(required(session.RsCategory), category, identifier);
+}
+
+kept::Place placeOf(Session& session)
+{
+    if (session.keeper == nullptr || !session.OpenDb)
+        throw Error(errors::ObjectNotSet);
+    return {session.keeper->keptFolder(), session.OpenDb->path()};
+}
+
 /// The rows of a table that were deleted together with an event.
 std::vector<StoredRow> deletedBeside(const History& history, const Event& event, const TableSchema& table)
 {
@@ -90,7 +112,8 @@ class PuttingBack
 {
 public:
     PuttingBack(Session& session, const LostThings& things, std::size_t number)
-        : m_session(session), m_history(things.history()), m_event(things.event(number))
+        : m_session(session), m_history(things.history()), m_event(things.event(number)),
+          m_whereabouts(placeOf(session), m_history, m_event)
     {
     }
 
@@ -149,36 +172,97 @@ private:
             linkOfItem(beside, before);
         for (const StoredRow& beside : deletedBeside(m_history, m_event, schema::Category())) {
             if (beside.text(1) == before)
-                file(beside.text(0), m_result.identifier);
+                membershipOfItem(beside.text(0));
         }
+        giveWhatIsDue(Whereabouts::Kind::Item, before);
         write.commit();
+        noteThatItIsBack(before);
         tell(u"データ「"_s + row.text(data_field::Name) + u"」を戻しました。"_s);
     }
 
     /// A link of a deleted item, when it is one of this item.
     void linkOfItem(const StoredRow& link, const QString& before)
     {
-        const auto now = [&](int side) {
-            return link.text(side) == before ? m_result.identifier : link.text(side);
-        };
-        if (link.text(0) == before || link.text(1) == before)
-            connect(now(0), now(1));
+        const bool isSource = link.text(0) == before;
+        if (!isSource && link.text(1) != before)
+            return;
+        const QString other = link.text(isSource ? 1 : 0);
+        const auto there = other == before ? std::optional(m_result.identifier) : presentItem(other);
+        if (!there)
+            owe(isSource ? Owed::LinkTarget : Owed::LinkSource, other);
+        else if (isSource)
+            linkUnlessLinked(m_session, m_result.identifier, *there);
+        else
+            linkUnlessLinked(m_session, *there, m_result.identifier);
     }
 
-    void connect(const QString& source, const QString& target)
+    void membershipOfItem(const QString& category)
     {
-        if (!itemExists(m_session, source) || !itemExists(m_session, target))
-            ++m_result.missing;
-        else if (!areLinked(m_session, source, target))
-            addPair(required(m_session.RsLink), source, target);
+        if (const auto there = presentCategoryOf(category))
+            fileUnlessFiled(m_session, *there, m_result.identifier);
+        else
+            owe(Owed::Category, category);
     }
 
-    void file(const QString& category, const QString& identifier)
+    void memberOfCategory(const QString& item)
     {
-        if (!categoryExists(m_session, category) || !itemExists(m_session, identifier))
-            ++m_result.missing;
-        else if (!isFiled(m_session, category, identifier))
-            addPair(required(m_session.RsCategory), category, identifier);
+        if (const auto there = presentItem(item))
+            fileUnlessFiled(m_session, m_result.identifier, *there);
+        else
+            owe(Owed::Member, item);
+    }
+
+    /// What bore an identifier when the lost one was lost, as far as it is there.
+    std::optional<QString> presentItem(const QString& identifier)
+    {
+        auto there = m_whereabouts.now(Whereabouts::Kind::Item, identifier);
+        return there && itemExists(m_session, *there) ? there : std::nullopt;
+    }
+    std::optional<QString> presentCategoryOf(const QString& identifier)
+    {
+        auto there = m_whereabouts.now(Whereabouts::Kind::Category, identifier);
+        return there && categoryExists(m_session, *there) ? there : std::nullopt;
+    }
+
+    void owe(Owed role, const QString& other)
+    {
+        ++m_result.missing;
+        m_owed.push_back({.role = role, .other = other});
+    }
+
+    /// The relations that others came back without.
+    void giveWhatIsDue(Whereabouts::Kind kind, const QString& before)
+    {
+        const QString& here = m_result.identifier;
+        for (const auto& [role, with] : m_whereabouts.dueTo(kind, before)) {
+            const bool isThere =
+                role == Owed::Member ? categoryExists(m_session, with) : itemExists(m_session, with);
+            if (!isThere)
+                continue;
+            switch (role) {
+            case Owed::LinkSource:
+                linkUnlessLinked(m_session, here, with);
+                break;
+            case Owed::LinkTarget:
+                linkUnlessLinked(m_session, with, here);
+                break;
+            case Owed::Category:
+                fileUnlessFiled(m_session, here, with);
+                break;
+            case Owed::Member:
+                fileUnlessFiled(m_session, with, here);
+                break;
+            }
+        }
+    }
+
+    void noteThatItIsBack(const QString& before)
+    {
+        m_session.keeper->isBack({.isCategory = m_event.kind == EventKind::CategoryDeleted,
+                                  .before = before,
+                                  .deletedAt = m_event.time,
+                                  .after = m_result.identifier,
+                                  .owed = m_owed});
     }
 
     void texts()
@@ -205,8 +289,8 @@ private:
     {
         const StoredRow row = lost();
         sqlite::Transaction write(required(m_session.RsLink).database().connection());
-        connect(row.text(0), row.text(1));
-        requireBothEnds();
+        linkUnlessLinked(m_session, requiredEnd(presentItem(row.text(0))),
+                         requiredEnd(presentItem(row.text(1))));
         write.commit();
         tell(u"リンクを戻しました。"_s);
     }
@@ -215,8 +299,8 @@ private:
     {
         const StoredRow row = lost();
         sqlite::Transaction write(required(m_session.RsCategory).database().connection());
-        file(row.text(0), row.text(1));
-        requireBothEnds();
+        fileUnlessFiled(m_session, requiredEnd(presentCategoryOf(row.text(0))),
+                        requiredEnd(presentItem(row.text(1))));
         write.commit();
         tell(u"分類を戻しました。"_s);
     }
@@ -239,9 +323,11 @@ private:
         categories.update();
         for (const StoredRow& beside : deletedBeside(m_history, m_event, schema::Category())) {
             if (beside.text(0) == before)
-                file(m_result.identifier, beside.text(1));
+                memberOfCategory(beside.text(1));
         }
+        giveWhatIsDue(Whereabouts::Kind::Category, before);
         write.commit();
+        noteThatItIsBack(before);
         tell(u"カテゴリ「"_s + row.text(category_field::Name) + u"」を戻しました。"_s);
     }
 
@@ -294,10 +380,9 @@ private:
         m_result.hasOtherIdentifier = true;
     }
 
-    void requireBothEnds() const
+    static QString requiredEnd(const std::optional<QString>& identifier)
     {
-        if (m_result.missing > 0)
-            throw Error(errors::NoCurrentRecord);
+        return identifier ? *identifier : throw Error(errors::NoCurrentRecord);
     }
 
     void tell(const QString& done)
@@ -315,6 +400,8 @@ private:
     Session& m_session;
     const History& m_history;
     Event m_event;
+    Whereabouts m_whereabouts;
+    std::vector<kept::OwedRelation> m_owed;
     PutBackResult m_result;
     bool m_isDone = false;
 };

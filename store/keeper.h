@@ -9,6 +9,11 @@ namespace quillon
 
 class Database;
 
+namespace kept
+{
+struct PutBackNote;
+}
+
 /// Who keeps what the program overwrites and deletes. Nothing here ever fails: what cannot be kept is told in the log,
 /// and the program goes on.
 class Keeper
@@ -36,6 +41,9 @@ public:
     };
     /// Keeps a registered file that is about to be replaced. Null when there is nothing to keep.
     virtual std::unique_ptr<ReplacedFile> fileGoes(const QString& path) = 0;
+
+    /// Something that was deleted is there again.
+    virtual void isBack(const kept::PutBackNote& note) = 0;
 
     /// Where everything is kept, for all databases.
     virtual QString keptFolder() const = 0;

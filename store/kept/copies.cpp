@@ -98,6 +98,7 @@ std::optional<Copy> copyAt(const QString& path)
     const QJsonObject about = QJsonDocument::fromJson(file.readAll()).object();
     Copy copy;
     copy.path = path;
+    copy.database = about.value(u"database"_s).toString();
     copy.time = QDateTime::fromString(about.value(u"time"_s).toString(), Qt::ISODateWithMs);
     if (!copy.time.isValid())
         return std::nullopt;

@@ -25,7 +25,8 @@ struct CopiedFile {
 /// A kept copy of a database.
 struct Copy {
     QString path;
-    QDateTime time; // local
+    QString database; // of which it is one
+    QDateTime time;   // local
     qint64 size = 0;
     qint64 rows = 0;               // of all tables
     QHash<QString, qint64> counts; // by table

@@ -29,8 +29,15 @@ bool isItem(quint16 table)
 
 /// What was deleted as a whole in a transaction: what hung on it is no event of its own.
 struct Wholes {
-    QSet<QByteArrayView> items;
-    QSet<QByteArrayView> categories;
+    QSet<QByteArray> items;
+    QSet<QByteArray> categories;
+
+    bool hasItem(QByteArrayView identifier) const { return has(items, identifier); }
+    bool hasCategory(QByteArrayView identifier) const { return has(categories, identifier); }
+    static bool has(const QSet<QByteArray>& all, QByteArrayView identifier)
+    {
+        return all.contains(QByteArray::fromRawData(identifier.data(), identifier.size()));
+    }
 };
 
 /// Nothing for what is a part of something else.
@@ -43,13 +50,13 @@ std::optional<EventKind> kindOf(const PassedRow& row, const Wholes& wholes)
     case RefFile:
         return isDeleted ? EventKind::ItemDeleted : EventKind::ItemChanged;
     case Link:
-        if (wholes.items.contains(row.first) || wholes.items.contains(row.second))
+        if (wholes.hasItem(row.first) || wholes.hasItem(row.second))
             return std::nullopt;
         return EventKind::LinkRemoved;
     case CategoryId:
         return isDeleted ? EventKind::CategoryDeleted : EventKind::CategoryRenamed;
     case Category:
-        if (wholes.categories.contains(row.first) || wholes.items.contains(row.second))
+        if (wholes.hasCategory(row.first) || wholes.hasItem(row.second))
             return std::nullopt;
         return EventKind::TakenOutOfCategory;
     default:
@@ -66,6 +73,12 @@ qint64 beginOf(const QString& name)
 }
 
 } // namespace
+
+bool isBefore(const Event& a, const Event& b)
+{
+    // Of two files the first is the younger one.
+    return std::tuple(a.time, b.file, a.place) < std::tuple(b.time, a.file, b.place);
+}
 
 History::History(const Place& place)
 {
@@ -99,9 +112,7 @@ bool History::readOlder()
         while (number < m_files.size() && (m_isRead[number] || m_files[number].end < since))
             ++number;
     }
-    const auto newestFirst = [](const Event& a, const Event& b) {
-        return std::tuple(-a.time, a.file, -a.place) < std::tuple(-b.time, b.file, -b.place);
-    };
+    const auto newestFirst = [](const Event& a, const Event& b) { return isBefore(b, a); };
     std::sort(m_events.begin() + static_cast<std::ptrdiff_t>(before), m_events.end(), newestFirst);
     // A file without anything readable is not the end.
     return m_events.size() > before || readOlder();
@@ -109,91 +120,121 @@ bool History::readOlder()
 
 void History::read(quint32 number)
 {
-    LogFile& log = m_files[number];
     m_isRead[number] = true;
-    log.file = std::make_unique<QFile>(log.path);
-    if (!log.file->open(QIODevice::ReadOnly) || log.file->size() == 0)
+    const QString& path = m_files[number].path;
+    if (m_bytes.read(number, path, 0, HistoryLetters.size()).bytes != HistoryLetters)
         return;
-    const qsizetype size = log.file->size();
-    const uchar* const content = log.file->map(0, size);
-    log.file->close(); // what is mapped stays
-    if (content == nullptr)
-        return;
-    log.content = QByteArrayView(content, size);
-
-    QHash<qint64, std::vector<QByteArrayView>> pieces;
-    RecordReader records(log.content);
-    while (const std::optional<QByteArrayView> found = records.next()) {
-        PayloadReader payload(*found);
-        const auto kind = static_cast<RecordKind>(payload.number16());
-        payload.number16();
-        Group group;
-        switch (kind) {
-        case RecordKind::Group:
-            group.time = payload.number64();
-            group.operation = payload.text();
-            group.changes.push_back(payload.rest());
-            addGroup(number, std::move(group));
-            break;
-        case RecordKind::Piece: {
-            const qint64 transaction = payload.number64();
-            pieces[transaction].push_back(payload.rest());
-            break;
-        }
-        case RecordKind::PiecesEnd:
-            group.changes = pieces.take(payload.number64());
-            group.time = payload.number64();
-            group.operation = payload.text();
-            addGroup(number, std::move(group));
-            break;
-        case RecordKind::FileReplaced:
-            group.time = payload.number64();
-            group.operation = payload.text();
-            m_events.push_back({.time = group.time,
-                                .place = payload.rest().data() - log.content.data(),
-                                .file = number,
-                                .group = static_cast<quint32>(log.groups.size()),
-                                .kind = EventKind::FileReplaced});
-            group.changes.push_back(payload.rest());
-            log.groups.push_back(std::move(group));
-            break;
-        default:
-            break; // of a later version of the program
-        }
+    QHash<qint64, std::vector<Piece>> pieces;
+    for (qint64 place = HistoryLetters.size();;) {
+        const auto head = readRecordHead(m_bytes.read(number, path, place, RecordHead::Size).bytes);
+        if (!head)
+            return;
+        place += RecordHead::Size;
+        const HeldBytes payload = m_bytes.read(number, path, place, head->payloadSize);
+        if (!isWhole(*head, payload.bytes))
+            return;
+        addRecord(number, payload.bytes, place, pieces);
+        place += head->payloadSize;
     }
+}
+
+void History::addRecord(quint32 number, QByteArrayView bytes, qint64 place,
+                        QHash<qint64, std::vector<Piece>>& pieces)
+{
+    LogFile& log = m_files[number];
+    PayloadReader payload(bytes);
+    const auto kind = static_cast<RecordKind>(payload.number16());
+    payload.number16();
+    Group group;
+    const auto occasion = [&] {
+        group.time = payload.number64();
+        group.operation = operationNamed(payload.text());
+    };
+    const auto rest = [&]() -> Piece {
+        const qsizetype size = payload.rest().size();
+        return {.place = place + bytes.size() - size, .size = size};
+    };
+    switch (kind) {
+    case RecordKind::Group:
+        occasion();
+        group.changes.push_back(rest());
+        addGroup(number, std::move(group));
+        break;
+    case RecordKind::Piece: {
+        const qint64 transaction = payload.number64();
+        pieces[transaction].push_back(rest());
+        break;
+    }
+    case RecordKind::PiecesEnd:
+        group.changes = pieces.take(payload.number64());
+        occasion();
+        addGroup(number, std::move(group));
+        break;
+    case RecordKind::FileReplaced:
+        occasion();
+        m_events.push_back({.time = group.time,
+                            .place = rest().place,
+                            .file = number,
+                            .group = static_cast<quint32>(log.groups.size()),
+                            .kind = EventKind::FileReplaced});
+        group.changes.push_back(rest());
+        log.groups.push_back(std::move(group));
+        break;
+    case RecordKind::PutBack:
+        occasion();
+        m_putBacks.push_back({.note = readPutBackNote(payload),
+                              .when = {.time = group.time,
+                                       .place = place,
+                                       .file = number,
+                                       .group = std::numeric_limits<quint32>::max()}});
+        break;
+    default:
+        break; // of a later version of the program
+    }
+}
+
+QString History::operationNamed(QStringView name)
+{
+    return *m_operations.insert(name.toString());
 }
 
 void History::addGroup(quint32 number, Group group)
 {
     LogFile& log = m_files[number];
+    // What lies in the file is looked at twice: first for what was deleted as a whole.
     Wholes wholes;
-    for (const QByteArrayView& changes : group.changes) {
-        PayloadReader payload(changes);
-        while (!payload.isAtEnd()) {
-            const std::optional<PassedRow> row = passChange(payload);
-            if (!row)
-                break;
-            if (row->fate == RowFate::Deleted && isItem(row->table))
-                wholes.items.insert(row->second);
-            else if (row->fate == RowFate::Deleted && row->table == CategoryId)
-                wholes.categories.insert(row->first);
+    const auto forEachChange = [&](const auto& visit) {
+        for (std::size_t i = 0; i < group.changes.size(); ++i) {
+            const HeldBytes bytes = bytesAt(number, group.changes[i]);
+            PayloadReader payload(bytes.bytes);
+            while (!payload.isAtEnd()) {
+                const std::optional<PassedRow> row = passChange(payload);
+                if (!row)
+                    break;
+                visit(*row, group.changes[i].place + (row->all.data() - bytes.bytes.data()));
+            }
         }
-    }
-    for (const QByteArrayView& changes : group.changes) {
-        PayloadReader payload(changes);
-        while (!payload.isAtEnd()) {
-            const std::optional<PassedRow> row = passChange(payload);
-            if (!row)
-                break;
-            if (const std::optional<EventKind> kind = kindOf(*row, wholes))
-                m_events.push_back({.time = group.time,
-                                    .place = row->all.data() - log.content.data(),
-                                    .file = number,
-                                    .group = static_cast<quint32>(log.groups.size()),
-                                    .kind = *kind});
-        }
-    }
+    };
+    forEachChange([&](const PassedRow& row, qint64 /*place*/) {
+        if (row.fate == RowFate::Deleted && isItem(row.table))
+            wholes.items.insert(row.second.toByteArray());
+        else if (row.fate == RowFate::Deleted && row.table == CategoryId)
+            wholes.categories.insert(row.first.toByteArray());
+    });
+    forEachChange([&](const PassedRow& row, qint64 place) {
+        if (const std::optional<EventKind> kind = kindOf(row, wholes))
+            m_events.push_back({.time = group.time,
+                                .place = place,
+                                .file = number,
+                                .group = static_cast<quint32>(log.groups.size()),
+                                .kind = *kind});
+    });
     log.groups.push_back(std::move(group));
+}
+
+HeldBytes History::bytesAt(quint32 number, const Piece& piece) const
+{
+    return m_bytes.read(number, m_files.at(number).path, piece.place, piece.size);
 }
 
 const History::Group& History::groupOf(const Event& event) const
@@ -201,25 +242,37 @@ const History::Group& History::groupOf(const Event& event) const
     return m_files.at(event.file).groups.at(event.group);
 }
 
-QByteArrayView History::from(const Event& event) const
+/// What stands in the file from an event on, up to the end of its piece.
+HeldBytes History::from(const Event& event) const
 {
-    return m_files.at(event.file).content.sliced(event.place);
+    const std::vector<Piece>& pieces = groupOf(event).changes;
+    const auto behind =
+        std::upper_bound(pieces.begin(), pieces.end(), event.place,
+                         [](qint64 place, const Piece& piece) { return place < piece.place; });
+    if (behind == pieces.begin())
+        return {};
+    const Piece& piece = *std::prev(behind);
+    return bytesAt(event.file, {.place = event.place, .size = piece.size - (event.place - piece.place)});
 }
 
 QString History::operation(const Event& event) const
 {
-    return groupOf(event).operation.toString();
+    return groupOf(event).operation;
 }
 
 StoredRow History::row(const Event& event) const
 {
-    PayloadReader payload(from(event));
-    return readChange(payload).value_or(StoredRow());
+    const HeldBytes held = from(event);
+    PayloadReader payload(held.bytes);
+    StoredRow row = readChange(payload).value_or(StoredRow());
+    row.owner = held.owner;
+    return row;
 }
 
 FormerFile History::file(const Event& event) const
 {
-    PayloadReader payload(from(event));
+    const HeldBytes held = from(event);
+    PayloadReader payload(held.bytes);
     FormerFile file;
     file.name = payload.text().toString();
     file.hash = payload.bytes().toByteArray();
@@ -229,12 +282,14 @@ FormerFile History::file(const Event& event) const
 
 void History::forEachRowBeside(const Event& event, const std::function<void(const StoredRow&)>& visit) const
 {
-    for (const QByteArrayView& changes : groupOf(event).changes) {
-        PayloadReader payload(changes);
+    for (const Piece& piece : groupOf(event).changes) {
+        const HeldBytes held = bytesAt(event.file, piece);
+        PayloadReader payload(held.bytes);
         while (!payload.isAtEnd()) {
-            const std::optional<StoredRow> row = readChange(payload);
+            std::optional<StoredRow> row = readChange(payload);
             if (!row)
                 break;
+            row->owner = held.owner;
             visit(*row);
         }
     }
@@ -243,8 +298,7 @@ void History::forEachRowBeside(const Event& event, const std::function<void(cons
 void History::forEachText(const Event& event, const std::function<void(QStringView)>& visit) const
 {
     if (event.kind == EventKind::FileReplaced) {
-        PayloadReader payload(from(event));
-        visit(payload.text());
+        visit(file(event).name);
         return;
     }
     for (const sqlite::StoredValue& value : row(event).fields) {

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "store/kept/history_format.h"
+#include "store/kept/log_bytes.h"
 #include "store/kept/place.h"
+#include "store/kept/put_back_note.h"
 
 #include <QByteArray>
-#include <QFile>
+#include <QHash>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -35,6 +38,15 @@ struct Event {
     EventKind kind = EventKind::Other;
 };
 
+/// What came first of two.
+bool isBefore(const Event& a, const Event& b);
+
+/// That something was put back, and when: it is no event itself, and of no group.
+struct PutBackEvent {
+    PutBackNote note;
+    Event when;
+};
+
 /// The former content of a file that was replaced.
 struct FormerFile {
     QString name;
@@ -55,10 +67,14 @@ public:
     bool readOlder();
     /// Newest first.
     const std::vector<Event>& events() const { return m_events; }
+    /// In no order.
+    const std::vector<PutBackEvent>& putBacks() const { return m_putBacks; }
+    /// Whether a file was there and could not be read.
+    bool hasFailed() const { return m_bytes.hasFailed(); }
 
     /// By which operation it came about.
     QString operation(const Event& event) const;
-    /// The row as it was. Its texts live as long as this. Not for `FileReplaced`.
+    /// The row as it was, without a table when it cannot be read any more. Not for `FileReplaced`.
     StoredRow row(const Event& event) const;
     FormerFile file(const Event& event) const;
     /// Everything that was overwritten and deleted together with an event, itself included, in that order.
@@ -67,28 +83,38 @@ public:
     void forEachText(const Event& event, const std::function<void(QStringView)>& visit) const;
 
 private:
+    /// Where some changes stand in a file.
+    struct Piece {
+        qint64 place = 0;
+        qsizetype size = 0;
+    };
     struct Group {
         qint64 time = 0;
-        QStringView operation;
-        std::vector<QByteArrayView> changes; // one, or some of a long transaction
+        QString operation;
+        std::vector<Piece> changes; // one, or some of a long transaction, in their order
     };
     struct LogFile {
         QString path;
         qint64 begin = 0; // when it was begun, and last written
         qint64 end = 0;
-        std::unique_ptr<QFile> file; // holds what is mapped
-        QByteArrayView content;
         std::vector<Group> groups;
     };
 
     void read(quint32 number);
+    void addRecord(quint32 number, QByteArrayView payload, qint64 place,
+                   QHash<qint64, std::vector<Piece>>& pieces);
     void addGroup(quint32 number, Group group);
+    QString operationNamed(QStringView name);
+    HeldBytes bytesAt(quint32 number, const Piece& piece) const;
     const Group& groupOf(const Event& event) const;
-    QByteArrayView from(const Event& event) const;
+    HeldBytes from(const Event& event) const;
 
     std::vector<LogFile> m_files; // the one begun last first
     std::vector<bool> m_isRead;
     std::vector<Event> m_events;
+    std::vector<PutBackEvent> m_putBacks;
+    QSet<QString> m_operations; // each once
+    mutable LogBytes m_bytes;
 };
 
 } // namespace quillon::kept

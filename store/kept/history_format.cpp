@@ -18,8 +18,6 @@ static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "numbers and texts lie in the fil
 
 using Type = sqlite::StoredValue::Type;
 
-constexpr qsizetype HeadSize = 2 * sizeof(quint32);
-
 /// Eight bytes at a time, and four of these beside each other, which the processor does at once: it has to be cheap, and
 /// only to tell what is torn or decayed.
 quint64 wordwiseSum(QByteArrayView bytes, quint64 sum)
@@ -162,32 +160,28 @@ quint64 checksum(QByteArrayView bytes, quint64 sum)
 QByteArray record(QByteArrayView payload)
 {
     QByteArray bytes;
-    bytes.reserve(HeadSize + payload.size());
+    bytes.reserve(RecordHead::Size + payload.size());
     appendNumber(bytes, static_cast<quint32>(payload.size()));
     appendNumber(bytes, recordSum(payload));
     bytes.append(payload.data(), payload.size());
     return bytes;
 }
 
-RecordReader::RecordReader(QByteArrayView file)
-    : m_file(file), m_position(file.startsWith(HistoryLetters) ? HistoryLetters.size() : file.size())
+std::optional<RecordHead> readRecordHead(QByteArrayView bytes)
 {
+    if (bytes.size() != RecordHead::Size)
+        return std::nullopt;
+    PayloadReader numbers(bytes);
+    const qsizetype size = numbers.number32();
+    const quint32 sum = numbers.number32();
+    if (size % 2 != 0)
+        return std::nullopt;
+    return RecordHead{.payloadSize = size, .sum = sum};
 }
 
-std::optional<QByteArrayView> RecordReader::next()
+bool isWhole(const RecordHead& head, QByteArrayView payload)
 {
-    if (m_file.size() - m_position < HeadSize)
-        return std::nullopt;
-    PayloadReader head(m_file.sliced(m_position, HeadSize));
-    const qsizetype size = head.number32();
-    const quint32 sum = head.number32();
-    if (size % 2 != 0 || size > m_file.size() - m_position - HeadSize)
-        return std::nullopt;
-    const QByteArrayView payload = m_file.sliced(m_position + HeadSize, size);
-    if (recordSum(payload) != sum)
-        return std::nullopt;
-    m_position += HeadSize + size;
-    return payload;
+    return payload.size() == head.payloadSize && recordSum(payload) == head.sum;
 }
 
 template <class Number> Number PayloadReader::number()

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -20,10 +21,11 @@ namespace quillon::kept
 inline constexpr QByteArrayView HistoryLetters = "QLHIST1\n";
 
 enum class RecordKind : quint16 {
-    Group = 1,       // time, operation, changes: what one transaction has overwritten and deleted
-    Piece = 2,       // number of a long transaction, some of its changes
-    PiecesEnd = 3,   // that number, time, operation: only now its pieces count
-    FileReplaced = 4 // time, operation, name, hash and size of a file's former content
+    Group = 1,        // time, operation, changes: what one transaction has overwritten and deleted
+    Piece = 2,        // number of a long transaction, some of its changes
+    PiecesEnd = 3,    // that number, time, operation: only now its pieces count
+    FileReplaced = 4, // time, operation, name, hash and size of a file's former content
+    PutBack = 5       // time, operation: an item or a category is there again, see `PutBackNote`
 };
 
 enum class RowFate : quint16 { Changed = 1, Deleted = 2 };
@@ -50,18 +52,16 @@ QByteArray record(QByteArrayView payload);
 
 // Reading. Nothing that stands in a file is believed: reading past the end gives zeros and remembers it.
 
-/// The records of a file, one after the other, up to the first that is not whole.
-class RecordReader
-{
-public:
-    explicit RecordReader(QByteArrayView file);
-    /// The next payload; nothing at the end.
-    std::optional<QByteArrayView> next();
-
-private:
-    QByteArrayView m_file;
-    qsizetype m_position;
+/// What stands before the payload of a record.
+struct RecordHead {
+    static constexpr qsizetype Size = 2 * sizeof(quint32);
+    qsizetype payloadSize = 0;
+    quint32 sum = 0;
 };
+/// Nothing when it cannot be one.
+std::optional<RecordHead> readRecordHead(QByteArrayView bytes);
+/// Whether a payload is all there, and what it was.
+bool isWhole(const RecordHead& head, QByteArrayView payload);
 
 /// What stands in a record.
 class PayloadReader
@@ -86,8 +86,9 @@ private:
     bool m_hasFailed = false;
 };
 
-/// A row as it was, where it lies in the file.
+/// A row as it was.
 struct StoredRow {
+    std::shared_ptr<const QByteArray> owner; // of the texts
     RowFate fate = RowFate::Changed;
     const TableSchema* table = nullptr;
     qint64 row = 0;

@@ -5,6 +5,7 @@
 #include "app/base/reporting.h"
 #include "store/kept/history_file.h"
 #include "store/kept/history_format.h"
+#include "store/kept/put_back_note.h"
 
 #include <QDateTime>
 
@@ -44,6 +45,14 @@ void writeFileReplaced(HistoryFile& history, const QString& name, const QByteArr
     appendText(payload, name);
     appendBytes(payload, hash);
     appendNumber(payload, size);
+    history.append(payload);
+}
+
+void writePutBack(HistoryFile& history, const PutBackNote& note)
+{
+    QByteArray payload = recordOf(RecordKind::PutBack);
+    appendOccasion(payload, history.reporting());
+    appendPutBackNote(payload, note);
     history.append(payload);
 }
 

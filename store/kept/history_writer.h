@@ -11,9 +11,13 @@ namespace quillon::kept
 {
 
 class HistoryFile;
+struct PutBackNote;
 
 /// Appends to a history that a file was replaced. `hash`: of its former content, empty when that is not kept.
 void writeFileReplaced(HistoryFile& history, const QString& name, const QByteArray& hash, qint64 size);
+
+/// Appends to a history that something is there again.
+void writePutBack(HistoryFile& history, const PutBackNote& note);
 
 /// Writes what a connection overwrites and deletes to a history: each transaction as one group, when it is durable.
 class HistoryWriter : public sqlite::RowListener

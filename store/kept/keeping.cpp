@@ -147,6 +147,12 @@ void Keeping::passOnDamage(const Damage& damage)
     QMetaObject::invokeMethod(m_here.get(), tell, Qt::QueuedConnection);
 }
 
+void Keeping::isBack(const PutBackNote& note)
+{
+    if (m_history)
+        writePutBack(*m_history, note);
+}
+
 std::unique_ptr<Keeper::ReplacedFile> Keeping::fileGoes(const QString& path)
 {
     if (!m_history || !platform::isOrdinaryFile(path))

@@ -52,6 +52,7 @@ public:
     void databaseWasBrokenOff() override;
     void databaseIsDamaged(const QString& path) override;
     std::unique_ptr<ReplacedFile> fileGoes(const QString& path) override;
+    void isBack(const PutBackNote& note) override;
     QString keptFolder() const override { return m_order.keptFolder; }
 
 private:

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -46,12 +47,15 @@ void removeLeftOver(const QString& folder, qint64 now)
     }
 }
 
-QSet<QByteArray> namedContents(const Place& place)
+/// Nothing when not all of the history can be read: nobody knows then what is named.
+std::optional<QSet<QByteArray>> namedContents(const Place& place)
 {
     QSet<QByteArray> named;
     History history(place);
     while (history.readOlder()) {
     }
+    if (history.hasFailed())
+        return std::nullopt;
     for (const Event& event : history.events()) {
         if (event.kind == EventKind::FileReplaced)
             named.insert(history.file(event).hash);
@@ -91,8 +95,10 @@ void prune(const Place& place, qint64 now, const HistoryRules& rules)
     pruneHistory(place, now, rules);
     removeLeftOver(place.copies(), now);
     removeLeftOver(place.files(), now);
-    if (!QDir(place.files()).isEmpty())
-        FileContents(place).removeAllBut(namedContents(place), now);
+    if (QDir(place.files()).isEmpty())
+        return;
+    if (const auto named = namedContents(place))
+        FileContents(place).removeAllBut(*named, now);
 }
 
 } // namespace quillon::kept

@@ -5,6 +5,7 @@
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTest>
 
@@ -66,6 +67,28 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(path));
         QCOMPARE(ListCopies(session(), path).size(), std::size_t{1});
         QVERIFY(TakeOutCopy(session(), copy(), path));
+    }
+
+    void theRegisteredFilesThatAreKeptComeWithIt()
+    {
+        const QString content = QString(u"絵"_s);
+        QDir(world->folder.path()).mkpath(u"RefFile"_s);
+        QFile picture(world->folder.filePath(u"RefFile/図.txt"_s));
+        QVERIFY(picture.open(QIODevice::WriteOnly));
+        picture.write(content.toUtf8());
+        picture.close();
+        TestWorld::addRow(session().RsRefFile, {u"図.txt"_s, u"F-991231-001"_s, u"図.txt"_s});
+        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+                        .fileFolder = world->folder.filePath(u"RefFile"_s),
+                        .now = [] { return QDateTime(QDate(2026, 2, 1), QTime(12, 0)); },
+                        .goesOn = [] { return true; }});
+        QDir(world->folder.path()).mkdir(u"別"_s);
+        const auto files = TakeOutCopy(session(), copy(), world->folder.filePath(u"別/控え.mdb"_s));
+        QVERIFY(files);
+        QCOMPARE(files->written, 1);
+        QFile taken(world->folder.filePath(u"別/RefFile/図.txt"_s));
+        QVERIFY(taken.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(taken.readAll()), content);
     }
 
     void nothingThatIsThereIsOverwritten()

@@ -18,6 +18,7 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -46,6 +47,26 @@ class TestRestoring : public QObject
         }
         return things.count() > 0 ? PutBack(session(), things, 0) : std::nullopt;
     }
+    /// Puts back the newest deleted item with an identifier, a moment later than whatever came before.
+    std::optional<PutBackResult> putBackItem(const QString& identifier)
+    {
+        world->clock.time = world->clock.time.addSecs(1);
+        LostThings things(session());
+        things.ask({.text = identifier, .kind = EventKind::ItemDeleted});
+        while (things.readOn()) {
+        }
+        for (std::size_t i = 0; i < things.count(); ++i) {
+            if (things.entry(i).identifier == identifier)
+                return PutBack(session(), things, i);
+        }
+        return std::nullopt;
+    }
+    void deleteLater(const QString& identifier)
+    {
+        world->clock.time = world->clock.time.addSecs(1);
+        QVERIFY(DeleteData(session(), identifier, 0));
+    }
+    static QString other(const QString& identifier) { return identifier == Water ? Fire : Water; }
     QStringList listed(const LostQuestion& question)
     {
         LostThings things(session());
@@ -188,6 +209,98 @@ private Q_SLOTS:
         QVERIFY(rowsOf(session().RsLink).contains(u"M-991231-001|M-991231-002"_s));
     }
 
+    void aLinkBetweenTwoDeletedItemsComesBackWhicheverIsPutBackFirst_data()
+    {
+        QTest::addColumn<QString>("deletedFirst");
+        QTest::addColumn<QString>("backFirst");
+        QTest::newRow("source, source") << Water << Water;
+        QTest::newRow("source, target") << Water << Fire;
+        QTest::newRow("target, source") << Fire << Water;
+        QTest::newRow("target, target") << Fire << Fire;
+    }
+    void aLinkBetweenTwoDeletedItemsComesBackWhicheverIsPutBackFirst()
+    {
+        QFETCH(QString, deletedFirst);
+        QFETCH(QString, backFirst);
+        const QStringList before = rowsOf(session().RsLink);
+        for (const QString& identifier : {deletedFirst, other(deletedFirst)})
+            deleteLater(identifier);
+        for (const QString& identifier : {backFirst, other(backFirst)})
+            QVERIFY(putBackItem(identifier));
+        QStringList after = rowsOf(session().RsLink);
+        std::sort(after.begin(), after.end());
+        QStringList expected = before;
+        std::sort(expected.begin(), expected.end());
+        QCOMPARE(after, expected);
+    }
+
+    void aLinkComesBackAlsoWithOtherIdentifiersAtBothEnds()
+    {
+        deleteLater(Water);
+        deleteLater(Fire);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u""_s});
+        TestWorld::addRow(session().RsMain, {u"風"_s, Fire, u""_s});
+        const auto first = putBackItem(Water);
+        QVERIFY(first && first->identifier == u"M-991231-003"_s);
+        QCOMPARE(first->missing, 1);
+        QCOMPARE(rowsOf(session().RsLink), QStringList(u"R-991231-001|M-991231-003"_s));
+        const auto second = putBackItem(Fire);
+        QVERIFY(second && second->identifier == u"M-991231-004"_s);
+        QCOMPARE(second->missing, 0);
+        QCOMPARE(rowsOf(session().RsLink),
+                 QStringList({u"R-991231-001|M-991231-003"_s, u"M-991231-003|M-991231-004"_s}));
+    }
+
+    void whoeverBearsTheIdentifierNowIsNotLinkedInItsPlace()
+    {
+        deleteLater(Water);
+        deleteLater(Fire);
+        TestWorld::addRow(session().RsMain, {u"風"_s, Fire, u""_s});
+        const auto result = putBackItem(Water);
+        QVERIFY(result);
+        QCOMPARE(result->missing, 1);
+        QCOMPARE(rowsOf(session().RsLink), QStringList(u"R-991231-001|M-991231-001"_s));
+    }
+
+    void aLinkThatWasRemovedSinceIsNotDueAnyMore()
+    {
+        deleteLater(Water);
+        deleteLater(Fire);
+        QVERIFY(putBackItem(Water));
+        QVERIFY(putBackItem(Fire));
+        session().RsLink->deleteEveryRow();
+        deleteLater(Fire);
+        QVERIFY(putBackItem(Fire));
+        QCOMPARE(rowsOf(session().RsLink), QStringList());
+    }
+
+    void aDeletedItemAndItsDeletedCategoryMeetAgainWhicheverIsPutBackFirst_data()
+    {
+        QTest::addColumn<bool>("itemDeletedFirst");
+        QTest::addColumn<bool>("itemBackFirst");
+        QTest::newRow("item, item") << true << true;
+        QTest::newRow("item, category") << true << false;
+        QTest::newRow("category, item") << false << true;
+        QTest::newRow("category, category") << false << false;
+    }
+    void aDeletedItemAndItsDeletedCategoryMeetAgainWhicheverIsPutBackFirst()
+    {
+        QFETCH(bool, itemDeletedFirst);
+        QFETCH(bool, itemBackFirst);
+        if (itemDeletedFirst)
+            deleteLater(Water);
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        if (!itemDeletedFirst)
+            deleteLater(Water);
+        world->clock.time = world->clock.time.addSecs(1);
+        if (itemBackFirst)
+            QVERIFY(putBackItem(Water));
+        QVERIFY(putBackNewest(EventKind::CategoryDeleted));
+        if (!itemBackFirst)
+            QVERIFY(putBackItem(Water));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-A|M-991231-001"_s));
+    }
+
     void puttingBackTwiceMakesASecondItemAndNoSecondLink()
     {
         QVERIFY(DeleteData(session(), Water, 0));
@@ -294,6 +407,20 @@ private Q_SLOTS:
                  QStringList({u"ファイルの上書き: 図.txt ()"_s, u"ファイルの上書き: 図.txt ()"_s}));
         QVERIFY(putBackNewest(EventKind::FileReplaced));
         QCOMPARE(registered(), QByteArray("new"));
+    }
+
+    void aFileReplacedAMomentAgoComesBackAtOnceAsOftenAsOneLikes()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"new"_s);
+        for (int times = 0; times < 3; ++times) {
+            world->clock.time = world->clock.time.addSecs(1);
+            QVERIFY(putBackNewest(EventKind::FileReplaced));
+            QCOMPARE(registered(), times % 2 == 0 ? QByteArray("old") : QByteArray("new"));
+        }
+        QVERIFY(QFile::remove(file()));
+        QVERIFY(putBackNewest(EventKind::FileReplaced));
+        QCOMPARE(registered(), QByteArray("new")); // what the last putting back replaced
     }
 
     void theSameFileRegisteredOnceMoreReplacesNothing()

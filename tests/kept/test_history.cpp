@@ -242,6 +242,37 @@ private Q_SLOTS:
         QCOMPARE(told(), QStringList(u"taken out by : A|M-991231-001"_s));
     }
 
+    void aFileThatIsCutShortWhileItIsReadEndsThere()
+    {
+        for (int i = 0; i < 100; ++i) {
+            session().RsMain->moveFirst();
+            session().RsMain->edit();
+            session().RsMain->setField(2, QString::number(i));
+            session().RsMain->update();
+        }
+        const QString file = place().history() + u'/' + files().at(0);
+        History history(place());
+        QVERIFY(history.readOlder());
+        QCOMPARE(history.events().size(), std::size_t{100});
+        // Nobody does that; a disk may.
+        QVERIFY(QFile::resize(file, 60));
+        for (const Event& event : history.events())
+            history.row(event);
+        History later(place());
+        QVERIFY(!later.readOlder());
+        QVERIFY(!later.hasFailed());
+    }
+
+    void aLargeRecordIsReadAcrossTheBlocksOfItsFile()
+    {
+        const QString text(1'500'000, u'永');
+        TestWorld::addRow(session().RsRefDoc, {u"長い文"_s, u"R-991231-001"_s, text});
+        deleteFrom(session().RsRefDoc);
+        deleteFrom(session().RsLink);
+        QCOMPARE(told(), QStringList({u"link removed by : M-991231-001|M-991231-002"_s,
+                                      u"item deleted by : 長い文|R-991231-001|"_s + text}));
+    }
+
     void anythingAtAllMayLieAmongTheFiles()
     {
         deleteFrom(session().RsLink);

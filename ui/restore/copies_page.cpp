@@ -138,11 +138,10 @@ void CopiesPage::takeOut(const kept::Copy& copy, const QString& target)
     TakenOutFiles files;
     {
         const WaitCursor cursor;
-        if (!TakeOutCopy(m_session, copy, target))
+        const std::optional<TakenOutFiles> taken = TakeOutCopy(m_session, copy, target);
+        if (!taken)
             return;
-        const QString folder = QFileInfo(target).absolutePath() + QDir::separator() + titles::FileFolder;
-        const std::optional<TakenOutFiles> taken = TakeOutFiles(m_session, m_database, copy, folder);
-        files = taken.value_or(TakenOutFiles());
+        files = *taken;
     }
     QString text = u"控えを「"_s + target + u"」に取り出しました。"_s;
     if (files.written > 0)
