@@ -57,7 +57,7 @@ QString plain(const QString& part)
 
 QString textOfWay(const QStringList& way)
 {
-    return joined(way, u'/', u"/;"_s);
+    return joined(way, u'/', u"/;；\r\n"_s);
 }
 
 QStringList wayOfText(const QString& text)
