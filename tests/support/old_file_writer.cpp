@@ -98,7 +98,8 @@ QByteArray encoded932(const QString& text)
 QByteArray encodedUtf16(QStringView text)
 {
     QByteArray bytes(text.size() * 2, Qt::Uninitialized);
-    qToLittleEndian<char16_t>(text.utf16(), text.size(), bytes.data());
+    if (!text.isEmpty())
+        qToLittleEndian<char16_t>(text.utf16(), text.size(), bytes.data());
     return bytes;
 }
 
