@@ -8,7 +8,7 @@
 #include "tests/faults/faulty_disk.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
-#include "tests/support/old_file_writer.h"
+#include "tests/old_files/old_file_writer.h"
 #include "tests/support/test_world.h"
 
 #include <QDir>

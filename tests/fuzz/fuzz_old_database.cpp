@@ -4,7 +4,7 @@
 #include "app/base/error.h"
 #include "store/old_format/old_database.h"
 #include "tests/fuzz/fuzz.h"
-#include "tests/support/old_file_writer.h"
+#include "tests/old_files/old_file_writer.h"
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,7 @@
 #include "tests/faults/faulty_disk.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/drag.h"
-#include "tests/support/old_file_writer.h"
+#include "tests/old_files/old_file_writer.h"
 #include "tests/support/window_world.h"
 #include "ui/data/frmMainData.h"
 #include "ui/main/frmMainMenu.h"

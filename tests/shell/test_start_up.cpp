@@ -5,7 +5,7 @@
 #include "app/shell/program.h"
 #include "store/database.h"
 #include "store/schema.h"
-#include "tests/support/old_file_writer.h"
+#include "tests/old_files/old_file_writer.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "tests/support/window_world.h"

@@ -1,4 +1,4 @@
-#include "tests/support/old_file_writer.h"
+#include "tests/old_files/old_file_writer.h"
 
 #include "app/base/platform/code_page.h"
 
