@@ -29,15 +29,15 @@ public:
         const DataKind* kind = nullptr;
         QString name;
         QString identifier;
-        std::vector<std::size_t> linksTo;    // positions of data: links stored from this one
-        std::vector<std::size_t> linkedFrom; // the same, from the other ones
-        std::vector<std::size_t> categories; // positions of categories
+        std::vector<std::size_t> linksTo = {};    // positions of data: links stored from this one
+        std::vector<std::size_t> linkedFrom = {}; // the same, from the other ones
+        std::vector<std::size_t> categories = {}; // positions of categories
     };
     struct Category {
         QString identifier;
         QString name;
-        std::vector<std::size_t> below; // positions of categories
-        std::vector<std::size_t> data;
+        std::vector<std::size_t> below = {}; // positions of categories
+        std::vector<std::size_t> data = {};
         bool isTop = true;
     };
 
