@@ -25,6 +25,12 @@ constexpr std::array WideCharacters = {
 
 int columnsOf(char32_t code)
 {
+    // Most of all characters, and long lists are made of them: letters, kana and the common kanji.
+    constexpr char32_t FirstMark = 0x300;
+    if (code < FirstMark)
+        return 1;
+    if ((code >= 0x3041 && code <= 0x3096) || (code >= 0x309B && code <= 0x9FFF))
+        return 2;
     switch (QChar::category(code)) {
     case QChar::Mark_NonSpacing:
     case QChar::Mark_Enclosing:
@@ -55,8 +61,10 @@ template <class Visit> void forEachCharacter(QStringView text, Visit&& visit)
 
 bool steersTerminal(QChar character)
 {
-    // Whatever turns the direction of what follows is as misleading as what moves the cursor.
     const auto code = character.unicode();
+    if ((code >= u' ' && code <= u'~') || (code >= 0x2070 && code < 0xD800))
+        return false;
+    // Whatever turns the direction of what follows is as misleading as what moves the cursor.
     return character.category() == QChar::Other_Control || (code >= 0x202A && code <= 0x202E) ||
            (code >= 0x2066 && code <= 0x2069);
 }

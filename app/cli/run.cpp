@@ -5,12 +5,17 @@
 #include "app/base/system_ports.h"
 #include "app/base/titles.h"
 #include "app/cli/help.h"
+#include "store/creation.h"
 #include "store/database.h"
 #include "store/kept/copies.h"
 #include "store/kept/keeping.h"
 #include "store/opened_file.h"
+#include "store/record_set.h"
 
 #include <QDir>
+#include <QFile>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 
 #include <memory>
 #include <new>
@@ -60,18 +65,58 @@ public:
                 .session = m_session,
                 .database = {}};
         const Needs needs = m_arguments.verb->needs;
-        if (needs != Needs::Nothing)
-            run.database = database();
-        if (needs != Needs::Nothing && needs != Needs::Reading)
+        if (needs == Needs::Nothing)
+            return done(run);
+        run.database = database();
+        if (needs == Needs::Filling && !m_files.entryExists(run.database))
+            return fillNew(run);
+        if (needs != Needs::Reading)
             keep(run.database, needs);
-        if (needs != Needs::Nothing && needs != Needs::Place)
+        if (needs != Needs::Place)
             open(run.database);
+        return done(run);
+    }
+
+private:
+    Status done(Run& run)
+    {
+        // The history tells by what something was lost.
+        const OperationAtWork atWork(m_session.reporting, u"quillon-cli "_s + m_arguments.verb->name);
         const Status status = m_arguments.verb->run(run);
         m_output.flush();
         return status;
     }
 
-private:
+    /// Makes the database that is not there. It does not stay when nothing comes into it.
+    Status fillNew(Run& run)
+    {
+        const QTemporaryDir elsewhere;
+        const bool stays = !m_arguments.has(u"--dry-run"_s);
+        if (!stays)
+            run.database = elsewhere.filePath(u"empty.mdb"_s);
+        const auto refuse = [](const Error& error) { throw Refusal{Status::NoDatabase, error.description}; };
+        guardedBy(refuse, [&] { createDatabaseFile(run.database); });
+        bool isFilled = false;
+        const auto remove = qScopeGuard([&] {
+            close();
+            if (!isFilled)
+                QFile::remove(run.database);
+        });
+        open(run.database);
+        const Status status = done(run);
+        isFilled = stays;
+        return status;
+    }
+
+    void close()
+    {
+        for (auto* const rows :
+             {&m_session.RsMain, &m_session.RsOpenApp, &m_session.RsRefFile, &m_session.RsRefDoc,
+              &m_session.RsLink, &m_session.RsCategoryID, &m_session.RsCategory})
+            rows->reset();
+        m_session.OpenDb.reset();
+    }
+
     static QString folder(const Arguments& arguments)
     {
         const QString current = QDir::currentPath();
@@ -99,7 +144,7 @@ private:
             return;
         kept::KeepingOrder order{.keptFolder = *keptFolder,
                                  .fileFolder = m_session.inCurrentFolder(titles::FileFolder)};
-        if (needs == Needs::Writing)
+        if (needs == Needs::Writing || needs == Needs::Filling)
             order.copies = copiesWhenDue(*keptFolder, database, m_clock.now());
         m_keeping = std::make_unique<kept::Keeping>(m_session.reporting, order);
         m_session.keeper = m_keeping.get();

@@ -27,6 +27,12 @@ Status classify(Run& run);
 Status unclassify(Run& run);
 Status openFile(Run& run);
 Status stats(Run& run);
+Status check(Run& run);
+Status history(Run& run);
+Status restore(Run& run);
+Status copies(Run& run);
+Status exportData(Run& run);
+Status importData(Run& run);
 Status completion(Run& run);
 Status help(Run& run);
 

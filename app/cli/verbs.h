@@ -28,8 +28,9 @@ enum class Needs {
     Nothing,
     Place,   ///< its name; the file need not be there
     Reading, ///< it is opened
-    Kept,    ///< the same, together with what is kept of it
-    Writing  ///< the same, and what is overwritten and deleted is kept
+    Kept,    ///< the same, and what is overwritten and deleted is kept
+    Writing, ///< the same, and a copy is made when it is time
+    Filling  ///< the same, but a database that is not there is made
 };
 
 /// A verb: all that is known of it. From these the words of a command are understood, and the help, the manual pages and
@@ -45,7 +46,7 @@ struct Verb {
     QString english;
     QString example;             // the words after the program's name
     QStringList firstWords = {}; // what the first word can be; empty: anything
-    bool takesPath = false;      // the first word names a file
+    bool takesPath = false;      // one of the words names a file
     Status (*run)(Run& run) = nullptr;
 };
 

@@ -134,6 +134,12 @@ private Q_SLOTS:
             u"  unclassify       データの分類を解除します。\n"
             u"  open             ファイルデータのファイルを、関連付けられたアプリで開きます。\n"
             u"  stats            データ、リンク、カテゴリ、分類の数を表示します。\n"
+            u"  check            データベースと RefFile フォルダを調べ、問題を一覧にします。\n"
+            u"  history          上書きまたは削除されたものを、新しい順に一覧にします。\n"
+            u"  restore          history が表示したものを一つ元に戻します。\n"
+            u"  copies           データベースの控えを一覧にするか、一つを新しいファイルに取り出します。\n"
+            u"  export           データベースを、新しいフォルダまたはファイルに書き出します。\n"
+            u"  import           書庫、CSV や TSV、テキストや Markdown のフォルダ、以前の形式のデータベースを取り込みます。データベースがなければ作成します。\n"
             u"  completion       シェルの補完の設定を出力します。\n"
             u"  help             コマンドの説明を表示します。\n"
             u"\n"
@@ -359,6 +365,71 @@ private Q_SLOTS:
                                << u"\n"
                                   u"例:\n"
                                   u"  quillon-cli stats --json\n"_s;
+        QTest::newRow("check") << u"check"_s
+                               << u"使い方: quillon-cli [--database FILE] [--home FOLDER] check [--repair]\n"
+                                  u"\n"
+                                  u"データベースと RefFile フォルダを調べ、問題を一覧にします。\n"
+                                  u"\n"
+                                  u"オプション:\n"
+                                  u"  --repair  控えを作成してから、相手のないリンクと分類を削除します\n"
+                                  u"  --json    一行に一つの JSON で出力します\n"_s
+                               << u"\n"
+                                  u"例:\n"
+                                  u"  quillon-cli check --repair\n"_s;
+        QTest::newRow("history") << u"history"_s
+                                 << u"使い方: quillon-cli [--database FILE] [--home FOLDER] history [TEXT]\n"
+                                    u"\n"
+                                    u"上書きまたは削除されたものを、新しい順に一覧にします。\n"
+                                    u"\n"
+                                    u"オプション:\n"
+                                    u"  --json  一行に一つの JSON で出力します\n"_s
+                                 << u"\n"
+                                    u"例:\n"
+                                    u"  quillon-cli history 水\n"_s;
+        QTest::newRow("restore") << u"restore"_s
+                                 << u"使い方: quillon-cli [--database FILE] [--home FOLDER] restore EVENT\n"
+                                    u"\n"
+                                    u"history が表示したものを一つ元に戻します。\n"_s
+                                 << u"\n"
+                                    u"例:\n"
+                                    u"  quillon-cli restore mi9k2x4c-8\n"_s;
+        QTest::newRow("copies")
+            << u"copies"_s
+            << u"使い方: quillon-cli [--database FILE] [--home FOLDER] copies [--take COPY --to FILE]\n"
+               u"\n"
+               u"データベースの控えを一覧にするか、一つを新しいファイルに取り出します。\n"
+               u"\n"
+               u"オプション:\n"
+               u"  --take COPY  取り出す控えの名前\n"
+               u"  --to FILE    取り出した控えを書き込む新しいファイル\n"
+               u"  --json       一行に一つの JSON で出力します\n"_s
+            << u"\n"
+               u"例:\n"
+               u"  quillon-cli copies --take 2026-01-31_120000.mdb --to old.mdb\n"_s;
+        QTest::newRow("export")
+            << u"export"_s
+            << u"使い方: quillon-cli [--database FILE] [--home FOLDER] export archive|csv|markdown TARGET\n"
+               u"\n"
+               u"データベースを、新しいフォルダまたはファイルに書き出します。\n"
+               u"\n"
+               u"オプション:\n"
+               u"  --json  一行に一つの JSON で出力します\n"_s
+            << u"\n"
+               u"例:\n"
+               u"  quillon-cli export archive ~/書庫\n"_s;
+        QTest::newRow("import")
+            << u"import"_s
+            << u"使い方: quillon-cli [--database FILE] [--home FOLDER] import archive|csv|text|markdown|old SOURCE [--dry-run] [--split]\n"
+               u"\n"
+               u"書庫、CSV や TSV、テキストや Markdown のフォルダ、以前の形式のデータベースを取り込みます。データベースがなければ作成します。\n"
+               u"\n"
+               u"オプション:\n"
+               u"  --dry-run  何が起きるかを表示するだけで、書き込みません\n"
+               u"  --split    長すぎる文章を、リンクでつないだ複数の文献に分けます (text、markdown)\n"
+               u"  --json     一行に一つの JSON で出力します\n"_s
+            << u"\n"
+               u"例:\n"
+               u"  quillon-cli import archive ~/書庫 --dry-run\n"_s;
         QTest::newRow("completion")
             << u"completion"_s
             << u"使い方: quillon-cli [--database FILE] [--home FOLDER] completion bash|zsh|fish\n"
@@ -510,6 +581,12 @@ private:
                                              u"unclassify"_s,
                                              u"open"_s,
                                              u"stats"_s,
+                                             u"check"_s,
+                                             u"history"_s,
+                                             u"restore"_s,
+                                             u"copies"_s,
+                                             u"export"_s,
+                                             u"import"_s,
                                              u"completion"_s,
                                              u"help"_s};
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "exchange/source_texts.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace quillon
+{
+class Session;
+}
+namespace quillon::exchange
+{
+class Progress;
+}
+
+namespace quillon::cli
+{
+
+/// A form in which data come in.
+struct ImportFormat {
+    QString name;
+    exchange::ImportReport (*run)(Session& session, const QString& source,
+                                  const exchange::TextImportOptions& options, exchange::Progress* progress);
+};
+
+/// A form in which data go out.
+struct ExportFormat {
+    QString name;
+    exchange::ExportReport (*run)(Session& session, const QString& target, exchange::Progress* progress);
+};
+
+const std::vector<ImportFormat>& importFormats();
+const std::vector<ExportFormat>& exportFormats();
+
+/// The names of formats, for the table of verbs.
+template <class Format> QStringList namesOf(const std::vector<Format>& formats)
+{
+    QStringList names;
+    for (const Format& format : formats)
+        names << format.name;
+    return names;
+}
+
+} // namespace quillon::cli

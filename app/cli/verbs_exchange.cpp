@@ -1,0 +1,172 @@
+#include "app/base/absolute_path.h"
+#include "app/base/ports/clock.h"
+#include "app/cli/columns.h"
+#include "app/cli/formats.h"
+#include "app/cli/run.h"
+#include "app/cli/verb_functions.h"
+#include "exchange/progress.h"
+#include "exchange/refused.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon::cli
+{
+
+namespace
+{
+
+/// Tells on a terminal how far a long work is; an interruption ends it.
+class LineProgress : public exchange::Progress
+{
+public:
+    explicit LineProgress(Run& run)
+        : m_clock(run.session.clock), m_shows(platform::isTerminal(platform::Stream::Errors))
+    {
+    }
+    ~LineProgress() override
+    {
+        if (m_hasShown)
+            show("\r\033[K");
+    }
+    LineProgress(const LineProgress&) = delete;
+    LineProgress& operator=(const LineProgress&) = delete;
+
+    void at(qint64 done, qint64 whole) override
+    {
+        constexpr qint64 Interval = 200; // milliseconds
+        const qint64 now = m_clock.milliseconds();
+        if (!m_shows || now < m_next)
+            return;
+        m_next = now + Interval;
+        m_hasShown = true;
+        show(whole > 0 ? "\r" + QByteArray::number(done * 100 / whole) + " %\033[K"
+                       : "\r" + QByteArray::number(done) + "\033[K");
+    }
+    bool cancelled() override { return platform::wasInterrupted(); }
+
+private:
+    static void show(const QByteArray& text)
+    {
+        static_cast<void>(platform::writeTo(platform::Stream::Errors, text));
+    }
+
+    Clock& m_clock;
+    bool m_shows;
+    bool m_hasShown = false;
+    qint64 m_next = 0;
+};
+
+/// The full name of what a command names as its source or target.
+QString fullName(const QString& name)
+{
+    return QDir::toNativeSeparators(QDir::cleanPath(absolutePath(QDir::currentPath(), name)));
+}
+
+struct Counted {
+    QByteArrayView name;
+    QString label;
+    qint64 number = 0;
+};
+
+/// Tells what was done: the numbers and then the notes.
+template <class Counts>
+void writeReport(Run& run, const Counts& counts, const std::vector<exchange::Note>& notes)
+{
+    Output& output = run.output;
+    if (run.isJson()) {
+        for (const Counted& count : counts) {
+            output.write(&count == counts.data() ? "{\"" : ",\"");
+            output.write(count.name);
+            output.write("\":");
+            output.writeNumber(count.number);
+        }
+        output.write(",\"notes\":[");
+        for (const exchange::Note& note : notes) {
+            output.write(&note == notes.data() ? "{\"where\":" : ",{\"where\":");
+            output.writeJson(note.where);
+            output.write(",\"text\":");
+            output.writeJson(note.text);
+            output.write('}');
+        }
+        output.write("]}\n");
+        return;
+    }
+    constexpr int LabelColumns = 20;
+    constexpr int NumberColumns = 9;
+    for (const Counted& count : counts)
+        output.write(padded(count.label, LabelColumns) +
+                     QString::number(count.number).rightJustified(NumberColumns) + u'\n');
+    for (const exchange::Note& note : notes)
+        output.write((note.where.isEmpty() ? QString() : onePrintedLine(note.where) + u": "_s) +
+                     printedLines(note.text) + u'\n');
+}
+
+/// The format that a command names.
+template <class Format> const Format& formatAskedFor(const Run& run, const std::vector<Format>& formats)
+{
+    return *std::find_if(formats.begin(), formats.end(),
+                         [&](const Format& format) { return format.name == run.arguments.words[0]; });
+}
+
+/// Runs an import or an export. What ends it has written nothing.
+template <class Work> auto whole(Work&& work)
+{
+    try {
+        return std::forward<Work>(work)();
+    } catch (const exchange::Cancelled& cancelled) {
+        throw Refusal{Status::HalfWay, cancelled.description};
+    } catch (const Error& error) {
+        // It is the source that is not what it was to be; the database has been opened.
+        if (error.number == errors::NotADatabase)
+            throw Refusal{Status::Refused, error.description};
+        throw;
+    }
+}
+
+} // namespace
+
+Status exportData(Run& run)
+{
+    const QString target = fullName(run.arguments.words[1]);
+    const exchange::ExportReport report = whole([&] {
+        LineProgress progress(run);
+        return formatAskedFor(run, exportFormats()).run(run.session, target, &progress);
+    });
+    writeReport(run,
+                std::array{Counted{"written", u"書き出したデータ"_s, report.written},
+                           Counted{"files", u"作成したファイル"_s, report.files}},
+                report.notes);
+    return Status::Done;
+}
+
+Status importData(Run& run)
+{
+    const QString source = fullName(run.arguments.words[1]);
+    exchange::TextImportOptions options;
+    options.dryRun = run.arguments.has(u"--dry-run"_s);
+    if (run.arguments.has(u"--split"_s))
+        options.longTexts = exchange::LongTexts::Split;
+    const exchange::ImportReport report = whole([&] {
+        LineProgress progress(run);
+        return formatAskedFor(run, importFormats()).run(run.session, source, options, &progress);
+    });
+    writeReport(run,
+                std::array{Counted{"added", u"追加したデータ"_s, report.added},
+                           Counted{"skipped", u"既にあるデータ"_s, report.skipped},
+                           Counted{"renamed", u"識別符号の変更"_s, report.renamed},
+                           Counted{"linked", u"追加したリンク"_s, report.linked},
+                           Counted{"filed", u"追加した分類"_s, report.filed},
+                           Counted{"categories", u"追加したカテゴリ"_s, report.categories}},
+                report.notes);
+    if (options.dryRun)
+        tell(u"--dry-run のため、何も書き込んでいません。"_s);
+    return report.added + report.linked + report.filed + report.categories > 0 ? Status::Done
+                                                                               : Status::NothingFound;
+}
+
+} // namespace quillon::cli

@@ -1,0 +1,175 @@
+#include "tests/cli/cli_world.h"
+#include "tests/old_files/old_file_writer.h"
+
+#include "store/record_set.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+namespace
+{
+
+QString reportOf(qint64 added, qint64 skipped, qint64 renamed, qint64 linked, qint64 filed, qint64 categories)
+{
+    const auto number = [](qint64 count) { return QString::number(count).rightJustified(9) + u'\n'; };
+    return u"追加したデータ      "_s + number(added) + u"既にあるデータ      "_s + number(skipped) +
+           u"識別符号の変更      "_s + number(renamed) + u"追加したリンク      "_s + number(linked) +
+           u"追加した分類        "_s + number(filed) + u"追加したカテゴリ    "_s + number(categories);
+}
+
+} // namespace
+
+/// What comes in and goes out, run as a shell does.
+class TestCliExchange : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_world = std::make_unique<CliWorld>();
+        m_world->fillDatabase();
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"RefFile"_s));
+        QVERIFY(m_world->write(u"RefFile/水.txt"_s, "water"));
+    }
+
+    void anArchiveGoesOutAndComesIn()
+    {
+        QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫"_s}),
+                 answer(0, u"書き出したデータ            4\n作成したファイル            9\n"_s));
+        const QString before = m_world->run({u"list"_s, u"--json"_s}).output;
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"別の所"_s));
+        m_world->database = u"別の所/新しい.mdb"_s;
+        const QStringList import{u"--home"_s, u"別の所"_s, u"import"_s, u"archive"_s, u"書庫"_s};
+        const QString whole = reportOf(4, 0, 0, 1, 2, 3);
+        QCOMPARE(m_world->run(import + QStringList{u"--dry-run"_s}),
+                 answer(0, whole, u"--dry-run のため、何も書き込んでいません。\n"_s));
+        QVERIFY(!QFile::exists(m_world->path(u"別の所/新しい.mdb"_s)));
+        QCOMPARE(m_world->run(import), answer(0, whole));
+        QCOMPARE(m_world->run({u"list"_s, u"--json"_s}).output, before);
+        QVERIFY(QFile::exists(m_world->path(u"別の所/RefFile/水.txt"_s)));
+        // Once more there is nothing to do.
+        QCOMPARE(m_world->run(import + QStringList{u"--json"_s}),
+                 answer(1,
+                        u"{\"added\":0,\"skipped\":4,\"renamed\":0,\"linked\":0,\"filed\":0,\"categories\":0,"
+                        u"\"notes\":[]}\n"_s));
+    }
+
+    void whatStandsThereIsNotReplaced()
+    {
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"書庫"_s));
+        const Answered answered = m_world->run({u"export"_s, u"archive"_s, u"書庫"_s});
+        QCOMPARE(answered.status, 4);
+        QVERIFY(answered.errors.startsWith(u"quillon-cli: "_s));
+        QVERIFY(QDir(m_world->path(u"書庫"_s)).isEmpty());
+    }
+
+    void whatIsNoArchiveLeavesNothingBehind()
+    {
+        m_world->database = u"新しい.mdb"_s;
+        for (const QString& source : {u"RefFile"_s, u"ない"_s}) {
+            const Answered answered = m_world->run({u"import"_s, u"archive"_s, source});
+            QVERIFY(answered.status == 4 || answered.status == 1);
+            QCOMPARE(answered.output, QString());
+            QVERIFY(answered.errors.startsWith(u"quillon-cli: "_s));
+            QVERIFY(!QFile::exists(m_world->path(u"新しい.mdb"_s)));
+        }
+    }
+
+    void whatIsToBeKnownStandsInTheReport()
+    {
+        QVERIFY(m_world->write(u"RefFile/山.txt"_s, "mountain"));
+        const QString file = m_world->path(u"RefFile/山.txt"_s);
+        const QString text = u"このファイルを登録したファイルデータはありません。"_s;
+        QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫"_s}),
+                 answer(0, u"書き出したデータ            4\n作成したファイル           10\n"_s + file +
+                               u": "_s + text + u'\n'));
+        QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫2"_s, u"--json"_s}),
+                 answer(0, u"{\"written\":4,\"files\":10,\"notes\":[{\"where\":\""_s + file +
+                               u"\",\"text\":\""_s + text + u"\"}]}\n"_s));
+    }
+
+    void anOldFileComesIn()
+    {
+        auto tables = oldTables();
+        tables[0].rows = {{u"水"_s, u"M-991231-001"_s, u"液体"_s}, {u"火"_s, u"M-991231-002"_s, u"熱い"_s}};
+        tables[4].rows = {{u"M-991231-002"_s, u"M-991231-001"_s}};
+        tables[5].rows = {{u"A"_s, u"自然"_s}};
+        tables[6].rows = {{u"A"_s, u"M-991231-001"_s}};
+        QVERIFY(m_world->write(u"古い.mdb"_s, writeOldFile(tables).bytes));
+        m_world->database = u"新しい.mdb"_s;
+        QCOMPARE(m_world->run({u"import"_s, u"old"_s, u"古い.mdb"_s}), answer(0, reportOf(2, 0, 0, 1, 1, 1)));
+        QCOMPARE(
+            m_world->run({u"show"_s, u"M-991231-001"_s, u"--json"_s}).output,
+            u"{\"identifier\":\"M-991231-001\",\"kind\":\"definition\",\"name\":\"水\",\"text\":\"液体\","
+            u"\"categories\":[\"A\"],\"links\":[\"M-991231-002\"]}\n"_s);
+        QVERIFY(m_world->write(u"違う.mdb"_s, QByteArray(9000, 'x')));
+        QCOMPARE(m_world->run({u"import"_s, u"old"_s, u"違う.mdb"_s}).status, 4);
+    }
+
+    void aFolderOfNotesComesInAndGoesOut()
+    {
+        QVERIFY(QDir(m_world->folder.path()).mkpath(u"覚え書き/地形"_s));
+        QVERIFY(m_world->write(u"覚え書き/山.md"_s, u"高い。[[川]] がある。\n"_s.toUtf8()));
+        QVERIFY(m_world->write(u"覚え書き/川.md"_s, u"流れる。\n"_s.toUtf8()));
+        QVERIFY(m_world->write(u"覚え書き/地形/谷.txt"_s, u"低い。\n"_s.toUtf8()));
+        m_world->database = u"新しい.mdb"_s;
+        const Answered notes = m_world->run({u"import"_s, u"markdown"_s, u"覚え書き"_s});
+        QCOMPARE(notes.status, 0);
+        QVERIFY2(notes.output.startsWith(reportOf(2, 0, 0, 1, 0, 0)), qPrintable(notes.output));
+        const Answered texts = m_world->run({u"import"_s, u"text"_s, u"覚え書き/地形"_s});
+        QCOMPARE(texts.status, 0);
+        QVERIFY2(texts.output.startsWith(u"追加したデータ              1\n"_s), qPrintable(texts.output));
+        const Answered out = m_world->run({u"export"_s, u"markdown"_s, u"出力"_s});
+        QCOMPARE(out.status, 0);
+        QVERIFY2(out.output.startsWith(u"書き出したデータ            3\n"_s), qPrintable(out.output));
+        QVERIFY(QDir(m_world->path(u"出力"_s)).exists());
+    }
+
+    void aTableComesInAndGoesOut()
+    {
+        QVERIFY(m_world->write(
+            u"表.csv"_s, u"名称,定義,分類,リンク\n山,\"高い\n所\",地形,谷\n谷,低い所,地形,\n"_s.toUtf8()));
+        m_world->database = u"新しい.mdb"_s;
+        QCOMPARE(m_world->run({u"import"_s, u"csv"_s, u"表.csv"_s}).status, 0);
+        QCOMPARE(m_world->runToday({u"list"_s}),
+                 answer(0, u"M-TODAY-001  定義  山\nM-TODAY-002  定義  谷\n"_s));
+        QCOMPARE(m_world->run({u"links"_s}).output.count(u'\n'), 1);
+        QCOMPARE(m_world->run({u"categories"_s}), answer(0, u"A      2  地形\n"_s));
+        QCOMPARE(m_world->run({u"export"_s, u"csv"_s, u"出力.csv"_s}).status, 0);
+        QFile written(m_world->path(u"出力.csv"_s));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QVERIFY(QString::fromUtf8(written.readAll()).contains(u"高い\n所"_s));
+        QCOMPARE(m_world->run({u"export"_s, u"csv"_s, u"出力.csv"_s}).status, 4);
+    }
+
+    void aBadLineOfALongTableIsToldByItsNumber()
+    {
+        QByteArray table = u"名称,定義\n"_s.toUtf8();
+        for (int i = 2; i < 50'000; ++i)
+            table += "n,t\n";
+        table += "n,\"t\n";
+        QVERIFY(m_world->write(u"表.csv"_s, table));
+        const Answered answered = m_world->run({u"import"_s, u"csv"_s, u"表.csv"_s});
+        QCOMPARE(answered.status, 4);
+        QVERIFY2(answered.errors.contains(u"50000"_s), qPrintable(answered.errors));
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsMain).size(), 2);
+    }
+
+    void longTextsAreRefusedOrSplit()
+    {
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"長編"_s));
+        QVERIFY(m_world->write(u"長編/長い.txt"_s, u"長い行です。\n"_s.repeated(9000).toUtf8()));
+        QCOMPARE(m_world->run({u"import"_s, u"text"_s, u"長編"_s}).status, 4);
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsRefDoc).size(), 1);
+        QCOMPARE(m_world->run({u"import"_s, u"text"_s, u"長編"_s, u"--split"_s}).status, 0);
+        QVERIFY(TestWorld::rowsOf(m_world->session.RsRefDoc).size() > 2);
+    }
+
+private:
+    std::unique_ptr<CliWorld> m_world;
+};
+
+QTEST_GUILESS_MAIN(TestCliExchange)
+#include "test_cli_exchange.moc"
