@@ -84,15 +84,23 @@ void AllData::readLinks()
     });
 }
 
-QStringList AllData::wayTo(const Category& category) const
+std::vector<std::size_t> AllData::positionsTo(const Category& category) const
 {
-    QStringList way;
+    std::vector<std::size_t> positions;
     QString identifier = category.identifier;
     for (auto above = m_categoryPositions.constFind(identifier); above != m_categoryPositions.cend();
          above = m_categoryPositions.constFind(identifier)) {
-        way.prepend(m_categories[*above].name);
+        positions.insert(positions.begin(), *above);
         identifier = identifier.first(std::max(qsizetype(0), identifier.lastIndexOf(u'-')));
     }
+    return positions;
+}
+
+QStringList AllData::wayTo(const Category& category) const
+{
+    QStringList way;
+    for (const std::size_t position : positionsTo(category))
+        way << m_categories[position].name;
     return way;
 }
 

@@ -44,7 +44,9 @@ public:
     /// In the order of their tables.
     const std::vector<Datum>& data() const { return m_data; }
     const std::vector<Category>& categories() const { return m_categories; }
-    /// The names on the way to a category, from the top level down.
+    /// The positions of the categories on the way to one and its own, from the top level down.
+    std::vector<std::size_t> positionsTo(const Category& category) const;
+    /// Their names.
     QStringList wayTo(const Category& category) const;
     /// The position of a datum, `data().size()` when there is none.
     std::size_t find(const QString& identifier) const;

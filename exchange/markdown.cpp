@@ -1,22 +1,19 @@
 #include "exchange/markdown.h"
 
 #include "app/base/one_line.h"
-#include "app/base/ports/files.h"
 #include "app/base/titles.h"
 #include "exchange/all_data.h"
+#include "exchange/copied_files.h"
 #include "exchange/file_names.h"
 #include "exchange/markdown_note.h"
 #include "exchange/new_data.h"
 #include "exchange/output.h"
 #include "exchange/progress.h"
-#include "exchange/refused.h"
 #include "exchange/separated.h"
-#include "store/session.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QSet>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,50 +24,6 @@ namespace
 {
 
 const QString Ending = u".md"_s;
-
-/// Copies the files of file data into a folder below an export.
-class CopiedFiles
-{
-public:
-    CopiedFiles(Session& session, const StagedOutput& output, ExportReport& report)
-        : m_session(session), m_output(output), m_report(report)
-    {
-    }
-
-    /// The name of the file of a datum there; nothing when it has none, which is told.
-    std::optional<QString> copy(const AllData::Datum& datum, const QString& text, Progress* progress)
-    {
-        const QString folder = m_session.inCurrentFolder(titles::FileFolder);
-        for (const QString& name : {text, datum.name}) {
-            if (m_copied.contains(name))
-                return name;
-            const auto path = m_session.files.storedFile(folder, name);
-            if (!path)
-                continue;
-            if (m_copied.isEmpty())
-                m_output.makeFolder(titles::FileFolder);
-            const auto copy = m_session.files.stageCopy(
-                *path, m_output.inside(titles::FileFolder), name,
-                [&](qint64, qint64) { return progress == nullptr || !progress->cancelled(); });
-            if (!copy)
-                throw Cancelled();
-            copy->place({});
-            copy->keep();
-            m_copied.insert(name);
-            ++m_report.files;
-            return name;
-        }
-        m_report.notes.push_back(
-            {.where = datum.identifier, .text = u"登録されたファイル「%1」がありません。"_s.arg(datum.name)});
-        return std::nullopt;
-    }
-
-private:
-    Session& m_session;
-    const StagedOutput& m_output;
-    ExportReport& m_report;
-    QSet<QString> m_copied;
-};
 
 QString fileNote(const std::optional<QString>& name)
 {

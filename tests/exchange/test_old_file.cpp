@@ -6,9 +6,9 @@
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/faults/faulty_disk.h"
+#include "tests/old_files/old_file_writer.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/errors_of.h"
-#include "tests/old_files/old_file_writer.h"
 #include "tests/support/test_world.h"
 
 #include <QDir>
