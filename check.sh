@@ -116,9 +116,9 @@ tests_of()
 
 tidy()
 {
-    folders=$(sources | grep -v '^tests/' | xargs -n 1 dirname | sort -u; echo tests/support)
+    folders=$(sources | grep -v '^tests/' | xargs -n 1 dirname | sort -u; echo tests/support tests/old_files)
     if [ $every_test = yes ]; then
-        sources | grep '^tests/.*\.cpp$' | grep -v '^tests/support/' >"$logs/tests"
+        sources | grep '^tests/.*\.cpp$' | grep -v -e "^tests/support/" -e "^tests/old_files/" >"$logs/tests"
     elif history rev-parse --verify --quiet HEAD >/dev/null; then
         changed_paths | tests_of >"$logs/tests"
         changed=$(wc -l <"$logs/tests")

@@ -27,6 +27,8 @@ public:
             m_kept.push_back(std::move(loss));
         ++m_count;
     }
+    /// Whether another one would only be counted, so that nobody need find words for it.
+    bool isFull() const { return m_kept.size() >= Most; }
     const std::vector<Loss>& kept() const { return m_kept; }
     qint64 count() const { return m_count; }
 

@@ -64,6 +64,13 @@ void OldDatabase::lose(const QString& table, const QString& column, const QStrin
         m_losses.add({.table = table, .column = column, .text = text});
 }
 
+void OldDatabase::loseRows(const QString& table, quint32 page, const std::vector<int>& rows,
+                           const QString& text)
+{
+    if (!rows.empty())
+        lose(table, {}, m_losses.isFull() ? QString() : text.arg(QString::number(page), inRuns(rows)));
+}
+
 void OldDatabase::readCatalogue()
 {
     Definition definition;
@@ -172,14 +179,9 @@ void OldDatabase::forEachStoredRow(const QString& name, const Definition& defini
                 doubtful.push_back(i + 1);
             read(fields);
         }
-        if (!damaged.empty())
-            lose(
-                name, {},
-                u"ページ %1 の %2 番目の行が壊れていて、読み取れません。"_s.arg(number).arg(inRuns(damaged)));
-        if (!doubtful.empty())
-            lose(name, {},
-                 u"ページ %1 の %2 番目の行に、どの項目のものでもないバイトがあります。"_s.arg(number).arg(
-                     inRuns(doubtful)));
+        loseRows(name, number, damaged, u"ページ %1 の %2 番目の行が壊れていて、読み取れません。"_s);
+        loseRows(name, number, doubtful,
+                 u"ページ %1 の %2 番目の行に、どの項目のものでもないバイトがあります。"_s);
     }
     if (count != definition.rowCount)
         lose(name, {},

@@ -64,6 +64,8 @@ private:
     std::optional<QString> text(const QString& table, const Column& column, const Fields::Field& field,
                                 LongTexts& longTexts);
     void lose(const QString& table, const QString& column, const QString& text);
+    /// `text`: a sentence with places for the page and the numbers of the rows.
+    void loseRows(const QString& table, quint32 page, const std::vector<int>& rows, const QString& text);
 
     Losses m_losses;
     Pages m_pages;

@@ -4,9 +4,9 @@
 #include "store/record_set.h"
 #include "store/session.h"
 #include "tests/faults/faulty_disk.h"
+#include "tests/old_files/old_file_writer.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/drag.h"
-#include "tests/old_files/old_file_writer.h"
 #include "tests/support/window_world.h"
 #include "ui/data/frmMainData.h"
 #include "ui/main/frmMainMenu.h"
@@ -16,6 +16,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QProgressBar>
 #include <QTest>
 #include <QUrl>
@@ -166,6 +167,41 @@ private Q_SLOTS:
         expectQuestion(Answer::Ok);
         window->ExecSystemCommand(u"OPEN"_s);
         isOpen();
+    }
+
+    void longConversionsShowThatTheProgramIsAtWork()
+    {
+        /// Notes the pointer of the program when a control appears.
+        class Watch : public QObject
+        {
+        public:
+            std::vector<Qt::CursorShape> shapes;
+
+        protected:
+            bool eventFilter(QObject*, QEvent* event) override
+            {
+                const QCursor* pointer = QGuiApplication::overrideCursor();
+                if (event->type() == QEvent::Show)
+                    shapes.push_back(pointer == nullptr ? Qt::ArrowCursor : pointer->shape());
+                return false;
+            }
+        };
+        auto many = tables();
+        for (int i = 0; i < 500; ++i)
+            many[1].rows.push_back({u"文献"_s, u"R-991230-%1"_s.arg(i), u""_s});
+        const QString path = write(writeOldFile(many).bytes);
+        auto* bar = WindowWorld::control<QProgressBar>(*window, u"pgbMain"_s);
+        Watch watch;
+        bar->installEventFilter(&watch);
+        expectQuestion(Answer::Ok);
+        world->dialogs.meanwhile([&] { QVERIFY(!bar->isVisible()); });
+        window->openChosenFile(path);
+        bar->removeEventFilter(&watch);
+        QVERIFY(!watch.shapes.empty());
+        QCOMPARE(watch.shapes.front(), Qt::WaitCursor);
+        QVERIFY(!bar->isVisible());
+        WindowWorld::processEvents();
+        QVERIFY(QGuiApplication::overrideCursor() == nullptr);
     }
 
     void everyCopyHasANameOfItsOwn()
