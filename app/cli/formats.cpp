@@ -2,8 +2,10 @@
 
 #include "exchange/archive.h"
 #include "exchange/delimited.h"
+#include "exchange/html_book.h"
 #include "exchange/markdown.h"
 #include "exchange/old_file.h"
+#include "exchange/picture.h"
 #include "exchange/text_folder.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -40,12 +42,35 @@ const std::vector<ImportFormat>& importFormats()
     return all;
 }
 
+namespace
+{
+
+/// A form that holds everything.
+template <exchange::ExportReport (*Run)(Session&, const QString&, exchange::Progress*)>
+ExportFormat ofEverything(const QString& name)
+{
+    return {.name = name,
+            .run = [](Session& session, const QString& target, const QString&, exchange::Progress* progress) {
+                return Run(session, target, progress);
+            }};
+}
+
+} // namespace
+
 const std::vector<ExportFormat>& exportFormats()
 {
     static const std::vector<ExportFormat> all = {
-        {u"archive"_s, exchange::exportArchive},
-        {u"csv"_s, exchange::exportDelimited},
-        {u"markdown"_s, exchange::exportMarkdown},
+        ofEverything<exchange::exportArchive>(u"archive"_s),
+        ofEverything<exchange::exportDelimited>(u"csv"_s),
+        ofEverything<exchange::exportMarkdown>(u"markdown"_s),
+        ofEverything<exchange::exportHtmlBook>(u"html"_s),
+        {.name = u"picture"_s,
+         .run =
+             [](Session& session, const QString& target, const QString& item, exchange::Progress* progress) {
+                 return item.isEmpty() ? exchange::exportPictures(session, target, progress)
+                                       : exchange::exportPicture(session, target, item);
+             },
+         .takesItem = true},
     };
     return all;
 }

@@ -26,10 +26,12 @@ struct ImportFormat {
                                   const exchange::TextImportOptions& options, exchange::Progress* progress);
 };
 
-/// A form in which data go out.
+/// A form in which data go out. `item`: the identifier of the item that it is all about; empty: everything.
 struct ExportFormat {
     QString name;
-    exchange::ExportReport (*run)(Session& session, const QString& target, exchange::Progress* progress);
+    exchange::ExportReport (*run)(Session& session, const QString& target, const QString& item,
+                                  exchange::Progress* progress);
+    bool takesItem = false; // otherwise it always writes everything
 };
 
 const std::vector<ImportFormat>& importFormats();

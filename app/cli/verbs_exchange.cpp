@@ -2,6 +2,7 @@
 #include "app/base/ports/clock.h"
 #include "app/cli/columns.h"
 #include "app/cli/formats.h"
+#include "app/cli/found.h"
 #include "app/cli/run.h"
 #include "app/cli/verb_functions.h"
 #include "exchange/progress.h"
@@ -133,9 +134,16 @@ template <class Work> auto whole(Work&& work)
 Status exportData(Run& run)
 {
     const QString target = fullName(run.arguments.words[1]);
+    const ExportFormat& format = formatAskedFor(run, exportFormats());
+    const QString item = run.arguments.value(u"--item"_s);
+    if (run.arguments.has(u"--item"_s)) {
+        if (!format.takesItem)
+            throw WrongUsage{u"--item は picture と一緒に指定します。"_s, run.arguments.verb};
+        static_cast<void>(foundItem(run.session, item));
+    }
     const exchange::ExportReport report = whole([&] {
         LineProgress progress(run);
-        return formatAskedFor(run, exportFormats()).run(run.session, target, &progress);
+        return format.run(run.session, target, item, &progress);
     });
     writeReport(run,
                 std::array{Counted{"written", u"書き出したデータ"_s, report.written},

@@ -157,6 +157,33 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(m_world->session.RsMain).size(), 2);
     }
 
+    void aBookGoesOut()
+    {
+        QCOMPARE(m_world->run({u"export"_s, u"html"_s, u"本"_s}).status, 0);
+        QVERIFY(QFile::exists(m_world->path(u"本/index.html"_s)));
+        QVERIFY(QFile::exists(m_world->path(u"本/data/M-991231-001.html"_s)));
+        QVERIFY(QFile::exists(m_world->path(u"本/RefFile/水.txt"_s)));
+    }
+
+    void picturesGoOut()
+    {
+        QCOMPARE(
+            m_world->run({u"export"_s, u"picture"_s, u"図.svg"_s, u"--item"_s, u"M-991231-001"_s}).status, 0);
+        QFile picture(m_world->path(u"図.svg"_s));
+        QVERIFY(picture.open(QIODevice::ReadOnly));
+        QVERIFY(picture.readAll().startsWith("<svg "));
+        QCOMPARE(m_world->run({u"export"_s, u"picture"_s, u"図"_s}).status, 0);
+        QCOMPARE(QDir(m_world->path(u"図"_s)).entryList(QDir::Files).size(), 2);
+        QCOMPARE(
+            m_world->run({u"export"_s, u"picture"_s, u"無.svg"_s, u"--item"_s, u"M-000101-001"_s}).status, 1);
+        QVERIFY(!QFile::exists(m_world->path(u"無.svg"_s)));
+        const Answered wrong =
+            m_world->run({u"export"_s, u"html"_s, u"本"_s, u"--item"_s, u"M-991231-001"_s});
+        QCOMPARE(wrong.status, 2);
+        QVERIFY2(wrong.errors.startsWith(u"quillon-cli: --item は picture と一緒に指定します。\n"),
+                 qPrintable(wrong.errors));
+    }
+
     void longTextsAreRefusedOrSplit()
     {
         QVERIFY(QDir(m_world->folder.path()).mkdir(u"長編"_s));

@@ -408,12 +408,13 @@ private Q_SLOTS:
                u"  quillon-cli copies --take 2026-01-31_120000.mdb --to old.mdb\n"_s;
         QTest::newRow("export")
             << u"export"_s
-            << u"使い方: quillon-cli [--database FILE] [--home FOLDER] export archive|csv|markdown TARGET\n"
+            << u"使い方: quillon-cli [--database FILE] [--home FOLDER] export archive|csv|markdown|html|picture TARGET [--item ID]\n"
                u"\n"
                u"データベースを、新しいフォルダまたはファイルに書き出します。\n"
                u"\n"
                u"オプション:\n"
-               u"  --json  一行に一つの JSON で出力します\n"_s
+               u"  --item ID  図にするデータの識別符号。なければ、リンクのあるデータすべての図をフォルダに作成します (picture)\n"
+               u"  --json     一行に一つの JSON で出力します\n"_s
             << u"\n"
                u"例:\n"
                u"  quillon-cli export archive ~/書庫\n"_s;
