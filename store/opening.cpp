@@ -40,6 +40,21 @@ OpenedFile openFile(Session& session, const QString& path, const OpenedFile::Tel
     }
 }
 
+/// Closes the windows of the present database; when one stays, its list is there again.
+bool closeDataWindows(Session& session, MainWindowPort::Shown& shown)
+{
+    bool closed = false;
+    try {
+        closed = CloseDataWindows(session);
+    } catch (...) {
+        shown.showAgain();
+        throw;
+    }
+    if (!closed)
+        shown.showAgain();
+    return closed;
+}
+
 } // namespace
 
 Opening openDatabase(Session& session, const QString& path)
@@ -53,8 +68,7 @@ Opening openDatabase(Session& session, const QString& path)
         const OpenedFile file =
             openFile(session, path, [&](const QString& status) { window.setStatus(1, status); });
         const bool isAnother = !session.OpenDb || !file.database->isFileOf(*session.OpenDb);
-        if (isAnother && !CloseDataWindows(session)) {
-            shown->showAgain();
+        if (isAnother && !closeDataWindows(session, *shown)) {
             outcome = Opening::Declined;
             return;
         }

@@ -15,13 +15,14 @@ namespace quillon
 namespace
 {
 
-/// Unloads the windows that `isMeant`, as long as they go; false when one stays.
-template <class IsMeant> bool unloadThose(Session& session, IsMeant&& isMeant)
+/// Does something with each of the windows that are loaded now and still are when their turn comes; ends with false as
+/// soon as that is the answer.
+template <class Operation> bool forEachLoaded(Session& session, Operation&& operation)
 {
     for (LoadedWindow* const window : session.windows.loaded()) {
         const auto loaded = session.windows.loaded();
         const bool stillThere = std::find(loaded.begin(), loaded.end(), window) != loaded.end();
-        if (stillThere && isMeant(*window) && !window->unload())
+        if (stillThere && !operation(*window))
             return false;
     }
     return true;
@@ -31,14 +32,24 @@ template <class IsMeant> bool unloadThose(Session& session, IsMeant&& isMeant)
 
 bool CloseDataWindows(Session& session)
 {
-    return unloadThose(session, [](LoadedWindow& window) { return window.asDataWindow() != nullptr; });
+    const auto isMeant = [](LoadedWindow& window) { return window.asDataWindow() != nullptr; };
+    // No window goes before all have answered: what one of them was to throw away is still there when another stays.
+    if (!forEachLoaded(session, [&](LoadedWindow& window) { return !isMeant(window) || window.mayUnload(); }))
+        return false;
+    return forEachLoaded(session, [&](LoadedWindow& window) {
+        if (isMeant(window))
+            window.unloadAnswered();
+        return true;
+    });
 }
 
 void closeListsOfData(Session& session)
 {
     static const QStringList names = {u"frmDataSelect"_s, u"frmLinkList"_s, u"frmCategory"_s,
                                       u"frmEntryInfo"_s};
-    unloadThose(session, [](const LoadedWindow& window) { return names.contains(window.windowName()); });
+    forEachLoaded(session, [](LoadedWindow& window) {
+        return !names.contains(window.windowName()) || window.unload();
+    });
 }
 
 } // namespace quillon

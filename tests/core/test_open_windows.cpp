@@ -92,14 +92,14 @@ private Q_SLOTS:
         QCOMPARE(world->windows.list, left);
     }
 
-    void dataWindowThatStaysEndsTheClosing()
+    void dataWindowThatStaysKeepsAllOfThem()
     {
-        open();
+        FakeDataWindow& first = open();
         FakeDataWindow& second = open();
         FakeDataWindow& third = open();
         second.closes = false;
         QVERIFY(!CloseDataWindows(world->session));
-        const std::vector<LoadedWindow*> left = {&world->mainWindow, &second, &third};
+        const std::vector<LoadedWindow*> left = {&world->mainWindow, &first, &second, &third};
         QCOMPARE(world->windows.list, left);
     }
 

@@ -6,7 +6,10 @@
 #include "store/database.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/windows_of_database.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/failure_box.h"
+#include "tests/support/troubled_database.h"
 #include "tests/support/window_world.h"
 #include "ui/data/frmMainData.h"
 #include "ui/main/frmMainMenu.h"
@@ -290,6 +293,90 @@ private Q_SLOTS:
         QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
         world->dialogs.expect(closingQuestion(), Answer::No);
         QVERIFY(edited->unload());
+    }
+
+    void noWindowGoesBeforeAllHaveAnswered()
+    {
+        frmMainData* first = openEdited();
+        WindowWorld::addRow(world->session().RsMain, {u"氷"_s, u"M-991231-002"_s, u"固体"_s});
+        WindowWorld::addRow(world->session().RsMain, {u"湯"_s, u"M-991231-003"_s, u"熱い"_s});
+        ShowData(world->session(), u"M-991231-002"_s);
+        auto* second = world->window<frmMainData>(u"frmMainData"_s, 1);
+        second->setFieldText(2, u"冷たい"_s);
+        ShowData(world->session(), u"M-991231-003"_s);
+        auto* third = world->window<frmMainData>(u"frmMainData"_s, 2);
+        third->setFieldText(2, u"ぬるい"_s);
+        const QString path = databaseWith(u"後.mdb"_s, u"火"_s);
+        world->dialogs.expect(closingQuestion(), Answer::No);
+        world->dialogs.expect(closingQuestion(), Answer::Yes);
+        world->dialogs.expect(updated());
+        world->dialogs.expect(closingQuestion(), Answer::Cancel);
+        window->openChosenFile(path);
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 3);
+        QVERIFY(first->isVisible());
+        QVERIFY(compareText(first->fieldText(2), u"新しい"));
+        QVERIFY(compareText(third->fieldText(2), u"ぬるい"));
+        QCOMPARE(
+            WindowWorld::rowsOf(world->session().RsMain),
+            QStringList({u"水|M-991231-001|定義"_s, u"氷|M-991231-002|冷たい"_s, u"湯|M-991231-003|熱い"_s}));
+        QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+        // What was saved is not asked about any more; whoever answered before is asked again, and only once.
+        world->dialogs.expect(closingQuestion(), Answer::No);
+        world->dialogs.expect(closingQuestion(), Answer::No);
+        window->openChosenFile(path);
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 0);
+        QVERIFY(compareText(list->rows().text(0, 0), u"火"));
+    }
+
+    void fileRegisteredInAClosingQuestionIsNotRegisteredTwice()
+    {
+        frmMainData* edited = openEdited();
+        Session& session = world->session();
+        QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
+        write(world->folder.filePath(u"図.png"_s), "PNG");
+        CreateRegisterForm(session, u"F"_s);
+        auto* entry = dynamic_cast<DataWindow*>(world->window<FormWindow>(u"frmRefFileEntry"_s));
+        entry->setFieldText(0, world->folder.filePath(u"図.png"_s));
+        WindowWorld::addRow(session.RsMain, {u"氷"_s, u"M-991231-002"_s, u"固体"_s});
+        ShowData(session, u"M-991231-002"_s);
+        world->window<frmMainData>(u"frmMainData"_s, 1)->setFieldText(2, u"冷たい"_s);
+        world->dialogs.expect(closingQuestion(), Answer::No);
+        world->dialogs.expect(MessageBox{.text = u"現在のデータを登録しますか。"_s,
+                                         .title = u"Quillon ファイルデータ管理部"_s,
+                                         .buttons = Buttons::YesNoCancel},
+                              Answer::Yes);
+        world->dialogs.expect(MessageBox{.text = u"本データを登録しました。"_s, .title = u"FILE"_s});
+        world->dialogs.expect(closingQuestion(), Answer::Cancel);
+        window->openChosenFile(databaseWith(u"後.mdb"_s, u"火"_s));
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 2);
+        QVERIFY(edited->isVisible());
+        QCOMPARE(WindowWorld::rowsOf(session.RsRefFile), QStringList(u"図.png|F-991231-001|未入力"_s));
+        QVERIFY(entry->unload()); // it asks nothing
+        for (int i = 0; i < 2; ++i)
+            world->dialogs.expect(closingQuestion(), Answer::No);
+        QVERIFY(CloseDataWindows(session));
+    }
+
+    void lockedDatabaseBeforeKeepsNoOtherFromBeingOpened()
+    {
+        frmMainData* edited = openEdited();
+        const QString path = databaseWith(u"後.mdb"_s, u"火"_s);
+        const auto before = world->session().OpenDb;
+        {
+            const ForeignLock lock(*before, ForeignLock::Kind::Exclusive);
+            const QString statusBefore = status();
+            world->dialogs.expect(closingQuestion(), Answer::Yes);
+            world->dialogs.expect(untrapped(errors::Locked));
+            window->openChosenFile(path);
+            QCOMPARE(world->session().OpenDb, before);
+            QVERIFY(compareText(edited->fieldText(2), u"新しい"));
+            QCOMPARE(list->rows().rowCount(), 1);
+            QVERIFY(compareText(status(), statusBefore));
+            world->dialogs.expect(closingQuestion(), Answer::No);
+            window->openChosenFile(path);
+        }
+        QCOMPARE(world->windowCount(u"frmMainData"_s), 0);
+        QVERIFY(compareText(list->rows().text(0, 0), u"火"));
     }
 
     void savedAnswerIsWrittenToTheDatabaseBefore()

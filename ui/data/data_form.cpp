@@ -166,8 +166,10 @@ bool DataForm::isUnchanged()
 {
     if (!showsDatum())
         return fieldText(0).isEmpty() && fieldText(2).isEmpty();
-    // Of a datum that is gone, what was seen last is all there is to compare with.
-    return shownTexts() == StoredTexts(session(), place()).value_or(m_seen);
+    // Of a datum that is gone, or that cannot be read, what was seen last is all there is to compare with.
+    DatumTexts present = m_seen;
+    guardedBy([](const Error&) {}, [&] { present = StoredTexts(session(), place()).value_or(m_seen); });
+    return shownTexts() == present;
 }
 
 bool DataForm::QuerySave()

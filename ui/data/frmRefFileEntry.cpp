@@ -241,6 +241,9 @@ bool frmRefFileEntry::queryUnload()
             // A registration closes the window itself, which is what is going on already.
             mnuDataEntry_Click();
             closes = CloseWithoutAsking;
+            // Should the window stay for another's sake, there is nothing in it to be registered again.
+            if (closes)
+                setFieldText(0, {});
         } else {
             closes = answer == Answer::No;
         }

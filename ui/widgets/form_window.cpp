@@ -67,14 +67,20 @@ bool FormWindow::tryUnload()
     const QPointer<FormWindow> guard(this);
     if (!mayUnload())
         return false;
-    if (!guard || m_unloaded)
-        return true;
+    if (guard)
+        unloadAnswered();
+    return true;
+}
+
+void FormWindow::unloadAnswered()
+{
+    if (m_unloaded)
+        return;
     m_unloaded = true;
     hide();
     m_registry.remove(this);
     deleteLater();
     Q_EMIT unloaded();
-    return true;
 }
 
 void FormWindow::keepAtLeast(double width, double height)

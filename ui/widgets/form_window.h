@@ -34,6 +34,7 @@ public:
     QString windowName() const override { return objectName(); }
     bool unload() override;
     bool mayUnload() override;
+    void unloadAnswered() override;
     void bringToFront() override;
 
     void showModeless() override;
