@@ -162,4 +162,14 @@ void Database::noteRow(const QString& table, qint64 row)
     greatest = std::max(greatest, row);
 }
 
+bool Database::beginsToNumber(const QString& table)
+{
+    const qint64 version = m_connection.dataVersion();
+    const auto numberedAt = m_numberedAt.find(table);
+    if (numberedAt != m_numberedAt.end() && *numberedAt == version)
+        return false;
+    m_numberedAt[table] = version;
+    return true;
+}
+
 } // namespace quillon

@@ -53,6 +53,9 @@ public:
     /// greater ones, so that no cursor takes a new row for a deleted one.
     qint64 greatestRow(const QString& table) const;
     void noteRow(const QString& table, qint64 row);
+    /// Whether the next row of a table is the first that gets its number from this object, or the first since another
+    /// program has written the file.
+    bool beginsToNumber(const QString& table);
 
 private:
     Database(const QString& path, sqlite::Connection::Mode mode);
@@ -61,6 +64,7 @@ private:
     sqlite::Connection m_connection;
     TextSearch m_textSearch{m_connection};
     QHash<QString, qint64> m_greatestRows;
+    QHash<QString, qint64> m_numberedAt; // at which version of the file a table got its last row from here
 };
 
 } // namespace quillon

@@ -5,6 +5,7 @@
 #include "store/quoted.h"
 #include "store/write_transaction.h"
 
+#include <QRandomGenerator>
 #include <QStringList>
 
 #include <algorithm>
@@ -378,8 +379,24 @@ qint64 RecordSet::update()
     return m_editedRow;
 }
 
+/// Leaves out some numbers where the last ones may have been those of rows that others have added, shown and deleted
+/// meanwhile, and that nothing here has met: a window of another program would take the new row for its own.
+void RecordSet::leaveOutNumbers() const
+{
+    if (!m_database->beginsToNumber(m_table.name))
+        return;
+    constexpr int AtMost = 1000; // few, because the last number tells roughly how many rows there are
+    constexpr qint64 Greatest = qint64(1) << 62;
+    const qint64 last =
+        std::max(firstNumber(prepare(u"SELECT max(rowid) FROM "_s + quoted(m_table.name))).value_or(0),
+                 m_database->greatestRow(m_table.name));
+    if (last < Greatest)
+        m_database->noteRow(m_table.name, last + 1 + QRandomGenerator::global()->bounded(AtMost));
+}
+
 qint64 RecordSet::insertRow()
 {
+    leaveOutNumbers();
     // ABORT: the table's own idea of a conflict may be to drop the new row or to replace the old ones.
     // SQLite would give the number of a deleted last row to the next one, and every cursor that remembers the
     // deleted row would then stand on a stranger. Only at the end of all numbers it may choose for itself.

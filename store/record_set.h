@@ -148,6 +148,7 @@ private:
     std::optional<qint64> rowAfter(qint64 row) const;
     void standOn(std::optional<qint64> row);
     void requireCurrentRow() const;
+    void leaveOutNumbers() const;
     qint64 insertRow();
     void changeRow();
     void checkField(int index) const;

@@ -53,7 +53,8 @@ private Q_SLOTS:
         QCOMPARE(m_rows->roughCount(), 0);
         for (const QString& name : {u"a"_s, u"b"_s, u"c"_s})
             add(name);
-        QCOMPARE(m_rows->roughCount(), 3);
+        QVERIFY(m_rows->roughCount() >= 3);
+        QVERIFY(m_rows->roughCount() < 2000); // a few numbers may have been left out
         m_world->session.OpenDb->execute(u"UPDATE Main SET rowid = 9223372036854775807 WHERE Name = 'c'"_s);
         QVERIFY(m_rows->roughCount() >= 3);
         QVERIFY(m_rows->roughCount() < std::numeric_limits<qint64>::max() / 1000);

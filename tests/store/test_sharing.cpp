@@ -138,6 +138,52 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { shown->field(0); }), errors::RecordDeleted);
     }
 
+    void programThatHasMetNoRowsGivesNoNumberOutAgain_data()
+    {
+        QTest::addColumn<bool>("runsAlready");
+        QTest::newRow("freshly started") << false;
+        QTest::newRow("has registered something before") << true;
+    }
+
+    void programThatHasMetNoRowsGivesNoNumberOutAgain()
+    {
+        QFETCH(bool, runsAlready);
+        const auto others = [this] { return RecordSet::openTable(Database::open(m_path), schema::Main()); };
+        std::shared_ptr<RecordSet> registering;
+        if (runsAlready) {
+            registering = others();
+            TestWorld::addRow(registering, {u"a"_s, u"M-991231-001"_s, u""_s});
+        }
+        TestWorld::addRow(m_world->session.RsMain, {u"b"_s, u"M-991231-002"_s, u""_s});
+        const auto shown = m_world->session.RsMain;
+        shown->moveLast(); // in a window
+        const auto deleting = others();
+        deleting->moveLast();
+        deleting->deleteRow();
+        if (!registering)
+            registering = others();
+        TestWorld::addRow(registering, {u"new"_s, u"M-991231-002"_s, u""_s});
+        QCOMPARE(errorOf([&] { shown->field(0); }), errors::RecordDeleted);
+        TestWorld::addRow(registering, {u"last"_s, u"M-991231-003"_s, u""_s});
+        QCOMPARE(TestWorld::rowsOf(shown).last(), u"last|M-991231-003|"_s); // in the order of registering
+    }
+
+    void numbersAreLeftOutOnlyWhereOthersHaveWritten()
+    {
+        const auto mine = m_world->session.RsMain;
+        const auto numberOf = [&](const QString& name) {
+            TestWorld::addRow(mine, {name, u"M-991231-"_s + name, u""_s});
+            mine->moveLast();
+            return mine->rowNumber();
+        };
+        const qint64 first = numberOf(u"001"_s);
+        QCOMPARE(numberOf(u"002"_s), first + 1);
+        QCOMPARE(numberOf(u"003"_s), first + 2);
+        TestWorld::addRow(RecordSet::openTable(Database::open(m_path), schema::RefDoc()),
+                          {u"本"_s, u"R-991231-001"_s, u""_s});
+        QVERIFY(numberOf(u"004"_s) > first + 3);
+    }
+
     void noLockIsHeldBetweenCalls()
     {
         TestWorld::addRow(m_world->session.RsMain, {u"a"_s, u"M-991231-001"_s, u""_s});
