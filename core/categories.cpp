@@ -15,6 +15,7 @@
 #include "store/lookup/data_names.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/sqlite/transaction.h"
 #include "store/write_transaction.h"
 
 #include <QHash>
@@ -118,7 +119,6 @@ void ClassifyCategory(Session& session, const QString& categoryIdentifier, const
     guarded(session.reporting, u"ClassifyCategory"_s, [&] {
         Database& database = required(session.RsCategory).database();
         DeferredMessages messages(database);
-        // As one write, so that nothing can leave a datum in a category and its ancestor.
         inWriteTransaction(database,
                            [&] { ClassifyDatum(session, messages, categoryIdentifier, identifier); });
         messages.show(session);
@@ -130,9 +130,16 @@ void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& 
 {
     const FindMemberships find = deferringFailures(session, messages);
     messages.trap(u"ClassifyCategory"_s, [&] {
+        // Filed and taken out of the ancestors, or neither.
+        sqlite::Transaction filing(required(session.RsCategory).database().connection());
         fileIn(session, find, categoryIdentifier, identifier);
-        messages.trap(u"DeleteParentCategory"_s,
-                      [&] { takeOutOfAncestors(find, categoryIdentifier, identifier); });
+        bool takenOut = false;
+        messages.trap(u"DeleteParentCategory"_s, [&] {
+            takeOutOfAncestors(find, categoryIdentifier, identifier);
+            takenOut = true;
+        });
+        if (takenOut)
+            filing.commit();
     });
 }
 
@@ -268,8 +275,13 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
 {
     bool deleted = false;
     guarded(session.reporting, u"DeleteCategory"_s, [&] {
-        const QString name =
-            asks(mode) || tells(mode) ? GetCategoryName(session, categoryIdentifier) : QString();
+        QString name;
+        if (asks(mode) || tells(mode)) {
+            const auto present = readCategoryName(session, categoryIdentifier);
+            if (!present)
+                return;
+            name = *present;
+        }
         const CategoryRow asked = listedCategory(session, name, categoryIdentifier);
         if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
@@ -281,8 +293,9 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
                                                  u"Category_ID = '"_s + categoryIdentifier + u"'"_s);
         RecordSet& categories = required(session.RsCategoryID);
         bool found = false;
-        // The memberships first: should anything go wrong, a category without members is left at worst.
-        inWriteTransaction(required(memberships).database(), [&] {
+        {
+            // Together or not at all: nobody loses a place in a category that stays.
+            sqlite::Transaction write(required(memberships).database().connection());
             found = categories.goTo(category_field::Category_ID, categoryIdentifier);
             const QString present = found ? categories.field(category_field::Name) : titles::Unknown;
             const qint64 number = found ? categories.rowNumber() : 0;
@@ -291,7 +304,8 @@ bool DeleteCategory(Session& session, const QString& categoryIdentifier, qint16 
             memberships->deleteEveryRow();
             if (found)
                 categories.deleteRow();
-        });
+            write.commit();
+        }
         if (!found)
             // sic: the half-width full stop and the blank at the end.
             session.dialogs.messageBox({.text = u"カテゴリ一覧フレームに不整合が確認されました。"

@@ -25,8 +25,8 @@ std::vector<CategoryRow> categoriesOf(Session& session, const QString& identifie
 /// Fills a data window's category list with the categories of a datum. Failures are reported as "AddCategory".
 void AddCategory(Session& session, DataWindow& window, const QString& identifier);
 
-/// Files a datum in a category and takes it out of the category's ancestors. A datum already filed there is not
-/// filed twice. Failures are reported as "ClassifyCategory".
+/// Files a datum in a category and takes it out of the category's ancestors, as one write: both or neither. A datum
+/// already filed there is not filed twice. Failures are reported as "ClassifyCategory".
 void ClassifyCategory(Session& session, const QString& categoryIdentifier, const QString& identifier);
 
 /// The same inside a durable write: what there is to report waits in `messages`.

@@ -244,7 +244,9 @@ Deletion deleteOne(Session& session, const QString& identifier, Seen seen, qint1
     Deletion outcome = Deletion::Kept;
     guarded(session.reporting, u"DeleteData"_s, [&] {
         if (asks(mode)) {
-            seen.name = GetDataName(session, identifier);
+            seen.name = readDataName(session, identifier);
+            if (!seen.name)
+                return;
             const Answer answer = session.dialogs.messageBox(
                 {.text = u"<"_s + *seen.name + u"> を削除しますか。"_s, .buttons = Buttons::OkCancel});
             if (answer != Answer::Ok)

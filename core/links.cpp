@@ -13,7 +13,6 @@
 #include "store/record_set.h"
 #include "store/session.h"
 #include "store/sqlite/transaction.h"
-#include "store/write_transaction.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -74,11 +73,13 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
 {
     bool linked = false;
     guarded(session.reporting, u"LinkData"_s, [&] {
-        const QString sourceName = GetDataName(session, source);
-        const QString targetName = GetDataName(session, target);
+        const auto from = presentDatum(session, source);
+        const auto to = from ? presentDatum(session, target) : std::nullopt;
+        if (!from || !to)
+            return;
         if (asks(mode)) {
             const Answer answer = session.dialogs.messageBox(
-                {.text = u"<"_s + sourceName + u"> と<"_s + targetName + u"> をリンクしますか。"_s,
+                {.text = u"<"_s + from->name + u"> と<"_s + to->name + u"> をリンクしますか。"_s,
                  .buttons = Buttons::OkCancel});
             if (answer != Answer::Ok)
                 return;
@@ -90,7 +91,7 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
             return;
         }
         sqlite::Transaction write(required(session.RsLink).database().connection());
-        for (const ListedDatum& end : {ListedDatum{source, sourceName}, ListedDatum{target, targetName}}) {
+        for (const ListedDatum& end : {*from, *to}) {
             if (!isStillThere(session, end))
                 throw Error(errors::NoCurrentRecord); // gone, or another datum by now
         }
@@ -100,7 +101,7 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
         // sic: a blank after と that the question does not have.
         if (tells(mode))
             session.dialogs.messageBox(
-                {.text = u"<"_s + sourceName + u"> と <"_s + targetName + u"> をリンクしました。"_s});
+                {.text = u"<"_s + from->name + u"> と <"_s + to->name + u"> をリンクしました。"_s});
     });
     return linked;
 }
@@ -118,15 +119,15 @@ bool deleteLink(Session& session, const QString& a, const QString& b, Require&& 
         const qint64 countThere = required(there).recordCount();
         const auto back = linksOneWay(session, b, a);
         if (countThere + required(back).recordCount() > 0) {
-            inWriteTransaction(there->database(), [&] {
-                require();
-                for (RecordSet* links : {there.get(), back.get()}) {
-                    if (links->recordCount() > 0) {
-                        links->moveFirst();
-                        links->deleteRow();
-                    }
+            sqlite::Transaction write(there->database().connection());
+            require();
+            for (RecordSet* links : {there.get(), back.get()}) {
+                if (links->recordCount() > 0) {
+                    links->moveFirst();
+                    links->deleteRow();
                 }
-            });
+            }
+            write.commit();
         }
         session.dialogs.messageBox({.text = u"<"_s + GetDataName(session, a) + u"> と <"_s +
                                             GetDataName(session, b) + u"> のリンクを削除しました。"_s});

@@ -12,9 +12,12 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
-ListedDatum presentDatum(Session& session, const QString& identifier)
+std::optional<ListedDatum> presentDatum(Session& session, const QString& identifier)
 {
-    return {.identifier = identifier, .name = GetDataName(session, identifier)};
+    const std::optional<QString> name = readDataName(session, identifier);
+    if (!name)
+        return std::nullopt;
+    return ListedDatum{.identifier = identifier, .name = *name};
 }
 
 bool isStillThere(Session& session, const ListedDatum& datum)

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace quillon
 {
 
@@ -13,9 +15,9 @@ struct ListedDatum {
     QString name;
 };
 
-/// A datum under its present name, as a question names it: what a list shows may be older. A failure to read the name is
-/// reported as "GetDataName".
-ListedDatum presentDatum(Session& session, const QString& identifier);
+/// A datum under its present name, as a question names it: what a list shows may be older. Nothing when the name cannot
+/// be read, which has been reported as "GetDataName": nobody can be asked about a datum without a name.
+std::optional<ListedDatum> presentDatum(Session& session, const QString& identifier);
 
 /// Whether there is such a datum and it is still the one that was seen. Not trapped. Moves the cursor of its table.
 bool isStillThere(Session& session, const ListedDatum& datum);

@@ -37,8 +37,9 @@ Status unlink(Run& run)
     const QString& to = run.arguments.words[1];
     if (!areLinked(run.session, from, to))
         throw Refusal{Status::NothingFound, u"%1 と %2 はリンクされていません。"_s.arg(from, to)};
-    const bool isDone =
-        DeleteLink(run.session, presentDatum(run.session, from), presentDatum(run.session, to));
+    const auto one = presentDatum(run.session, from);
+    const auto other = one ? presentDatum(run.session, to) : std::nullopt;
+    const bool isDone = one && other && DeleteLink(run.session, *one, *other);
     return isDone ? Status::Done : run.log.takeStatus(Status::Refused);
 }
 
@@ -103,7 +104,10 @@ Status classify(Run& run)
         complain(u"%1 は既にカテゴリ %2 に分類されています。"_s.arg(identifier, category.identifier));
         return Status::NothingFound;
     }
-    const auto gone = ClassifyManyData(session, category, {presentDatum(session, identifier)}, [] {});
+    const auto datum = presentDatum(session, identifier);
+    if (!datum)
+        return run.log.takeStatus(Status::Refused);
+    const auto gone = ClassifyManyData(session, category, {*datum}, [] {});
     return run.log.takeStatus(gone.empty() ? Status::Done : Status::NothingFound);
 }
 

@@ -28,7 +28,12 @@ QString nameOfCategory(Session& session, const QString& categoryIdentifier)
 
 QString GetCategoryName(Session& session, const QString& categoryIdentifier)
 {
-    QString name;
+    return readCategoryName(session, categoryIdentifier).value_or(QString());
+}
+
+std::optional<QString> readCategoryName(Session& session, const QString& categoryIdentifier)
+{
+    std::optional<QString> name;
     guarded(session.reporting, GettingCategoryName,
             [&] { name = nameOfCategory(session, categoryIdentifier); });
     return name;

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace quillon
@@ -14,6 +15,8 @@ class Session;
 
 /// The name of a category, "不明" when there is no such category.
 QString GetCategoryName(Session& session, const QString& categoryIdentifier);
+/// The same; nothing after a failure, which has been reported as "GetCategoryName".
+std::optional<QString> readCategoryName(Session& session, const QString& categoryIdentifier);
 
 /// `GetCategoryName` for many identifiers, also in the middle of a pass over the file; failures are told afterwards.
 class CategoryNameLookup

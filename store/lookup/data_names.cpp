@@ -27,7 +27,12 @@ QString nameOfDatum(Session& session, const QString& identifier)
 
 QString GetDataName(Session& session, const QString& identifier)
 {
-    QString name;
+    return readDataName(session, identifier).value_or(QString());
+}
+
+std::optional<QString> readDataName(Session& session, const QString& identifier)
+{
+    std::optional<QString> name;
     guarded(session.reporting, GettingDataName, [&] { name = nameOfDatum(session, identifier); });
     return name;
 }

@@ -17,6 +17,8 @@ namespace quillon
 
 /// The name of a datum, "不明" when there is no such datum. An unknown kind is looked up among the definitions.
 QString GetDataName(Session& session, const QString& identifier);
+/// The same; nothing after a failure, which has been reported as "GetDataName". For whoever must not go on then.
+std::optional<QString> readDataName(Session& session, const QString& identifier);
 
 /// `GetDataName` for many identifiers, also in the middle of a pass over the file: no box may stand open there, so that
 /// failures are told afterwards.

@@ -112,6 +112,15 @@ private Q_SLOTS:
                               u"delete Category A-B|"_s + Datum, u"commit"_s}));
     }
 
+    void filingThatCannotLeaveAnAncestorIsNotDone()
+    {
+        addMemberships({u"A"_s, u"A-B"_s});
+        refuseDeletion(*world->session.OpenDb, u"Category"_s, u"OLD.Category_ID = 'A-B'"_s);
+        world->dialogs.expect(failureBox(u"DeleteParentCategory"_s, 5));
+        ClassifyCategory(world->session, u"A-B-C"_s, Datum);
+        QCOMPARE(memberships(), QStringList({u"A|"_s + Datum, u"A-B|"_s + Datum}));
+    }
+
     void outermostAncestorIsCleanedBeforeALaterOneFails()
     {
         addMemberships({u"A-B"_s, u"A"_s});

@@ -246,10 +246,20 @@ private Q_SLOTS:
     {
         TestWorld::addRow(session().RsLink, {u"M'"_s, Water});
         world->dialogs.expect(failureBox(u"GetDataName"_s, 3075));
-        world->dialogs.expect(question(QString()));
-        world->dialogs.expect(failureBox(u"DeleteData"_s, 3075));
         QVERIFY(!DeleteData(session(), u"M'"_s, 1));
+        world->dialogs.expect(failureBox(u"DeleteData"_s, 3075));
+        QVERIFY(!DeleteData(session(), u"M'"_s, 0));
         QCOMPARE(links().size(), 5);
+    }
+
+    void datumThatCannotBeReadIsNotAskedAbout()
+    {
+        {
+            const ForeignLock lock(*session().OpenDb, ForeignLock::Kind::Exclusive);
+            world->dialogs.expect(failureBox(u"GetDataName"_s, 3260));
+            QCOMPARE(DeleteDatum(session(), Water, 3), Deletion::Kept);
+        }
+        QCOMPARE(links().size(), 4);
     }
 
     void withoutDatabaseItIsReported()

@@ -160,6 +160,7 @@ private Q_SLOTS:
         world->dialogs.expect(Updated);
         QVERIFY(FormWorld::choose(form, u"mnuDataUpdate"_s));
         QCOMPARE(world->definitions(), QStringList({u"水|M-991231-001|H2O"_s}));
+        QCOMPARE(world->memberships(), QStringList({u"A|M-991231-001"_s}));
     }
 
     void updateThatIsUndoneKeepsWhatWasTyped()

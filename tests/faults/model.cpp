@@ -126,28 +126,26 @@ void removeDatum(Model& model, const QString& datum)
     std::erase_if(model.memberships, [&](const auto& membership) { return membership.second == datum; });
 }
 
-/// Whether data are filed in some of the categories, and have left none but categories above those.
+/// Whether some of the data are filed in some of the categories, each as a whole: in the category and out of those above.
 bool isFiledInPart(const QStringList& categories, const QStringList& data, const Model& before,
                    const Model& actual, const Model& whole)
 {
-    if (actual.data != whole.data || actual.links != whole.links || actual.categories != whole.categories)
-        return false;
-    const bool nothingElse =
-        std::all_of(actual.memberships.begin(), actual.memberships.end(), [&](const auto& membership) {
-            return before.memberships.contains(membership) ||
-                   (categories.contains(membership.first) && data.contains(membership.second));
-        });
-    const bool nothingLost =
-        std::all_of(before.memberships.begin(), before.memberships.end(), [&](const auto& membership) {
-            return actual.memberships.contains(membership) || !whole.memberships.contains(membership);
-        });
-    // Nobody may be filed nowhere afterwards.
-    const bool nobodyLost = std::all_of(data.begin(), data.end(), [&](const QString& datum) {
-        const auto isItsOwn = [&](const auto& membership) { return membership.second == datum; };
-        return std::any_of(actual.memberships.begin(), actual.memberships.end(), isItsOwn) ||
-               std::none_of(before.memberships.begin(), before.memberships.end(), isItsOwn);
-    });
-    return nothingElse && nothingLost && nobodyLost;
+    std::vector<Model::Pair> filings;
+    for (const QString& category : categories) {
+        for (const QString& datum : data)
+            filings.emplace_back(category, datum);
+    }
+    for (std::size_t chosen = 0; chosen < (std::size_t{1} << filings.size()); ++chosen) {
+        Model some = before;
+        some.data = whole.data;
+        for (std::size_t i = 0; i < filings.size(); ++i) {
+            if ((chosen >> i & 1) != 0)
+                file(some, filings[i].first, filings[i].second);
+        }
+        if (actual == some)
+            return true;
+    }
+    return false;
 }
 
 constexpr std::size_t MostData = 60; // of an actor

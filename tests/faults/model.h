@@ -78,8 +78,7 @@ std::optional<Step> randomStep(Step::Kind kind, std::mt19937& random, const Mode
 Model after(const Step& step, const Model& before);
 
 /// Whether a step that has told a failure may leave this. All or nothing; where the program promises no more than that each
-/// part is whole: what is done without some of the parts. Those are the data of many, and for a datum that is filed its
-/// filing and the end of its membership in the categories above.
+/// part is whole: what is done without some of the parts. Those are the data of many, and the filings of a datum.
 bool isPossibleAfterFailure(const Step& step, const Model& before, const Model& actual);
 
 /// Some data, links and categories to begin with.

@@ -168,6 +168,26 @@ private Q_SLOTS:
                  QStringList({u"火|M-991231-002|炎"_s, u"金|M-991231-004|Au"_s, u"木|M-991231-005|樹"_s}));
     }
 
+    void datumThatCannotBeReadIsNeitherAskedAboutNorTakenForGone()
+    {
+        selectRows({0});
+        {
+            const ForeignLock lock(database(), ForeignLock::Kind::Exclusive);
+            for (int way = 0; way < 3; ++way) {
+                expectFailure(u"GetDataName"_s, errors::Locked);
+                if (way == 0)
+                    chooseEntry(u"mnuDataDelete"_s);
+                else if (way == 1)
+                    pressKey(list, Qt::Key_Delete);
+                else
+                    window->DeleteSelectedData();
+                QCOMPARE(world->dialogs.takeComplaints(), QStringList());
+                QCOMPARE(rows().size(), 7);
+            }
+        }
+        QCOMPARE(definitions().size(), 5);
+    }
+
     void lockedDatabaseIsToldOnceForAllRows_data()
     {
         QTest::addColumn<bool>("writing");

@@ -137,15 +137,19 @@ void frmLinkList::mnuLinkDelete_Click()
         session().dialogs.messageBox({.text = u"リンクが選択されていません。"_s});
         return;
     }
-    const ListedDatum source = presentDatum(session(), cell(row, SourceIdentifierColumn));
-    const ListedDatum target = presentDatum(session(), cell(row, TargetIdentifierColumn));
+    const QString targetIdentifier =
+        cell(row, TargetIdentifierColumn); // read before a box can let the list change
+    const auto source = presentDatum(session(), cell(row, SourceIdentifierColumn));
+    const auto target = source ? presentDatum(session(), targetIdentifier) : std::nullopt;
+    if (!source || !target)
+        return;
     const Answer answer =
-        session().dialogs.messageBox({.text = u"<"_s + source.name + u"> と <"_s + target.name +
+        session().dialogs.messageBox({.text = u"<"_s + source->name + u"> と <"_s + target->name +
                                               u">のリンクを削除をしますか。"_s, // sic: を twice
                                       .buttons = Buttons::YesNo});
     if (answer != Answer::Yes)
         return;
-    DeleteLink(session(), source, target);
+    DeleteLink(session(), *source, *target);
     SetAllLinkList(session());
 }
 

@@ -134,7 +134,8 @@ void DataForm::mnuLinkDelete_Click()
     // Nothing is asked: what is deleted must be the link to what the list shows.
     const ListedDatum partner{.identifier = lsvLink->rows().text(row, LinkIdentifierColumn).toString(),
                               .name = lsvLink->rows().text(row, LinkNameColumn).toString()};
-    DeleteLink(session(), partner, presentDatum(session(), fieldText(1)));
+    if (const auto shown = presentDatum(session(), fieldText(1)))
+        DeleteLink(session(), partner, *shown);
     if (self)
         SetLinkList(session(), *this, fieldText(1));
 }

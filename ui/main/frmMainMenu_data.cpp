@@ -46,11 +46,15 @@ void frmMainMenu::mnuDataDelete_Click()
                       return;
                   }
                   std::vector<ListedDatum> listed = dataIn(rows);
-                  if (!CheckMultiSelect())
-                      listed.front() = presentDatum(session(), listed.front().identifier);
-                  const QString question = CheckMultiSelect()
-                                               ? u"選択された複数のデータを削除しますか。"_s
-                                               : u"<"_s + listed.front().name + u"> を削除しますか。"_s;
+                  const bool several = CheckMultiSelect();
+                  if (!several) {
+                      const auto present = presentDatum(session(), listed.front().identifier);
+                      if (!present)
+                          return;
+                      listed.front() = *present;
+                  }
+                  const QString question = several ? u"選択された複数のデータを削除しますか。"_s
+                                                   : u"<"_s + listed.front().name + u"> を削除しますか。"_s;
                   if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) !=
                       Answer::Ok)
                       return;
@@ -102,7 +106,10 @@ void frmMainMenu::DeleteSelectedData()
         }
         // Nothing is asked: what is deleted must be what the list shows.
         const ListedDatum listed = dataIn({row}).front();
-        if (presentDatum(session(), listed.identifier).name == listed.name)
+        const auto present = presentDatum(session(), listed.identifier);
+        if (!present)
+            return;
+        if (present->name == listed.name)
             DeleteData(session(), listed.identifier, 2);
         else
             tellNotFound(session(), 1);

@@ -101,8 +101,13 @@ void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
         if (!isSelected)
             rows.clear();
         const bool several = rows.size() > 1;
-        const std::vector<ListedDatum> dropped =
-            several ? dataIn(rows) : std::vector<ListedDatum>{presentDatum(session(), text)};
+        std::vector<ListedDatum> dropped = dataIn(rows);
+        if (!several) {
+            const auto present = presentDatum(session(), text);
+            if (!present)
+                return;
+            dropped = {*present};
+        }
         const QString question =
             several ? u"選択された複数のデータを [ "_s + category.name + u" ] に分類してもよろしいですか。"_s
                     : u"[ "_s + dropped.front().name + u" ] を[ "_s + category.name +
