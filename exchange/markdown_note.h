@@ -12,13 +12,13 @@ namespace quillon::exchange
 /// A file of Markdown with a head between two lines of "---", as notes have it.
 struct MarkdownNote {
     bool isOurs = false; // its head tells an identifier: then nothing is guessed
-    QString title;       // empty: that of the file
-    QString identifier;
-    QString kind; // the short name of one
-    QDate day;
-    QString text;
-    QStringList tags;  // each a way of names
-    QStringList links; // what the note leads to: a title, or a path of the folder without its ending
+    QString title = {};  // empty: that of the file
+    QString identifier = {};
+    QString kind = {}; // the short name of one
+    QDate day = {};
+    QString text = {};
+    QStringList tags = {};  // each a way of names
+    QStringList links = {}; // what the note leads to: a title, or a path of the folder without its ending
 };
 
 /// Reads a note.
