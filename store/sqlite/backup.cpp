@@ -74,10 +74,12 @@ Backup::Backup(const QString& source, const QString& target) : m_target(target)
         Statement(m_to, u"PRAGMA synchronous = OFF"_s).run();
         // Room for what a step copies, so that it is written behind the step.
         Statement(m_to, u"PRAGMA cache_size = -4096"_s).run();
+        m_gathered.emplace(m_to.get());
         m_backup = sqlite3_backup_init(m_to.get(), "main", m_from.get(), "main");
         if (m_backup == nullptr)
             throw errorOf(m_to.get(), sqlite3_extended_errcode(m_to.get()));
     } catch (...) {
+        m_gathered.reset();
         m_to.close();
         QFile::remove(m_target);
         throw;
@@ -87,6 +89,7 @@ Backup::Backup(const QString& source, const QString& target) : m_target(target)
 Backup::~Backup()
 {
     sqlite3_backup_finish(m_backup);
+    m_gathered.reset();
     m_to.close();
     if (!m_isKept)
         QFile::remove(m_target);
@@ -129,6 +132,8 @@ void Backup::finish()
 {
     check(m_to.get(), sqlite3_backup_finish(std::exchange(m_backup, nullptr)));
     m_from.close();
+    check(m_to.get(), m_gathered->finish());
+    m_gathered.reset();
 }
 
 std::unique_ptr<Statement> Backup::ask(const QString& sql)

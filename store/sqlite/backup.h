@@ -1,11 +1,13 @@
 #pragma once
 
+#include "store/sqlite/gathered_writes.h"
 #include "store/sqlite/handle.h"
 
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 struct sqlite3_backup;
 
@@ -55,6 +57,7 @@ private:
     Handle m_from;
     Handle m_to;
     sqlite3_backup* m_backup = nullptr;
+    std::optional<GatheredWrites> m_gathered;
     int m_mostPages = 1; // in a step
     std::function<bool()> m_goesOn;
     bool m_isKept = false;
