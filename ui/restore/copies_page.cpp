@@ -57,8 +57,9 @@ void CopiesPage::arrange()
     lsvCopy->setObjectName(u"lsvCopy"_s);
     lsvCopy->setAccessibleName(u"控え一覧"_s);
     lsvCopy->setSelectionMode(QAbstractItemView::SingleSelection);
-    lsvCopy->setColumnCharacters({20, 12, 8, 8, 8, 8, 8, 8, 12, 1});
+    lsvCopy->setColumnCharacters({20, 12, 9, 9, 9, 9, 9, 12, 14, 1});
     lsvCopy->setColumnHidden(NumberColumn, true);
+    lsvCopy->giveRoomTo({1});
     rows->addWidget(plainLabel(u"lblCopy"_s, u"新しい順の控えの一覧(&G) ："_s, lsvCopy, this));
     rows->addWidget(lsvCopy, 1);
     auto* bottom = new QHBoxLayout;

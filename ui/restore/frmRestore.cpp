@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 
 using namespace Qt::Literals::StringLiterals;
@@ -81,9 +82,13 @@ void frmRestore::arrange()
         this);
     sbStatus->setObjectName(u"sbStatus"_s);
     setStatusBar(sbStatus);
-    constexpr int Width = 980;
+    constexpr int Width = 1080;
     constexpr int Height = 640;
-    resize(Width, Height);
+    // In the middle of the screen by itself: a window that opens over this one at once has to know where it is.
+    const QRect room = screen()->availableGeometry();
+    QRect place(QPoint(0, 0), QSize(Width, Height).boundedTo(room.size()));
+    place.moveCenter(room.center());
+    setGeometry(place);
 }
 
 void frmRestore::showDatabase(const QString& path)

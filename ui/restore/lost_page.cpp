@@ -74,6 +74,8 @@ void LostPage::arrange()
     rows->addWidget(cmdPutBack, 0, Qt::AlignRight);
     parts->setStretchFactor(0, 1);
     parts->setStretchFactor(1, 1);
+    constexpr int Half = 10'000; // both alike, whatever they would like to have
+    parts->setSizes({Half, Half});
 }
 
 QWidget* LostPage::makeList()
@@ -109,7 +111,8 @@ QWidget* LostPage::makeList()
     lsvLost->setObjectName(u"lsvLost"_s);
     lsvLost->setAccessibleName(u"失われたデータの一覧"_s);
     lsvLost->setSelectionMode(QAbstractItemView::SingleSelection);
-    lsvLost->setColumnCharacters({20, 17, 20, 15, 1});
+    lsvLost->setColumnCharacters({19, 17, 16, 14, 1});
+    lsvLost->giveRoomTo({2});
     lsvLost->setColumnHidden(NumberColumn, true);
     rows->addWidget(plainLabel(u"lblLost"_s, u"新しい順の一覧(&G) ："_s, lsvLost, left));
     rows->addWidget(lsvLost, 1);
