@@ -19,9 +19,20 @@ namespace quillon::tour
 {
 
 Stage::Stage(Guide& tourGuide, const QString& currentFolder)
-    : guide(tourGuide), folder(currentFolder), dialogs(tourGuide),
-      program({dialogs, log, clock, desktop, files}, currentFolder)
+    : guide(tourGuide), folder(currentFolder), dialogs(tourGuide), program(ports(), currentFolder)
 {
+}
+
+Program::Ports Stage::ports()
+{
+    // Copies are made when the tour wants to show one.
+    return {.dialogs = dialogs,
+            .eventLog = log,
+            .clock = clock,
+            .desktop = desktop,
+            .files = files,
+            .keptFolder = keptFolder(),
+            .copies = std::nullopt};
 }
 
 FormWindow* Stage::lastWindow(const QString& name)

@@ -26,6 +26,9 @@ public:
     Stage(Guide& tourGuide, const QString& currentFolder);
 
     frmMainMenu& mainWindow() { return program.mainWindow(); }
+    /// What a run of the program stands on.
+    Program::Ports ports();
+    QString keptFolder() const { return folder + QStringLiteral("/kept"); }
     /// The window of this name that was loaded last; null, which is complained about, when there is none.
     FormWindow* lastWindow(const QString& name);
     /// Chooses a menu entry.

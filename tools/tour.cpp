@@ -2,9 +2,12 @@
 // every window. Usage: quillon-tour [FOLDER FOR THE PICTURES]
 #include "app/shell/frmSplash.h"
 #include "app/shell/japanese_interface.h"
+#include "store/database.h"
+#include "store/kept/copies.h"
 #include "tools/sample_database.h"
 #include "tools/stage.h"
 #include "ui/main/frmMainMenu.h"
+#include "ui/restore/frmRestore.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
@@ -12,6 +15,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QMenu>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,6 +47,7 @@ public:
         playSearches(*this);
         showStatistics();
         closeAll();
+        takeBack();
         end();
     }
 
@@ -165,6 +170,32 @@ private:
         choose(mainWindow(), u"mnuDataCloseAll"_s);
         if (program.windows().loaded().size() != 1)
             guide.complain(u"閉じていない画面があります。"_s);
+    }
+
+    void takeBack()
+    {
+        guide.say(u"復元画面: 失われたデータと控え"_s);
+        const QString database = program.session().OpenDb->path();
+        kept::makeCopy({.place = {keptFolder(), database},
+                        .fileFolder = program.session().inCurrentFolder(titles::FileFolder),
+                        .now = [] { return QDateTime::currentDateTime(); },
+                        .goesOn = [] { return true; }});
+        Program restoring(ports(), folder);
+        frmRestore& window = restoring.restoreWindow();
+        window.resize(1080, 640); // as on an ordinary screen
+        window.showModeless();
+        window.showDatabase(database);
+        QApplication::processEvents(); // the list is read in slices
+        auto* lost = window.findChild<ReportList*>(u"lsvLost"_s);
+        for (int row = 0; row < lost->rows().rowCount(); ++row) {
+            if (lost->rows().text(row, 1) == u"データの更新") {
+                lost->selectRow(row);
+                break;
+            }
+        }
+        guide.picture(window, u"restore"_s);
+        window.findChild<QTabWidget*>(u"tabPages"_s)->setCurrentIndex(1);
+        guide.picture(window, u"restore-copies"_s);
     }
 
     void end()
