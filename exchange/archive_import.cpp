@@ -6,6 +6,7 @@
 #include "exchange/merging.h"
 #include "exchange/progress.h"
 #include "exchange/refused.h"
+#include "exchange/settled_file.h"
 #include "exchange/tables.h"
 #include "store/record_set.h"
 #include "store/schema.h"
@@ -150,6 +151,7 @@ public:
         Merging merging(m_session, rows, m_report);
         merging.examine();
         PlacedFiles placed;
+        const SettledFile settled(required(m_session.RsMain));
         sqlite::Transaction write(required(m_session.RsMain).database().connection());
         merging.write();
         if (!m_options.dryRun) {

@@ -7,6 +7,7 @@
 #include "core/data_entry.h"
 #include "core/links.h"
 #include "exchange/refused.h"
+#include "exchange/settled_file.h"
 #include "store/identifiers.h"
 #include "store/lookup/identifier_pages.h"
 #include "store/record_set.h"
@@ -275,6 +276,7 @@ ImportReport bringIn(Session& session, const ImportOptions& options,
                      const std::function<void(NewData&)>& bring)
 {
     ImportReport report;
+    const SettledFile settled(required(session.RsMain));
     sqlite::Transaction write(required(session.RsMain).database().connection());
     NewData data(session, report);
     bring(data);

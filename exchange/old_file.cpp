@@ -7,6 +7,7 @@
 #include "exchange/merging.h"
 #include "exchange/old_source.h"
 #include "exchange/output.h"
+#include "exchange/settled_file.h"
 #include "exchange/tables.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
@@ -285,6 +286,7 @@ ImportReport importOldFile(Session& session, const QString& source, const Import
     Merging merging(session, old, report);
     merging.examine();
     {
+        const SettledFile settled(required(session.RsMain));
         sqlite::Transaction write(required(session.RsMain).database().connection());
         merging.write();
         if (!options.dryRun)

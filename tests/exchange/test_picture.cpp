@@ -55,7 +55,9 @@ class TestPicture : public QObject
         while (!xml.atEnd()) {
             if (xml.readNext() != QXmlStreamReader::StartElement)
                 continue;
-            const auto value = [&](const char16_t* name) { return xml.attributes().value(QString::fromUtf16(name)); };
+            const auto value = [&](const char16_t* name) {
+                return xml.attributes().value(QString::fromUtf16(name));
+            };
             if (xml.name() == u"text") {
                 seen.texts << xml.readElementText();
             } else if (xml.name() == u"path") {
