@@ -51,6 +51,7 @@ public:
             copy(*table);
         }
         write.commit();
+        m_report.lost = m_source.lossCount();
         m_report.notes = m_source.takeNotes();
         return m_report;
     }
@@ -292,6 +293,7 @@ ImportReport importOldFile(Session& session, const QString& source, const Import
         if (!options.dryRun)
             write.commit();
     }
+    report.lost = old.lossCount();
     const std::vector<Note> notes = old.takeNotes();
     report.notes.insert(report.notes.begin(), notes.begin(), notes.end());
     return report;

@@ -22,6 +22,8 @@ public:
     /// read; `Refused` when it is another program's, or when nothing of ours is left in it.
     explicit OldSource(const QString& path);
 
+    /// In how many places the file could not be read, so far.
+    qint64 lossCount() const { return m_database.losses().count(); }
     /// How many rows the tables say they have.
     qint64 rowCount() const;
 

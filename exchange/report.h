@@ -23,6 +23,7 @@ struct ImportReport {
     qint64 linked = 0;     // links added
     qint64 filed = 0;      // memberships added
     qint64 categories = 0; // categories added
+    qint64 lost = 0;       // places of a damaged source that could not be read; the notes tell them
     std::vector<Note> notes;
 };
 

@@ -173,6 +173,10 @@ Status importData(Run& run)
                 report.notes);
     if (options.dryRun)
         tell(u"--dry-run のため、何も書き込んでいません。"_s);
+    if (report.lost > 0) {
+        tell(u"元のファイルに読み取れないところがあります。"_s);
+        return Status::HalfWay;
+    }
     return report.added + report.linked + report.filed + report.categories > 0 ? Status::Done
                                                                                : Status::NothingFound;
 }

@@ -108,6 +108,21 @@ private Q_SLOTS:
         QCOMPARE(m_world->run({u"import"_s, u"old"_s, u"違う.mdb"_s}).status, 4);
     }
 
+    void whatIsLostOfADamagedOldFileIsNoSuccess()
+    {
+        auto tables = oldTables();
+        tables[0].rows = {{u"水"_s, u"M-991231-001"_s, u"液体"_s}};
+        QByteArray bytes = writeOldFile(tables).bytes;
+        bytes[5 * 4096 - 1] = 3; // the only row says that it has no text
+        QVERIFY(m_world->write(u"古い.mdb"_s, bytes));
+        m_world->database = u"新しい.mdb"_s;
+        QCOMPARE(m_world->run({u"import"_s, u"old"_s, u"古い.mdb"_s}),
+                 answer(5,
+                        reportOf(1, 0, 0, 0, 0, 0) +
+                            u"定義データ M-991231-001「水」の内容: 項目が壊れていて、読み取れません。\n"_s,
+                        u"元のファイルに読み取れないところがあります。\n"_s));
+    }
+
     void aFolderOfNotesComesInAndGoesOut()
     {
         QVERIFY(QDir(m_world->folder.path()).mkpath(u"覚え書き/地形"_s));

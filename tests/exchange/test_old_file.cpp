@@ -225,6 +225,7 @@ private Q_SLOTS:
         const ConvertedFile converted =
             convertOldFile(write(writeOldFile(sampleTables(), {.rowCountError = 1})));
         QCOMPARE(converted.report.notes.size(), 7U);
+        QCOMPARE(converted.report.lost, 7);
         QVERIFY(compareText(converted.report.notes[6].where, u"分類情報"));
         QVERIFY(compareText(
             converted.report.notes[6].text,
@@ -463,6 +464,7 @@ private Q_SLOTS:
         Listener listener;
         const ImportReport report = importOldFile(world.session, path, {}, &listener);
         QCOMPARE(report.skipped, 1);
+        QCOMPARE(report.lost, 7);
         QCOMPARE(report.renamed, 1);
         QCOMPARE(report.added, 5);
         const QStringList notes = textsOf(report.notes);
