@@ -38,7 +38,7 @@ constexpr int MostColumns = 255;
 constexpr quint32 MostIndexes = 32;
 constexpr quint8 FixedFlag = 1;
 
-Error unreadable(const QString& why)
+Error unreadableDefinition(const QString& why)
 {
     return {errors::NotADatabase, why};
 }
@@ -48,14 +48,14 @@ QByteArray joined(const Pages& pages, quint32 first)
 {
     QByteArray bytes = pages.definitionPage(first).toByteArray();
     if (bytes.isEmpty())
-        throw unreadable(u"テーブルの定義がありません。"_s);
+        throw unreadableDefinition(u"テーブルの定義がありません。"_s);
     std::vector<quint32> seen = {first};
     for (quint32 next = numberAt<quint32>(bytes, NextPageAt); next != 0;) {
         const QByteArrayView page = pages.definitionPage(next);
         if (page.isEmpty())
-            throw unreadable(u"テーブルの定義の続きがありません。"_s);
+            throw unreadableDefinition(u"テーブルの定義の続きがありません。"_s);
         if (std::find(seen.begin(), seen.end(), next) != seen.end() || seen.size() >= MostPages)
-            throw unreadable(u"テーブルの定義に終わりがありません。"_s);
+            throw unreadableDefinition(u"テーブルの定義に終わりがありません。"_s);
         seen.push_back(next);
         bytes += page.sliced(BytesBeforeMore);
         next = numberAt<quint32>(page, NextPageAt);
@@ -71,7 +71,7 @@ void requireDistinctPlaces(const std::vector<Column>& columns)
     };
     for (auto a = columns.begin(); a != columns.end(); ++a) {
         if (std::any_of(columns.begin(), a, [&](const Column& b) { return contradict(*a, b); }))
-            throw unreadable(u"テーブルの定義が壊れています。"_s);
+            throw unreadableDefinition(u"テーブルの定義が壊れています。"_s);
     }
 }
 
@@ -85,11 +85,11 @@ Definition readDefinition(const Pages& pages, quint32 page)
     const int count = numberAt<quint16>(bytes, layout.columnCount);
     const auto indexes = numberAt<quint32>(bytes, layout.indexCount);
     if (count > MostColumns || indexes > MostIndexes)
-        throw unreadable(u"テーブルの定義が壊れています。"_s);
+        throw unreadableDefinition(u"テーブルの定義が壊れています。"_s);
     Definition definition{.page = page, .rowCount = numberAt<quint32>(bytes, layout.rowCount), .columns = {}};
     qsizetype at = layout.columns + layout.bytesOfIndex * static_cast<qsizetype>(indexes);
     if (!holds(bytes, at, count * layout.bytesOfColumn))
-        throw unreadable(u"テーブルの定義が壊れています。"_s);
+        throw unreadableDefinition(u"テーブルの定義が壊れています。"_s);
     for (int i = 0; i < count; ++i, at += layout.bytesOfColumn)
         definition.columns.push_back({.name = {},
                                       .type = byteAt(bytes, at),
@@ -101,11 +101,11 @@ Definition readDefinition(const Pages& pages, quint32 page)
     const qsizetype bytesOfLength = isThree ? 1 : 2;
     for (Column& column : definition.columns) {
         if (!holds(bytes, at, bytesOfLength))
-            throw unreadable(u"テーブルの定義が壊れています。"_s);
+            throw unreadableDefinition(u"テーブルの定義が壊れています。"_s);
         const qsizetype length = isThree ? byteAt(bytes, at) : numberAt<quint16>(bytes, at);
         at += bytesOfLength;
         if (!holds(bytes, at, length))
-            throw unreadable(u"テーブルの定義が壊れています。"_s);
+            throw unreadableDefinition(u"テーブルの定義が壊れています。"_s);
         column.name = decoded(pages, QByteArrayView(bytes).sliced(at, length)).text;
         at += length;
     }
