@@ -45,10 +45,11 @@ std::optional<QString> givenText(Run& run, const DataKind& kind)
         throw WrongUsage{u"内容は --text、--file、- のうち一つだけで指定してください。"_s, arguments.verb};
     if (arguments.has(word))
         return arguments.value(word);
-    if (arguments.has(file))
-        return loadText(run.session.files,
-                        QDir::toNativeSeparators(absolutePath(QDir::currentPath(), arguments.value(file))),
-                        kind);
+    if (arguments.has(file)) {
+        const QString path =
+            QDir::toNativeSeparators(absolutePath(QDir::currentPath(), arguments.value(file)));
+        return withNamedFile([&] { return loadText(run.session.files, path, kind); });
+    }
     if (arguments.has(input))
         return textOfBytes(standardInput(run), kind);
     return std::nullopt;

@@ -3,6 +3,12 @@
 namespace quillon::cli
 {
 
+bool isTroubleOfFile(qint32 errorNumber)
+{
+    return errorNumber == errors::PermissionDenied || errorNumber == errors::PathFileAccess ||
+           errorNumber == errors::PathNotFound;
+}
+
 Status statusOf(qint32 errorNumber)
 {
     switch (errorNumber) {
@@ -12,6 +18,9 @@ Status statusOf(qint32 errorNumber)
     case errors::RecordDeleted:
     case errors::FileNotFound:
         return Status::NothingFound;
+    case errors::PermissionDenied:
+    case errors::PathFileAccess:
+    case errors::PathNotFound:
     case errors::OutOfMemory:
     case errors::DiskFull:
     case errors::ObjectNotSet:

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <utility>
+
 namespace quillon::cli
 {
 
@@ -23,7 +25,22 @@ struct Refusal {
     QString text;
 };
 
-/// The status for a failure of an operation.
+/// The status for a failure of an operation with the database.
 Status statusOf(qint32 errorNumber);
+
+/// Whether a failure is one of a file, its folder or the right to them, other than that it is not there.
+bool isTroubleOfFile(qint32 errorNumber);
+
+/// Works with a file that the command names. What the system says against that is no trouble of the database.
+template <class Work> auto withNamedFile(Work&& work)
+{
+    try {
+        return std::forward<Work>(work)();
+    } catch (const Error& error) {
+        if (isTroubleOfFile(error.number))
+            throw Refusal{Status::Refused, error.description};
+        throw;
+    }
+}
 
 } // namespace quillon::cli

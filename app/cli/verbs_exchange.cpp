@@ -118,7 +118,7 @@ template <class Format> const Format& formatAskedFor(const Run& run, const std::
 template <class Work> auto whole(Work&& work)
 {
     try {
-        return std::forward<Work>(work)();
+        return withNamedFile(std::forward<Work>(work));
     } catch (const exchange::Cancelled& cancelled) {
         throw Refusal{Status::HalfWay, cancelled.description};
     } catch (const Error& error) {

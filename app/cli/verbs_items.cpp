@@ -92,7 +92,7 @@ Status attach(Run& run)
         entry.category = categories.front();
     QString registered = identifier;
     const auto progress = [](qint64, qint64) { return !platform::wasInterrupted(); };
-    switch (RegisterFile(run.session, entry, progress, &registered)) {
+    switch (withNamedFile([&] { return RegisterFile(run.session, entry, progress, &registered); })) {
     case FileRegistration::Registered:
         printIdentifier(run, registered);
         return Status::Done;
@@ -229,6 +229,8 @@ Status deleteItems(Run& run)
         if (status != Status::Done && status != Status::NothingFound)
             break;
     }
+    if (deleted == 0)
+        run.goOn();
     if (failure == Status::Done || (deleted == 0 && failure != Status::HalfWay))
         return failure;
     complain(u"%1 件中 %2 件を削除しました。"_s.arg(identifiers.size()).arg(deleted));
@@ -247,7 +249,7 @@ Status openFile(Run& run)
     case FileOpening::FileNotFound:
         return Status::NothingFound;
     case FileOpening::NotStarted:
-        throw Error(errors::PathFileAccess);
+        throw Refusal{Status::Refused, Error(errors::PathFileAccess).description};
     case FileOpening::NoAssociation:
         return Status::Refused;
     case FileOpening::Failed:

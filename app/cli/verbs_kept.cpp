@@ -146,7 +146,7 @@ Status copies(Run& run)
             throw Refusal{Status::NothingFound, u"控え %1 は見つかりませんでした。"_s.arg(wanted)};
         const QString target =
             QDir::toNativeSeparators(absolutePath(QDir::currentPath(), run.arguments.value(u"--to"_s)));
-        return TakeOutCopy(run.session, *copy, target) ? Status::Done : run.log.takeStatus(Status::Refused);
+        return TakeOutCopy(run.session, *copy, target) ? Status::Done : Status::Refused;
     }
     Output& output = run.output;
     for (const kept::Copy& copy : all) {

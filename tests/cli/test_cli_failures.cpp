@@ -121,6 +121,29 @@ private Q_SLOTS:
                  qPrintable(answered.errors));
     }
 
+    void whereTheDatabaseCannotGrowNothingIsHalfDone()
+    {
+        QVERIFY(m_world->write(u"text.txt"_s, QByteArray(60'000, 'a')));
+        const qint64 size = QFileInfo(m_world->path(u"QUILLON.mdb"_s)).size();
+        QProcess shell;
+        shell.setProcessEnvironment(m_world->environment());
+        shell.setWorkingDirectory(m_world->folder.path());
+        // As on a disk on which there is no room for more.
+        shell.start(
+            u"/bin/bash"_s,
+            {u"-c"_s,
+             u"trap '' XFSZ; ulimit -f %1; exec \"$0\" --database QUILLON.mdb add document 本 --file text.txt"_s
+                 .arg(size / 1024 + 8),
+             QStringLiteral(QUILLON_CLI)});
+        const Answered answered = CliWorld::answerOf(shell);
+        QCOMPARE(answered.status, 3);
+        QCOMPARE(answered.output, QString());
+        QVERIFY2(answered.errors.startsWith(u"quillon-cli: "_s), qPrintable(answered.errors));
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsRefDoc).size(), 1);
+        QCOMPARE(m_world->run({u"check"_s}).errors.section(u'\n', 0, 0),
+                 u"1 件の問題があります。"_s); // the file of its datum
+    }
+
     void aClosedPipeEndsQuietly()
     {
         m_world->session.OpenDb->execute(

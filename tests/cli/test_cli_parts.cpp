@@ -108,7 +108,8 @@ private Q_SLOTS:
         QTest::newRow("disk full") << 61 << 3;
         QTest::newRow("too wide") << 3163 << 4;
         QTest::newRow("taken") << 3022 << 4;
-        QTest::newRow("no permission") << 70 << 4;
+        QTest::newRow("no permission") << 70 << 3;
+        QTest::newRow("no access") << 75 << 3;
     }
 
     void failuresHaveTheirStatus()

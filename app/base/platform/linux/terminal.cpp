@@ -2,8 +2,10 @@
 
 #include <csignal>
 
+#include <array>
 #include <cerrno>
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -14,6 +16,7 @@ namespace
 {
 
 volatile std::sig_atomic_t interrupted = 0;
+constexpr std::array Interruptions = {SIGINT, SIGTERM, SIGHUP};
 
 int descriptorOf(Stream stream)
 {
@@ -56,8 +59,34 @@ Written writeTo(Stream stream, QByteArrayView text)
     return Written::Whole;
 }
 
+namespace
+{
+
+/// Waits until something can be read. False when an interruption ends the waiting, also one that came just before.
+bool waitForInput()
+{
+    sigset_t interruptions;
+    sigemptyset(&interruptions);
+    for (const int signal : Interruptions)
+        sigaddset(&interruptions, signal);
+    sigset_t before;
+    pthread_sigmask(SIG_BLOCK, &interruptions, &before);
+    pollfd input = {.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+    int ready = 0;
+    do {
+        // They come through during the waiting only.
+        ready = interrupted != 0 ? -1 : ppoll(&input, 1, nullptr, &before);
+    } while (ready < 0 && interrupted == 0 && errno == EINTR);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return interrupted == 0;
+}
+
+} // namespace
+
 std::optional<QByteArray> readInput(qsizetype atMost)
 {
+    if (!waitForInput())
+        return std::nullopt;
     QByteArray bytes(atMost, Qt::Uninitialized);
     const ssize_t read = ::read(STDIN_FILENO, bytes.data(), static_cast<std::size_t>(atMost));
     if (read < 0)
@@ -72,7 +101,7 @@ void noteInterruptions()
     action.sa_handler = [](int) { interrupted = 1; };
     // Once: whoever cannot wait for the end interrupts again. A waiting read ends.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : Interruptions)
         sigaction(signal, &action, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 }
