@@ -1,6 +1,8 @@
 #include "bench/corpora.h"
 #include "bench/pair.h"
 #include "bench/searched_corpus.h"
+#include "store/record_set.h"
+#include "store/session.h"
 
 #include <QCoreApplication>
 #include <QDir>
