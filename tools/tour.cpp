@@ -14,6 +14,8 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -186,6 +188,8 @@ private:
         window.showModeless();
         window.showDatabase(database);
         QApplication::processEvents(); // the list is read in slices
+        // The folder of the tour has another name each time.
+        window.findChild<QLineEdit*>(u"txtDatabase"_s)->setText(QFileInfo(database).fileName());
         auto* lost = window.findChild<ReportList*>(u"lsvLost"_s);
         for (int row = 0; row < lost->rows().rowCount(); ++row) {
             if (lost->rows().text(row, 1) == u"データの更新") {

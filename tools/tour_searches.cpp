@@ -30,8 +30,6 @@ void playSearches(Stage& stage)
     stage.choose(stage.mainWindow(), u"mnuFindName"_s);
     if (FormWindow* window = stage.lastWindow(u"frmFind"_s)) {
         stage.type(*window, u"txtFind"_s, u"ｶﾃｷﾝ"_s);
-        for (const QString& kind : {u"chkMain"_s, u"chkRefDoc"_s, u"chkRefFile"_s})
-            stage.press(*window, kind);
         stage.guide.picture(*window, u"search"_s);
         stage.press(*window, u"cmdFind"_s);
         stage.type(*window, u"txtFind"_s, u"覆"_s);
