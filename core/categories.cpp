@@ -51,6 +51,15 @@ FindMemberships deferringFailures(Session& session, DeferredMessages& messages)
     };
 }
 
+void addMembership(Session& session, const QString& categoryIdentifier, const QString& identifier)
+{
+    RecordSet& memberships = required(session.RsCategory);
+    memberships.addNew();
+    memberships.setField(0, categoryIdentifier);
+    memberships.setField(1, identifier);
+    memberships.update();
+}
+
 void fileIn(Session& session, const FindMemberships& find, const QString& categoryIdentifier,
             const QString& identifier)
 {
@@ -58,11 +67,7 @@ void fileIn(Session& session, const FindMemberships& find, const QString& catego
         find(u"Category_ID ='"_s + categoryIdentifier + u"' AND Object_ID = '"_s + identifier + u"'"_s);
     if (required(present).hasRows())
         return;
-    RecordSet& memberships = required(session.RsCategory);
-    memberships.addNew();
-    memberships.setField(0, categoryIdentifier);
-    memberships.setField(1, identifier);
-    memberships.update();
+    addMembership(session, categoryIdentifier, identifier);
 }
 
 void takeOutOfAncestors(const FindMemberships& find, const QString& categoryIdentifier,
@@ -143,7 +148,7 @@ void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& 
     });
 }
 
-void fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers)
+qsizetype fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers)
 {
     // What would be taken out again by a category that follows is not put in.
     QStringList filed;
@@ -152,13 +157,9 @@ void fileNewDatum(Session& session, const QString& identifier, const QStringList
             [&](const QString& before) { return before == category || category.startsWith(before + u'-'); });
         filed << category;
     }
-    RecordSet& memberships = required(session.RsCategory);
-    for (const QString& category : std::as_const(filed)) {
-        memberships.addNew();
-        memberships.setField(0, category);
-        memberships.setField(1, identifier);
-        memberships.update();
-    }
+    for (const QString& category : std::as_const(filed))
+        addMembership(session, category, identifier);
+    return filed.size();
 }
 
 std::vector<std::size_t> ClassifyManyData(Session& session, const CategoryRow& category,

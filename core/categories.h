@@ -34,8 +34,8 @@ void ClassifyDatum(Session& session, DeferredMessages& messages, const QString& 
                    const QString& identifier);
 
 /// Files a datum that is filed nowhere yet, in these categories one after the other, as `ClassifyCategory` does. A part
-/// of a larger write. Not trapped.
-void fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers);
+/// of a larger write. In how many it is filed then. Not trapped.
+qsizetype fileNewDatum(Session& session, const QString& identifier, const QStringList& categoryIdentifiers);
 
 /// Files many data in a category that was asked about, each as ClassifyCategory does, as one durable write. Data that
 /// are gone, or bear another name by now, are passed over. What there is to tell about single ones comes when all have

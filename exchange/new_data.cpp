@@ -46,7 +46,8 @@ QString refusalOf(const std::vector<Note>& refused)
 } // namespace
 
 NewData::NewData(Session& session, ImportReport& report)
-    : m_session(session), m_report(report), m_messages(required(session.RsMain).database())
+    : m_session(session), m_report(report), m_messages(required(session.RsMain).database()),
+      m_memberships(required(session.RsCategory), u"1"_s, {0, 1})
 {
     for (const DataKind& kind : data_kinds::all()) {
         const RecordSet& rows = required(session.*kind.recordSet);
@@ -174,28 +175,26 @@ QString NewData::add(const NewDatum& datum)
     if (!m_refused.empty())
         return {}; // nothing of it will be written; the rest is only looked at
     const QStringList places = placesOf(datum);
-    const RecordSet& memberships = required(m_session.RsCategory);
     if (!m_refused.empty())
         return {};
-    const qint64 before = places.isEmpty() ? 0 : memberships.roughCount();
     QString identifier = presentSame(datum);
     if (identifier.isEmpty()) {
         identifier = givenTo(datum);
         addDatumRow(m_session, *datum.kind, identifier, texts);
-        fileNewDatum(m_session, identifier, places);
+        m_report.filed += fileNewDatum(m_session, identifier, places);
         m_added.insert(identifier);
         ++m_report.added;
         if (!datum.identifier.isEmpty() && identifier != datum.identifier)
             ++m_report.renamed;
     } else {
-        for (const QString& place : places)
+        for (const QString& place : places) {
+            m_report.filed += m_memberships.ask({place, identifier}) ? 0 : 1;
             ClassifyDatum(m_session, m_messages, place, identifier);
+        }
         ++m_report.skipped;
     }
     if (!datum.identifier.isEmpty() && !m_renamed.contains(datum.identifier))
         m_renamed.insert(datum.identifier, identifier);
-    if (!places.isEmpty())
-        m_report.filed += std::max(qint64(0), memberships.roughCount() - before);
     return identifier;
 }
 

@@ -84,6 +84,7 @@ private:
     std::vector<IdentifierSupply> m_supplies; // by kind
     std::vector<RowQuestion> m_identifiers;   // by kind: whether one is taken
     std::vector<RowQuestion> m_rows;          // by kind: name, text and identifier of a row
+    RowQuestion m_memberships;                // whether a datum is in a category
     bool m_hasReadPresent = false;
     std::unordered_multimap<quint64, std::pair<std::size_t, qint64>>
         m_present; // rows by the hash of their texts
