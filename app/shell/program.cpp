@@ -17,7 +17,7 @@
 #include "ui/restore/frmRestore.h"
 #include "ui/widgets/event_edge.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QTimer>
 
@@ -77,8 +77,9 @@ void Program::tellDamage(const kept::Damage& damage)
     // The window to take things back says itself what has become of a database.
     if (m_mainWindow == nullptr)
         return;
-    // Nobody else is to wait while a person reads.
-    if (m_session.OpenDb && m_session.OpenDb->connection().holdsLock()) {
+    // Nobody else is to wait while a person reads, who reads one box after the other.
+    const bool holdsLock = m_session.OpenDb && m_session.OpenDb->connection().holdsLock();
+    if (holdsLock || QApplication::activeModalWidget() != nullptr) {
         constexpr int Later = 200; // milliseconds
         QTimer::singleShot(Later, m_mainWindow, [this, damage] { tellDamage(damage); });
         return;
