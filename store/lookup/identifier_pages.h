@@ -2,6 +2,7 @@
 
 #include <QStringView>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,14 @@ inline std::optional<quint64> identifierNumber(QStringView identifier)
         number = number * 10 + (units[place] - u'0');
     }
     return number;
+}
+
+/// Lets the next element be added without asking for memory.
+template <class Page> void makeRoomForOne(std::vector<Page>& pages)
+{
+    constexpr std::size_t First = 16;
+    if (pages.size() == pages.capacity())
+        pages.reserve(std::max(First, 2 * pages.size()));
 }
 
 /// Where a container keeps what belongs to identifier numbers: the numbers of a day lie close together, so it has pages

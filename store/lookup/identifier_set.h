@@ -22,6 +22,7 @@ public:
             m_others.insert(identifier.toString());
             return;
         }
+        makeRoomForOne(m_pages); // the index may name no page that there is no memory for
         const quint32 position = m_index.findOrAdd(*number);
         if (position == m_pages.size())
             m_pages.push_back(0);

@@ -1,6 +1,7 @@
 #include "store/lookup/identifier_set.h"
 
 #include "store/lookup/identifier_table.h"
+#include "tests/support/failing_memory.h"
 
 #include <QTest>
 
@@ -8,12 +9,52 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
+using namespace quillon::testing;
 
 class TestIdentifierSet : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void itStaysWholeWhereMemoryRunsOut()
+    {
+#ifdef QUILLON_MEMORY_CAN_FAIL
+        const auto identifier = [](int day) { return u"M-%1-001"_s.arg(day, 6, 10, QChar(u'0')); };
+        constexpr int Days = 40000; // a page each
+        int refusals = 0;
+        for (int first = 0; first < 50; ++first) {
+            IdentifierTable<quint32> table;
+            IdentifierSet set;
+            int held = 0;
+            {
+                const FailingMemory scarce(first);
+                try {
+                    for (; held < Days; ++held) {
+                        set.insert(identifier(held));
+                        table.insert(identifier(held), 1);
+                    }
+                } catch (const std::bad_alloc&) {
+                    ++refusals;
+                }
+            }
+            // What could not be put in is not there, and the next one can be.
+            for (int day = held + 1; day < held + 3; ++day) {
+                QVERIFY(!set.contains(identifier(day)));
+                set.insert(identifier(day));
+                table.insert(identifier(day), quint32(day));
+            }
+            QCOMPARE(*table.find(identifier(held + 2)), quint32(held + 2));
+            QVERIFY(set.contains(identifier(held + 2)));
+            QVERIFY(held == 0 || set.contains(identifier(held - 1)));
+            if (held == Days)
+                break;
+        }
+        QVERIFY(refusals > 1);
+#else
+        QSKIP("Memory cannot be made to fail here.");
+#endif
+    }
+
     void itHoldsWhatAPlainSetHolds()
     {
         std::mt19937 random(11);
