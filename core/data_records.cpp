@@ -14,6 +14,7 @@
 #include "core/registration_window.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
+#include "store/lookup/category_names.h"
 #include "store/lookup/data_names.h"
 #include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
@@ -107,7 +108,13 @@ void CreateRegisterForm(Session& session, const QString& kind)
         const int node = mainWindow.selectedNodeIndex();
         if (node > LastFixedNode) {
             auto rows = window->categoryRows();
-            rows.push_back(listedCategory(session, mainWindow.nodeText(node), mainWindow.nodeKey(node)));
+            CategoryRow selected =
+                listedCategory(session, mainWindow.nodeText(node), mainWindow.nodeKey(node));
+            // Another program may have given it another name since the tree was built, or may have deleted it and given
+            // its identifier to another one. What is filed in must bear its own name.
+            if (selected.number != 0)
+                selected.name = readCategoryName(session, selected.identifier).value_or(selected.name);
+            rows.push_back(selected);
             window->setCategoryRows(rows);
         }
     });
@@ -170,7 +177,10 @@ public:
                     cleared.insert(datum.identifier);
                     return found ? Deletion::Deleted : Deletion::Gone;
                 },
-                [&] { return connection.inTransaction(); });
+                [&](const Error& error) {
+                    // Without memory it is not known what has been noted of this one: then none goes.
+                    return connection.inTransaction() && error.number != errors::OutOfMemory;
+                });
             advance();
         }
         try {
@@ -200,7 +210,7 @@ public:
                     return deleteWhole(m_session, datum.identifier, {.name = datum.name}) ? Deletion::Deleted
                                                                                           : Deletion::Gone;
                 },
-                [] { return true; });
+                [](const Error&) { return true; });
         }
     }
 
@@ -222,7 +232,7 @@ private:
         std::optional<Error> failure;
         for (int attempt = 0; attempt < 2 && outcome == Deletion::Kept; ++attempt) {
             const auto onFailure = [&](const Error& error) {
-                if (!canGoOn())
+                if (!canGoOn(error))
                     throw error;
                 failure = error;
             };

@@ -249,6 +249,17 @@ private Q_SLOTS:
         }
     }
 
+    void registrationNamesTheSelectedCategoryAsItIsCalledNow()
+    {
+        TestWorld::addRow(world->session.RsCategoryID, {u"A"_s, u"人工"_s});
+        for (int i = 1; i <= LastFixedNode; ++i)
+            world->mainWindow.nodes.push_back({u"FIXED%1"_s.arg(i), u"固定"_s, QString()});
+        world->mainWindow.nodes.push_back({u"A"_s, u"自然"_s, u"CATEGORY"_s});
+        world->mainWindow.selected = LastFixedNode + 1;
+        CreateRegisterForm(world->session, u"M"_s);
+        QCOMPARE(lastWindow().categories.back().name, u"人工"_s);
+    }
+
     void unknownKindOfRegistrationIsReported()
     {
         world->dialogs.expect(failureBox(u"CreateRegisterForm"_s, 91));
