@@ -68,7 +68,7 @@ private:
             if (inserted(row))
                 ++count;
             else
-                m_late.push_back({row, where});
+                m_late.emplace_back(row, where);
         });
         // Afterwards, so that none is given an identifier that another has further down.
         for (const auto& [row, where] : std::exchange(m_late, {}))

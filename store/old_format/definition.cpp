@@ -49,7 +49,7 @@ QByteArray joined(const Pages& pages, quint32 first)
     QByteArray bytes = pages.definitionPage(first).toByteArray();
     if (bytes.isEmpty())
         throw unreadableDefinition(u"テーブルの定義がありません。"_s);
-    std::vector<quint32> seen = {first};
+    std::vector seen = {first};
     for (quint32 next = numberAt<quint32>(bytes, NextPageAt); next != 0;) {
         const QByteArrayView page = pages.definitionPage(next);
         if (page.isEmpty())

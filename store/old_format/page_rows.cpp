@@ -25,7 +25,7 @@ PageRows::PageRows(const Pages& pages, QByteArrayView page)
 
 qsizetype PageRows::offsetOf(int number) const
 {
-    return numberAt<quint16>(m_page, m_offsetsAt + 2 * number) & OffsetMask;
+    return numberAt<quint16>(m_page, m_offsetsAt + qsizetype{2} * number) & OffsetMask;
 }
 
 std::optional<PageRow> PageRows::row(int number) const
@@ -35,9 +35,9 @@ std::optional<PageRow> PageRows::row(int number) const
     // Rows grow from the end of the page towards the table of their offsets.
     const qsizetype end = number == 0 ? m_page.size() : offsetOf(number - 1);
     const qsizetype start = offsetOf(number);
-    if (end > m_page.size() || start > end || start < m_offsetsAt + 2 * m_count)
+    if (end > m_page.size() || start > end || start < m_offsetsAt + qsizetype{2} * m_count)
         return std::nullopt;
-    const auto entry = numberAt<quint16>(m_page, m_offsetsAt + 2 * number);
+    const auto entry = numberAt<quint16>(m_page, m_offsetsAt + qsizetype{2} * number);
     return PageRow{.bytes = m_page.sliced(start, end - start),
                    .isPointer = (entry & PointerFlag) != 0,
                    .isSkipped = (entry & SkipFlag) != 0};

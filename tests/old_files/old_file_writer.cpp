@@ -97,6 +97,8 @@ QByteArray encoded932(const QString& text)
 
 QByteArray encodedUtf16(QStringView text)
 {
+    if (text.isEmpty())
+        return {}; // there may be no units to point at
     QByteArray bytes(text.size() * 2, Qt::Uninitialized);
     if (!text.isEmpty())
         qToLittleEndian<char16_t>(text.utf16(), text.size(), bytes.data());

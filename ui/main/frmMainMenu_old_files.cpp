@@ -35,6 +35,8 @@ public:
         if (m_isShown)
             m_bar.finish();
     }
+    ShownProgress(const ShownProgress&) = delete;
+    ShownProgress& operator=(const ShownProgress&) = delete;
 
     void at(qint64 done, qint64 whole) override
     {
