@@ -23,12 +23,11 @@ qint64 contentBytes()
 Error tooLong(const DataKind& kind)
 {
     if (&kind == &data_kinds::document())
-        return Error(errors::Overflow,
-                     u"ファイルが大きすぎて読み込めません。"
-                     u"文献の内容に読み込めるのは全角で32,768文字までです。ファイルを分割してください。"_s);
-    return Error(errors::Overflow,
-                 u"ファイルが大きすぎて読み込めません。"
-                 u"定義に登録できるのは全角で127文字未満です。文献として登録してください。"_s);
+        return {errors::Overflow,
+                u"ファイルが大きすぎて読み込めません。"
+                u"文献の内容に読み込めるのは全角で32,768文字までです。ファイルを分割してください。"_s};
+    return {errors::Overflow, u"ファイルが大きすぎて読み込めません。"
+                              u"定義に登録できるのは全角で127文字未満です。文献として登録してください。"_s};
 }
 
 } // namespace

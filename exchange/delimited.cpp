@@ -156,8 +156,9 @@ private:
         m_width = fields.size();
         for (qsizetype i = 0; i < fields.size(); ++i) {
             const QString text = fields[i].trimmed();
-            const auto known = std::find_if(headings().begin(), headings().end(),
-                                            [&](const Heading& heading) { return heading.text == text; });
+            const auto* const known =
+                std::find_if(headings().begin(), headings().end(),
+                             [&](const Heading& heading) { return heading.text == text; });
             if (known == headings().end()) {
                 notes.push_back(
                     {.where = lineNumber(line), .text = u"列「%1」は取り込みません。"_s.arg(text)});

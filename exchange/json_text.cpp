@@ -3,6 +3,7 @@
 #include <QStringDecoder>
 
 #include <limits>
+#include <string_view>
 
 namespace quillon::exchange
 {
@@ -12,10 +13,10 @@ namespace
 
 void appendEscape(QByteArray& json, char16_t unit)
 {
-    constexpr char Digits[] = "0123456789abcdef";
+    constexpr std::string_view Digits = "0123456789abcdef";
     json += "\\u";
     for (int shift = 12; shift >= 0; shift -= 4)
-        json += Digits[unit >> shift & 0xF];
+        json += Digits[static_cast<std::size_t>(unit >> shift & 0xF)];
 }
 
 /// The value of four hexadecimal digits, -1 when they are none.

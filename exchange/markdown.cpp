@@ -23,7 +23,7 @@ namespace quillon::exchange
 namespace
 {
 
-const QString Ending = u".md"_s;
+const QString EndingOfNotes = u".md"_s;
 
 QString fileNote(const std::optional<QString>& name)
 {
@@ -36,9 +36,9 @@ class NoteNames
 public:
     void add(const QString& path, const QString& title, const QString& identifier)
     {
-        const QString name = path.chopped(Ending.size());
+        const QString name = path.chopped(EndingOfNotes.size());
         const QString base = name.section(u'/', -1);
-        for (auto& [names, key] : {std::pair{&m_paths, name}, {&m_bases, base}, {&m_titles, title}}) {
+        for (const auto& [names, key] : {std::pair{&m_paths, name}, {&m_bases, base}, {&m_titles, title}}) {
             if (!names->contains(key.toCaseFolded()))
                 names->insert(key.toCaseFolded(), identifier);
         }
@@ -153,7 +153,7 @@ ExportReport exportMarkdown(Session& session, const QString& folder, Progress* p
     FileNames names;
     std::vector<QString> files;
     for (const AllData::Datum& datum : all.data())
-        files.push_back(names.next(datum.name, Ending));
+        files.push_back(names.next(datum.name, EndingOfNotes));
     CopiedFiles copies(session, output, report);
     qint64 done = 0;
     all.forEachText([&](std::size_t position, const QString& text) {
@@ -176,7 +176,7 @@ ExportReport exportMarkdown(Session& session, const QString& folder, Progress* p
         if (!markdown.isValidUtf16())
             report.notes.push_back({.where = datum.identifier,
                                     .text = u"文字として不完全な部分は「?」として書き出しました。"_s});
-        writeFile(output.inside(files[position] + Ending), markdown.toUtf8(), OutputFile::Care::Quick);
+        writeFile(output.inside(files[position] + EndingOfNotes), markdown.toUtf8(), OutputFile::Care::Quick);
         ++report.written;
         ++report.files;
         advance(progress, ++done, static_cast<qint64>(all.data().size()));
@@ -188,7 +188,7 @@ ExportReport exportMarkdown(Session& session, const QString& folder, Progress* p
 ImportReport importMarkdown(Session& session, const QString& folder, const TextImportOptions& options,
                             Progress* progress)
 {
-    const QStringList paths = filesBelow(folder, {Ending});
+    const QStringList paths = filesBelow(folder, {EndingOfNotes});
     std::vector<Note> notes;
     qint64 passedOver = 0;
     ImportReport report = bringIn(session, options, [&](NewData& data) {

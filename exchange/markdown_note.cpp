@@ -56,7 +56,7 @@ QStringList valuesOf(QString list)
     return values;
 }
 
-QDate dayOf(const QString& value)
+QDate dayOfHead(const QString& value)
 {
     return QDate::fromString(value.first(std::min(value.size(), qsizetype(10))).replace(u'/', u'-'),
                              Qt::ISODate);
@@ -79,7 +79,7 @@ void takeValue(MarkdownNote& note, const QString& key, const QString& value)
     else if (key == u"kind")
         note.kind = valueOf(value);
     else if (key == u"date" || key == u"created")
-        note.day = dayOf(valueOf(value));
+        note.day = dayOfHead(valueOf(value));
     else if (key == u"tags" || key == u"tag") {
         for (const QString& tag : valuesOf(value))
             takeTag(note, tag);

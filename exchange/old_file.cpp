@@ -172,7 +172,7 @@ private:
     std::vector<std::pair<StoredRow, QString>> m_late; // rows whose key another one has
 };
 
-const QString Ending = u".mdb"_s;
+const QString EndingOfDatabases = u".mdb"_s;
 
 const QStringList& companions()
 {
@@ -185,13 +185,13 @@ QString nameOfCopy(const QFileInfo& source, int n)
 {
     const QString mark = n == 1 ? u"-変換"_s : u"-変換-%1"_s.arg(n);
     QString stem = source.fileName();
-    if (stem.endsWith(Ending, Qt::CaseInsensitive))
-        stem.chop(Ending.size());
+    if (stem.endsWith(EndingOfDatabases, Qt::CaseInsensitive))
+        stem.chop(EndingOfDatabases.size());
     // The name of a journal, which is longer, must fit, too.
     while (stem.size() > 1 &&
-           !platform::fitsAsName(source.path(), stem + mark + Ending + companions().front()))
+           !platform::fitsAsName(source.path(), stem + mark + EndingOfDatabases + companions().front()))
         stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
-    return source.path() + u'/' + stem + mark + Ending;
+    return source.path() + u'/' + stem + mark + EndingOfDatabases;
 }
 
 /// Makes the file for the copy, under the first name that is free.
@@ -270,7 +270,7 @@ QString writeNotes(const ConvertedFile& converted)
     QString content = QString(QChar::ByteOrderMark); // so that every editor takes it for what it is
     for (const Note& note : converted.report.notes)
         content += (note.where.isEmpty() ? note.text : note.where + u": "_s + note.text) + u"\r\n"_s;
-    const QString stem = converted.path.chopped(Ending.size());
+    const QString stem = converted.path.chopped(EndingOfDatabases.size());
     QString path = stem + u".txt"_s;
     for (int n = 2; QFile::exists(path); ++n)
         path = stem + u"-%1.txt"_s.arg(n);

@@ -20,7 +20,7 @@ namespace
 {
 
 // Creating, opening and converting are one operation to the user.
-const QString Location = u"OpenDbFile"_s;
+const QString LocationOfOpening = u"OpenDbFile"_s;
 
 } // namespace
 
@@ -74,13 +74,13 @@ void OpenedFile::makeCurrent(Session& session) const
 bool TableExists(Session& session, Database& database, const QString& name)
 {
     bool exists = false;
-    guarded(session.reporting, Location, [&] { exists = database.tableExists(name); });
+    guarded(session.reporting, LocationOfOpening, [&] { exists = database.tableExists(name); });
     return exists;
 }
 
 void CreateCategoryTables(Session& session, const std::shared_ptr<Database>& database)
 {
-    guarded(session.reporting, Location, [&] {
+    guarded(session.reporting, LocationOfOpening, [&] {
         if (!database)
             throw Error(errors::ObjectNotSet);
         // Both or, when the program ends in between, none: only the absence of the first makes a later opening convert.

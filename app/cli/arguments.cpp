@@ -62,7 +62,7 @@ private:
             throw WrongUsage{u"オプションの値がありません: %1"_s.arg(name), verbSoFar()};
     }
 
-    const Verb* verbSoFar()
+    const Verb* verbSoFar() const
     {
         for (const int count : {2, 1}) {
             if (m_result.words.size() < count)

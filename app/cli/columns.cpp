@@ -23,7 +23,7 @@ constexpr std::array WideCharacters = {
     Range{0xF900, 0xFAFF},   Range{0xFE30, 0xFE6F},   Range{0xFF01, 0xFF60},   Range{0xFFE0, 0xFFE6},
     Range{0x1F300, 0x1F64F}, Range{0x1F680, 0x1F6FF}, Range{0x1F900, 0x1F9FF}, Range{0x20000, 0x3FFFD}};
 
-int columnsOf(char32_t code)
+int columnsOfCode(char32_t code)
 {
     // Most of all characters, and long lists are made of them: letters, kana and the common kanji.
     constexpr char32_t FirstMark = 0x300;
@@ -75,7 +75,7 @@ int columnsOf(QStringView text)
 {
     int columns = 0;
     forEachCharacter(text, [&](char32_t code, qsizetype) {
-        columns += columnsOf(code);
+        columns += columnsOfCode(code);
         return true;
     });
     return columns;
@@ -111,7 +111,7 @@ QString elided(const QString& text, int columns)
     qsizetype units = 0;
     int used = 1; // the sign of what is missing
     forEachCharacter(text, [&](char32_t code, qsizetype taken) {
-        used += columnsOf(code);
+        used += columnsOfCode(code);
         if (used > columns)
             return false;
         units += taken;

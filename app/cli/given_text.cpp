@@ -7,6 +7,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::cli
@@ -40,7 +42,9 @@ std::optional<QString> givenText(Run& run, const DataKind& kind)
     const QString word = u"--text"_s;
     const QString file = u"--file"_s;
     const QString input = u"-"_s;
-    const int sources = int{arguments.has(word)} + int{arguments.has(file)} + int{arguments.has(input)};
+    const QStringList ways = {word, file, input};
+    const auto sources =
+        std::count_if(ways.begin(), ways.end(), [&](const QString& way) { return arguments.has(way); });
     if (sources > 1)
         throw WrongUsage{u"内容は --text、--file、- のうち一つだけで指定してください。"_s, arguments.verb};
     if (arguments.has(word))

@@ -38,7 +38,7 @@ char* Output::room(qsizetype bytes)
 {
     if (m_capacity - m_size < bytes) {
         const qsizetype capacity = std::max(2 * m_capacity, m_size + bytes);
-        std::unique_ptr<char[]> larger(new char[static_cast<std::size_t>(capacity)]);
+        decltype(m_bytes) larger(new char[static_cast<std::size_t>(capacity)]);
         if (m_size > 0)
             std::memcpy(larger.get(), m_bytes.get(), static_cast<std::size_t>(m_size));
         m_bytes = std::move(larger);

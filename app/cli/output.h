@@ -42,7 +42,7 @@ private:
     /// Room for so many bytes behind what is there.
     char* room(qsizetype bytes);
 
-    std::unique_ptr<char[]> m_bytes;
+    std::unique_ptr<char[]> m_bytes; // NOLINT(modernize-avoid-c-arrays): a vector would fill it first
     qsizetype m_size = 0;
     qsizetype m_capacity = 0;
     bool m_isClosed = false;

@@ -34,7 +34,7 @@ int main(int argc, char** argv)
         std::fputs("usage: quillon-cli-pages FOLDER\n", stderr);
         return 2;
     }
-    const QString folder = words[1];
+    const QString& folder = words[1];
     const bool written =
         writeFile(folder + u"/man/man1/quillon-cli.1"_s, manPage(Language::English)) &&
         writeFile(folder + u"/man/ja/man1/quillon-cli.1"_s, manPage(Language::Japanese)) &&

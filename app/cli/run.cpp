@@ -197,6 +197,7 @@ std::optional<char> Run::identifierEnd() const
     return asked.contains(u"-0"_s) ? '\0' : '\n';
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): it is the run that is interrupted
 void Run::goOn() const
 {
     if (platform::wasInterrupted())

@@ -11,7 +11,7 @@ namespace quillon::cli
 namespace
 {
 
-QByteArrayView wordOf(Trouble trouble)
+QByteArrayView wordOfTrouble(Trouble trouble)
 {
     switch (trouble) {
     case Trouble::Damaged:
@@ -46,7 +46,7 @@ void write(Run& run, const Finding& finding)
         return;
     }
     output.write("{\"trouble\":\"");
-    output.write(wordOf(finding.trouble));
+    output.write(wordOfTrouble(finding.trouble));
     output.write("\",\"place\":");
     output.writeJson(finding.place);
     output.write(",\"identifier\":");

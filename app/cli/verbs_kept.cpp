@@ -26,7 +26,7 @@ QString nameOf(const kept::Event& event)
     return QString::number(event.time, Base) + u'-' + QString::number(event.place, Base);
 }
 
-QByteArrayView wordOf(EventKind kind)
+QByteArrayView wordOfEvent(EventKind kind)
 {
     switch (kind) {
     case EventKind::ItemDeleted:
@@ -70,7 +70,7 @@ void writeEvent(Run& run, const LostThings& things, std::size_t number)
         field("{\"event\":", name);
         field(",\"time\":", entry.time.toString(Qt::ISODate));
         output.write(",\"kind\":\"");
-        output.write(wordOf(entry.kind));
+        output.write(wordOfEvent(entry.kind));
         field("\",\"operation\":", entry.operation);
         field(",\"name\":", entry.name);
         field(",\"identifier\":", entry.identifier);

@@ -204,14 +204,14 @@ void History::addGroup(quint32 number, Group group)
     // What lies in the file is looked at twice: first for what was deleted as a whole.
     Wholes wholes;
     const auto forEachChange = [&](const auto& visit) {
-        for (std::size_t i = 0; i < group.changes.size(); ++i) {
-            const HeldBytes bytes = bytesAt(number, group.changes[i]);
+        for (const auto& change : group.changes) {
+            const HeldBytes bytes = bytesAt(number, change);
             PayloadReader payload(bytes.bytes);
             while (!payload.isAtEnd()) {
                 const std::optional<PassedRow> row = passChange(payload);
                 if (!row)
                     break;
-                visit(*row, group.changes[i].place + (row->all.data() - bytes.bytes.data()));
+                visit(*row, change.place + (row->all.data() - bytes.bytes.data()));
             }
         }
     };

@@ -101,7 +101,7 @@ private:
     };
 
     void read(quint32 number);
-    void addRecord(quint32 number, QByteArrayView payload, qint64 place,
+    void addRecord(quint32 number, QByteArrayView bytes, qint64 place,
                    QHash<qint64, std::vector<Piece>>& pieces);
     void addGroup(quint32 number, Group group);
     QString operationNamed(QStringView name);

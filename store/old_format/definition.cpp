@@ -50,7 +50,7 @@ QByteArray joined(const Pages& pages, quint32 first)
     if (bytes.isEmpty())
         throw unreadableDefinition(u"テーブルの定義がありません。"_s);
     std::vector seen = {first};
-    for (quint32 next = numberAt<quint32>(bytes, NextPageAt); next != 0;) {
+    for (auto next = numberAt<quint32>(bytes, NextPageAt); next != 0;) {
         const QByteArrayView page = pages.definitionPage(next);
         if (page.isEmpty())
             throw unreadableDefinition(u"テーブルの定義の続きがありません。"_s);

@@ -3,8 +3,8 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/code_page.h"
-#include "tests/support/compare_text.h"
 #include "tests/old_files/old_file_writer.h"
+#include "tests/support/compare_text.h"
 
 #include <QElapsedTimer>
 #include <QFile>

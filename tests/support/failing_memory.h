@@ -45,15 +45,19 @@ public:
     }
 
 private:
+    // What gives memory out knows no object.
+    // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
     inline static bool s_counts = false;
     inline static int s_left = 0;
+    // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 };
 
 } // namespace quillon::testing
 
 #ifdef QUILLON_MEMORY_CAN_FAIL
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the names of the library
+// The names of the library, taken over in the one program that includes this with them.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming,misc-definitions-in-headers,readability-inconsistent-declaration-parameter-name)
 extern "C" {
 void* __libc_malloc(std::size_t bytes) noexcept;
 void* __libc_calloc(std::size_t count, std::size_t bytes) noexcept;
@@ -83,6 +87,6 @@ void* realloc(void* block, std::size_t bytes) noexcept
     return nullptr;
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming,misc-definitions-in-headers,readability-inconsistent-declaration-parameter-name)
 
 #endif

@@ -28,7 +28,7 @@ namespace quillon
 namespace
 {
 
-constexpr int NumberColumn = 9; // hidden: the place in the list of copies
+constexpr int CopyNumberColumn = 9; // hidden: the place in the list of copies
 
 } // namespace
 
@@ -58,7 +58,7 @@ void CopiesPage::arrange()
     lsvCopy->setAccessibleName(u"控え一覧"_s);
     lsvCopy->setSelectionMode(QAbstractItemView::SingleSelection);
     lsvCopy->setColumnCharacters({20, 12, 9, 9, 9, 9, 9, 12, 14, 1});
-    lsvCopy->setColumnHidden(NumberColumn, true);
+    lsvCopy->setColumnHidden(CopyNumberColumn, true);
     lsvCopy->giveRoomTo({1});
     rows->addWidget(plainLabel(u"lblCopy"_s, u"新しい順の控えの一覧(&G) ："_s, lsvCopy, this));
     rows->addWidget(lsvCopy, 1);
@@ -119,7 +119,7 @@ void CopiesPage::cmdTakeOut_Click()
     const int row = lsvCopy->selectedRow();
     if (row < 0)
         return;
-    const kept::Copy copy = m_copies.at(lsvCopy->rows().text(row, NumberColumn).toULongLong());
+    const kept::Copy copy = m_copies.at(lsvCopy->rows().text(row, CopyNumberColumn).toULongLong());
     const std::optional<QString> target = m_session.dialogs.fileDialog(
         {.purpose = FileDialog::Purpose::Save, .filter = DatabaseFiles, .fileName = proposedName(copy)});
     if (!target)

@@ -29,7 +29,7 @@ namespace quillon
 namespace
 {
 
-constexpr int NumberColumn = 4; // hidden: the place in the order of the list
+constexpr int LostNumberColumn = 4; // hidden: the place in the order of the list
 
 /// The choices of a kind after that of all of them.
 const std::initializer_list<EventKind> Kinds = {EventKind::ItemDeleted,     EventKind::ItemChanged,
@@ -113,7 +113,7 @@ QWidget* LostPage::makeList()
     lsvLost->setSelectionMode(QAbstractItemView::SingleSelection);
     lsvLost->setColumnCharacters({19, 17, 16, 14, 1});
     lsvLost->giveRoomTo({2});
-    lsvLost->setColumnHidden(NumberColumn, true);
+    lsvLost->setColumnHidden(LostNumberColumn, true);
     rows->addWidget(plainLabel(u"lblLost"_s, u"新しい順の一覧(&G) ："_s, lsvLost, left));
     rows->addWidget(lsvLost, 1);
     lblLostCount = plainLabel(u"lblLostCount"_s, {}, nullptr, left);
@@ -226,7 +226,7 @@ std::optional<std::size_t> LostPage::selected() const
     const int row = lsvLost->selectedRow();
     if (row < 0 || !m_things)
         return std::nullopt;
-    return lsvLost->rows().text(row, NumberColumn).toULongLong();
+    return lsvLost->rows().text(row, LostNumberColumn).toULongLong();
 }
 
 void LostPage::showSelected()

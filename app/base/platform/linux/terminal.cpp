@@ -15,7 +15,8 @@ namespace quillon::platform
 namespace
 {
 
-volatile std::sig_atomic_t interrupted = 0;
+// A signal knows no object.
+volatile std::sig_atomic_t interrupted = 0; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 constexpr std::array Interruptions = {SIGINT, SIGTERM, SIGHUP};
 
 int descriptorOf(Stream stream)
