@@ -86,7 +86,7 @@ private Q_SLOTS:
 
     void oddCharactersComeBackAsTheyWere()
     {
-        const QString name = u"𠮷'\"\\%*?[日]‮ｶﾞ"_s;
+        const QString name = u"𠮷'\"\\%*?[日]\u202Eｶﾞ"_s;
         const QString text = u"\u3000\u0301 ＜>&;'--\u2028\U0001F600"_s;
         QCOMPARE(m_world->runToday({u"add"_s, u"definition"_s, name, u"--text"_s, text}),
                  answer(0, u"M-TODAY-001\n"_s));
