@@ -3,6 +3,7 @@
 #include "exchange/archive.h"
 #include "exchange/archive_format.h"
 #include "exchange/input.h"
+#include "exchange/notes.h"
 #include "exchange/output.h"
 #include "exchange/progress.h"
 #include "exchange/refused.h"
@@ -34,28 +35,31 @@ public:
 
     ExportReport run()
     {
-        m_output.makeFolder();
-        m_output.makeFolder(archive::TablesFolder);
-        writeTables();
-        writeFiles();
+        writeFiles(writeTables());
         writeFile(m_output.inside(archive::ManifestName), archive::manifestText(m_manifest));
         ++m_report.files;
         m_output.place();
+        m_report.notes = m_notes.take();
         return std::move(m_report);
     }
 
 private:
-    void writeTables()
+    /// Returns what files there were to these rows.
+    RegisteredFiles writeTables()
     {
-        for (const TableSchema* const table : schema::all())
-            m_wholeRows += tableOf(m_session, *table).roughCount();
         // All of them as they are at one moment.
         const sqlite::Transaction reading(tableOf(m_session, schema::Main()).database().connection(),
                                           sqlite::Transaction::Purpose::Reading);
+        RegisteredFiles files(m_session);
+        m_output.makeFolder();
+        m_output.makeFolder(archive::TablesFolder);
+        for (const TableSchema* const table : schema::all())
+            m_wholeRows += tableOf(m_session, *table).roughCount();
         for (const TableSchema* const table : schema::all())
             writeTable(tableOf(m_session, *table));
         for (const DataKind& kind : data_kinds::all())
             m_report.written += m_manifest.tables[data_kinds::positionOf(kind)].rows;
+        return files;
     }
 
     void writeTable(const RecordSet& rows)
@@ -85,30 +89,27 @@ private:
         m_manifest.tables.push_back(entry);
         ++m_report.files;
         if (noTexts > 0)
-            m_report.notes.push_back(
-                {.where = table.name,
-                 .text =
-                     u"文字列でない値のある行が %1 件あります。文字列として書き出しました。"_s.arg(noTexts)});
+            m_notes.add(
+                table.name,
+                u"文字列でない値のある行が %1 件あります。文字列として書き出しました。"_s.arg(noTexts));
         if (tooLong > 0)
-            m_report.notes.push_back(
-                {.where = table.name,
-                 .text =
-                     u"項目の幅を超える行が %1 件あります。短くするまで、この書庫は取り込めません。"_s.arg(
-                         tooLong)});
+            m_notes.add(table.name,
+                        u"項目の幅を超える行が %1 件あります。短くするまで、この書庫は取り込めません。"_s.arg(
+                            tooLong));
     }
 
-    void writeFiles()
+    void writeFiles(const RegisteredFiles& files)
     {
         const QString folder = m_session.inCurrentFolder(titles::FileFolder);
-        const RegisteredFiles files(m_session);
+        for (const RegisteredFiles::Lacking& datum : files.lacking())
+            m_notes.add(datum.identifier, u"登録されたファイル「%1」がありません。"_s.arg(datum.name));
         if (files.names().isEmpty())
             return;
         m_output.makeFolder(archive::FilesFolder);
         for (const QString& name : files.names()) {
             const QString source = folder + QDir::separator() + name;
             if (!m_session.files.storedFile(folder, name)) {
-                m_report.notes.push_back(
-                    {.where = source, .text = u"通常のファイルではないため、書き出しませんでした。"_s});
+                m_notes.add(source, u"通常のファイルではないため、書き出しませんでした。"_s);
                 continue;
             }
             const auto copy = m_session.files.stageCopy(source, m_output.inside(archive::FilesFolder), name,
@@ -126,8 +127,7 @@ private:
             m_manifest.files.push_back({.name = name, .bytes = written.done(), .sha256 = written.sha256()});
             ++m_report.files;
             if (!files.isNamed(name))
-                m_report.notes.push_back(
-                    {.where = source, .text = u"このファイルを登録したファイルデータはありません。"_s});
+                m_notes.add(source, u"このファイルを登録したファイルデータはありません。"_s);
         }
     }
 
@@ -139,6 +139,7 @@ private:
     Progress* m_progress;
     archive::Manifest m_manifest;
     ExportReport m_report;
+    Notes m_notes;
     qint64 m_rows = 0;
     qint64 m_wholeRows = 0;
 };

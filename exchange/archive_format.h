@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <vector>
 
 namespace quillon::exchange::archive
@@ -33,6 +34,12 @@ struct File {
 struct Manifest {
     std::vector<Table> tables; // the seven in their order
     std::vector<File> files;   // in the order of their names
+
+    bool hasRowsOf(const TableSchema& table) const
+    {
+        return std::any_of(tables.begin(), tables.end(),
+                           [&](const Table& each) { return each.schema == &table && each.rows > 0; });
+    }
 };
 
 /// A table's file within the archive.

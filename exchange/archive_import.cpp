@@ -2,6 +2,7 @@
 #include "app/base/titles.h"
 #include "exchange/archive.h"
 #include "exchange/archive_format.h"
+#include "exchange/coming_files.h"
 #include "exchange/input.h"
 #include "exchange/merging.h"
 #include "exchange/progress.h"
@@ -147,8 +148,12 @@ public:
         m_manifest = archive::readManifest(contentOf(manifest));
         checkFiles();
         ArchivedRows rows(m_folder, m_manifest, m_progress);
-        rows.setNewNames(newNames());
-        Merging merging(m_session, rows, m_report);
+        const QHash<QString, QString> renamed = newNames();
+        rows.setNewNames(renamed);
+        ComingFiles coming;
+        for (const archive::File& file : m_manifest.files)
+            coming.names.insert(renamed.value(file.name, file.name));
+        Merging merging(m_session, rows, m_report, std::move(coming));
         merging.examine();
         PlacedFiles placed;
         const SettledFile settled(required(m_session.RsMain));
@@ -213,7 +218,7 @@ private:
                 // One that is there already needs no copy.
                 if (isFree && m_session.files.fileExists(registered(name)) && holds(registered(name), file))
                     break;
-                name = numbered(file.name, number);
+                name = numberedName(file.name, number);
             }
             if (name == file.name)
                 continue;
@@ -226,22 +231,9 @@ private:
         return renamed;
     }
 
-    /// A name with a number before its ending, as short as a datum's name may be.
-    static QString numbered(const QString& name, int number)
-    {
-        const auto width = schema::RefFile().fields[data_field::Name].width;
-        const qsizetype dot = name.lastIndexOf(u'.');
-        const qsizetype stem = dot > 0 ? dot : name.size();
-        const QString ending = u" (%1)"_s.arg(number) + name.sliced(stem);
-        qsizetype kept = std::clamp(width - ending.size(), qsizetype(1), stem);
-        if (kept < stem && name[kept].isLowSurrogate())
-            --kept;
-        return name.first(kept) + ending;
-    }
-
     void placeFiles(PlacedFiles& placed)
     {
-        if (m_toPlace.empty())
+        if (m_toPlace.empty() && !m_manifest.hasRowsOf(schema::RefFile()))
             return;
         if (!m_session.files.folderExists(m_fileFolder)) {
             if (!QDir().mkdir(m_fileFolder))

@@ -71,8 +71,10 @@ std::optional<QString> textIn(const sqlite::Statement& statement, int column)
 class Merging::Work
 {
 public:
-    Work(Session& session, RowSource& rows, ImportReport& report)
-        : m_session(session), m_rows(rows), m_report(report)
+    Work(Session& session, RowSource& rows, ImportReport& report, ComingFiles files)
+        : m_session(session), m_rows(rows), m_report(report),
+          m_files(session, std::move(files),
+                  [this](const QString& where, const QString& text) { tell(where, text); })
     {
         for (const DataKind& kind : data_kinds::all())
             m_supplies.emplace_back(required(session.*kind.recordSet), kind);
@@ -98,6 +100,8 @@ public:
         writeCategories();
         writeLinks();
         writeMemberships();
+        if (m_files.lacking() > 0)
+            tell({}, u"ファイルデータ %1 件のファイルがありません。"_s.arg(m_files.lacking()));
     }
 
 private:
@@ -211,12 +215,14 @@ private:
             count(!isSame);
             if (isSame)
                 return;
+            StoredRow renamed = row;
+            if (&kind == &data_kinds::file())
+                m_files.keepApart(renamed, where);
             if (!isTaken) {
-                add(rows, row);
+                add(rows, renamed);
                 return;
             }
             const QDate day = dayOfIdentifier(identifier, today);
-            StoredRow renamed = row;
             const QString given = m_supplies[kindIndex].next(day.isValid() ? day : today);
             renamed[data_field::Object_ID] = given;
             add(rows, renamed);
@@ -387,6 +393,7 @@ private:
     Session& m_session;
     RowSource& m_rows;
     ImportReport& m_report;
+    OwnFiles m_files;
     std::vector<IdentifierSupply> m_supplies;              // by kind
     std::array<IdentifierSet, data_kinds::Count> m_coming; // by kind, as where they come from
     std::vector<RowQuestion> m_present;                    // by kind
@@ -395,8 +402,8 @@ private:
     QHash<QString, QString> m_categoriesAs;
 };
 
-Merging::Merging(Session& session, RowSource& rows, ImportReport& report)
-    : m_work(std::make_unique<Work>(session, rows, report))
+Merging::Merging(Session& session, RowSource& rows, ImportReport& report, ComingFiles files)
+    : m_work(std::make_unique<Work>(session, rows, report, std::move(files)))
 {
 }
 

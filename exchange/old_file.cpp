@@ -284,7 +284,11 @@ ImportReport importOldFile(Session& session, const QString& source, const Import
     OldSource old(source);
     old.setProgress(progress, 2);
     ImportReport report;
-    Merging merging(session, old, report);
+    // The files of a database lie in a folder beside it, and stay where they are.
+    const QFileInfo file(absolutePath(QDir::currentPath(), source));
+    const bool isHome = QDir(file.path()) == QDir(session.CurrentFolder);
+    Merging merging(session, old, report,
+                    {.present = isHome ? ComingFiles::Present::Theirs : ComingFiles::Present::MayBeTheirs});
     merging.examine();
     {
         const SettledFile settled(required(session.RsMain));

@@ -188,6 +188,7 @@ private Q_SLOTS:
             OddTexts texts(own);
             world = newWorld();
             target = newWorld();
+            QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
             const auto write = std::make_unique<sqlite::Transaction>(world->session.OpenDb->connection());
             for (const auto& table : tables(*world)) {
                 for (int i = texts.below(12); i > 0; --i) {
@@ -347,6 +348,42 @@ private Q_SLOTS:
                                      u"別のものを指すことになるため取り込みませんでした。"_s));
     }
 
+    void rowsWithoutTheirFileTakeNobodyElses()
+    {
+        fill();
+        TestWorld::addRow(world->session.RsRefFile, {u"無い.txt"_s, u"F-991231-002"_s, u"未入力"_s});
+        TestWorld::addRow(world->session.RsRefFile, {u"無い.txt"_s, u"F-991231-003"_s, u"図.txt"_s});
+        exportIt();
+        addFile(*target, u"無い.txt"_s, "of somebody else");
+        addFile(*target, u"未入力"_s, "of somebody else");
+        addFile(*target, u"図.txt"_s, "another");
+        TestWorld::addRow(target->session.RsRefFile, {u"無い.txt"_s, u"F-991231-009"_s, u"未入力"_s});
+        const ImportReport report = importIt();
+        // The last one leads to its file by the third field, and may keep its name.
+        QCOMPARE(
+            TestWorld::rowsOf(target->session.RsRefFile),
+            QStringList({u"無い.txt|F-991231-009|未入力"_s, u"図 (2).txt|F-991231-001|未入力 (2)"_s,
+                         u"無い (2).txt|F-991231-002|未入力 (2)"_s, u"無い.txt|F-991231-003|図 (2).txt"_s}));
+        const QStringList told = textsOf(report);
+        QCOMPARE(told.size(), 5);
+        QVERIFY(compareText(told[3], u"RefFile.jsonl:2: 同じ名前の別のファイルがあるため、"
+                                     u"ファイルの名前「無い.txt」を「無い (2).txt」としました。"_s));
+        QVERIFY(compareText(told[4], u": ファイルデータ 1 件のファイルがありません。"_s));
+        QCOMPARE(contentBelow(target->folder.filePath(u"RefFile"_s))[u"無い.txt"_s],
+                 QByteArray("of somebody else"));
+    }
+
+    void rowsThatAreThereKeepTheFileThatHasComeSince()
+    {
+        fill();
+        TestWorld::addRow(world->session.RsRefFile, {u"無い.txt"_s, u"F-991231-002"_s, u"未入力"_s});
+        exportIt();
+        importIt();
+        addFile(*target, u"無い.txt"_s, "found again");
+        QCOMPARE(importIt().skipped, 4);
+        QCOMPARE(TestWorld::rowsOf(target->session.RsRefFile).last(), u"無い.txt|F-991231-002|未入力"_s);
+    }
+
     void linkThatIsThereTheOtherWayRoundIsOne()
     {
         fill();
@@ -498,6 +535,48 @@ private Q_SLOTS:
         QCOMPARE(report.notes.size(), 1U);
         QVERIFY(compareText(report.notes[0].text, u"このファイルを登録したファイルデータはありません。"_s));
         QCOMPARE(contentBelow(archive())[u"RefFile/other"_s], QByteArray("x"));
+    }
+
+    void rowsWithoutTheirFileAreTold()
+    {
+        fill();
+        TestWorld::addRow(world->session.RsRefFile, {u"無い.txt"_s, u"F-991231-002"_s, u"未入力"_s});
+        TestWorld::addRow(world->session.RsRefFile, {u"無い.txt"_s, u"F-991231-003"_s, u"図.txt"_s});
+        const ExportReport report = exportArchive(world->session, archive());
+        QCOMPARE(report.notes.size(), 1U);
+        QCOMPARE(report.notes[0].where, u"F-991231-002"_s);
+        QVERIFY(compareText(report.notes[0].text, u"登録されたファイル「無い.txt」がありません。"_s));
+    }
+
+    void withoutTheFolderOfTheirFilesFileDataDoNotGoOut()
+    {
+        fill();
+        const QString folder = world->session.inCurrentFolder(u"RefFile"_s);
+        QVERIFY(QDir(folder).removeRecursively());
+        const auto before = contentBelow(world->folder.path());
+        try {
+            exportIt();
+            QFAIL("their files are lost");
+        } catch (const Refused& refused) {
+            QVERIFY(compareText(
+                refused.description,
+                u"ファイルデータがありますが、フォルダ「%1」がありません。フォルダの場所を確かめてください。"
+                u"ファイルなしで書き出すには、空のフォルダを作成してください。"_s.arg(folder)));
+        }
+        QCOMPARE(contentBelow(world->folder.path()), before);
+        QVERIFY(QDir().mkdir(folder));
+        QCOMPARE(exportArchive(world->session, archive()).notes.size(), 1U);
+        // So that what came in can go out again.
+        importIt();
+        QCOMPARE(exportArchive(target->session, target->folder.filePath(u"again"_s)).written, 3);
+    }
+
+    void withoutFileDataNoFolderIsNeeded()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, Water, u"H2O"_s});
+        QCOMPARE(exportArchive(world->session, archive()).written, 1);
+        importIt();
+        QVERIFY(!QDir(target->session.inCurrentFolder(u"RefFile"_s)).exists());
     }
 
 #ifdef Q_OS_UNIX

@@ -5,6 +5,7 @@
 #include "exchange/refused.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "tests/exchange/folder_content.h"
 #include "tests/faults/faulty_disk.h"
 #include "tests/old_files/old_file_writer.h"
 #include "tests/support/compare_text.h"
@@ -448,7 +449,8 @@ private Q_SLOTS:
         world.openDatabase(database);
         const ImportReport report = importOldFile(world.session, path);
         QCOMPARE(report.added, 6);
-        QCOMPARE(report.notes.size(), 0U);
+        QVERIFY(compareText(textsOf(report.notes).join(u'\n'),
+                            u": ファイルデータ 1 件のファイルがありません。"_s));
         holds(database, tables);
     }
 
@@ -468,11 +470,50 @@ private Q_SLOTS:
         QCOMPARE(report.renamed, 1);
         QCOMPARE(report.added, 5);
         const QStringList notes = textsOf(report.notes);
-        QCOMPARE(notes.size(), 8); // each loss once, although everything is read twice
-        QCOMPARE(notes.last(),
+        QCOMPARE(notes.size(), 9); // each loss once, although everything is read twice
+        QCOMPARE(notes[7],
                  u"定義データ M-991231-002「火」: 識別符号 M-991231-002 は別のデータが使用しているため、"
                  u"M-991231-004 として取り込みました。"_s);
         QCOMPARE(rowsOf(database, u"Link"_s)[0], OldTable::Row({u"M-991231-004"_s, u"M-991231-001"_s}));
+    }
+
+    void fileDataLeadToTheirOwnFiles_data()
+    {
+        QTest::addColumn<bool>("isHome");
+        QTest::addColumn<bool>("isRegistered");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("note");
+        QTest::newRow("beside the old file") << true << true << u"水.txt"_s << QString();
+        QTest::newRow("a file of another datum")
+            << false << true << u"水 (2).txt"_s
+            << u"ファイルデータ F-991231-001「水.txt」: 同じ名前の別のファイルがあるため、"
+               u"ファイルの名前「水.txt」を「水 (2).txt」としました。\n"
+               u": ファイルデータ 1 件のファイルがありません。"_s;
+        QTest::newRow("a file that nobody has registered")
+            << false << false << u"水.txt"_s
+            << u"ファイルデータ F-991231-001「水.txt」: "
+               u"フォルダにあるファイル「水.txt」を、このデータのファイルとします。"_s;
+    }
+
+    void fileDataLeadToTheirOwnFiles()
+    {
+        QFETCH(bool, isHome);
+        QFETCH(bool, isRegistered);
+        QFETCH(QString, name);
+        QFETCH(QString, note);
+        auto tables = oldTables();
+        tables[2].rows = {{u"水.txt"_s, u"F-991231-001"_s, u"未入力"_s}};
+        TestWorld world;
+        world.openDatabase(world.createDatabase());
+        if (isHome)
+            world.session.CurrentFolder = folder->path();
+        QVERIFY(QDir().mkdir(world.session.inCurrentFolder(u"RefFile"_s)));
+        writeContent(world.session.inCurrentFolder(u"RefFile/水.txt"_s), "water");
+        if (isRegistered)
+            world.addRow(world.session.RsRefFile, {u"水.txt"_s, u"F-991231-009"_s, u"未入力"_s});
+        const ImportReport report = importOldFile(world.session, write(writeOldFile(tables)));
+        QCOMPARE(world.rowsOf(world.session.RsRefFile).last(), name + u"|F-991231-001|未入力"_s);
+        QVERIFY(compareText(textsOf(report.notes).join(u'\n'), note));
     }
 
     void dryRunOfAnImportWritesNothing()
