@@ -271,7 +271,10 @@ private:
         }
         if (m_isJustWritten)
             m_copy.databaseModified = 0;
-        m_copy.isDoubtful = !m_known.empty() && 2 * m_copy.rows < m_known[0].rows;
+        // Not with another doubtful one: two of them in a row would pass for good.
+        const auto good =
+            std::find_if(m_known.begin(), m_known.end(), [](const Copy& copy) { return !copy.isDoubtful; });
+        m_copy.isDoubtful = good != m_known.end() && 2 * m_copy.rows < good->rows;
         return m_order.goesOn();
     }
 

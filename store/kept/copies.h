@@ -30,7 +30,7 @@ struct Copy {
     qint64 size = 0;
     qint64 rows = 0;               // of all tables
     QHash<QString, qint64> counts; // by table
-    bool isDoubtful = false;       // it holds less than half as much as the one before
+    bool isDoubtful = false;       // it holds less than half as much as the newest good one before
     QByteArray sum;                // over its file: whether it is what it was
     qint64 databaseSize = 0;       // of the database when it was begun, and when that had been written last
     qint64 databaseModified = 0;

@@ -44,23 +44,25 @@ std::vector<std::size_t> copiesToRemove(const std::vector<CopyFacts>& copies, co
             // the three has its place taken by a copy that stays for another reason.
             const bool isOneOfTheLast = last++ < rules.last;
             const bool isNewestOfDay = isRecentDay && !days.contains(day.toJulianDay());
-            const bool isNewestOfWeek = !doubtful && isRecentWeek && !weeks.contains(weekOf(day));
+            const bool isNewestOfWeek = isRecentWeek && !weeks.contains(weekOf(day));
             days.insert(day.toJulianDay());
             weeks.insert(weekOf(day));
             stays[i] = isNewestOfDay || isNewestOfWeek || isOneOfTheLast;
         }
     }
 
-    // Within the budget: first the doubtful ones go, then the oldest.
-    qint64 size = 0;
-    for (std::size_t i = 0; i < copies.size(); ++i)
-        size += stays[i] ? copies[i].size : 0;
+    // Within the budget: first the doubtful ones go, then the oldest. A doubtful one that is the newest of all takes no
+    // room of the good ones, but has its own: what it holds is all that the person has worked on last.
     const auto newestGood = std::find_if(newestFirst.begin(), newestFirst.end(),
                                          [&](std::size_t i) { return !copies[i].isDoubtful; });
+    const auto isOutside = [&](std::size_t i) { return i == newestFirst.front() && copies[i].isDoubtful; };
+    qint64 size = 0;
+    for (std::size_t i = 0; i < copies.size(); ++i)
+        size += stays[i] && !isOutside(i) ? copies[i].size : 0;
     for (const bool doubtful : {true, false}) {
         for (auto oldest = newestFirst.rbegin(); oldest != newestFirst.rend(); ++oldest) {
             const std::size_t i = *oldest;
-            const bool mustStay = newestGood != newestFirst.end() && i == *newestGood;
+            const bool mustStay = isOutside(i) || (newestGood != newestFirst.end() && i == *newestGood);
             if (size > rules.budget && stays[i] && copies[i].isDoubtful == doubtful && !mustStay) {
                 stays[i] = false;
                 size -= copies[i].size;

@@ -12,7 +12,7 @@ namespace quillon::kept
 struct CopyFacts {
     QDateTime time;          // local
     qint64 size = 0;         // bytes
-    bool isDoubtful = false; // it holds much less than the one before
+    bool isDoubtful = false; // it holds much less than the newest good one before
 };
 
 /// How many copies stay, and for how long.
@@ -23,8 +23,9 @@ struct RetentionRules {
     qint64 budget = qint64{2} * 1024 * 1024 * 1024; // bytes of all together
 };
 
-/// Which of the copies go, as their positions. The newest one that is not doubtful always stays. A doubtful one takes
-/// no other's place, and goes as soon as it is neither among the last doubtful ones nor of the last days.
+/// Which of the copies go, as their positions. The newest one that is not doubtful always stays, and so does the newest
+/// of all, outside the budget where it is doubtful. A doubtful one takes no good one's place: they have as many of their
+/// own, for a database may have been made small on purpose.
 std::vector<std::size_t> copiesToRemove(const std::vector<CopyFacts>& copies, const QDateTime& now,
                                         const RetentionRules& rules = {});
 

@@ -161,6 +161,37 @@ private Q_SLOTS:
         QVERIFY(copies()[0].isDoubtful);
     }
 
+    void aCopyIsComparedWithTheNewestGoodOne()
+    {
+        make();
+        session().OpenDb->connection().execute(u"DELETE FROM Main"_s);
+        // However many there are of those that hold too little: the second does not pass for good beside the first.
+        for (int i = 1; i <= 6; ++i) {
+            TestWorld::addRow(session().RsOpenApp, {QString::number(i), u""_s});
+            make();
+            QCOMPARE(copies()[0].rows, i);
+            QCOMPARE(copies()[0].isDoubtful, i < 5);
+        }
+    }
+
+    void goodCopiesOutliveAnyNumberOfDoubtfulOnes()
+    {
+        for (int i = 1; i <= 3; ++i) {
+            addItem(100 + i);
+            make();
+        }
+        session().OpenDb->connection().execute(u"DELETE FROM Main"_s);
+        for (int i = 1; i <= 8; ++i) {
+            session().OpenDb->connection().execute(u"DELETE FROM OpenApp"_s);
+            TestWorld::addRow(session().RsOpenApp, {QString::number(i), u""_s});
+            make();
+        }
+        QList<qint64> rows;
+        for (const Copy& copy : copies())
+            rows << copy.rows;
+        QCOMPARE(rows, QList<qint64>({1, 1, 1, 13, 12, 11}));
+    }
+
     void betweenItsStepsAndWhileItIsCheckedEverybodyMayWrite()
     {
         for (int i = 0; i < 300; ++i)

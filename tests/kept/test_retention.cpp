@@ -91,8 +91,17 @@ private Q_SLOTS:
     void theNewestGoodOneStaysWhateverRoomThereIs()
     {
         QCOMPARE(staying({u"2026-01-29 10:00"_s, u"2026-01-30 10:00"_s, u"2026-01-31 10:00"_s},
-                         {.last = 3, .days = 7, .weeks = 5, .budget = 0}, {u"2026-01-31 10:00"_s}),
-                 QStringList(u"2026-01-30 10:00"_s));
+                         {.last = 3, .days = 7, .weeks = 5, .budget = 0}, {u"2026-01-30 10:00"_s}),
+                 QStringList(u"2026-01-31 10:00"_s));
+    }
+
+    void aDoubtfulOneThatIsTheNewestStaysBesideAllGoodOnes()
+    {
+        // They fill the budget alone, and none of them goes for it; those before it do.
+        const QStringList times{u"2026-01-28 10:00"_s, u"2026-01-29 10:00"_s, u"2026-01-30 10:00"_s,
+                                u"2026-01-31 10:00"_s};
+        QCOMPARE(staying(times, {.last = 3, .days = 7, .weeks = 5, .budget = 2 * Size}, times.mid(2)),
+                 QStringList({u"2026-01-28 10:00"_s, u"2026-01-29 10:00"_s, u"2026-01-31 10:00"_s}));
     }
 
     void aDoubtfulOneTakesNoOthersPlace()
@@ -102,14 +111,15 @@ private Q_SLOTS:
         QCOMPARE(staying(times, {}, {u"2026-01-31 10:00"_s, u"2026-01-31 11:00"_s}), times);
     }
 
-    void doubtfulOnesGoWithTheDays()
+    void doubtfulOnesHavePlacesOfTheirOwn()
     {
         QStringList times{u"2019-01-01 10:00"_s};
-        for (int day = 1; day <= 5; ++day)
+        for (int day = 1; day <= 31; ++day)
             times << u"2026-01-%1 10:00"_s.arg(day, 2, 10, QChar(u'0'));
-        QCOMPARE(staying(times, {}, times.mid(1)),
-                 QStringList({u"2019-01-01 10:00"_s, u"2026-01-03 10:00"_s, u"2026-01-04 10:00"_s,
-                              u"2026-01-05 10:00"_s}));
+        QStringList left = times.mid(0, 1);
+        for (const int day : {4, 11, 18, 25, 26, 27, 28, 29, 30, 31})
+            left << u"2026-01-%1 10:00"_s.arg(day, 2, 10, QChar(u'0'));
+        QCOMPARE(staying(times, {}, times.mid(1)), left);
     }
 
     void theOrderInWhichTheyAreGivenDoesNotMatter()
