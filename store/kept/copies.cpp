@@ -286,7 +286,7 @@ private:
             for (const CopiedFile& file : m_known[0].files)
                 known.insert(file.name, &file);
         }
-        const FileContents contents(m_order.place);
+        const FileContents contents(m_order.place, ContentLimits::ofFilesThatStay());
         QSet<QString> seen;
         // As in opening one: either field may name the file.
         const auto names = backup.ask(u"SELECT Explanation, Name FROM RefFile"_s);
@@ -307,7 +307,8 @@ private:
                                 .hash = {}};
                 const CopiedFile* const before = known.value(name);
                 const bool isAsBefore = before != nullptr && before->size == file.size &&
-                                        before->modified == file.modified && contents.contains(before->hash);
+                                        before->modified == file.modified &&
+                                        contents.contains(before->hash, file.size);
                 file.hash = isAsBefore ? before->hash : contents.keep(path).value_or(QByteArray());
                 m_copy.files.push_back(file);
             }

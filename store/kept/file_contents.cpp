@@ -1,5 +1,6 @@
 #include "store/kept/file_contents.h"
 
+#include "app/base/error.h"
 #include "app/base/platform/cloning.h"
 #include "app/base/platform/files.h"
 
@@ -33,12 +34,19 @@ public:
     NewFile& operator=(const NewFile&) = delete;
 
     const QString& path() const { return m_path; }
+    /// What is under the name afterwards outlives a power failure.
     bool giveName(const QString& name)
     {
-        if (!QFile::rename(m_path, name) && !QFile::exists(name))
+        try {
+            platform::syncFile(m_path);
+            if (!QFile::rename(m_path, name) && !QFile::exists(name))
+                return false;
+            if (!QFile::exists(m_path))
+                m_path.clear();
+            platform::syncFolder(QFileInfo(name).path());
+        } catch (const Error&) {
             return false;
-        if (!QFile::exists(m_path))
-            m_path.clear();
+        }
         return true;
     }
 
@@ -74,6 +82,14 @@ qint64 sizeOfAll(const QString& folder)
 
 } // namespace
 
+ContentLimits ContentLimits::ofFilesThatStay()
+{
+    constexpr qint64 Left = qint64{512} * 1024 * 1024;
+    ContentLimits limits;
+    limits.all -= Left;
+    return limits;
+}
+
 FileContents::FileContents(Place place, ContentLimits limits) : m_place(std::move(place)), m_limits(limits) {}
 
 QString FileContents::pathOf(const QByteArray& hash) const
@@ -98,8 +114,13 @@ std::optional<QByteArray> FileContents::keep(const QString& path) const
         return std::nullopt;
     if (!m_size)
         m_size = sizeOfAll(m_place.files());
-    if (*m_size + size > m_limits.all)
-        return std::nullopt;
+    if (*m_size + size > m_limits.all) {
+        std::optional<QByteArray> known = hashOf(path);
+        if (!known || !find(*known))
+            return std::nullopt;
+        makeYoung(*known);
+        return known;
+    }
     // The copy is hashed and not the file, which may be changing.
     NewFile copy(u"%1/.new-%2-%3"_s.arg(m_place.files(), QString::number(QCoreApplication::applicationPid()),
                                         QString::number(QRandomGenerator::global()->generate64(), 16)));
@@ -109,10 +130,7 @@ std::optional<QByteArray> FileContents::keep(const QString& path) const
     if (!hash)
         return std::nullopt;
     if (find(*hash)) {
-        // As young as if it had been kept now.
-        QFile known(pathOf(*hash));
-        if (known.open(QIODevice::ReadWrite))
-            known.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime);
+        makeYoung(*hash);
         return hash;
     }
     QFile::remove(pathOf(*hash)); // damaged
@@ -128,9 +146,20 @@ std::optional<QString> FileContents::find(const QByteArray& hash) const
     return !hash.isEmpty() && hashOf(path) == hash ? std::optional(path) : std::nullopt;
 }
 
-bool FileContents::contains(const QByteArray& hash) const
+bool FileContents::contains(const QByteArray& hash, qint64 size) const
 {
-    return !hash.isEmpty() && QFile::exists(pathOf(hash));
+    constexpr qint64 QuicklyRead = 64 * 1024;
+    if (size <= QuicklyRead)
+        return find(hash).has_value();
+    return !hash.isEmpty() && QFileInfo(pathOf(hash)).size() == size;
+}
+
+/// As young as if it had been kept now.
+void FileContents::makeYoung(const QByteArray& hash) const
+{
+    QFile known(pathOf(hash));
+    if (known.open(QIODevice::ReadWrite))
+        known.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime);
 }
 
 void FileContents::removeAllBut(const QSet<QByteArray>& hashes, qint64 now) const

@@ -149,6 +149,39 @@ private Q_SLOTS:
         QVERIFY(kept::FileContents(place()).find(hash));
     }
 
+    void whatIsCutOrChangedIsNotTakenForKept()
+    {
+        const QByteArray small = keepContent("content");
+        const QByteArray large = keepContent(QByteArray(100'000, 'x'));
+        const kept::FileContents contents(place());
+        QVERIFY(contents.contains(small, 7));
+        QVERIFY(contents.contains(large, 100'000));
+        QVERIFY(!contents.contains({}, 7));
+        QFile changed(place().files() + u'/' + QString::fromLatin1(small.toHex()));
+        QVERIFY(changed.open(QIODevice::ReadWrite));
+        changed.putChar('?');
+        changed.close();
+        QVERIFY(QFile::resize(place().files() + u'/' + QString::fromLatin1(large.toHex()), 99'999));
+        QVERIFY(!contents.contains(small, 7));
+        QVERIFY(!contents.contains(large, 100'000));
+    }
+
+    void whatIsKeptAlreadyTakesNoFurtherRoom()
+    {
+        const QByteArray hash = keepContent("12345");
+        makeOlder(place().files() + u'/' + QString::fromLatin1(hash.toHex()), 1);
+        const kept::FileContents full(place(), {.file = 100, .all = 5});
+        QCOMPARE(full.keep(world->folder.filePath(u"source"_s)), hash);
+        kept::prune(place(), now);
+        QVERIFY2(full.find(hash), "it is not young again");
+    }
+
+    void filesThatStayLeaveRoomForSuchAsGo()
+    {
+        QVERIFY(kept::ContentLimits::ofFilesThatStay().all < kept::ContentLimits().all);
+        QCOMPARE(kept::ContentLimits::ofFilesThatStay().file, kept::ContentLimits().file);
+    }
+
     void contentsBeyondTheBudgetAreNotKept()
     {
         keepContent("12345");
