@@ -21,7 +21,6 @@
 #include <QJsonObject>
 #include <QRandomGenerator>
 #include <QSaveFile>
-#include <QSet>
 
 #include <algorithm>
 #include <atomic>
@@ -89,13 +88,24 @@ qint64 numberIn(const QJsonObject& about, const QString& key)
     return about.value(key).toInteger();
 }
 
+/// What is said of a copy; empty when nothing is, or when it cannot be read.
+QJsonObject readAbout(const QString& copyPath)
+{
+    QFile file(aboutPath(copyPath));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+QByteArray hashIn(const QJsonObject& file)
+{
+    return QByteArray::fromHex(file.value(u"hash"_s).toString().toLatin1());
+}
+
 /// Nothing for a file beside which nothing says what it is.
 std::optional<Copy> copyAt(const QString& path)
 {
-    QFile file(aboutPath(path));
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QJsonObject about = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject about = readAbout(path);
     Copy copy;
     copy.path = path;
     copy.database = about.value(u"database"_s).toString();
@@ -117,7 +127,7 @@ std::optional<Copy> copyAt(const QString& path)
         copy.files.push_back({.name = entry.value(u"name"_s).toString(),
                               .size = numberIn(entry, u"size"_s),
                               .modified = numberIn(entry, u"modified"_s),
-                              .hash = QByteArray::fromHex(entry.value(u"hash"_s).toString().toLatin1())});
+                              .hash = hashIn(entry)});
     }
     return copy;
 }
@@ -369,6 +379,20 @@ std::vector<Copy> listCopies(const Place& place)
         return a.time != b.time ? a.time > b.time : a.path > b.path;
     });
     return copies;
+}
+
+std::optional<QSet<QByteArray>> contentsNamedByCopies(const Place& place)
+{
+    QSet<QByteArray> named;
+    for (const QFileInfo& info : QDir(place.copies()).entryInfoList({u"*.mdb"_s}, QDir::Files)) {
+        const QJsonValue files = readAbout(info.filePath()).value(u"files"_s);
+        if (!files.isArray())
+            return std::nullopt;
+        const QJsonArray entries = files.toArray();
+        for (const auto& file : entries)
+            named.insert(hashIn(file.toObject()));
+    }
+    return named;
 }
 
 CopyOutcome makeCopy(const CopyOrder& order)

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QHash>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -39,6 +40,9 @@ struct Copy {
 
 /// The copies of a place, newest first.
 std::vector<Copy> listCopies(const Place& place);
+
+/// Which contents of registered files the copies of a place name; nothing when what one of them names cannot be read.
+std::optional<QSet<QByteArray>> contentsNamedByCopies(const Place& place);
 
 /// How a database is looked at when it is copied: what is looked at is the copy, so that nobody has to wait.
 enum class Inspection {

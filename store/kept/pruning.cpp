@@ -11,8 +11,10 @@
 #include <QSet>
 
 #include <algorithm>
+#include <filesystem>
 #include <numeric>
 #include <optional>
+#include <system_error>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,6 +23,8 @@ namespace quillon::kept
 
 namespace
 {
+
+constexpr qint64 Day = qint64{24} * 60 * 60 * 1000;
 
 qint64 lastWritten(const QFileInfo& info)
 {
@@ -40,30 +44,49 @@ void pruneHistory(const Place& place, qint64 now, const HistoryRules& rules)
 /// What a killed program has left under a name for the time being.
 void removeLeftOver(const QString& folder, qint64 now)
 {
-    constexpr qint64 Day = qint64{24} * 60 * 60 * 1000;
     for (const QFileInfo& info : QDir(folder).entryInfoList({u".new-*"_s}, QDir::Files | QDir::Hidden)) {
         if (now - lastWritten(info) > Day)
             QFile::remove(info.filePath());
     }
 }
 
-/// Nothing when not all of the history can be read: nobody knows then what is named.
+/// A killed program has said what a copy is that never got its name, or removed a copy and not yet what was said of it.
+void removeListsWithoutCopies(const QString& folder, qint64 now)
+{
+    for (const QFileInfo& info : QDir(folder).entryInfoList({u"*.json"_s}, QDir::Files)) {
+        const QString copy = info.path() + u'/' + info.completeBaseName() + u".mdb"_s;
+        if (now - lastWritten(info) > Day && !QFile::exists(copy))
+            QFile::remove(info.filePath());
+    }
+}
+
+/// Whether all names in a folder can be read. There need not be one.
+bool canBeListed(const QString& folder)
+{
+    std::error_code error;
+    std::filesystem::directory_iterator entries(folder.toStdU16String(), error);
+    while (!error && entries != std::filesystem::directory_iterator())
+        entries.increment(error);
+    return !error || error == std::errc::no_such_file_or_directory;
+}
+
+/// Nothing when not all of the history and of what is said of the copies can be read: nobody knows then what is named.
 std::optional<QSet<QByteArray>> namedContents(const Place& place)
 {
-    QSet<QByteArray> named;
+    if (!canBeListed(place.history()) || !canBeListed(place.copies()))
+        return std::nullopt;
+    std::optional<QSet<QByteArray>> named = contentsNamedByCopies(place);
+    if (!named)
+        return std::nullopt;
     History history(place);
     while (history.readOlder()) {
     }
-    if (history.hasFailed())
-        return std::nullopt;
     for (const Event& event : history.events()) {
         if (event.kind == EventKind::FileReplaced)
-            named.insert(history.file(event).hash);
+            named->insert(history.file(event).hash);
     }
-    for (const Copy& copy : listCopies(place)) {
-        for (const CopiedFile& file : copy.files)
-            named.insert(file.hash);
-    }
+    if (history.hasFailed())
+        return std::nullopt;
     return named;
 }
 
@@ -95,6 +118,7 @@ void prune(const Place& place, qint64 now, const HistoryRules& rules)
     pruneHistory(place, now, rules);
     removeLeftOver(place.copies(), now);
     removeLeftOver(place.files(), now);
+    removeListsWithoutCopies(place.copies(), now);
     if (QDir(place.files()).isEmpty())
         return;
     if (const auto named = namedContents(place))

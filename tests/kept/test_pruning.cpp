@@ -116,6 +116,66 @@ private Q_SLOTS:
         QVERIFY(contents.find(young));
     }
 
+    void whileACopysListCannotBeReadNoContentGoes_data()
+    {
+        QTest::addColumn<QByteArray>("list");
+        QTest::newRow("missing") << QByteArray();
+        QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("cut") << QByteArray("{\"time\": \"2026-01-31T12:00:00.000\", \"fil");
+        QTest::newRow("without files") << QByteArray("{\"time\": \"2026-01-31T12:00:00.000\"}");
+    }
+    void whileACopysListCannotBeReadNoContentGoes()
+    {
+        QFETCH(const QByteArray, list);
+        const QByteArray hash = keepContent("content");
+        makeOlder(place().files() + u'/' + QString::fromLatin1(hash.toHex()), 1);
+        QVERIFY(place().make(place().copies()));
+        QFile copy(place().copies() + u"/2026-01-31_120000.mdb"_s);
+        QVERIFY(copy.open(QIODevice::WriteOnly));
+        QFile about(place().copies() + u"/2026-01-31_120000.json"_s);
+        if (!list.isNull()) {
+            QVERIFY(about.open(QIODevice::WriteOnly));
+            about.write(list);
+            about.close();
+        }
+        kept::prune(place(), now);
+        QVERIFY(kept::FileContents(place()).find(hash));
+
+        // As soon as it can be read and does not name it, it goes.
+        QVERIFY(about.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        about.write("{\"time\": \"2026-01-31T12:00:00.000\", \"files\": []}");
+        about.close();
+        kept::prune(place(), now);
+        QVERIFY(!kept::FileContents(place()).find(hash));
+    }
+
+    void whileTheFolderOfCopiesCannotBeReadNoContentGoes()
+    {
+        const QByteArray hash = keepContent("content");
+        makeOlder(place().files() + u'/' + QString::fromLatin1(hash.toHex()), 1);
+        // No folder, as one that the disk cannot read any more, or that belongs to somebody else.
+        QFile inTheWay(place().copies());
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+        kept::prune(place(), now);
+        QVERIFY(kept::FileContents(place()).find(hash));
+        inTheWay.remove();
+        kept::prune(place(), now);
+        QVERIFY(!kept::FileContents(place()).find(hash));
+    }
+
+    void aListWithoutItsCopyGoesAfterADay()
+    {
+        QVERIFY(place().make(place().copies()));
+        for (const QString& name : {u"old.json"_s, u"young.json"_s, u"whole.json"_s, u"whole.mdb"_s}) {
+            QFile file(place().copies() + u'/' + name);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        makeOlder(place().copies() + u"/old.json"_s, 2);
+        makeOlder(place().copies() + u"/whole.json"_s, 2);
+        kept::prune(place(), now);
+        QCOMPARE(files(place().copies()), QStringList({u"whole.json"_s, u"whole.mdb"_s, u"young.json"_s}));
+    }
+
     void whatIsKeptOnceMoreIsYoungAgain()
     {
         const QByteArray hash = keepContent("again");
