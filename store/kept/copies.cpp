@@ -70,7 +70,8 @@ QJsonObject aboutCopy(const Copy& copy, const QString& database)
         files.append(QJsonObject{{u"name"_s, file.name},
                                  {u"size"_s, file.size},
                                  {u"modified"_s, file.modified},
-                                 {u"hash"_s, QString::fromLatin1(file.hash.toHex())}});
+                                 {u"hash"_s, QString::fromLatin1(file.hash.toHex())},
+                                 {u"missing"_s, file.isMissing}});
     return {{u"database"_s, database},
             {u"time"_s, copy.time.toString(Qt::ISODateWithMs)},
             {u"size"_s, copy.size},
@@ -127,7 +128,8 @@ std::optional<Copy> copyAt(const QString& path)
         copy.files.push_back({.name = entry.value(u"name"_s).toString(),
                               .size = numberIn(entry, u"size"_s),
                               .modified = numberIn(entry, u"modified"_s),
-                              .hash = hashIn(entry)});
+                              .hash = hashIn(entry),
+                              .isMissing = entry.value(u"missing"_s).toBool()});
     }
     return copy;
 }
@@ -284,45 +286,90 @@ private:
         // Not with another doubtful one: two of them in a row would pass for good.
         const auto good =
             std::find_if(m_known.begin(), m_known.end(), [](const Copy& copy) { return !copy.isDoubtful; });
-        m_copy.isDoubtful = good != m_known.end() && 2 * m_copy.rows < good->rows;
+        m_copy.isDoubtful =
+            good != m_known.end() && (2 * m_copy.rows < good->rows || hasLostMostFilesSince(*good));
         return m_order.goesOn();
     }
 
-    /// Keeps the contents of the registered files that are new or have changed.
-    void keepFiles(sqlite::Backup& backup)
+    /// Whether most of the files that were there are not, although they are still registered.
+    bool hasLostMostFilesSince(const Copy& good) const
+    {
+        QSet<QString> were;
+        for (const CopiedFile& file : good.files) {
+            if (!file.isMissing)
+                were.insert(file.name);
+        }
+        const auto lost = std::count_if(m_copy.files.begin(), m_copy.files.end(), [&](const auto& file) {
+            return file.isMissing && were.contains(file.name);
+        });
+        return 2 * lost > were.size();
+    }
+
+    /// What the newest copies say of each file.
+    QHash<QString, const CopiedFile*> knownFiles() const
     {
         QHash<QString, const CopiedFile*> known;
-        if (!m_known.empty()) {
-            for (const CopiedFile& file : m_known[0].files)
-                known.insert(file.name, &file);
+        for (const Copy& copy : m_known) {
+            for (const CopiedFile& file : copy.files) {
+                const CopiedFile*& newest = known[file.name];
+                if (newest == nullptr || newest->hash.isEmpty())
+                    newest = &file;
+            }
         }
+        return known;
+    }
+
+    /// Keeps the contents of the registered files that are new or have changed. Of one that is missing the content that
+    /// was kept last stays named, so that it does not go with the older copies.
+    void keepFiles(sqlite::Backup& backup)
+    {
+        const QHash<QString, const CopiedFile*> known = knownFiles();
         const FileContents contents(m_order.place, ContentLimits::ofFilesThatStay());
         QSet<QString> seen;
         // As in opening one: either field may name the file.
         const auto names = backup.ask(u"SELECT Explanation, Name FROM RefFile"_s);
         while (names->step()) {
+            bool isNamed = false; // by a field that can only be a name
             for (const int column : {0, 1}) {
                 const QString name = names->text(column).toString();
-                const QString path = m_order.fileFolder + u'/' + name;
-                if (name.isEmpty() || name.contains(u'/') || name.contains(u'\\') || seen.contains(name) ||
-                    !platform::isOrdinaryFile(path))
+                if (name.isEmpty() || name.contains(u'/') || name.contains(u'\\'))
+                    continue;
+                const CopiedFile* const before = known.value(name);
+                const bool isThere = platform::isOrdinaryFile(m_order.fileFolder + u'/' + name);
+                // Nearly always the first is an explanation, and the second the name.
+                const bool isMissing = !isThere && (before != nullptr || (column == 1 && !isNamed));
+                isNamed = isNamed || isThere || isMissing;
+                if ((!isThere && !isMissing) || seen.contains(name))
                     continue;
                 seen.insert(name);
                 if (!m_order.goesOn())
                     return;
-                const QFileInfo info(path);
-                CopiedFile file{.name = name,
-                                .size = info.size(),
-                                .modified = info.lastModified().toMSecsSinceEpoch(),
-                                .hash = {}};
-                const CopiedFile* const before = known.value(name);
-                const bool isAsBefore = before != nullptr && before->size == file.size &&
-                                        before->modified == file.modified &&
-                                        contents.contains(before->hash, file.size);
-                file.hash = isAsBefore ? before->hash : contents.keep(path).value_or(QByteArray());
-                m_copy.files.push_back(file);
+                m_copy.files.push_back(isThere ? present(name, before, contents) : missing(name, before));
             }
         }
+    }
+
+    CopiedFile present(const QString& name, const CopiedFile* before, const FileContents& contents) const
+    {
+        const QString path = m_order.fileFolder + u'/' + name;
+        const QFileInfo info(path);
+        CopiedFile file{.name = name,
+                        .size = info.size(),
+                        .modified = info.lastModified().toMSecsSinceEpoch(),
+                        .hash = {},
+                        .isMissing = false};
+        const bool isAsBefore = before != nullptr && before->size == file.size &&
+                                before->modified == file.modified &&
+                                contents.contains(before->hash, file.size);
+        file.hash = isAsBefore ? before->hash : contents.keep(path).value_or(QByteArray());
+        return file;
+    }
+
+    static CopiedFile missing(const QString& name, const CopiedFile* before)
+    {
+        CopiedFile file = before != nullptr ? *before : CopiedFile{.name = name, .hash = {}};
+        file.isMissing = true;
+        return file;
     }
 
     /// Gives the copy its name.

@@ -19,8 +19,9 @@ namespace quillon::kept
 struct CopiedFile {
     QString name;
     qint64 size = 0;
-    qint64 modified = 0; // milliseconds since 1970
-    QByteArray hash;     // of its content among the kept ones; empty: not kept
+    qint64 modified = 0;    // milliseconds since 1970
+    QByteArray hash;        // of its content among the kept ones; empty: not kept
+    bool isMissing = false; // it was not there; the content is the last one that was
 };
 
 /// A kept copy of a database.
@@ -31,7 +32,7 @@ struct Copy {
     qint64 size = 0;
     qint64 rows = 0;               // of all tables
     QHash<QString, qint64> counts; // by table
-    bool isDoubtful = false;       // it holds less than half as much as the newest good one before
+    bool isDoubtful = false;       // it lacks more than half of what the newest good one before holds
     QByteArray sum;                // over its file: whether it is what it was
     qint64 databaseSize = 0;       // of the database when it was begun, and when that had been written last
     qint64 databaseModified = 0;

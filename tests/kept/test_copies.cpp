@@ -2,6 +2,7 @@
 #include "store/kept/copies.h"
 #include "store/kept/copy_worker.h"
 #include "store/kept/file_contents.h"
+#include "store/kept/pruning.h"
 #include "store/record_set.h"
 #include "store/sqlite/backup.h"
 #include "tests/support/errors_of.h"
@@ -334,6 +335,71 @@ private Q_SLOTS:
         QCOMPARE(copies()[0].files.size(), std::size_t{1});
         QVERIFY(copies()[0].files[0].hash.isEmpty());
         QCOMPARE(filesIn(place().files()), QStringList());
+    }
+
+    void aFileThatIsMissingIsListedWithWhatIsKeptOfIt()
+    {
+        registerFile(u"一.txt"_s, "one");
+        registerFile(u"二.txt"_s, "two");
+        make();
+        const QByteArray hash = kept::FileContents::hashOf(fileFolder() + u"/一.txt"_s).value();
+        QVERIFY(QFile::remove(fileFolder() + u"/一.txt"_s));
+        // Whole generations of copies later, too.
+        for (int i = 1; i <= 5; ++i) {
+            addItem(100 + i);
+            make();
+        }
+        QCOMPARE(copies().size(), std::size_t{3});
+        for (const Copy& copy : copies()) {
+            QCOMPARE(copy.files.size(), std::size_t{2});
+            QVERIFY(copy.files[0].isMissing && !copy.files[1].isMissing);
+            QCOMPARE(copy.files[0].name, u"一.txt"_s);
+            QCOMPARE(copy.files[0].size, 3);
+            QCOMPARE(copy.files[0].hash, hash);
+        }
+        kept::prune(place(), QDateTime::currentMSecsSinceEpoch() + qint64{2} * 24 * 60 * 60 * 1000);
+        QVERIFY(kept::FileContents(place()).find(hash));
+
+        // It is no loss any more when it is back.
+        QVERIFY(QFile::copy(kept::FileContents(place()).find(hash).value(), fileFolder() + u"/一.txt"_s));
+        addItem(111);
+        make();
+        QVERIFY(!copies()[0].files[0].isMissing);
+    }
+
+    void aFileThatWasNeverThereIsListedAsMissing()
+    {
+        TestWorld::addRow(session().RsRefFile, {u"一.txt"_s, u"F-991231-1"_s, u"未入力"_s});
+        make();
+        QCOMPARE(copies()[0].files.size(), std::size_t{1});
+        QCOMPARE(copies()[0].files[0].name, u"一.txt"_s);
+        QVERIFY(copies()[0].files[0].isMissing);
+        QVERIFY(copies()[0].files[0].hash.isEmpty());
+    }
+
+    void aCopyOfWhichMostFilesHaveGoneIsDoubted()
+    {
+        for (int i = 1; i <= 7; ++i)
+            registerFile(u"%1.txt"_s.arg(i), "content");
+        make();
+        const auto lose = [&](int first, int last) {
+            for (int i = first; i <= last; ++i)
+                QVERIFY(QFile::remove(fileFolder() + u"/%1.txt"_s.arg(i)));
+        };
+        lose(1, 3);
+        addItem(11);
+        make();
+        QVERIFY(!copies()[0].isDoubtful);
+        lose(4, 6);
+        for (int i = 12; i <= 13; ++i) {
+            addItem(i);
+            make();
+            QVERIFY(copies()[0].isDoubtful);
+        }
+        // Whoever deletes the data has not lost the files.
+        session().OpenDb->connection().execute(u"DELETE FROM RefFile WHERE Name <> '7.txt'"_s);
+        make();
+        QVERIFY(!copies()[0].isDoubtful);
     }
 
     void aNameThatLeadsElsewhereIsNotFollowed()
