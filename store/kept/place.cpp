@@ -1,5 +1,7 @@
 #include "store/kept/place.h"
 
+#include "app/base/error.h"
+#include "app/base/platform/files.h"
 #include "app/base/platform/user_folders.h"
 
 #include <QCryptographicHash>
@@ -8,6 +10,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -45,9 +48,33 @@ QString readableName(const QString& database)
     return name;
 }
 
+/// Its name outlives a power failure: without it nothing would be found that lies in it.
 bool makeFolder(const QString& path)
 {
-    return QDir(path).exists() || QDir().mkdir(path, ForTheUserAlone) || QDir(path).exists();
+    if (QDir(path).exists())
+        return true;
+    if (!QDir().mkdir(path, ForTheUserAlone))
+        return QDir(path).exists();
+    try {
+        platform::syncFolder(QFileInfo(path).path());
+    } catch (const Error&) {
+        return false;
+    }
+    return true;
+}
+
+QString aboutPath(const QString& folder)
+{
+    return folder + u"/database.json"_s;
+}
+
+/// The full name of the database to which a folder belongs; empty when it cannot be read.
+QString databaseOf(const QString& folder)
+{
+    QFile about(aboutPath(folder));
+    if (!about.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(about.readAll()).object().value(u"path"_s).toString();
 }
 
 } // namespace
@@ -85,16 +112,18 @@ QString Place::files() const
 
 bool Place::make(const QString& inside) const
 {
-    if (QDir(inside).exists())
-        return true;
-    if (!QDir().mkpath(QFileInfo(m_keptFolder).path()) || !makeFolder(m_keptFolder) ||
-        !makeFolder(m_folder) || !makeFolder(inside))
+    if (!QDir(inside).exists() && (!QDir().mkpath(QFileInfo(m_keptFolder).path()) ||
+                                   !makeFolder(m_keptFolder) || !makeFolder(m_folder) || !makeFolder(inside)))
         return false;
-    // For whoever finds the folder without the database.
-    QFile about(m_folder + u"/database.json"_s);
-    if (!about.exists() && about.open(QIODevice::WriteOnly | QIODevice::NewOnly,
-                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+    // For whoever finds the folder without the database. Where it could not be written, it is the next time.
+    if (databaseOf(m_folder) == m_database)
+        return true;
+    QSaveFile about(aboutPath(m_folder));
+    if (about.open(QIODevice::WriteOnly)) {
+        about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
         about.write(QJsonDocument(QJsonObject{{u"path"_s, m_database}}).toJson());
+        about.commit();
+    }
     return true;
 }
 
@@ -104,10 +133,7 @@ QStringList databasesIn(const QString& keptFolder)
     const QFileInfoList folders =
         QDir(keptFolder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QFileInfo& folder : folders) {
-        QFile about(folder.filePath() + u"/database.json"_s);
-        if (!about.open(QIODevice::ReadOnly))
-            continue;
-        const QString path = QJsonDocument::fromJson(about.readAll()).object().value(u"path"_s).toString();
+        const QString path = databaseOf(folder.filePath());
         // Elsewhere nothing of it would be found again.
         if (!path.isEmpty() && Place(keptFolder, path).folder() == keptFolder + u'/' + folder.fileName())
             databases << path;

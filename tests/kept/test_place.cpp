@@ -109,6 +109,26 @@ private Q_SLOTS:
         }
     }
 
+    void whatADiskWithoutRoomLeftOfItsNameIsWrittenAnew_data()
+    {
+        QTest::addColumn<QByteArray>("left");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("a part") << QByteArray("{\"path\": \"/ho");
+    }
+    void whatADiskWithoutRoomLeftOfItsNameIsWrittenAnew()
+    {
+        QFETCH(const QByteArray, left);
+        const QString database = fileIn(u"a.mdb"_s);
+        QVERIFY(Place(kept(), database).make(Place(kept(), database).copies()));
+        QFile about(Place(kept(), database).folder() + u"/database.json"_s);
+        QVERIFY(about.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        about.write(left);
+        about.close();
+        QCOMPARE(kept::databasesIn(kept()), QStringList());
+        QVERIFY(Place(kept(), database).make(Place(kept(), database).copies()));
+        QCOMPARE(kept::databasesIn(kept()), QStringList(database));
+    }
+
     void aPlaceThatCannotBeMadeIsTold()
     {
         const Place place(fileIn(u"a file"_s), fileIn(u"a.mdb"_s));
