@@ -17,6 +17,8 @@
 #include <QScopeGuard>
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <new>
 
@@ -104,17 +106,32 @@ private:
         });
         open(run.database);
         const Status status = done(run);
-        isFilled = stays;
+        isFilled = stays && holdsRows();
         return status;
+    }
+
+    /// Whether anything has come into the open database.
+    bool holdsRows() const
+    {
+        const auto& all = tables();
+        return std::any_of(all.begin(), all.end(),
+                           [this](auto table) { return required(m_session.*table).hasRows(); });
     }
 
     void close()
     {
-        for (auto* const rows :
-             {&m_session.RsMain, &m_session.RsOpenApp, &m_session.RsRefFile, &m_session.RsRefDoc,
-              &m_session.RsLink, &m_session.RsCategoryID, &m_session.RsCategory})
-            rows->reset();
+        for (const auto table : tables())
+            (m_session.*table).reset();
         m_session.OpenDb.reset();
+    }
+
+    using Table = std::shared_ptr<RecordSet> Session::*;
+    static const std::array<Table, 7>& tables()
+    {
+        static constexpr std::array<Table, 7> All = {
+            &Session::RsMain, &Session::RsOpenApp,    &Session::RsRefFile, &Session::RsRefDoc,
+            &Session::RsLink, &Session::RsCategoryID, &Session::RsCategory};
+        return All;
     }
 
     static QString folder(const Arguments& arguments)

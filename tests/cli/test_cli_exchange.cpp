@@ -77,6 +77,20 @@ private Q_SLOTS:
         }
     }
 
+    void whatBringsNothingMakesNoDatabase()
+    {
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"空"_s));
+        QVERIFY(m_world->write(u"空.csv"_s, u"名称\n"_s.toUtf8()));
+        QVERIFY(m_world->write(u"空/読めない.txt"_s, QByteArray("\xFF\0\xFF", 3)));
+        m_world->database = u"新しい.mdb"_s;
+        for (const QStringList& import :
+             {QStringList{u"markdown"_s, u"空"_s}, QStringList{u"text"_s, u"空"_s},
+              QStringList{u"csv"_s, u"空.csv"_s}}) {
+            QCOMPARE(m_world->run(QStringList{u"import"_s} + import).status, 1);
+            QVERIFY(!QFile::exists(m_world->path(u"新しい.mdb"_s)));
+        }
+    }
+
     void whatIsToBeKnownStandsInTheReport()
     {
         QVERIFY(m_world->write(u"RefFile/山.txt"_s, "mountain"));
