@@ -12,27 +12,33 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon::exchange
 {
 
-AllData::AllData(Session& session) : m_session(session)
+AllData::AllData(Session& session, Texts texts)
 {
     const sqlite::Transaction reading(required(session.RsMain).database().connection(),
                                       sqlite::Transaction::Purpose::Reading);
-    readData();
-    readCategories();
-    readLinks();
+    readData(session, texts);
+    readCategories(session);
+    readLinks(session);
 }
 
-void AllData::readData()
+void AllData::readData(Session& session, Texts texts)
 {
     for (const DataKind& kind : data_kinds::all()) {
-        required(m_session.*kind.recordSet)
-            .forEachRow({data_field::Name, data_field::Object_ID}, [&](const RecordSet::Row& row) {
-                const QString identifier = row.text(1).toString();
-                // What has no identifier of its kind cannot be led to by anything.
-                if (kindOf(identifier) != &kind || m_positions.find(identifier) != nullptr)
-                    return;
-                m_positions.insert(identifier, m_data.size());
-                m_data.push_back({.kind = &kind, .name = row.text(0).toString(), .identifier = identifier});
-            });
+        const auto take = [&](const RecordSet::Row& row) {
+            const QString identifier = row.text(1).toString();
+            // What has no identifier of its kind cannot be led to by anything.
+            if (kindOf(identifier) != &kind || m_positions.find(identifier) != nullptr)
+                return;
+            m_positions.insert(identifier, m_data.size());
+            m_data.push_back({.kind = &kind, .name = row.text(0).toString(), .identifier = identifier});
+            if (texts == Texts::Come)
+                m_texts.add(row.text(2));
+        };
+        const RecordSet& rows = required(session.*kind.recordSet);
+        if (texts == Texts::Come)
+            rows.forEachRow({data_field::Name, data_field::Object_ID, data_field::Explanation}, take);
+        else
+            rows.forEachRow({data_field::Name, data_field::Object_ID}, take);
     }
 }
 
@@ -42,9 +48,9 @@ std::size_t AllData::find(const QString& identifier) const
     return position != nullptr ? *position : m_data.size();
 }
 
-void AllData::readCategories()
+void AllData::readCategories(Session& session)
 {
-    required(m_session.RsCategoryID)
+    required(session.RsCategoryID)
         .forEachRow({category_field::Category_ID, category_field::Name}, [&](const RecordSet::Row& row) {
             const QString identifier = row.text(0).toString();
             if (identifier.isEmpty() || m_categoryPositions.contains(identifier))
@@ -61,7 +67,7 @@ void AllData::readCategories()
         m_categories[*above].below.push_back(i);
         m_categories[i].isTop = false;
     }
-    required(m_session.RsCategory).forEachRow({0, 1}, [&](const RecordSet::Row& row) {
+    required(session.RsCategory).forEachRow({0, 1}, [&](const RecordSet::Row& row) {
         const auto category = m_categoryPositions.constFind(row.text(0).toString());
         const std::size_t datum = find(row.text(1).toString());
         if (category == m_categoryPositions.cend() || datum == m_data.size())
@@ -71,9 +77,9 @@ void AllData::readCategories()
     });
 }
 
-void AllData::readLinks()
+void AllData::readLinks(Session& session)
 {
-    required(m_session.RsLink).forEachRow({0, 1}, [&](const RecordSet::Row& row) {
+    required(session.RsLink).forEachRow({0, 1}, [&](const RecordSet::Row& row) {
         const std::size_t from = find(row.text(0).toString());
         const std::size_t to = find(row.text(1).toString());
         if (from == m_data.size() || to == m_data.size())
@@ -104,24 +110,11 @@ QStringList AllData::wayTo(const Category& category) const
     return way;
 }
 
-void AllData::forEachText(const Visit& visit) const
+void AllData::forEachText(const Visit& visit)
 {
-    std::vector<bool> isVisited(m_data.size(), false);
-    for (const DataKind& kind : data_kinds::all()) {
-        required(m_session.*kind.recordSet)
-            .forEachRow({data_field::Object_ID, data_field::Explanation}, [&](const RecordSet::Row& row) {
-                const std::size_t position = find(row.text(0).toString());
-                if (position == m_data.size() || m_data[position].kind != &kind || isVisited[position])
-                    return;
-                isVisited[position] = true;
-                visit(position, row.text(1).toString());
-            });
-    }
-    // What leads to a datum that has gone meanwhile has to lead somewhere.
-    for (std::size_t i = 0; i < m_data.size(); ++i) {
-        if (!isVisited[i])
-            visit(i, {});
-    }
+    m_texts.rewind();
+    for (std::size_t i = 0; i < m_data.size(); ++i)
+        visit(i, m_texts.next());
 }
 
 } // namespace quillon::exchange

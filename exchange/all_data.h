@@ -1,5 +1,6 @@
 #pragma once
 
+#include "exchange/spooled_texts.h"
 #include "store/data_kinds.h"
 #include "store/lookup/identifier_table.h"
 
@@ -18,12 +19,13 @@ class Session;
 namespace quillon::exchange
 {
 
-/// Everything of the open database but the texts, as a reader goes through it: data with their links and categories.
-/// Read at one moment.
+/// Everything of the open database as a reader goes through it: data with their links and categories. Read at one
+/// moment, and no longer than that: writing it out may take its time without keeping others from writing.
 class AllData
 {
 public:
-    explicit AllData(Session& session);
+    enum class Texts { Come, StayAway };
+    AllData(Session& session, Texts texts);
 
     struct Datum {
         const DataKind* kind = nullptr;
@@ -51,16 +53,16 @@ public:
     /// The position of a datum, `data().size()` when there is none.
     std::size_t find(const QString& identifier) const;
 
-    /// Visits the data in their order with their texts. A text that has changed meanwhile is given as it is now.
+    /// Visits the data in their order with their texts, which must have come along.
     using Visit = std::function<void(std::size_t position, const QString& text)>;
-    void forEachText(const Visit& visit) const;
+    void forEachText(const Visit& visit);
 
 private:
-    void readData();
-    void readCategories();
-    void readLinks();
+    void readData(Session& session, Texts texts);
+    void readCategories(Session& session);
+    void readLinks(Session& session);
 
-    Session& m_session;
+    SpooledTexts m_texts;
     std::vector<Datum> m_data;
     std::vector<Category> m_categories;
     IdentifierTable<std::size_t> m_positions;

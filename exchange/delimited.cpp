@@ -250,7 +250,7 @@ ExportReport exportDelimited(Session& session, const QString& path, Progress* pr
     ExportReport report;
     StagedOutput output(path);
     const QChar separator = path.endsWith(u".tsv", Qt::CaseInsensitive) ? u'\t' : u',';
-    const AllData all(session);
+    AllData all(session, AllData::Texts::Come);
     const Targets targets(all);
     OutputFile file(output.path());
     const auto write = [&](const QStringList& fields) {

@@ -29,7 +29,8 @@ class HtmlBook
 {
 public:
     HtmlBook(Session& session, const QString& folder, Progress* progress)
-        : m_output(folder), m_progress(progress), m_all(session), m_files(session, m_output, m_report)
+        : m_output(folder), m_progress(progress), m_all(session, AllData::Texts::Come),
+          m_files(session, m_output, m_report)
     {
     }
 

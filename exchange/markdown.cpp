@@ -149,7 +149,7 @@ ExportReport exportMarkdown(Session& session, const QString& folder, Progress* p
     ExportReport report;
     StagedOutput output(folder);
     output.makeFolder();
-    const AllData all(session);
+    AllData all(session, AllData::Texts::Come);
     FileNames names;
     std::vector<QString> files;
     for (const AllData::Datum& datum : all.data())

@@ -29,7 +29,7 @@ ExportReport exportPicture(Session& session, const QString& path, const QString&
 {
     ExportReport report;
     StagedOutput output(path);
-    const AllData all(session);
+    const AllData all(session, AllData::Texts::StayAway);
     const std::size_t position = all.find(identifier);
     if (position == all.data().size())
         throw Refused(u"識別符号 %1 のデータはありません。"_s.arg(identifier));
@@ -47,7 +47,7 @@ ExportReport exportPictures(Session& session, const QString& folder, Progress* p
     ExportReport report;
     StagedOutput output(folder);
     output.makeFolder();
-    const AllData all(session);
+    const AllData all(session, AllData::Texts::StayAway);
     const QString ending = u".svg"_s;
     FileNames names;
     for (std::size_t i = 0; i < all.data().size(); ++i) {

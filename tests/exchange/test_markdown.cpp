@@ -1,6 +1,8 @@
 // A database as a folder of notes, and notes as data.
 #include "exchange/markdown.h"
+#include "exchange/progress.h"
 #include "exchange/refused.h"
+#include "store/database.h"
 #include "store/record_set.h"
 #include "tests/exchange/folder_content.h"
 #include "tests/exchange/report_texts.h"
@@ -15,6 +17,26 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::exchange;
 using namespace quillon::testing;
+
+namespace
+{
+
+/// Somebody who does something as soon as he is told of a progress.
+class Meanwhile : public Progress
+{
+public:
+    explicit Meanwhile(std::function<void()> act) : m_act(std::move(act)) {}
+    void at(qint64, qint64) override
+    {
+        if (m_act)
+            std::exchange(m_act, nullptr)();
+    }
+
+private:
+    std::function<void()> m_act;
+};
+
+} // namespace
 
 class TestMarkdown : public QObject
 {
@@ -88,6 +110,22 @@ private Q_SLOTS:
         QVERIFY(compareText(QString::fromUtf8(content[u"図.txt.md"_s]),
                             u"---\ntitle: \"図.txt\"\nidentifier: \"F-991231-001\"\nkind: \"FILE\"\n---\n\n"
                             u"![[RefFile/図.txt]]\n"_s));
+    }
+
+    void everythingIsAsItWasAtOneMoment()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, Water, u"H2O"_s});
+        TestWorld::addRow(world->session.RsRefDoc, {u"川"_s, River, u"流れる"_s});
+        const auto other = Database::open(world->session.OpenDb->path());
+        Meanwhile meanwhile([&] {
+            other->execute(u"UPDATE RefDoc SET Explanation = 'another'"_s);
+            other->execute(u"DELETE FROM Main"_s);
+        });
+        exportMarkdown(world->session, notes(), &meanwhile);
+        QVERIFY(TestWorld::rowsOf(world->session.RsMain).isEmpty());
+        const auto content = contentBelow(notes());
+        QVERIFY(content[u"川.md"_s].endsWith(u"\n\n流れる\n"_s.toUtf8()));
+        QVERIFY(content[u"水.md"_s].endsWith("\n\nH2O\n"));
     }
 
     void whatWasExportedComesBackTheSame()

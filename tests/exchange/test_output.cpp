@@ -3,6 +3,7 @@
 #include "exchange/input.h"
 #include "exchange/output.h"
 #include "exchange/refused.h"
+#include "exchange/spooled_texts.h"
 #include "tests/exchange/folder_content.h"
 #include "tests/support/compare_text.h"
 
@@ -40,6 +41,42 @@ class TestOutput : public QObject
 
 private Q_SLOTS:
     void init() { folder = std::make_unique<QTemporaryDir>(); }
+
+    void textsThatArePutAsideComeBackInTheirOrder_data()
+    {
+        QTest::addColumn<int>("longest");
+        QTest::newRow("in memory") << 100;
+        QTest::newRow("in a file") << 2'000'000;
+    }
+
+    void textsThatArePutAsideComeBackInTheirOrder()
+    {
+        QFETCH(int, longest);
+        constexpr int Count = 30;
+        const auto text = [&](int i) { return QString(i * longest / Count, QChar(0xD800 + i)); };
+        SpooledTexts texts;
+        for (int i = 0; i < Count; ++i)
+            texts.add(text(i));
+        for (int pass = 0; pass < 3; ++pass) {
+            texts.rewind();
+            for (int i = 0; i < Count; ++i)
+                QVERIFY(texts.next() == text(i));
+        }
+    }
+
+#ifdef Q_OS_LINUX // where there is a folder that nobody can write in
+    void textsThatCannotBePutAsideAreTold()
+    {
+        const QByteArray before = qgetenv("TMPDIR");
+        qputenv("TMPDIR", "/proc");
+        const QString failure = failureOf([] {
+            SpooledTexts texts;
+            texts.add(QString(20'000'000, u'水'));
+        });
+        qputenv("TMPDIR", before);
+        QVERIFY2(failure.startsWith(u"一時ファイルを使用できません。"), qPrintable(failure));
+    }
+#endif
 
     void folderStandsThereWhenItIsPlaced()
     {
