@@ -151,10 +151,19 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
         copy->place({});
     const QString target = folder + QDir::separator() + name;
     const auto former = replaces && session.keeper != nullptr ? session.keeper->fileGoes(target) : nullptr;
-    const QString identifier = writeRows(session, entry, name, [&](const QString& given) {
-        if (replaces)
-            copy->place(markOf(session, given));
-    });
+    QString identifier;
+    try {
+        identifier = writeRows(session, entry, name, [&](const QString& given) {
+            if (replaces)
+                copy->place(markOf(session, given));
+        });
+    } catch (...) {
+        // A disk can fail at the very end of a write that stands all the same. So what the file holds is asked, and where
+        // it cannot be asked now, the next registration does.
+        copy->leave();
+        guardedBy([](const Error&) {}, [&] { settle(session, folder); });
+        throw;
+    }
     copy->keep();
     if (registeredAs != nullptr)
         *registeredAs = identifier;

@@ -52,6 +52,7 @@ private:
                 _exit(17);
         }
         void keep() override { _exit(17); }
+        void leave() override { m_copy->leave(); }
 
     private:
         std::unique_ptr<StagedCopy> m_copy;

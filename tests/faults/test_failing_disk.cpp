@@ -1,6 +1,7 @@
 // Every call to the disk fails once, in every way it can, during every operation: the operation tells it or is done all
 // the same, the file is whole and holds all of it or nothing, and the program goes on with what the file holds.
 #include "app/base/error.h"
+#include "app/base/titles.h"
 #include "store/database.h"
 #include "tests/faults/fault_world.h"
 #include "tests/faults/faulty_disk.h"
@@ -164,6 +165,53 @@ private Q_SLOTS:
                     break;
             }
         }
+    }
+
+    void theFileThatStandsIsThatOfTheRowThatStands()
+    {
+        // What has been done is told as failed: the row may stand although the registration says otherwise.
+        const QString name = u"共通.txt"_s;
+        const auto contentOf = [&] {
+            QFile file(m_folder.filePath(titles::FileFolder + u'/' + name));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        const auto offer = [&](const QByteArray& content) {
+            QFile file(m_folder.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        };
+        Step step{.kind = Step::Kind::RegisterFile,
+                  .identifier = u"F-001231-001"_s,
+                  .other = {},
+                  .name = name,
+                  .content = u"未入力"_s,
+                  .many = {}};
+        int standing = 0;
+        for (int n = 1;; ++n) {
+            put(u"QUILLON.mdb"_s);
+            FaultWorld world(m_folder.path());
+            QCOMPARE(world.open(u"QUILLON.mdb"_s), Outcome::Done);
+            offer("former");
+            step.identifier = u"F-001231-001"_s;
+            QCOMPARE(world.perform(step), Outcome::Done);
+            const Model before = after(step, m_model);
+            offer("fresh");
+            step.identifier = u"F-001231-002"_s;
+            disk().failAt(n, DiskFailure::DoneAndBroken, FaultyDisk::Duration::Once);
+            const Outcome outcome = world.perform(step);
+            const bool isOver = disk().heal() < n;
+            world.close();
+            QString why;
+            const auto actual = readModel(world.path(u"QUILLON.mdb"_s), why);
+            QVERIFY2(actual, qPrintable(why));
+            const bool stands = *actual == after(step, before);
+            standing += stands && outcome == Outcome::Failed ? 1 : 0;
+            QVERIFY(stands || *actual == before);
+            QCOMPARE(contentOf(), stands ? QByteArray("fresh") : QByteArray("former"));
+            if (isOver)
+                break;
+        }
+        QVERIFY2(standing > 0, "no write stood that was told as failed");
     }
 
     void aFailingOpeningLeavesOneDatabaseOpen_data() { addFailures(); }

@@ -23,6 +23,8 @@ public:
     virtual void place(const QString& mark) = 0;
     /// Lets go of what had the name before.
     virtual void keep() = 0;
+    /// Leaves both as they are, as an abrupt end would: `Files::settleReplacements` decides what becomes of them.
+    virtual void leave() = 0;
 };
 
 /// The questions the program asks of the file system.

@@ -308,6 +308,7 @@ public:
                 former.letGo();
         }
     }
+    void leave() override { m_former.reset(); }
 
 private:
     void putBack()

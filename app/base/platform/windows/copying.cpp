@@ -177,6 +177,7 @@ public:
                 former.letGo();
         }
     }
+    void leave() override { m_former.reset(); }
 
 private:
     void putBack()
