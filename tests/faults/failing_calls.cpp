@@ -2,25 +2,28 @@
 
 #ifdef Q_OS_LINUX
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstddef>
 #include <cstring>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace
 {
 
 struct {
-    int failing = 0; // 0: nothing fails
+    std::atomic<int> failing = 0; // 0: nothing fails
     int failure = 0;
     bool staysFailing = false;
-    int count = 0;
-    const char* failed = nullptr;
-} plan; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): the wrapped calls know no object
+    std::atomic<int> count = 0;
+    std::atomic<const char*> failed = nullptr;
+} plan; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): the calls know no object
 
 /// Whether the call that comes now is to end in `plan.failure`.
 bool failsNow(const char* call)
@@ -28,10 +31,11 @@ bool failsNow(const char* call)
     using quillon::testing::FailingCalls;
     if (plan.failing == 0)
         return false;
-    ++plan.count;
-    if (plan.staysFailing ? plan.count < plan.failing : plan.count != plan.failing)
+    const int number = ++plan.count;
+    if (plan.staysFailing ? number < plan.failing : number != plan.failing)
         return false;
-    if (plan.failure == FailingCalls::ShortWrite && std::strcmp(call, "write") != 0)
+    const bool writes = std::strstr(call, "write") != nullptr;
+    if (plan.failure == FailingCalls::ShortWrite && !writes)
         return false;
     if (plan.failed == nullptr)
         plan.failed = call;
@@ -40,93 +44,158 @@ bool failsNow(const char* call)
     return true;
 }
 
+/// The system's own call of a name.
+template <class Call> Call* systems(const char* name)
+{
+    return reinterpret_cast<Call*>(dlsym(RTLD_NEXT, name));
+}
+
+/// The call of the system, or what is planned instead of it.
+template <class Call, class... Arguments>
+auto unlessFailing(const char* name, Call* call, Arguments... arguments)
+{
+    using Result = decltype(call(arguments...));
+    return failsNow(name) ? static_cast<Result>(-1) : call(arguments...);
+}
+
+template <class Write, class... Place>
+ssize_t writeUnlessFailing(const char* name, Write* call, int file, const void* source, std::size_t size,
+                           Place... place)
+{
+    if (!failsNow(name))
+        return call(file, source, size, place...);
+    const bool isShort = plan.failure == quillon::testing::FailingCalls::ShortWrite;
+    return isShort ? call(file, source, (size + 1) / 2, place...) : -1;
+}
+
 } // namespace
 
-// The names are the linker's.
-// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
+// The system's names, taken over in the one program that has this source: all its libraries are led here.
+// NOLINTBEGIN(readability-identifier-naming,cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg)
 extern "C" {
-int __real_open(const char* path, int flags, ...);
-ssize_t __real_read(int file, void* target, std::size_t size);
-ssize_t __real_write(int file, const void* source, std::size_t size);
-int __real_fsync(int file);
-int __real_fstat(int file, struct stat* status);
-int __real_rename(const char* from, const char* to);
-int __real_unlink(const char* path);
-int __real_linkat(int from, const char* path, int to, const char* name, int flags);
-int __real_mkdir(const char* path, mode_t mode);
-int __real_rmdir(const char* path);
+// What a file is opened with follows only where one may be made.
+#define QUILLON_OPEN(name)                                                                                   \
+    int name(const char* path, int flags, ...)                                                               \
+    {                                                                                                        \
+        static const auto call = systems<int(const char*, int, ...)>(#name);                                 \
+        std::va_list rest;                                                                                   \
+        va_start(rest, flags);                                                                               \
+        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;                 \
+        va_end(rest);                                                                                        \
+        return failsNow(#name) ? -1 : call(path, flags, mode);                                               \
+    }
+QUILLON_OPEN(open)
+QUILLON_OPEN(open64)
+#undef QUILLON_OPEN
 
-int __wrap_open(const char* path, int flags, ...)
+ssize_t read(int file, void* target, std::size_t size)
 {
-    std::va_list rest;
-    va_start(rest, flags);
-    const bool makes = (flags & (O_CREAT | O_TMPFILE)) != 0;
-    const mode_t mode = makes ? va_arg(rest, mode_t) : 0;
-    va_end(rest);
-    return failsNow("open") ? -1 : __real_open(path, flags, mode);
-}
-
-ssize_t __wrap_read(int file, void* target, std::size_t size)
-{
-    return failsNow("read") ? -1 : __real_read(file, target, size);
+    static const auto call = systems<ssize_t(int, void*, std::size_t)>("read");
+    return unlessFailing("read", call, file, target, size);
 }
 
-ssize_t __wrap_write(int file, const void* source, std::size_t size)
+ssize_t pread64(int file, void* target, std::size_t size, off64_t from)
 {
-    if (!failsNow("write"))
-        return __real_write(file, source, size);
-    return plan.failure == quillon::testing::FailingCalls::ShortWrite
-               ? __real_write(file, source, (size + 1) / 2)
-               : -1;
+    static const auto call = systems<ssize_t(int, void*, std::size_t, off64_t)>("pread64");
+    return unlessFailing("pread64", call, file, target, size, from);
 }
 
-int __wrap_fsync(int file)
+ssize_t write(int file, const void* source, std::size_t size)
 {
-    return failsNow("fsync") ? -1 : __real_fsync(file);
+    static const auto call = systems<ssize_t(int, const void*, std::size_t)>("write");
+    return writeUnlessFailing("write", call, file, source, size);
 }
 
-int __wrap_fstat(int file, struct stat* status)
+ssize_t pwrite64(int file, const void* source, std::size_t size, off64_t to)
 {
-    return failsNow("fstat") ? -1 : __real_fstat(file, status);
+    static const auto call = systems<ssize_t(int, const void*, std::size_t, off64_t)>("pwrite64");
+    return writeUnlessFailing("pwrite64", call, file, source, size, to);
 }
 
-int __wrap_rename(const char* from, const char* to)
+int ftruncate64(int file, off64_t size) noexcept
 {
-    return failsNow("rename") ? -1 : __real_rename(from, to);
+    static const auto call = systems<int(int, off64_t)>("ftruncate64");
+    return unlessFailing("ftruncate64", call, file, size);
 }
 
-int __wrap_unlink(const char* path)
+int fsync(int file)
 {
-    return failsNow("unlink") ? -1 : __real_unlink(path);
+    static const auto call = systems<int(int)>("fsync");
+    return unlessFailing("fsync", call, file);
 }
 
-int __wrap_linkat(int from, const char* path, int to, const char* name, int flags)
+int fdatasync(int file)
 {
-    return failsNow("linkat") ? -1 : __real_linkat(from, path, to, name, flags);
+    static const auto call = systems<int(int)>("fdatasync");
+    return unlessFailing("fdatasync", call, file);
 }
 
-int __wrap_mkdir(const char* path, mode_t mode)
+int fstat(int file, struct stat* status) noexcept
 {
-    return failsNow("mkdir") ? -1 : __real_mkdir(path, mode);
+    static const auto call = systems<int(int, struct stat*)>("fstat");
+    return unlessFailing("fstat", call, file, status);
 }
 
-int __wrap_rmdir(const char* path)
+int fstat64(int file, struct stat64* status) noexcept
 {
-    return failsNow("rmdir") ? -1 : __real_rmdir(path);
+    static const auto call = systems<int(int, struct stat64*)>("fstat64");
+    return unlessFailing("fstat64", call, file, status);
+}
+
+int rename(const char* from, const char* to) noexcept
+{
+    static const auto call = systems<int(const char*, const char*)>("rename");
+    return unlessFailing("rename", call, from, to);
+}
+
+int renameat2(int from, const char* path, int to, const char* name, unsigned int flags) noexcept
+{
+    static const auto call = systems<int(int, const char*, int, const char*, unsigned int)>("renameat2");
+    return unlessFailing("renameat2", call, from, path, to, name, flags);
+}
+
+int unlink(const char* path) noexcept
+{
+    static const auto call = systems<int(const char*)>("unlink");
+    return unlessFailing("unlink", call, path);
+}
+
+int link(const char* from, const char* to) noexcept
+{
+    static const auto call = systems<int(const char*, const char*)>("link");
+    return unlessFailing("link", call, from, to);
+}
+
+int linkat(int from, const char* path, int to, const char* name, int flags) noexcept
+{
+    static const auto call = systems<int(int, const char*, int, const char*, int)>("linkat");
+    return unlessFailing("linkat", call, from, path, to, name, flags);
+}
+
+int mkdir(const char* path, mode_t mode) noexcept
+{
+    static const auto call = systems<int(const char*, mode_t)>("mkdir");
+    return unlessFailing("mkdir", call, path, mode);
+}
+
+int rmdir(const char* path) noexcept
+{
+    static const auto call = systems<int(const char*)>("rmdir");
+    return unlessFailing("rmdir", call, path);
 }
 }
-// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
+// NOLINTEND(readability-identifier-naming,cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg)
 
 namespace quillon::testing
 {
 
 void FailingCalls::failAt(int number, int error, Duration duration)
 {
-    plan.failing = number;
     plan.failure = error;
     plan.staysFailing = duration == Duration::FromThenOn;
     plan.count = 0;
     plan.failed = nullptr;
+    plan.failing = number;
 }
 
 int FailingCalls::heal()

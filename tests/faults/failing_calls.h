@@ -7,8 +7,8 @@
 namespace quillon::testing
 {
 
-/// Lets the program's own calls to the system fail that open, read, write, sync, name and remove files. The linker leads
-/// them here (`--wrap`); those of the libraries go on as ever.
+/// Lets calls to the system fail that open, read, write, sync, name and remove files, those of the program and those of
+/// all its libraries: they are led here because a program with this source has functions of those names.
 class FailingCalls
 {
 public:

@@ -28,7 +28,7 @@ private:
     // The numbers of calls to be tried: every one in a long run, else every few.
     static bool isLong() { return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0; }
     int first() { return isLong() ? 1 : 1 + static_cast<int>(m_random() % 5); }
-    int next(int n) { return n + (isLong() ? 1 : 1 + static_cast<int>(m_random() % 9)); }
+    int next(int n) { return n + (isLong() ? 1 : 1 + static_cast<int>(m_random() % 60)); }
 
     static QByteArray contentOf(const QString& path)
     {
