@@ -94,8 +94,7 @@ private:
                 u"文字列でない値のある行が %1 件あります。文字列として書き出しました。"_s.arg(noTexts));
         if (tooLong > 0)
             m_notes.add(table.name,
-                        u"項目の幅を超える行が %1 件あります。短くするまで、この書庫は取り込めません。"_s.arg(
-                            tooLong));
+                        u"項目の幅を超える行が %1 件あります。そのまま書き出しました。"_s.arg(tooLong));
     }
 
     void writeFiles(const RegisteredFiles& files)

@@ -2,7 +2,6 @@
 
 #include "app/base/ports/clock.h"
 #include "core/category_entry.h"
-#include "exchange/refused.h"
 #include "exchange/row_question.h"
 #include "exchange/tables.h"
 #include "store/data_kinds.h"
@@ -83,10 +82,7 @@ public:
     void examine()
     {
         for (const TableSchema* const table : schema::all()) {
-            m_rows.forEachRow(*table, [&](const StoredRow& row, const QString& where) {
-                checkWidths(*table, row, where);
-                note(*table, row);
-            });
+            m_rows.forEachRow(*table, [&](const StoredRow& row, const QString&) { note(*table, row); });
         }
     }
 
@@ -112,14 +108,6 @@ private:
         bool isThere = false;
     };
 
-    static void checkWidths(const TableSchema& table, const StoredRow& row, const QString& where)
-    {
-        const FieldSchema* const field = fieldTooLong(table, row);
-        if (field != nullptr)
-            throw Refused(u"%1: 項目 %2 が長すぎます。%3 文字以内でなければ取り込めません。"_s.arg(
-                where, field->name, QString::number(field->width)));
-    }
-
     void note(const TableSchema& table, const StoredRow& row)
     {
         if (!hasKey(table, row))
@@ -137,14 +125,19 @@ private:
                 {.identifier = *row[category_field::Category_ID], .name = row[category_field::Name]});
     }
 
-    static void add(RecordSet& rows, const StoredRow& row)
+    void add(RecordSet& rows, const StoredRow& row, const QString& where)
     {
+        if (const FieldSchema* const field = fieldTooLong(rows.table(), row))
+            tell(
+                where,
+                u"項目 %1 が %2 文字を超えています。そのまま取り込みましたが、更新するときは短くしてください。"_s
+                    .arg(field->name, QString::number(field->width)));
         rows.addNew();
         for (std::size_t i = 0; i < row.size(); ++i) {
             if (row[i])
                 rows.setField(static_cast<int>(i), *row[i]);
         }
-        rows.update();
+        rows.update(RecordSet::Widths::Exceeded);
     }
 
     void tell(const QString& where, const QString& text)
@@ -167,9 +160,9 @@ private:
     class Unidentified
     {
     public:
-        explicit Unidentified(RecordSet& rows) : m_rows(rows) {}
+        Unidentified(Work& work, RecordSet& rows) : m_work(work), m_rows(rows) {}
 
-        bool add(const StoredRow& row)
+        bool add(const StoredRow& row, const QString& where)
         {
             if (!m_before)
                 m_before = rowsWithoutKey(m_rows);
@@ -178,19 +171,21 @@ private:
                 --found->second;
                 return false;
             }
-            Work::add(m_rows, row);
+            m_work.add(m_rows, row, where);
             return true;
         }
 
     private:
+        Work& m_work;
         RecordSet& m_rows;
         std::optional<std::map<StoredRow, qint64>> m_before;
     };
 
     void writeWithoutKeys(RecordSet& rows)
     {
-        Unidentified unidentified(rows);
-        m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString&) { unidentified.add(row); });
+        Unidentified unidentified(*this, rows);
+        m_rows.forEachRow(rows.table(),
+                          [&](const StoredRow& row, const QString& where) { unidentified.add(row, where); });
     }
 
     void writeData(std::size_t kindIndex)
@@ -198,12 +193,12 @@ private:
         const DataKind& kind = data_kinds::all()[kindIndex];
         RecordSet& rows = required(m_session.*kind.recordSet);
         const QDate today = m_session.clock.now().date();
-        Unidentified unidentified(rows);
+        Unidentified unidentified(*this, rows);
         RowQuestion present(rows, u"\"Name\", \"Explanation\""_s, keyOf(rows.table()));
         const auto count = [&](bool added) { ++(added ? m_report.added : m_report.skipped); };
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
-                count(unidentified.add(row));
+                count(unidentified.add(row, where));
                 return;
             }
             const QString& identifier = *row[data_field::Object_ID];
@@ -219,13 +214,13 @@ private:
             if (&kind == &data_kinds::file())
                 m_files.keepApart(renamed, where);
             if (!isTaken) {
-                add(rows, renamed);
+                add(rows, renamed, where);
                 return;
             }
             const QDate day = dayOfIdentifier(identifier, today);
             const QString given = m_supplies[kindIndex].next(day.isValid() ? day : today);
             renamed[data_field::Object_ID] = given;
-            add(rows, renamed);
+            add(rows, renamed, where);
             if (kindOf(identifier) == &kind)
                 m_renamedData.insert(identifier, given);
             ++m_report.renamed;
@@ -280,11 +275,11 @@ private:
     void writeCategories()
     {
         RecordSet& rows = required(m_session.RsCategoryID);
-        Unidentified unidentified(rows);
+        Unidentified unidentified(*this, rows);
         std::size_t next = 0;
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
-                m_report.categories += unidentified.add(row) ? 1 : 0;
+                m_report.categories += unidentified.add(row, where) ? 1 : 0;
                 return;
             }
             const ComingCategory& category = m_categories.at(next++);
@@ -292,7 +287,7 @@ private:
                 return;
             StoredRow placed = row;
             placed[category_field::Category_ID] = category.as;
-            add(rows, placed);
+            add(rows, placed, where);
             ++m_report.categories;
             if (category.as != category.identifier)
                 tell(where,
@@ -332,13 +327,13 @@ private:
     {
         RecordSet& rows = required(m_session.RsLink);
         askWhetherPresent();
-        Unidentified unidentified(rows);
+        Unidentified unidentified(*this, rows);
         RowQuestion present(rows, u"1"_s, {0, 1});
         RowQuestion numbers(rows, u"rowid"_s, {0, 1});
         const qint64 before = rows.roughCount();
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
-                m_report.linked += unidentified.add(row) ? 1 : 0;
+                m_report.linked += unidentified.add(row, where) ? 1 : 0;
                 return;
             }
             const auto from = identifierNow(*row[0]);
@@ -357,7 +352,7 @@ private:
             });
             if (isThere)
                 return;
-            add(rows, {from, to});
+            add(rows, {from, to}, where);
             ++m_report.linked;
         });
     }
@@ -365,12 +360,12 @@ private:
     void writeMemberships()
     {
         RecordSet& rows = required(m_session.RsCategory);
-        Unidentified unidentified(rows);
+        Unidentified unidentified(*this, rows);
         RowQuestion present(rows, u"1"_s, {0, 1});
         RowQuestion categories(required(m_session.RsCategoryID), u"1"_s, keyOf(schema::Category_ID()));
         m_rows.forEachRow(rows.table(), [&](const StoredRow& row, const QString& where) {
             if (!hasKey(rows.table(), row)) {
-                m_report.filed += unidentified.add(row) ? 1 : 0;
+                m_report.filed += unidentified.add(row, where) ? 1 : 0;
                 return;
             }
             const auto datum = identifierNow(*row[1]);
@@ -385,7 +380,7 @@ private:
             const QString category = known == m_categoriesAs.cend() ? *row[0] : *known;
             if (present.ask({category, *datum}))
                 return;
-            add(rows, {category, datum});
+            add(rows, {category, datum}, where);
             ++m_report.filed;
         });
     }

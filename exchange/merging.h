@@ -22,7 +22,7 @@ class Progress;
 /// whose identifier another datum has there gets a new one of the same day, and so do categories, with everything below
 /// them. Links and memberships follow. File data do not lead to files of others. What only leads to something that did not come along is not let lead to a
 /// stranger that happens to have its identifier.
-/// Into an empty database everything comes exactly as it is and in its order.
+/// Into an empty database everything comes exactly as it is and in its order, texts wider than their fields included.
 class Merging
 {
 public:
@@ -32,7 +32,7 @@ public:
     Merging(const Merging&) = delete;
     Merging& operator=(const Merging&) = delete;
 
-    /// Goes through all rows for the first time. Throws `Refused` for a text that is too long for its field.
+    /// Goes through all rows for the first time.
     void examine();
     /// Writes them. To be called after that, within a transaction.
     void write();

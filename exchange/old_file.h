@@ -34,7 +34,7 @@ ConvertedFile convertOldFile(const QString& source, Progress* progress = nullptr
 QString writeNotes(const ConvertedFile& converted);
 
 /// Brings the database in an old file into the open one, as one write or not at all. How it meets with what is there
-/// already: see `Merging`. Not trapped: as above, and `Refused` for a text that is too long for its field; 3260.
+/// already: see `Merging`. Not trapped: as above; 3260.
 ImportReport importOldFile(Session& session, const QString& source, const ImportOptions& options = {},
                            Progress* progress = nullptr);
 

@@ -363,14 +363,14 @@ void RecordSet::setField(int index, const QString& text)
     m_values[static_cast<std::size_t>(index)] = text;
 }
 
-qint64 RecordSet::update()
+qint64 RecordSet::update(Widths widths)
 {
     const Change change = std::exchange(m_change, Change::None);
     if (change == Change::None)
         throw Error(errors::NoCurrentRecord);
     for (std::size_t i = 0; i < m_values.size(); ++i) {
         const int width = m_table.fields[i].width;
-        if (width > 0 && m_values[i] && m_values[i]->size() > width)
+        if (widths == Widths::Kept && width > 0 && m_values[i] && m_values[i]->size() > width)
             throw Error(errors::FieldTooSmall);
     }
     if (change == Change::Adding)

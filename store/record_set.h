@@ -65,9 +65,12 @@ public:
     void edit();
     /// Sets a field of the row begun with `addNew` or `edit`. Error 3021 when none was begun.
     void setField(int index, const QString& text);
+    /// Whether texts wider than their fields are refused. Other programs have written some, and where rows come from
+    /// one database into another nothing of them is to be lost.
+    enum class Widths { Kept, Exceeded };
     /// Saves the row begun and returns its number. Errors: 3163 a text wider than its field, 3022 a duplicate, 3260 locked.
     /// A failed save drops what was begun.
-    qint64 update();
+    qint64 update(Widths widths = Widths::Kept);
     /// Deletes the current row and leaves the cursor between rows.
     void deleteRow();
     /// Deletes all rows of this set, one after the other.

@@ -504,18 +504,26 @@ private Q_SLOTS:
         QVERIFY(compareText(refusal(), u"Quillon の書庫ではありません。"_s));
     }
 
-    void textThatIsTooLongForItsFieldIsRefused()
+    void textThatIsTooLongForItsFieldComesAsItIs()
     {
         fill();
-        world->session.OpenDb->connection().execute(u"UPDATE Main SET Name = '%1'"_s.arg(QString(51, u'水')));
+        const QString wide(51, u'水');
+        world->session.OpenDb->connection().execute(u"UPDATE Main SET Name = '%1'"_s.arg(wide));
+        world->session.OpenDb->connection().execute(
+            u"UPDATE OpenApp SET AppName = '%1'"_s.arg(wide.repeated(9)));
         const ExportReport report = exportArchive(world->session, archive());
-        QCOMPARE(report.notes.size(), 1U);
-        QVERIFY(
-            compareText(report.notes[0].text,
-                        u"項目の幅を超える行が 1 件あります。短くするまで、この書庫は取り込めません。"_s));
-        QVERIFY(compareText(
-            refusal(),
-            u"tables/Main.jsonl:1: 項目 Name が長すぎます。50 文字以内でなければ取り込めません。"_s));
+        QCOMPARE(report.notes.size(), 2U);
+        QVERIFY(compareText(report.notes[0].text,
+                            u"項目の幅を超える行が 1 件あります。そのまま書き出しました。"_s));
+        const ImportReport imported = importIt();
+        QCOMPARE(everything(*target), everything(*world));
+        QCOMPARE(imported.notes.size(), 2U);
+        QVERIFY(compareText(textsOf(imported)[0],
+                            u"tables/Main.jsonl:1: 項目 Name が 50 文字を超えています。"
+                            u"そのまま取り込みましたが、更新するときは短くしてください。"_s));
+        QCOMPARE(importIt().notes.size(), 0U);
+        exportArchive(target->session, target->folder.filePath(u"again"_s));
+        QVERIFY(contentBelow(archive()) == contentBelow(target->folder.filePath(u"again"_s)));
     }
 
     void whatIsNoTextIsTold()

@@ -189,6 +189,16 @@ private Q_SLOTS:
         QCOMPARE(widths, expected);
     }
 
+    void widthsMayBeExceededOnPurpose()
+    {
+        const auto rows = m_world->session.RsMain;
+        rows->addNew();
+        rows->setField(data_field::Name, QString(51, u'水'));
+        rows->update(RecordSet::Widths::Exceeded);
+        rows->moveFirst();
+        QCOMPARE(rows->field(data_field::Name), QString(51, u'水'));
+    }
+
     void widthsCountCodeUnits()
     {
         const auto rows = m_world->session.RsMain;
