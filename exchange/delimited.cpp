@@ -9,6 +9,7 @@
 #include "exchange/new_data.h"
 #include "exchange/output.h"
 #include "exchange/progress.h"
+#include "exchange/readable_text.h"
 #include "exchange/refused.h"
 #include "exchange/separated.h"
 #include "store/lookup/identifier_pages.h"
@@ -82,8 +83,11 @@ void forEachLine(const QString& path, const std::function<bool(QByteArrayView)>&
 /// Gives the text of a file in pieces.
 void forEachPiece(const QString& path, Progress* progress, const std::function<void(QStringView)>& take)
 {
-    const TextEncoding encoding = tellEncoding(
-        [&](const std::function<bool(QByteArrayView)>& takeLine) { forEachLine(path, takeLine); });
+    const ReadableText look =
+        lookAtText([&](const std::function<bool(QByteArrayView)>& takeLine) { forEachLine(path, takeLine); });
+    if (look.badLine)
+        throw Refused(badLineText(*look.badLine));
+    const TextEncoding encoding = look.encoding;
     InputFile file(path);
     constexpr qint64 BytesPerStep = qint64{1} << 18;
     qint64 told = 0;

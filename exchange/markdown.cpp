@@ -73,9 +73,9 @@ public:
     void add(const QString& path)
     {
         const QFileInfo file(m_folder.filePath(path));
-        const std::optional<QString> source = textOf(file.filePath());
+        const auto [source, whyNot] = textOf(file.filePath());
         if (!source) {
-            passOver(path, u"テキストファイルではないため、取り込みませんでした。"_s);
+            passOver(path, whyNot);
             return;
         }
         const MarkdownNote note = readMarkdown(*source);

@@ -2,9 +2,9 @@
 
 #include "app/base/one_line.h"
 #include "app/base/platform/code_page.h"
-#include "app/base/text_file.h"
 #include "exchange/input.h"
 #include "exchange/new_data.h"
+#include "exchange/readable_text.h"
 #include "exchange/refused.h"
 
 #include <QDir>
@@ -62,6 +62,16 @@ QStringList partsOf(QStringView text, qsizetype most)
     return parts;
 }
 
+/// No text holds a zero, but for one that somebody has put into it on purpose. Many of them are pairs of bytes without
+/// their mark.
+bool isNoText(const QByteArray& bytes)
+{
+    const bool isMarked = bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
+    const qsizetype zeroes = isMarked ? 0 : bytes.count('\0');
+    constexpr qsizetype Few = 8; // of so many bytes one
+    return zeroes > 0 && (zeroes * Few > bytes.size() || !bytes.isValidUtf8());
+}
+
 QString shortened(const QString& name, qsizetype most)
 {
     return name.first(beginningThatFits(name, most));
@@ -88,18 +98,21 @@ QStringList filesBelow(const QString& folder, const QStringList& endings)
     return paths;
 }
 
-std::optional<QString> textOf(const QString& path)
+SourceText textOf(const QString& path)
 {
     constexpr qint64 Most = qint64{64} << 20;
     InputFile file(path);
     const QByteArray bytes = file.read(Most);
     if (file.size() > bytes.size())
         throw Error(errors::Overflow, u"「%1」は大きすぎて取り込めません。"_s.arg(path));
-    const bool isUtf16 = bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
-    // No text holds a zero, but for one that somebody has put into it on purpose.
-    if (!isUtf16 && bytes.contains('\0') && !bytes.isValidUtf8())
-        return std::nullopt;
-    return decodeTextFile(bytes);
+    if (isNoText(bytes))
+        return {.text = {}, .whyNot = u"テキストファイルではないため、取り込みませんでした。"_s};
+    const ReadableText look =
+        lookAtText([&](const std::function<bool(QByteArrayView)>& take) { take(bytes); });
+    if (look.badLine)
+        return {.text = {}, .whyNot = badLineText(*look.badLine)};
+    return {.text =
+                decodeText(QByteArrayView(bytes).sliced(markLength(bytes, look.encoding)), look.encoding)};
 }
 
 QString addText(NewData& data, NewDatum datum, LongTexts longTexts, std::vector<Note>& notes)

@@ -30,8 +30,13 @@ struct TextImportOptions : ImportOptions {
 /// is no such folder.
 QStringList filesBelow(const QString& folder, const QStringList& endings);
 
-/// The text of a text file, whatever its encoding; nothing when it is none. Errors: 6 when it is unreasonably large, 53, 70, 75; they tell the path.
-std::optional<QString> textOf(const QString& path);
+/// The text of a text file, whatever its encoding.
+struct SourceText {
+    std::optional<QString> text;
+    QString whyNot = {}; // when there is none
+};
+/// Errors: 6 when it is unreasonably large, 53, 70, 75; they tell the path.
+SourceText textOf(const QString& path);
 
 /// Adds a datum that was a file: its name is brought on one line and cut to what a name may be, which is told. A text
 /// that is too long is treated as is said. Returns the identifier of the datum, of the first one of several; nothing

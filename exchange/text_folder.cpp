@@ -42,11 +42,10 @@ ImportReport importTexts(Session& session, const QString& folder, const TextImpo
         for (const QString& path : paths) {
             advance(progress, done++, paths.size());
             const QFileInfo file(QDir(folder).filePath(path));
-            const std::optional<QString> text = textOf(file.filePath());
+            const auto [text, whyNot] = textOf(file.filePath());
             if (!text || text->isEmpty()) {
-                notes.push_back({.where = path,
-                                 .text = text ? u"空のファイルのため、取り込みませんでした。"_s
-                                              : u"テキストファイルではないため、取り込みませんでした。"_s});
+                notes.push_back(
+                    {.where = path, .text = text ? u"空のファイルのため、取り込みませんでした。"_s : whyNot});
                 ++passedOver;
                 continue;
             }

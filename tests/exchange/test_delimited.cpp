@@ -147,6 +147,20 @@ private Q_SLOTS:
         QCOMPARE(definitions(), QStringList(u"橋|M-991231-001|かける"_s));
     }
 
+    void whatCannotBeReadIsRefusedWithItsLine()
+    {
+        const QString text = u"%1 行目に文字として読み取れないバイトがあるため、取り込めません。"
+                             u"UTF-8、UTF-16 またはコードページ 932 で保存し直してください。"_s;
+        write(u"名称\n橋\n"_s.toUtf8() + "\x8B\xB4\n");
+        QVERIFY(compareText(refusal(), text.arg(3)));
+        write("\xEF\xBB\xBF" + u"名称\n橋\n"_s.toUtf8() + "\x8B\xB4\n");
+        QVERIFY(compareText(refusal(), text.arg(3)));
+        QStringEncoder encoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+        write(QByteArray(encoder.encode(u"名称\n橋\n川"_s)) + 'x');
+        QVERIFY(compareText(refusal(), text.arg(3)));
+        QCOMPARE(definitions(), QStringList());
+    }
+
     void wrongLinesAreToldAndNothingIsDone()
     {
         write(u"名称,定義,種別,分類\n"

@@ -100,6 +100,48 @@ private Q_SLOTS:
                             u"b.png: テキストファイルではないため、取り込みませんでした。"_s));
     }
 
+    void whatCannotBeReadIsToldWithItsLine_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<int>("line");
+        const QByteArray unicode = u"水\n"_s.toUtf8();
+        QTest::newRow("two encodings that would pass for one") << "\x90\x85\n" + unicode + "\x90\x85\n" << 2;
+        QTest::newRow("two encodings, and more of the other") << "\x90\x85\n\x89\xCE\n\xFF" + unicode << 3;
+        QTest::newRow("no encoding at all") << QByteArray("a\r\n\xFF\xFF\xFF\r\n") << 2;
+        QTest::newRow("lines that returns end") << QByteArray("a\rb\rc\xFF\r") << 3;
+        QTest::newRow("a mark that does not hold") << QByteArray("\xEF\xBB\xBF"
+                                                                 "a\n\x90\x85")
+                                                   << 2;
+        QTest::newRow("half a pair") << QByteArray("\xFF\xFE"
+                                                   "a\0\n\0b\0c",
+                                                   9)
+                                     << 2;
+    }
+
+    void whatCannotBeReadIsToldWithItsLine()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(int, line);
+        write(u"a.txt"_s, content);
+        write(u"b.txt"_s, "b");
+        const ImportReport report = importIt();
+        QCOMPARE(report.added, 1);
+        QCOMPARE(report.skipped, 1);
+        QVERIFY(compareText(textsOf(report),
+                            u"a.txt: %1 行目に文字として読み取れないバイトがあるため、取り込めません。"
+                            u"UTF-8、UTF-16 またはコードページ 932 で保存し直してください。"_s.arg(line)));
+    }
+
+    void pairsOfBytesWithoutTheirMarkAreNoText()
+    {
+        write(u"a.txt"_s, QByteArray("a\0b\0c\0", 6));
+        write(u"b.txt"_s, QByteArray("one zero \0 may be meant", 23));
+        const ImportReport report = importIt();
+        QCOMPARE(report.added, 1);
+        QVERIFY(
+            compareText(textsOf(report), u"a.txt: テキストファイルではないため、取り込みませんでした。"_s));
+    }
+
     void whatIsTooLongIsRefusedAltogether()
     {
         write(u"a.txt"_s, "short");
