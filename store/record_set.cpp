@@ -299,6 +299,11 @@ std::vector<qint64> RecordSet::matchingRows(const QString& criteria, qsizetype a
 
 QString RecordSet::field(int index) const
 {
+    return fieldOrNull(index).value_or(QString());
+}
+
+std::optional<QString> RecordSet::fieldOrNull(int index) const
+{
     checkField(index);
     requireCurrentRow();
     sqlite::Statement& statement = prepare(u"SELECT "_s + selectList({index}) + u" FROM "_s +
@@ -307,7 +312,7 @@ QString RecordSet::field(int index) const
     if (!tellingDamage([&] { return statement.bind(1, m_row).step(); },
                        Damaged{.rowOfPass = std::nullopt, .row = m_row}))
         throw Error(errors::RecordDeleted);
-    return statement.text(0).toString();
+    return statement.isNull(0) ? std::nullopt : std::optional(statement.text(0).toString());
 }
 
 QString RecordSet::selectList(std::initializer_list<int> fields) const

@@ -58,6 +58,8 @@ public:
     std::unique_ptr<sqlite::Statement> prepareLookUp(int keyField, int field) const;
     /// The text of a field of the current row; empty for null.
     QString field(int index) const;
+    /// The same; nothing for null.
+    std::optional<QString> fieldOrNull(int index) const;
 
     /// Begins a new row; the cursor stays where it is.
     void addNew();

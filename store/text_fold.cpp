@@ -128,4 +128,13 @@ qsizetype foldInto(QStringView text, char16_t* out)
     return out - start;
 }
 
+QStringView beginningThatFoldsAlone(QStringView text, qsizetype units)
+{
+    if (units >= text.size())
+        return text;
+    while (units < text.size() && joinsItsKana(text[units].unicode()))
+        ++units;
+    return text.first(units);
+}
+
 } // namespace quillon

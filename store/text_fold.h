@@ -14,4 +14,7 @@ QString foldedText(QStringView text);
 /// The same into memory that has room for as many units as `text`; how many there are.
 qsizetype foldInto(QStringView text, char16_t* out);
 
+/// The beginning of `text`, of `units` or a few more, that folds as it does within the whole; so does what follows it.
+QStringView beginningThatFoldsAlone(QStringView text, qsizetype units);
+
 } // namespace quillon

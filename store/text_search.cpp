@@ -6,7 +6,7 @@
 #include "store/schema.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/statement.h"
-#include "store/text_fold.h"
+#include "store/text_match.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,48 +16,11 @@ namespace quillon
 namespace
 {
 
-constexpr int NameField = 0;
-constexpr int IdentifierField = 1;
-constexpr int TextField = 2;
-
-/// The pattern of criteria of the form Name Like 'p' OR Explanation Like 'p', in either order.
-std::optional<QString> searchedPattern(const Criteria& criteria)
-{
-    const auto* junction = std::get_if<Criteria::Junction>(&criteria.node);
-    if (junction == nullptr || junction->joint != Criteria::Joint::Or)
-        return std::nullopt;
-    const auto* left = std::get_if<Comparison>(&junction->left->node);
-    const auto* right = std::get_if<Comparison>(&junction->right->node);
-    if (left == nullptr || right == nullptr || left->kind != Comparison::Kind::Like ||
-        right->kind != Comparison::Kind::Like || left->text != right->text)
-        return std::nullopt;
-    const bool bothFields = (left->field == NameField && right->field == TextField) ||
-                            (left->field == TextField && right->field == NameField);
-    return bothFields ? std::optional(left->text) : std::nullopt;
-}
-
-/// What a pattern looks for, folded, when it is nothing but a text between two stars.
-std::optional<QString> plainNeedle(const QString& pattern)
-{
-    if (pattern.size() < 3 || !pattern.startsWith(u'*') || !pattern.endsWith(u'*'))
-        return std::nullopt;
-    const QStringView inner = QStringView(pattern).sliced(1, pattern.size() - 2);
-    for (const QChar unit : inner) {
-        if (unit == u'*' || unit == u'?' || unit == u'#' || unit == u'[')
-            return std::nullopt;
-    }
-    const QString needle = foldedText(inner);
-    // Half of a character outside the basic plane is no part of the whole one.
-    if (needle.front().isLowSurrogate() || needle.back().isHighSurrogate())
-        return std::nullopt;
-    return needle;
-}
-
 QString selection(const TableSchema& table)
 {
-    return u"SELECT rowid, "_s + quoted(table.fields[NameField].name) + u", "_s +
-           quoted(table.fields[TextField].name) + u", "_s + quoted(table.fields[IdentifierField].name) +
-           u" FROM "_s + quoted(table.name);
+    return u"SELECT rowid, "_s + quoted(table.fields[data_field::Name].name) + u", "_s +
+           quoted(table.fields[data_field::Explanation].name) + u", "_s +
+           quoted(table.fields[data_field::Object_ID].name) + u" FROM "_s + quoted(table.name);
 }
 
 FoldedTexts::Row rowOf(const sqlite::Statement& statement)
@@ -87,7 +50,7 @@ TextSearch::~TextSearch() = default;
 
 std::optional<std::vector<qint64>> TextSearch::rowsFor(const Criteria& criteria, const TableSchema& table)
 {
-    if (table.fields.size() <= TextField)
+    if (table.fields.size() <= data_field::Explanation)
         return std::nullopt;
     const std::optional<QString> pattern = searchedPattern(criteria);
     // What is written in a transaction may yet be undone, and nobody would tell the copy.

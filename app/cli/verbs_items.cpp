@@ -113,15 +113,16 @@ Status show(Run& run)
     const QString identifier = run.arguments.words.first();
     const DatumPlace place = foundItem(session, identifier);
     const RecordSet& rows = required(session.*place.kind->recordSet);
-    const QString name = rows.field(data_field::Name);
-    const QString text = rows.field(data_field::Explanation);
+    const auto storedName = rows.fieldOrNull(data_field::Name);
+    const auto storedText = rows.fieldOrNull(data_field::Explanation);
     const std::vector<CategoryRow> categories = categoriesOf(session, identifier);
     DataNameLookup names(session);
     const std::vector<LinkRow> links = linksOf(session, identifier, names);
     names.tellFailures();
     Output& output = run.output;
     if (run.isJson()) {
-        writeItemFields(output, {.kind = *place.kind, .identifier = identifier, .name = name, .text = text});
+        writeItemFields(
+            output, {.kind = *place.kind, .identifier = identifier, .name = storedName, .text = storedText});
         const auto writeList = [&](QByteArrayView label, const auto& all) {
             output.write(label);
             for (const auto& entry : all) {
@@ -136,6 +137,8 @@ Status show(Run& run)
         output.write("}\n");
         return Status::Done;
     }
+    const QString name = storedName.value_or(QString());
+    const QString text = storedText.value_or(QString());
     constexpr int LabelColumns = 10;
     const auto writeLine = [&](const QString& label, const QString& line) {
         output.write(padded(label, LabelColumns) + onePrintedLine(line) + u'\n');

@@ -1,10 +1,10 @@
+#include "app/base/reporting.h"
 #include "app/cli/found.h"
 #include "app/cli/item_writer.h"
 #include "app/cli/run.h"
 #include "app/cli/verb_functions.h"
 #include "core/item_lists.h"
 #include "store/data_kinds.h"
-#include "store/filter_result.h"
 #include "store/record_set.h"
 #include "store/row_pieces.h"
 
@@ -35,14 +35,19 @@ std::optional<QStringView> textOrNull(const RowPieces& row, int field)
     return row.isNull(field) ? std::nullopt : std::optional(row.text(field));
 }
 
-/// Writes a whole table, or those of its items that are not among some.
-void writeTable(Run& run, ItemWriter& writer, const DataKind& kind, const IdentifierSet* without)
+/// Goes through the table of a kind, or the rows for which criteria hold, for whoever writes them.
+RowPieces piecesFor(Run& run, const ItemWriter& writer, const DataKind& kind, const QString& criteria = {})
 {
     const RecordSet& rows = required(run.session.*kind.recordSet);
-    RowPieces pieces =
-        writer.wantsTexts()
-            ? RowPieces(rows, {data_field::Object_ID, data_field::Name, data_field::Explanation})
-            : RowPieces(rows, {data_field::Object_ID, data_field::Name});
+    return writer.wantsTexts()
+               ? RowPieces(rows, {data_field::Object_ID, data_field::Name, data_field::Explanation}, criteria)
+               : RowPieces(rows, {data_field::Object_ID, data_field::Name}, criteria);
+}
+
+/// Writes the items of a kind, but those that are among some.
+void writePieces(Run& run, ItemWriter& writer, const DataKind& kind, RowPieces& pieces,
+                 const IdentifierSet* without = nullptr)
+{
     const auto visit = [&](const RowPieces& row) {
         if (without == nullptr || !without->contains(row.text(0)))
             writer.write({.kind = kind,
@@ -65,8 +70,8 @@ void writeItems(Run& run, ItemWriter& writer, const QStringList& identifiers)
         RecordSet& rows = required(run.session.*kind->recordSet);
         if (!rows.goTo(data_field::Object_ID, identifier))
             continue;
-        const QString name = rows.field(data_field::Name);
-        const QString text = writer.wantsTexts() ? rows.field(data_field::Explanation) : QString();
+        const auto name = rows.fieldOrNull(data_field::Name);
+        const auto text = writer.wantsTexts() ? rows.fieldOrNull(data_field::Explanation) : std::nullopt;
         writer.write({.kind = *kind, .identifier = identifier, .name = name, .text = text});
         if (!writer.pause())
             return;
@@ -117,8 +122,10 @@ Status list(Run& run)
     if (uncategorised)
         categorised = categorisedIdentifiers(run.session);
     ItemWriter writer(run);
-    for (const DataKind* const kind : kindsAskedFor(run))
-        writeTable(run, writer, *kind, categorised ? &*categorised : nullptr);
+    for (const DataKind* const kind : kindsAskedFor(run)) {
+        RowPieces pieces = piecesFor(run, writer, *kind);
+        writePieces(run, writer, *kind, pieces, categorised ? &*categorised : nullptr);
+    }
     return writer.finish();
 }
 
@@ -129,21 +136,13 @@ Status search(Run& run)
         throw Refusal{Status::Refused, u"検索する文字列が入力されていません。"_s};
     ItemWriter writer(run);
     for (const DataKind* const kind : kindsAskedFor(run)) {
-        const auto matches =
-            GetFilterResult(run.session.reporting, run.session.*kind->recordSet, searchCriteria(text));
-        if (!matches)
+        // What the search window reports under this name is reported here, too.
+        std::optional<RowPieces> pieces;
+        guarded(run.session.reporting, u"GetFilterResult"_s,
+                [&] { pieces.emplace(piecesFor(run, writer, *kind, searchCriteria(text))); });
+        if (!pieces)
             return run.log.takeStatus(Status::Refused);
-        if (writer.wantsTexts()) {
-            QStringList identifiers;
-            matches->forEachName(
-                [&](QStringView, QStringView identifier) { identifiers << identifier.toString(); });
-            writeItems(run, writer, identifiers);
-            continue;
-        }
-        // These come from memory: nothing is locked, however long the output takes.
-        matches->forEachName([&](QStringView name, QStringView identifier) {
-            writer.write({.kind = *kind, .identifier = identifier, .name = name, .text = {}});
-        });
+        writePieces(run, writer, *kind, *pieces);
         if (!writer.pause())
             break;
     }

@@ -93,13 +93,43 @@ private Q_SLOTS:
                       u"\"text\":\"未入力\",\"categories\":[],\"links\":[]}\n"_s));
     }
 
+    void whatIsNullIsNullInJson_data()
+    {
+        QTest::addColumn<QStringList>("words");
+        QTest::newRow("list") << QStringList{u"list"_s, u"--kind=file"_s};
+        QTest::newRow("a category") << QStringList{u"list"_s, u"--category=B"_s};
+        QTest::newRow("search") << QStringList{u"search"_s, u"湯"_s};
+        QTest::newRow("show") << QStringList{u"show"_s, u"F-991231-002"_s};
+    }
+
     void whatIsNullIsNullInJson()
     {
+        QFETCH(QStringList, words);
         m_world->session.OpenDb->execute(u"DELETE FROM RefFile"_s);
-        m_world->session.OpenDb->execute(u"INSERT INTO RefFile (Object_ID) VALUES ('F-991231-002')"_s);
-        QCOMPARE(m_world->run({u"list"_s, u"--json"_s, u"--kind=file"_s}),
-                 answer(0, u"{\"identifier\":\"F-991231-002\",\"kind\":\"file\",\"name\":null,\"text\":null,"
-                           u"\"categories\":[],\"links\":[]}\n"_s));
+        m_world->session.OpenDb->execute(
+            u"INSERT INTO RefFile (Object_ID, Name) VALUES ('F-991231-002', '湯')"_s);
+        TestWorld::addRow(m_world->session.RsCategory, {u"B"_s, u"F-991231-002"_s});
+        QCOMPARE(m_world->run(words + QStringList{u"--json"_s}),
+                 answer(0,
+                        u"{\"identifier\":\"F-991231-002\",\"kind\":\"file\",\"name\":\"湯\",\"text\":null,"
+                        u"\"categories\":[\"B\"],\"links\":[]}\n"_s));
+        m_world->session.OpenDb->execute(u"UPDATE RefFile SET Name = NULL, Explanation = '湯'"_s);
+        QCOMPARE(m_world->run(words + QStringList{u"--json"_s}),
+                 answer(0,
+                        u"{\"identifier\":\"F-991231-002\",\"kind\":\"file\",\"name\":null,\"text\":\"湯\","
+                        u"\"categories\":[\"B\"],\"links\":[]}\n"_s));
+    }
+
+    void whatIsFoundIsToldAsItStandsInItsTable()
+    {
+        // Other programs have given a definition the identifier of a document, and another one none.
+        m_world->session.OpenDb->execute(u"INSERT INTO Main VALUES ('湯', 'R-991231-001', '熱い水')"_s);
+        m_world->session.OpenDb->execute(u"INSERT INTO Main VALUES ('湯気', NULL, '熱い')"_s);
+        QCOMPARE(m_world->run({u"search"_s, u"熱い"_s, u"--json"_s}),
+                 answer(0, u"{\"identifier\":\"R-991231-001\",\"kind\":\"definition\",\"name\":\"湯\","
+                           u"\"text\":\"熱い水\",\"categories\":[\"A-A\"],\"links\":[\"M-991231-001\"]}\n"
+                           u"{\"identifier\":\"\",\"kind\":\"definition\",\"name\":\"湯気\","
+                           u"\"text\":\"熱い\",\"categories\":[],\"links\":[]}\n"_s));
     }
 
     void relationsStandInTheirOrder()
@@ -158,6 +188,18 @@ private Q_SLOTS:
         const Answered quoted = m_world->run({u"search"_s, u"it's"_s});
         QCOMPARE(quoted.status, 4);
         QVERIFY2(quoted.errors.contains(u"LOCATION : GetFilterResult"_s), qPrintable(quoted.errors));
+    }
+
+    void aSearchAmongManyFindsAll()
+    {
+        m_world->session.OpenDb->execute(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 30000) INSERT INTO Main "
+            u"SELECT 'n' || i, printf('M-%06d-%03d', i / 900, i % 900), 't' || i || iif(i % 15000 = 0, '針', '') "
+            u"FROM n"_s);
+        QCOMPARE(m_world->run({u"search"_s, u"針"_s}),
+                 answer(0, u"M-000016-600  定義  n15000\nM-000033-300  定義  n30000\n"_s));
+        const Answered all = m_world->run({u"search"_s, u"ｔ"_s, u"--identifiers"_s});
+        QCOMPARE(all.output.count(u'\n'), 30001); // and a file
     }
 
     void statsCountsAll()

@@ -2,8 +2,10 @@
 #include "store/filter_result.h"
 #include "store/like_pattern.h"
 #include "store/record_set.h"
+#include "store/row_pieces.h"
 #include "store/schema.h"
 #include "store/text_fold.h"
+#include "store/text_match.h"
 #include "tests/support/test_world.h"
 
 #include <QTest>
@@ -72,6 +74,20 @@ QStringList namesOf(const std::shared_ptr<RecordSet>& rows)
     return names;
 }
 
+/// The same of a pass that keeps nothing.
+QStringList identifiersPassed(const RecordSet& table, const QString& criteria)
+{
+    QStringList identifiers;
+    RowPieces pieces(table, {data_field::Object_ID}, criteria);
+    const auto visit = [&](const RowPieces& row) {
+        identifiers << row.text(0).toString();
+        return identifiers.size() % 3 != 0;
+    };
+    while (pieces.next(visit)) {
+    }
+    return identifiers;
+}
+
 QString criteriaFor(const QString& text)
 {
     return u"Name Like '*"_s + text + u"*' OR Explanation Like '*"_s + text + u"*'"_s;
@@ -121,6 +137,42 @@ private Q_SLOTS:
             }
         }
         QVERIFY(found > 10000);
+    }
+
+    void aTextIsMatchedAlikeInPiecesAndAsAWhole()
+    {
+        TextMaker maker(6);
+        int found = 0;
+        for (int round = 0; round < 600; ++round) {
+            // Long enough to be folded in several pieces, which end in the middle of anything.
+            const QString text = maker.text(6000);
+            QString needle = maker.text(4);
+            if (maker.number(3) == 0)
+                needle = text.mid(maker.number(static_cast<int>(text.size()) + 1), 1 + maker.number(20));
+            if (needle.isEmpty())
+                continue;
+            const LikePattern pattern(u'*' + needle + u'*', LikePattern::Comparing::AsAReader);
+            TextMatch match(u'*' + needle + u'*');
+            const bool isFound = pattern.matches(text);
+            QCOMPARE(match.matches(text), isFound);
+            QCOMPARE(match.matches(text), isFound); // what is left of the first time does no harm
+            found += isFound ? 1 : 0;
+        }
+        QVERIFY(found > 100);
+    }
+
+    void whatStandsAcrossTwoPiecesIsFound()
+    {
+        TextMatch match(u"*がぎ*"_s);
+        for (int before = 2030; before < 2060; ++before) {
+            QVERIFY(match.matches(QString(before, u'あ') + u"ｶﾞｷﾞ"_s));
+            QVERIFY(!match.matches(QString(before, u'あ') + u"ｶﾞｷ"_s));
+        }
+        // A needle that is longer than any piece.
+        const QString needle(5000, u'い');
+        TextMatch longMatch(u'*' + needle + u'*');
+        QVERIFY(longMatch.matches(u"あ"_s + needle + u"あ"_s));
+        QVERIFY(!longMatch.matches(needle.chopped(1) + u"あ"_s + needle.chopped(1)));
     }
 
     void namesAndIdentifiersComeBackAsTheyAreStored()
@@ -226,6 +278,7 @@ private Q_SLOTS:
             // A third comparison, which changes nothing, keeps the search from being recognised.
             const auto ordinary = main->filtered(criteriaFor(text) + u" OR Object_ID = 'none'"_s);
             QCOMPARE(identifiersOf(fast), identifiersOf(ordinary));
+            QCOMPARE(identifiersPassed(*main, criteriaFor(text)), identifiersOf(ordinary));
         }
     }
 
@@ -278,6 +331,7 @@ private Q_SLOTS:
         TestWorld::addRow(main, {u"xabcx"_s, u"in"_s, u"-"_s});
         TestWorld::addRow(main, {u"𠮷"_s, u"other"_s, u"xyz"_s});
         QCOMPARE(identifiersOf(main->filtered(criteria)), found);
+        QCOMPARE(identifiersPassed(*main, criteria), found);
     }
 
     void hitsAreNamedAsTheyStandInTheFileAtThatMoment()
@@ -373,6 +427,7 @@ private Q_SLOTS:
         QVERIFY(identifiersOf(world.session.RsMain->filtered(criteriaFor(u"*"_s))).isEmpty());
         TestWorld::addRow(world.session.RsMain, {u""_s, u"M-2"_s, u""_s});
         QCOMPARE(identifiersOf(world.session.RsMain->filtered(criteriaFor(u"*"_s))), QStringList(u"M-2"_s));
+        QCOMPARE(identifiersPassed(*world.session.RsMain, criteriaFor(u"*"_s)), QStringList(u"M-2"_s));
     }
 
     void whatATransactionTakesBackIsNotFound()
