@@ -1,4 +1,5 @@
 #include "app/base/absolute_path.h"
+#include "app/base/platform/files.h"
 #include "app/base/ports/clock.h"
 #include "app/cli/columns.h"
 #include "app/cli/formats.h"
@@ -9,9 +10,11 @@
 #include "exchange/refused.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -114,19 +117,31 @@ template <class Format> const Format& formatAskedFor(const Run& run, const std::
                          [&](const Format& format) { return format.name == run.arguments.words[0]; });
 }
 
-/// Runs an import or an export. What ends it has written nothing.
-template <class Work> auto whole(Work&& work)
+/// Runs an import or an export. What ends it has written nothing. `troubles`: the errors that are none of the database,
+/// which has been opened, but of what the command names.
+template <class Work> auto whole(std::initializer_list<qint32> troubles, Work&& work)
 {
     try {
         return withNamedFile(std::forward<Work>(work));
     } catch (const exchange::Cancelled& cancelled) {
         throw Refusal{Status::HalfWay, cancelled.description};
     } catch (const Error& error) {
-        // It is the source that is not what it was to be; the database has been opened.
-        if (error.number == errors::NotADatabase)
+        if (std::find(troubles.begin(), troubles.end(), error.number) != troubles.end())
             throw Refusal{Status::Refused, error.description};
         throw;
     }
+}
+
+/// Whatever form a source is to have: that it is not there is told alike.
+void requireSource(const QString& source)
+{
+    if (QFileInfo::exists(source))
+        return;
+    const Error reason = platform::whyNotFound(source, errors::FileNotFound);
+    if (reason.number == errors::FileNotFound)
+        throw Refusal{Status::NothingFound,
+                      u"「%1」が見つかりません。場所と名前を確認してください。"_s.arg(source)};
+    throw Refusal{Status::Refused, u"「%1」を読み取れません。%2"_s.arg(source, reason.description)};
 }
 
 } // namespace
@@ -141,7 +156,8 @@ Status exportData(Run& run)
             throw WrongUsage{u"--item は picture と一緒に指定します。"_s, run.arguments.verb};
         static_cast<void>(foundItem(run.session, item));
     }
-    const exchange::ExportReport report = whole([&] {
+    // What is written is the target: there is no room for that, and nothing stands there.
+    const exchange::ExportReport report = whole({errors::DiskFull}, [&] {
         LineProgress progress(run);
         return format.run(run.session, target, item, &progress);
     });
@@ -155,11 +171,12 @@ Status exportData(Run& run)
 Status importData(Run& run)
 {
     const QString source = fullName(run.arguments.words[1]);
+    requireSource(source);
     exchange::TextImportOptions options;
     options.dryRun = run.arguments.has(u"--dry-run"_s);
     if (run.arguments.has(u"--split"_s))
         options.longTexts = exchange::LongTexts::Split;
-    const exchange::ImportReport report = whole([&] {
+    const exchange::ImportReport report = whole({errors::NotADatabase}, [&] {
         LineProgress progress(run);
         return formatAskedFor(run, importFormats()).run(run.session, source, options, &progress);
     });

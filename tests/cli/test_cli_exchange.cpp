@@ -68,11 +68,29 @@ private Q_SLOTS:
     void whatIsNoArchiveLeavesNothingBehind()
     {
         m_world->database = u"新しい.mdb"_s;
-        for (const QString& source : {u"RefFile"_s, u"ない"_s}) {
-            const Answered answered = m_world->run({u"import"_s, u"archive"_s, source});
-            QVERIFY(answered.status == 4 || answered.status == 1);
-            QCOMPARE(answered.output, QString());
-            QVERIFY(answered.errors.startsWith(u"quillon-cli: "_s));
+        const Answered answered = m_world->run({u"import"_s, u"archive"_s, u"RefFile"_s});
+        QCOMPARE(answered.status, 4);
+        QCOMPARE(answered.output, QString());
+        QVERIFY(answered.errors.startsWith(u"quillon-cli: "_s));
+        QVERIFY(!QFile::exists(m_world->path(u"新しい.mdb"_s)));
+    }
+
+    void aSourceThatIsNotThereIsToldAlike_data()
+    {
+        QTest::addColumn<QString>("format");
+        for (const char* const format : {"archive", "csv", "text", "markdown", "old"})
+            QTest::newRow(format) << QString::fromLatin1(format);
+    }
+
+    void aSourceThatIsNotThereIsToldAlike()
+    {
+        QFETCH(QString, format);
+        m_world->database = u"新しい.mdb"_s;
+        for (const QString& source : {u"ない"_s, u"ない所/ない"_s}) {
+            QCOMPARE(m_world->run({u"import"_s, format, source}),
+                     answer(1, {},
+                            u"quillon-cli: 「"_s + m_world->path(source) +
+                                u"」が見つかりません。場所と名前を確認してください。\n"_s));
             QVERIFY(!QFile::exists(m_world->path(u"新しい.mdb"_s)));
         }
     }
@@ -90,6 +108,46 @@ private Q_SLOTS:
             QVERIFY(!QFile::exists(m_world->path(u"新しい.mdb"_s)));
         }
     }
+
+#ifdef Q_OS_LINUX
+    void aFullDiskTakesNoExportAndIsNoTroubleOfTheDatabase_data()
+    {
+        QTest::addColumn<QString>("format");
+        for (const char* const format : {"archive", "csv", "markdown", "html", "picture"})
+            QTest::newRow(format) << QString::fromLatin1(format);
+    }
+
+    void aFullDiskTakesNoExportAndIsNoTroubleOfTheDatabase()
+    {
+        QFETCH(QString, format);
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"小さい"_s));
+        for (int i = 2; i < 40; ++i)
+            TestWorld::addRow(
+                m_world->session.RsRefDoc,
+                {u"本%1"_s.arg(i), u"R-991231-%1"_s.arg(i, 3, 10, QChar(u'0')), QString(3000, u'字')});
+        for (int i = 2; i < 40; ++i)
+            TestWorld::addRow(m_world->session.RsLink,
+                              {u"M-991231-001"_s, u"R-991231-%1"_s.arg(i, 3, 10, QChar(u'0'))});
+        // A disk of its own for one command, as every user may have it, but for those whom the system forbids it.
+        const auto onSmallDisk = [&](const QString& command) {
+            QProcess shell;
+            shell.setProcessEnvironment(m_world->environment());
+            shell.setWorkingDirectory(m_world->folder.path());
+            shell.start(u"unshare"_s, {u"--user"_s, u"--map-root-user"_s, u"--mount"_s, u"/bin/sh"_s, u"-c"_s,
+                                       u"mount -t tmpfs -o size=8k none 小さい && "_s + command,
+                                       QStringLiteral(QUILLON_CLI), format});
+            return CliWorld::answerOf(shell);
+        };
+        if (onSmallDisk(u":"_s).status != 0)
+            QSKIP("this system lets nobody mount a small disk");
+        const Answered answered = onSmallDisk(
+            u"{ \"$0\" --database QUILLON.mdb export \"$1\" 小さい/出力; status=$?; ls -A 小さい; exit $status; }"_s);
+        QCOMPARE(answered.status, 4);
+        QCOMPARE(answered.output, QString());
+        QVERIFY2(answered.errors.startsWith(u"quillon-cli: "_s) && answered.errors.count(u'\n') == 1,
+                 qPrintable(answered.errors));
+    }
+#endif
 
     void whatIsToBeKnownStandsInTheReport()
     {
