@@ -15,7 +15,9 @@
 #include "store/session.h"
 #include "store/sqlite/transaction.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -81,10 +83,13 @@ void NewData::readPresent()
         while (pass->step()) {
             const QStringView name = pass->text(0);
             const quint64 hash = hashOf(name, pass->text(1));
-            m_present.emplace(hash, std::pair{kind, pass->number(2)});
+            m_present.push_back({.hash = hash, .kind = kind, .row = pass->number(2)});
         }
-        m_rows.push_back(RowQuestion::ofRowNumber(rows, u"\"Name\", \"Explanation\", \"Object_ID\""_s));
+        const QString texts = u"\"Name\", \"Explanation\", \"Object_ID\""_s;
+        m_rows.push_back(RowQuestion::ofRowNumber(rows, texts));
+        m_rowsOfIdentifiers.emplace_back(rows, texts, std::vector<int>{data_field::Object_ID});
     }
+    std::sort(m_present.begin(), m_present.end());
 }
 
 QString NewData::presentSame(const NewDatum& datum)
@@ -92,19 +97,36 @@ QString NewData::presentSame(const NewDatum& datum)
     if (!m_hasReadPresent)
         readPresent();
     const std::size_t kind = data_kinds::positionOf(*datum.kind);
-    const auto candidates = m_present.equal_range(hashOf(datum.name, datum.text));
-    for (auto candidate = candidates.first; candidate != candidates.second; ++candidate) {
-        if (candidate->second.first != kind)
-            continue;
-        QString identifier;
-        m_rows.at(kind).askRow(candidate->second.second, [&](const sqlite::Statement& row) {
-            if (row.text(0) == datum.name && row.text(1) == datum.text)
-                identifier = row.text(2).toString();
-        });
-        if (!identifier.isEmpty())
-            return identifier;
+    const Present wanted{
+        .hash = hashOf(datum.name, datum.text), .kind = kind, .row = std::numeric_limits<qint64>::min()};
+    const auto isAlike = [&](const Present& present) {
+        return present.hash == wanted.hash && present.kind == wanted.kind;
+    };
+    const auto first = static_cast<std::size_t>(std::lower_bound(m_present.begin(), m_present.end(), wanted) -
+                                                m_present.begin());
+    const auto isOver = [&](std::size_t i) { return i == m_present.size() || !isAlike(m_present[i]); };
+    if (isOver(first))
+        return {};
+
+    QString same;
+    const auto read = [&](const sqlite::Statement& row) {
+        if (row.text(0) == datum.name && row.text(1) == datum.text)
+            same = row.text(2).toString();
+    };
+    if (!datum.identifier.isEmpty())
+        m_rowsOfIdentifiers.at(kind).ask({datum.identifier}, read);
+    // Of thousands that are alike none is looked at twice.
+    auto& next = m_nextOfAlike.try_emplace(first, first).first->second;
+    while (same.isEmpty() && !isOver(next)) {
+        m_rows.at(kind).askRow(m_present[next++].row, read);
+        if (m_met.contains(same))
+            same.clear();
     }
-    return {};
+    for (std::size_t i = first; same.isEmpty() && !isOver(i); ++i)
+        m_rows.at(kind).askRow(m_present[i].row, read);
+    if (!same.isEmpty())
+        m_met.insert(same);
+    return same;
 }
 
 QString NewData::givenTo(const NewDatum& datum)

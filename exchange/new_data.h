@@ -13,6 +13,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <compare>
 #include <functional>
 #include <unordered_map>
 #include <utility>
@@ -39,7 +40,8 @@ struct NewDatum {
 
 /// Data on their way into the open database, by the rules of the windows. What these would refuse is remembered, and the
 /// import is refused at the end with all of it. A datum of which the database holds the same name and text already is
-/// not added once more; its categories and links are.
+/// not added once more; its categories and links are. Of several such the one of its identifier is that datum, else one
+/// that nothing has met yet.
 class NewData
 {
 public:
@@ -69,6 +71,15 @@ private:
         QString where;
     };
 
+    /// A row that was there already, found by its texts.
+    struct Present {
+        quint64 hash = 0; // of its texts
+        std::size_t kind = 0;
+        qint64 row = 0;
+
+        auto operator<=>(const Present&) const = default;
+    };
+
     static constexpr std::size_t KindsThatCome = 2; // definitions and documents
 
     QString givenTo(const NewDatum& datum);
@@ -86,8 +97,10 @@ private:
     std::vector<RowQuestion> m_rows;          // by kind: name, text and identifier of a row
     RowQuestion m_memberships;                // whether a datum is in a category
     bool m_hasReadPresent = false;
-    std::unordered_multimap<quint64, std::pair<std::size_t, qint64>>
-        m_present; // rows by the hash of their texts
+    std::vector<RowQuestion> m_rowsOfIdentifiers; // by kind: the same
+    std::vector<Present> m_present;
+    std::unordered_map<std::size_t, std::size_t> m_nextOfAlike; // by the first of those that are alike
+    IdentifierSet m_met; // of the data that were there already those that have come in, too
     IdentifierSet m_added;
     QHash<QString, QString> m_renamed;                        // from the identifier that a datum had
     QHash<std::pair<QString, QString>, QString> m_categories; // by parent and name

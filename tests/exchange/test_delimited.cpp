@@ -203,6 +203,22 @@ private Q_SLOTS:
         QVERIFY(compareText(this->refusal(), refusal));
     }
 
+    void ofSeveralThatAreAlikeTheOneOfTheIdentifierIsMeant()
+    {
+        for (int i = 1; i <= 3; ++i)
+            TestWorld::addRow(world->session.RsMain, {u"橋"_s, u"M-991231-00%1"_s.arg(i), u"かける"_s});
+        write(u"識別符号,名称,定義,分類\n"
+              u"M-991231-002,橋,かける,二\n"
+              u",橋,かける,一\n"
+              u"M-991231-009,橋,かける,三\n"
+              u"M-991231-002,橋,かける,又\n"_s);
+        QCOMPARE(importIt().skipped, 4);
+        QCOMPARE(definitions().size(), 3);
+        QCOMPARE(TestWorld::rowsOf(world->session.RsCategory),
+                 QStringList(
+                     {u"A|M-991231-002"_s, u"B|M-991231-001"_s, u"C|M-991231-003"_s, u"D|M-991231-002"_s}));
+    }
+
     void dayOfTheRowIsThatOfTheIdentifier()
     {
         write(
