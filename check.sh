@@ -4,7 +4,7 @@
 #   format     every source is formatted as .clang-format says
 #   scripts    shellcheck finds nothing in the scripts
 #   gcc        everything is built by g++ without a warning, and without precompiled headers
-#   tidy       clang-tidy finds nothing in the program, its tools and benchmarks, and in the tests that changed
+#   tidy       clang-tidy finds nothing in app/base, store and core, and in what else has changed
 #   sanitize   the tests of app/base, store, core and exchange pass under the address and undefined behaviour sanitizers
 # Steps that are too long for every day, run when they are named or with --long:
 #   faults     failing disks, power failures, 10,000 kills and several programs at once, all that there is to try
@@ -13,7 +13,7 @@
 # Options:
 #   --base REVISION   what changed since this revision counts as changed; without it, what the last ten commits
 #                     changed, of which tidy reads the ten tests that changed last
-#   --all             tidy reads all tests
+#   --all             tidy reads everything
 #   --sanitize-all    sanitize runs all tests
 #   --long            adds the steps faults and fuzz
 # Every step is run, whatever became of those before it. What a step said stays in build/check/STEP.log.
@@ -38,7 +38,7 @@ history()
 all_steps="format scripts gcc tidy sanitize"
 steps=
 base=
-every_test=no
+everything=no
 sanitize_all=no
 long=no
 while [ $# -gt 0 ]; do
@@ -53,7 +53,7 @@ while [ $# -gt 0 ]; do
             fi
             base=$2
             shift ;;
-        --all) every_test=yes ;;
+        --all) everything=yes ;;
         --sanitize-all) sanitize_all=yes ;;
         --long) long=yes ;;
         format | scripts | gcc | tidy | sanitize | faults | fuzz) steps="$steps $1" ;;
@@ -86,53 +86,65 @@ gcc()
     cmake --preset gcc && cmake --build --preset gcc
 }
 
-# Paths under tests/ that changed, the newest first: what is not committed yet, then commit by commit.
+# Paths that changed, the newest first: what is not committed yet, then commit by commit.
 changed_paths()
 {
-    history diff --name-only HEAD -- tests
-    history ls-files --others --exclude-standard -- tests
+    history diff --name-only HEAD
+    history ls-files --others --exclude-standard
     if [ -n "$base" ]; then
-        history diff --name-only "$base" HEAD -- tests
+        history diff --name-only "$base" HEAD
     else
-        history log --max-count=10 --name-only --format= | grep '^tests/'
+        history log --max-count=10 --name-only --format=
     fi
 }
 
 # The test of each path on the input. That of a header is the source of its name, or the first that includes it.
-# Less tests/support, which is always read.
+# Less the folders of tests that are read as a whole.
 tests_of()
 {
     while read -r path; do
         case $path in
-            *.cpp) test=$path ;;
-            *.h)
+            tests/*.cpp) test=$path ;;
+            tests/*.h)
                 test=${path%.h}.cpp
                 [ -f "$test" ] || test=$(grep -rlF --include='*.cpp' "#include \"$path\"" tests | head -n 1) ;;
             *) continue ;;
         esac
         [ ! -f "$test" ] || echo "$test"
-    done | awk '!/^tests\/support\// && !seen[$0]++'
+    done | awk '!/^tests\/(support|old_files)\// && !seen[$0]++'
 }
 
 tidy()
 {
-    folders=$(sources | grep -v '^tests/' | xargs -n 1 dirname | sort -u; echo tests/support tests/old_files)
-    if [ $every_test = yes ]; then
+    {
+        sources | grep -v '^tests/' | xargs -n 1 dirname
+        echo tests/support
+        echo tests/old_files
+    } | sort -u >"$logs/folders"
+    : >"$logs/tests"
+    if [ $everything = yes ]; then
         sources | grep '^tests/.*\.cpp$' | grep -v -e "^tests/support/" -e "^tests/old_files/" >"$logs/tests"
-    elif history rev-parse --verify --quiet HEAD >/dev/null; then
-        changed_paths | tests_of >"$logs/tests"
+    else
+        if history rev-parse --verify --quiet HEAD >/dev/null; then
+            changed_paths >"$logs/changed"
+        else
+            : >"$logs/changed"
+            echo "there is no history that tells what has changed" >"$logs/note"
+        fi
+        # Everything stands on these floors, whatever changed.
+        grep -E '^(app/base|store|core)(/|$)' "$logs/folders" >"$logs/always"
+        grep -E '\.(cpp|h)$' "$logs/changed" | xargs -r -n 1 dirname | sort -u | grep -Fx -f "$logs/folders" >>"$logs/always" || :
+        sort -u "$logs/always" >"$logs/folders"
+        tests_of <"$logs/changed" >"$logs/tests"
         changed=$(wc -l <"$logs/tests")
         # A change of everything does not fit into the time of a build server.
         if [ -z "$base" ] && [ "$changed" -gt $most_tests ]; then
             sed -i "$most_tests q" "$logs/tests"
             echo "$most_tests of $changed changed tests read" >"$logs/note"
         fi
-    else
-        : >"$logs/tests"
-        echo "no tests read, for there is no history that tells what has changed" >"$logs/note"
     fi
-    # shellcheck disable=SC2046,SC2086  # lists of words
-    tools/tidy.sh $folders $(cat "$logs/tests")
+    # shellcheck disable=SC2046  # lists of words
+    tools/tidy.sh $(cat "$logs/folders" "$logs/tests")
 }
 
 sanitize()
