@@ -9,8 +9,8 @@ for group in "$@"; do
         build) # what compiles the program: clang, because its precompiled headers make Qt sources cheap
             packages="$packages cmake clang lld ninja-build pkgconf qt6-base-dev qt6-translations-l10n
                 libsqlite3-dev libicu-dev libglib2.0-dev" ;;
-        test) # what the tests find on the computer: a small Japanese font and the types of files
-            packages="$packages fonts-ipafont-gothic shared-mime-info" ;;
+        test) # what the tests find on the computer: a small Japanese font, the types of files, the shells of completions
+            packages="$packages fonts-ipafont-gothic shared-mime-info zsh fish" ;;
         check) # what reads the sources: their format, the usual mistakes, the scripts, and a second compiler
             packages="$packages clang-format clang-tidy shellcheck g++ git" ;;
         asan) # what the sanitizers and the fuzzers link

@@ -1,5 +1,9 @@
 #include "tests/cli/cli_world.h"
 
+#include <QDirIterator>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -507,6 +511,29 @@ private Q_SLOTS:
                  answer(0, contentOf(folder + u"/fish/vendor_completions.d/quillon-cli.fish"_s)));
     }
 
+    void theProgramIsInstalledWithItsPagesAndCompletions()
+    {
+        const QTemporaryDir prefix;
+        QProcess cmake;
+        cmake.start(QStringLiteral(QUILLON_CMAKE),
+                    {u"--install"_s, QStringLiteral(QUILLON_BUILD), u"--component"_s, u"command-line"_s,
+                     u"--prefix"_s, prefix.path()});
+        const Answered answered = CliWorld::answerOf(cmake);
+        QVERIFY2(answered.status == 0, qPrintable(answered.output + answered.errors));
+        QStringList installed;
+        for (QDirIterator files(prefix.path(), QDir::Files, QDirIterator::Subdirectories); files.hasNext();)
+            installed << QDir(prefix.path()).relativeFilePath(files.next());
+        installed.sort();
+        QCOMPARE(installed,
+                 (QStringList{u"bin/quillon-cli"_s, u"share/bash-completion/completions/quillon-cli"_s,
+                              u"share/fish/vendor_completions.d/quillon-cli.fish"_s,
+                              u"share/man/ja/man1/quillon-cli.1"_s, u"share/man/man1/quillon-cli.1"_s,
+                              u"share/zsh/site-functions/_quillon-cli"_s}));
+        QProcess program;
+        program.start(prefix.filePath(u"bin/quillon-cli"_s), {u"--version"_s});
+        QCOMPARE(CliWorld::answerOf(program), m_world.run({u"--version"_s}));
+    }
+
     void thePagesTellOfTheSurroundings()
     {
         QString japanese = contentOf(QStringLiteral(QUILLON_PAGES) + u"/man/ja/man1/quillon-cli.1"_s);
@@ -520,35 +547,52 @@ private Q_SLOTS:
     }
 
 #ifdef Q_OS_UNIX
-    void bashCompletesWordsOfVerbs_data()
+    void shellsCompleteWordsOfVerbs_data()
     {
+        QTest::addColumn<QString>("shell");
         QTest::addColumn<QStringList>("words");
         QTest::addColumn<QStringList>("completed");
-        QTest::newRow("verbs") << QStringList{u"ca"_s} << QStringList{u"categories"_s, u"category"_s};
-        QTest::newRow("after an option")
-            << QStringList{u"--database"_s, u"a b.mdb"_s, u"sea"_s} << QStringList{u"search"_s};
-        QTest::newRow("second words")
-            << QStringList{u"category"_s, QString()} << QStringList{u"add"_s, u"rename"_s, u"delete"_s};
-        QTest::newRow("options") << QStringList{u"category"_s, u"add"_s, u"--u"_s}
-                                 << QStringList{u"--under"_s};
-        QTest::newRow("choices") << QStringList{u"list"_s, u"--kind"_s, u"d"_s}
-                                 << QStringList{u"definition"_s, u"document"_s};
-        QTest::newRow("first words") << QStringList{u"add"_s, u"doc"_s} << QStringList{u"document"_s};
+        for (const QString& shell : {u"bash"_s, u"zsh"_s, u"fish"_s}) {
+            const auto row = [&](const char* name, const QStringList& words, const QStringList& completed) {
+                QTest::newRow(qPrintable(shell + u", "_s + QString::fromLatin1(name)))
+                    << shell << words << completed;
+            };
+            row("verbs", {u"ca"_s}, {u"categories"_s, u"category"_s});
+            row("after an option", {u"--database"_s, u"a b.mdb"_s, u"sea"_s}, {u"search"_s});
+            row("second words", {u"category"_s, QString()}, {u"add"_s, u"delete"_s, u"rename"_s});
+            row("options", {u"category"_s, u"add"_s, u"--u"_s}, {u"--under"_s});
+            row("an option of another verb", {u"category"_s, u"rename"_s, u"--u"_s}, {});
+            row("choices", {u"list"_s, u"--kind"_s, u"d"_s}, {u"definition"_s, u"document"_s});
+            row("first words", {u"add"_s, u"doc"_s}, {u"document"_s});
+            row("files", {u"attach"_s, u"wat"_s}, {u"water.txt"_s});
+            row("files of an option", {u"--database"_s, u"wat"_s}, {u"water.txt"_s});
+        }
     }
 
-    void bashCompletesWordsOfVerbs()
+    void shellsCompleteWordsOfVerbs()
     {
+        QFETCH(QString, shell);
         QFETCH(QStringList, words);
         QFETCH(QStringList, completed);
-        QProcess shell;
-        shell.start(u"/bin/bash"_s,
-                    QStringList{u"-c"_s,
-                                u"compopt() { :; }; eval \"$(\"$0\" completion bash)\"; "
-                                u"COMP_WORDS=(quillon-cli \"$@\"); COMP_CWORD=$#; _quillon_cli; "
-                                u"printf '%s\\n' \"${COMPREPLY[@]}\""_s,
-                                QStringLiteral(QUILLON_CLI)} +
-                        words);
-        QCOMPARE(CliWorld::answerOf(shell), answer(0, completed.join(u'\n') + u'\n'));
+        const QString program = QStandardPaths::findExecutable(shell);
+        if (program.isEmpty())
+            QSKIP(qPrintable(shell + u" is not installed"_s));
+        QVERIFY(m_world.write(u"water.txt"_s, "water"));
+        QProcess process;
+        process.setWorkingDirectory(m_world.folder.path());
+        // No habits of whoever runs the tests.
+        QProcessEnvironment environment = m_world.environment();
+        environment.insert(u"HOME"_s, m_world.folder.path());
+        environment.insert(u"XDG_CONFIG_HOME"_s, m_world.path(u"config"_s));
+        environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+        process.setProcessEnvironment(environment);
+        process.start(program, wordsToComplete(shell, words));
+        const Answered answered = CliWorld::answerOf(process);
+        QStringList lines = answered.output.split(u'\n', Qt::SkipEmptyParts);
+        lines.sort();
+        QCOMPARE(lines, completed);
+        QCOMPARE(answered.errors, QString());
+        QCOMPARE(answered.status, 0);
     }
 
     void noWindowLibraryIsLoaded()
@@ -563,6 +607,38 @@ private Q_SLOTS:
 #endif
 
 private:
+    /// The arguments for a shell that prints on a line each what may stand in place of the last of some words.
+    static QStringList wordsToComplete(const QString& shell, const QStringList& words)
+    {
+        const QString program = QStringLiteral(QUILLON_CLI);
+        if (shell == u"bash")
+            return QStringList{u"--norc"_s, u"-c"_s,
+                               u"compopt() { :; }; eval \"$(\"$0\" completion bash)\"; "
+                               u"COMP_WORDS=(quillon-cli \"$@\"); COMP_CWORD=$#; _quillon_cli; "
+                               u"printf '%s\\n' \"${COMPREPLY[@]}\""_s,
+                               program} +
+                   words;
+        if (shell == u"zsh")
+            // Its system of completion belongs to the line that is being typed. What it would be told is told here.
+            return QStringList{
+                       u"-f"_s, u"-c"_s,
+                       u"compdef() { :; }\n"
+                       u"compadd() { shift; for each in \"$@\"; do [[ $each == $current* ]] && print -r -- $each; done; :; }\n"
+                       u"_files() { print -rl -- $current*(N); }\n"
+                       u"eval \"$(\"$0\" completion zsh)\"\n"
+                       u"words=(quillon-cli \"$@\"); CURRENT=$#words; _quillon_cli; true\n"_s,
+                       program} +
+                   words;
+        QString line = u"quillon-cli"_s;
+        for (const QString& word : words)
+            line += u' ' + QString(word).replace(u' ', u"\\ "_s);
+        // Behind a completion fish prints its description.
+        return {
+            u"--no-config"_s, u"-c"_s,
+            u"$argv[1] completion fish | source; complete --do-complete $argv[2] | string split -f 1 \\t; true"_s,
+            program, line};
+    }
+
     static inline const QStringList Verbs = {u"create"_s,
                                              u"add"_s,
                                              u"attach"_s,
