@@ -66,12 +66,13 @@ fi
 # shellcheck disable=SC2086  # a list of words
 sh "$root/packaging/install-packages.sh" $groups
 
-target=quillon
-[ $tour = no ] || target=quillon-tour
+targets="quillon quillon-cli quillon_pages"
+[ $tour = no ] || targets=quillon-tour
 (
     cd "$root"
     [ -f build/release/build.ninja ] || cmake --preset release
-    cmake --build --preset release --target $target
+    # shellcheck disable=SC2086  # a list of words
+    cmake --build --preset release --target $targets
 )
 
 if [ $tour = yes ]; then
