@@ -60,8 +60,9 @@ struct Present {
         for (const DataKind& kind : data_kinds::all()) {
             required(session.*kind.recordSet)
                 .forEachRow({data_field::Object_ID}, [&](const RecordSet::Row& row) {
-                    // Only under its own letter is a datum ever found.
-                    if (!row.isNull(0) && kindOf(row.text(0)) == &kind)
+                    // Also under the letter of another kind: it is not found there, but it is not gone. Its identifier
+                    // is told as odd, and what leads to it is not for deleting.
+                    if (!row.isNull(0))
                         data.insert(row.text(0));
                 });
         }

@@ -304,6 +304,34 @@ private Q_SLOTS:
                  answer(4, {}, u"指定されたファイルはアプリに関連付けられていません。\n"_s));
     }
 
+#ifdef Q_OS_LINUX
+    void openStartsTheApplicationOfTheFile()
+    {
+        QVERIFY(QDir(m_world->folder.path()).mkpath(u"RefFile"_s));
+        QVERIFY(QDir(m_world->folder.path()).mkpath(u"share/applications"_s));
+        QVERIFY(QDir(m_world->folder.path()).mkpath(u"config"_s));
+        QVERIFY(m_world->write(u"RefFile/水.txt"_s, "water"));
+        QVERIFY(m_world->write(u"application.sh"_s,
+                               "printf '%s' \"$1\" >\"$2.part\" && mv \"$2.part\" \"$2\"\n"));
+        QVERIFY(m_world->write(
+            u"share/applications/reader.desktop"_s,
+            u"[Desktop Entry]\nType=Application\nName=Reader\nMimeType=text/plain;\n"
+            u"Exec=/bin/sh %1 %f %2\n"_s.arg(m_world->path(u"application.sh"_s), m_world->path(u"opened"_s))
+                .toUtf8()));
+        QVERIFY(
+            m_world->write(u"config/mimeapps.list"_s, "[Default Applications]\ntext/plain=reader.desktop\n"));
+        m_world->variables = {{u"XDG_DATA_HOME"_s, m_world->path(u"share"_s)},
+                              {u"XDG_CONFIG_HOME"_s, m_world->path(u"config"_s)},
+                              {u"XDG_CONFIG_DIRS"_s, m_world->path(u"nowhere"_s)}};
+        QCOMPARE(m_world->run({u"open"_s, u"F-991231-001"_s}), answer(0, {}));
+        // The application is a program of its own and takes its time.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_world->path(u"opened"_s)), 30'000);
+        QFile opened(m_world->path(u"opened"_s));
+        QVERIFY(opened.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(opened.readAll()), m_world->path(u"RefFile/水.txt"_s));
+    }
+#endif
+
 private:
     std::unique_ptr<CliWorld> m_world;
 };

@@ -154,6 +154,23 @@ private Q_SLOTS:
                  (QStringList{u"A|M-991231-001"_s, u"A-A|R-991231-001"_s}));
     }
 
+    void repairLeavesWhatLeadsToADatumUnderTheLetterOfAnotherKind()
+    {
+        write(*m_world, u"INSERT INTO Main VALUES ('土', 'R-991231-005', '地')"_s);
+        write(*m_world, u"INSERT INTO Main VALUES ('金', 'X-1', '鉱')"_s);
+        write(*m_world, u"INSERT INTO Link VALUES ('R-991231-005', 'M-991231-001')"_s);
+        write(*m_world, u"INSERT INTO Category VALUES ('A', 'X-1')"_s);
+        const QStringList links = TestWorld::rowsOf(m_world->session.RsLink);
+        const QStringList memberships = TestWorld::rowsOf(m_world->session.RsCategory);
+        QCOMPARE(m_world->run({u"check"_s, u"--repair"_s}),
+                 answer(4,
+                        u"定義「土」の識別符号「R-991231-005」は正しい形ではありません。\n"
+                        u"定義「金」の識別符号「X-1」は正しい形ではありません。\n"_s,
+                        u"相手のないリンク 0 件と分類 0 件を削除しました。\n2 件の問題があります。\n"_s));
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsLink), links);
+        QCOMPARE(TestWorld::rowsOf(m_world->session.RsCategory), memberships);
+    }
+
     void whereNothingIsKeptTheCopyStandsBesideTheDatabase()
     {
         m_world->variables = {{u"QUILLON_COPIES"_s, u"off"_s}};
