@@ -3,6 +3,8 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/present_things.h"
+#include "core/whereabouts.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
 #include "store/keeper.h"
@@ -78,43 +80,6 @@ QString equals(const TableSchema& table, int field, const QString& text)
     return table.fields[static_cast<std::size_t>(field)].name + u" = '"_s + text + u'\'';
 }
 
-/// The row that stands for a lost one now; false when there is none.
-bool goToPresent(Session& session, const StoredRow& lost)
-{
-    RecordSet& rows = *rowsOf(session, lost);
-    if (isItem(lost))
-        return rows.goTo(data_field::Object_ID, lost.text(data_field::Object_ID));
-    if (isOf(lost, schema::Category_ID()))
-        return rows.goTo(category_field::Category_ID, lost.text(category_field::Category_ID));
-    rows.findFirst(equals(*lost.table, 0, lost.text(0)) + u" AND "_s + equals(*lost.table, 1, lost.text(1)));
-    return rows.hasCurrentRow();
-}
-
-/// What something is called now. Its name is for reading only: a damaged file is not told of for each of many rows.
-QString nameOfItem(Session& session, const QString& identifier)
-{
-    QString name = titles::Unknown;
-    const DataKind* const kind = kindOf(identifier);
-    guardedBy([](const Error&) {},
-              [&] {
-                  if (kind != nullptr &&
-                      required(session.*kind->recordSet).goTo(data_field::Object_ID, identifier))
-                      name = (session.*kind->recordSet)->field(data_field::Name);
-              });
-    return name;
-}
-
-QString nameOfCategory(Session& session, const QString& identifier)
-{
-    QString name = titles::Unknown;
-    guardedBy([](const Error&) {},
-              [&] {
-                  if (required(session.RsCategoryID).goTo(category_field::Category_ID, identifier))
-                      name = session.RsCategoryID->field(category_field::Name);
-              });
-    return name;
-}
-
 /// A former content beside the file that stands there now.
 std::vector<LostField> fieldsOfFile(Session& session, const kept::FormerFile& file)
 {
@@ -166,16 +131,67 @@ QString lostKindName(EventKind kind)
     return {};
 }
 
-LostThings::LostThings(Session& session) : m_session(session)
+/// What is kept of the database.
+struct LostThings::Kept {
+    Kept(Session& session, const kept::Place& ofDatabase)
+        : place(ofDatabase), history(place), whereabouts(place, history), present(session, whereabouts)
+    {
+    }
+
+    kept::Place place;
+    kept::History history;
+    Whereabouts whereabouts;
+    PresentThings present;
+};
+
+namespace
+{
+
+const QString& pathOfOpen(Session& session)
 {
     if (!session.OpenDb)
         throw Error(errors::ObjectNotSet);
+    return session.OpenDb->path();
+}
+
+} // namespace
+
+LostThings::LostThings(Session& session) : LostThings(session, pathOfOpen(session)) {}
+
+LostThings::LostThings(Session& session, const QString& database) : m_session(session)
+{
     if (session.keeper != nullptr)
-        m_history = std::make_unique<kept::History>(
-            kept::Place(session.keeper->keptFolder(), session.OpenDb->path()));
+        m_kept = std::make_unique<Kept>(session, kept::Place(session.keeper->keptFolder(), database));
 }
 
 LostThings::~LostThings() = default;
+
+const kept::Place& LostThings::place() const
+{
+    if (!m_kept)
+        throw Error(errors::ObjectNotSet);
+    return m_kept->place;
+}
+
+kept::History& LostThings::history() const
+{
+    if (!m_kept)
+        throw Error(errors::ObjectNotSet);
+    return m_kept->history;
+}
+
+bool LostThings::isOfOpenDatabase() const
+{
+    if (!m_kept || !m_session.OpenDb || m_session.keeper == nullptr)
+        return false;
+    const QString& open = m_session.OpenDb->path();
+    if (m_comparedPath != open) {
+        m_isOfComparedPath =
+            kept::Place(m_session.keeper->keptFolder(), open).folder() == m_kept->place.folder();
+        m_comparedPath = open;
+    }
+    return m_isOfComparedPath;
+}
 
 void LostThings::ask(const LostQuestion& question)
 {
@@ -183,20 +199,29 @@ void LostThings::ask(const LostQuestion& question)
     m_kind = question.kind;
     m_seen = 0;
     m_listed.clear();
+    m_names.clear();
 }
 
 bool LostThings::readOn(std::size_t events)
 {
-    if (!m_history)
+    if (!m_kept)
         return false;
-    if (m_seen == m_history->events().size() && !m_history->readOlder())
+    const std::vector<Event>& known = m_kept->history.events();
+    if (m_seen == known.size() && !m_kept->history.readOlder())
         return false;
-    const std::size_t end = std::min(m_history->events().size(), m_seen + events);
+    const std::size_t end = std::min(known.size(), m_seen + events);
     for (; m_seen < end; ++m_seen) {
-        if (meets(m_history->events()[m_seen]))
+        if (meets(known[m_seen]))
             m_listed.push_back(static_cast<quint32>(m_seen));
     }
     return true;
+}
+
+bool LostThings::holdsQuestion(QStringView text) const
+{
+    m_buffer.resize(std::max(m_buffer.size(), static_cast<std::size_t>(text.size())));
+    const QStringView folded(m_buffer.data(), foldInto(text, m_buffer.data()));
+    return folded.contains(m_folded);
 }
 
 bool LostThings::meets(const Event& event) const
@@ -206,19 +231,51 @@ bool LostThings::meets(const Event& event) const
     if (m_folded.isEmpty())
         return true;
     bool found = false;
-    m_history->forEachText(event, [&](QStringView text) {
-        if (found)
+    history().forEachText(event, [&](QStringView text) { found = found || holdsQuestion(text); });
+    if (found || (event.kind != EventKind::LinkRemoved && event.kind != EventKind::TakenOutOfCategory))
+        return found;
+    const StoredRow row = history().row(event);
+    const End first = event.kind == EventKind::LinkRemoved ? End::Item : End::Category;
+    return holdsQuestion(nameOf(first, row.text(0), event)) ||
+           holdsQuestion(nameOf(End::Item, row.text(1), event));
+}
+
+QString LostThings::nameOf(End end, const QString& identifier, const Event& event) const
+{
+    const bool isItem = end == End::Item;
+    const auto kind = isItem ? Whereabouts::Kind::Item : Whereabouts::Kind::Category;
+    const auto there = m_kept->whereabouts.now(kind, identifier, event);
+    const QString key = (isItem ? u'I' : u'C') + there.value_or(QString());
+    if (const auto known = m_names.constFind(key); there && known != m_names.cend())
+        return *known;
+    std::optional<QString> name;
+    // It is for reading only: a damaged file is not told of for each of many rows.
+    const auto unknown = [](const Error&) {};
+    guardedBy(unknown, [&] {
+        if (!there || !isOfOpenDatabase())
             return;
-        m_buffer.resize(std::max(m_buffer.size(), static_cast<std::size_t>(text.size())));
-        const QStringView folded(m_buffer.data(), foldInto(text, m_buffer.data()));
-        found = folded.contains(m_folded);
+        const PresentThings& present = m_kept->present;
+        if (!(isItem ? present.itemExists(*there) : present.categoryExists(*there)))
+            return;
+        const RecordSet& rows =
+            isItem ? required(m_session.*kindOf(*there)->recordSet) : required(m_session.RsCategoryID);
+        name = rows.field(isItem ? data_field::Name : category_field::Name);
     });
-    return found;
+    if (name) {
+        constexpr qsizetype Most = 50'000; // what is forgotten is soon looked up again
+        if (m_names.size() >= Most)
+            m_names.clear();
+        m_names.insert(key, *name);
+        return *name;
+    }
+    const StoredRow deleted = m_kept->whereabouts.deletedSince(kind, identifier, event);
+    return deleted.table != nullptr ? deleted.text(isItem ? data_field::Name : category_field::Name)
+                                    : titles::Unknown;
 }
 
 const Event& LostThings::event(std::size_t number) const
 {
-    return m_history->events().at(m_listed.at(number));
+    return history().events().at(m_listed.at(number));
 }
 
 LostEntry LostThings::entry(std::size_t number) const
@@ -227,12 +284,12 @@ LostEntry LostThings::entry(std::size_t number) const
     LostEntry entry;
     entry.kind = lost.kind;
     entry.time = QDateTime::fromMSecsSinceEpoch(lost.time);
-    entry.operation = m_history->operation(lost);
+    entry.operation = history().operation(lost);
     if (lost.kind == EventKind::FileReplaced) {
-        entry.name = m_history->file(lost).name;
+        entry.name = history().file(lost).name;
         return entry;
     }
-    const StoredRow row = m_history->row(lost);
+    const StoredRow row = history().row(lost);
     if (row.table == nullptr)
         return entry;
     if (isItem(row)) {
@@ -242,10 +299,11 @@ LostEntry LostThings::entry(std::size_t number) const
         entry.name = row.text(category_field::Name);
         entry.identifier = row.text(category_field::Category_ID);
     } else if (isOf(row, schema::Link())) {
-        entry.name = nameOfItem(m_session, row.text(0)) + u" - "_s + nameOfItem(m_session, row.text(1));
+        entry.name = nameOf(End::Item, row.text(0), lost) + u" - "_s + nameOf(End::Item, row.text(1), lost);
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else if (isOf(row, schema::Category())) {
-        entry.name = nameOfCategory(m_session, row.text(0)) + u" - "_s + nameOfItem(m_session, row.text(1));
+        entry.name =
+            nameOf(End::Category, row.text(0), lost) + u" - "_s + nameOf(End::Item, row.text(1), lost);
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else {
         entry.name = row.text(0);
@@ -267,47 +325,91 @@ LostDetails LostThings::details(std::size_t number) const
     const Event& lost = event(number);
     LostDetails details;
     if (lost.kind == EventKind::FileReplaced) {
-        details.fields = fieldsOfFile(m_session, m_history->file(lost));
+        details.fields = fieldsOfFile(m_session, history().file(lost));
         return details;
     }
-    const StoredRow row = m_history->row(lost);
+    const StoredRow row = history().row(lost);
     if (row.table == nullptr)
         return details;
     const QStringList labels = labelsOf(*row.table);
-    const bool isThere = goToPresent(m_session, row);
+    details.isCompared = isOfOpenDatabase();
+    const bool isThere = details.isCompared && goToPresent(row, lost);
     for (int i = 0; i < labels.size(); ++i)
         details.fields.push_back(
             {.label = labels[i],
              .before = row.text(i),
              .now = isThere ? std::optional(rowsOf(m_session, row)->field(i)) : std::nullopt});
+    if (lost.kind == EventKind::ItemDeleted || lost.kind == EventKind::CategoryDeleted)
+        addRelations(details, row, lost);
+    return details;
+}
+
+bool LostThings::goToPresent(const StoredRow& row, const Event& event) const
+{
+    const PresentThings& present = m_kept->present;
+    if (isItem(row) || isOf(row, schema::Category_ID()))
+        return present.ofRow(row, event).has_value();
+    if (isOf(row, schema::Link()))
+        return goToPair(*row.table, present.item(row.text(0), event), present.item(row.text(1), event));
+    if (isOf(row, schema::Category()))
+        return goToPair(*row.table, present.category(row.text(0), event), present.item(row.text(1), event));
+    return goToPair(*row.table, row.text(0), row.text(1));
+}
+
+bool LostThings::goToPair(const TableSchema& table, const std::optional<QString>& first,
+                          const std::optional<QString>& second) const
+{
+    if (!first || !second)
+        return false;
+    StoredRow sought;
+    sought.table = &table;
+    RecordSet& rows = *rowsOf(m_session, sought);
+    rows.findFirst(equals(table, 0, *first) + u" AND "_s + equals(table, 1, *second));
+    return rows.hasCurrentRow();
+}
+
+void LostThings::addRelations(LostDetails& details, const StoredRow& row, const Event& lost) const
+{
     const bool isDeletedItem = lost.kind == EventKind::ItemDeleted;
-    const bool isDeletedCategory = lost.kind == EventKind::CategoryDeleted;
-    if (!isDeletedItem && !isDeletedCategory)
-        return details;
+    const PresentThings& present = m_kept->present;
     const QString identifier = row.text(isDeletedItem ? data_field::Object_ID : category_field::Category_ID);
-    const auto add = [&](const StoredRow& beside, QStringList& before, QStringList& now, const auto& name,
-                         const QString& other) {
+    std::optional<QString> itself;
+    if (details.isCompared) {
+        itself = isDeletedItem ? present.item(identifier, lost) : present.category(identifier, lost);
+        details.isIdentifierTaken =
+            isDeletedItem ? present.itemExists(identifier) : present.categoryExists(identifier);
+    }
+    const auto add = [&](const TableSchema& table, QStringList& before, QStringList& now, End end,
+                         const QString& other, bool isItselfFirst) {
         if (before.size() >= MostListed) {
             ++details.notListed;
             return;
         }
-        before << named(name(m_session, other), other);
-        if (goToPresent(m_session, beside))
-            now << before.last();
+        const QString name = nameOf(end, other, lost);
+        before << named(name, other);
+        if (!itself)
+            return;
+        // An item can be linked with itself.
+        const bool isLoop = other == identifier && isDeletedItem && end == End::Item;
+        const std::optional<QString> there = isLoop                 ? itself
+                                             : end == End::Category ? present.category(other, lost)
+                                                                    : present.item(other, lost);
+        if (goToPair(table, isItselfFirst ? itself : there, isItselfFirst ? there : itself))
+            now << named(name, *there);
     };
-    m_history->forEachRowBeside(lost, [&](const StoredRow& beside) {
+    history().forEachRowBeside(lost, [&](const StoredRow& beside) {
         if (beside.fate != RowFate::Deleted)
             return;
         const QString first = beside.text(0);
         const QString second = beside.text(1);
         if (isOf(beside, schema::Link()) && isDeletedItem && (first == identifier || second == identifier))
-            add(beside, details.links, details.linksNow, nameOfItem, first == identifier ? second : first);
+            add(*beside.table, details.links, details.linksNow, End::Item,
+                first == identifier ? second : first, first == identifier);
         else if (isOf(beside, schema::Category()) && isDeletedItem && second == identifier)
-            add(beside, details.categories, details.categoriesNow, nameOfCategory, first);
-        else if (isOf(beside, schema::Category()) && isDeletedCategory && first == identifier)
-            add(beside, details.members, details.membersNow, nameOfItem, second);
+            add(*beside.table, details.categories, details.categoriesNow, End::Category, first, false);
+        else if (isOf(beside, schema::Category()) && !isDeletedItem && first == identifier)
+            add(*beside.table, details.members, details.membersNow, End::Item, second, true);
     });
-    return details;
 }
 
 } // namespace quillon

@@ -3,8 +3,10 @@
 #include "store/kept/history.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 
 #include <memory>
 #include <optional>
@@ -13,7 +15,9 @@
 namespace quillon
 {
 
+class PresentThings;
 class Session;
+class Whereabouts;
 
 using kept::EventKind;
 
@@ -49,7 +53,9 @@ struct LostDetails {
     QStringList categoriesNow;
     QStringList members; // of a deleted category
     QStringList membersNow;
-    int notListed = 0; // so many more of all these were there
+    int notListed = 0;              // so many more of all these were there
+    bool isCompared = true;         // with what is there now; otherwise nobody knows what that is
+    bool isIdentifierTaken = false; // by the lost one itself or by another
 
     /// Whether something stands in its place, and whether that is the same.
     enum class Present { Gone, Same, Different };
@@ -66,6 +72,8 @@ class LostThings
 public:
     /// Of the open database. Empty when nothing is kept. Error 91 when no database is open.
     explicit LostThings(Session& session);
+    /// Of any database, which may be damaged or gone: unless it is the open one, there is nothing to compare with.
+    LostThings(Session& session, const QString& database);
     ~LostThings();
     LostThings(const LostThings&) = delete;
     LostThings& operator=(const LostThings&) = delete;
@@ -78,25 +86,42 @@ public:
     std::size_t count() const { return m_listed.size(); }
 
     LostEntry entry(std::size_t number) const;
-    /// Compares with the open database. Moves cursors.
+    /// Compares with the open database, as far as the history was known when this was made. Moves cursors.
     LostDetails details(std::size_t number) const;
 
-    /// For taking it back.
-    const kept::History& history() const { return *m_history; }
+    /// For taking it back: of which database it is, and its history. Error 91 when nothing is kept.
+    const kept::Place& place() const;
+    kept::History& history() const;
     const kept::Event& event(std::size_t number) const;
+    /// Whether its database is the open one.
+    bool isOfOpenDatabase() const;
 
 private:
     static constexpr std::size_t DefaultStep = 20'000;
 
+    struct Kept;
+    enum class End { Item, Category };
+
     bool meets(const kept::Event& event) const;
+    bool holdsQuestion(QStringView text) const;
+    /// What the end of a link or membership is called, or was called when it was deleted.
+    QString nameOf(End end, const QString& identifier, const kept::Event& event) const;
+    /// What is in the place of a lost row; false when nothing is. Moves the cursor of its table to it.
+    bool goToPresent(const kept::StoredRow& row, const kept::Event& event) const;
+    bool goToPair(const TableSchema& table, const std::optional<QString>& first,
+                  const std::optional<QString>& second) const;
+    void addRelations(LostDetails& details, const kept::StoredRow& row, const kept::Event& event) const;
 
     Session& m_session;
-    std::unique_ptr<kept::History> m_history;
-    QString m_folded; // of the question
+    std::unique_ptr<Kept> m_kept; // null: nothing is kept
+    QString m_folded;             // of the question
     std::optional<EventKind> m_kind;
+    mutable QString m_comparedPath; // of a database of which it is known whether it is this one
+    mutable bool m_isOfComparedPath = false;
     std::size_t m_seen = 0;        // events
     std::vector<quint32> m_listed; // their numbers
     mutable std::vector<char16_t> m_buffer;
+    mutable QHash<QString, QString> m_names; // by letter for the kind and identifier, of what is there
 };
 
 } // namespace quillon

@@ -8,6 +8,7 @@
 #include "core/category_entry.h"
 #include "core/links.h"
 #include "core/lost_things.h"
+#include "core/present_things.h"
 #include "core/whereabouts.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
@@ -47,17 +48,6 @@ const DataKind* kindOfRow(Session& session, const StoredRow& row)
     return nullptr;
 }
 
-bool itemExists(Session& session, const QString& identifier)
-{
-    const DataKind* const kind = kindOf(identifier);
-    return kind != nullptr && required(session.*kind->recordSet).goTo(data_field::Object_ID, identifier);
-}
-
-bool categoryExists(Session& session, const QString& identifier)
-{
-    return required(session.RsCategoryID).goTo(category_field::Category_ID, identifier);
-}
-
 void addPair(RecordSet& rows, const QString& first, const QString& second)
 {
     rows.addNew();
@@ -89,11 +79,21 @@ void fileUnlessFiled(Session& session, const QString& category, const QString& i
         addPair(required(session.RsCategory), category, identifier);
 }
 
-kept::Place placeOf(Session& session)
+/// The history of the open database.
+kept::History& historyOfOpen(Session& session, const LostThings& things)
 {
     if (session.keeper == nullptr || !session.OpenDb)
         throw Error(errors::ObjectNotSet);
-    return {session.keeper->keptFolder(), session.OpenDb->path()};
+    if (!things.isOfOpenDatabase())
+        throw Error(errors::ObjectNotSet, u"データベース「%1」が展開されていないため、戻せません。"_s.arg(
+                                              things.place().database()));
+    return things.history();
+}
+
+/// Why something cannot be put back.
+Error notPossible(const QString& reason)
+{
+    return Error(errors::NoCurrentRecord, reason);
 }
 
 /// The rows of a table that were deleted together with an event.
@@ -112,8 +112,8 @@ class PuttingBack
 {
 public:
     PuttingBack(Session& session, const LostThings& things, std::size_t number)
-        : m_session(session), m_history(things.history()), m_event(things.event(number)),
-          m_whereabouts(placeOf(session), m_history, m_event)
+        : m_session(session), m_history(historyOfOpen(session, things)), m_event(things.event(number)),
+          m_whereabouts(things.place(), m_history), m_present(session, m_whereabouts)
     {
     }
 
@@ -187,7 +187,8 @@ private:
         if (!isSource && link.text(1) != before)
             return;
         const QString other = link.text(isSource ? 1 : 0);
-        const auto there = other == before ? std::optional(m_result.identifier) : presentItem(other);
+        const auto there =
+            other == before ? std::optional(m_result.identifier) : m_present.item(other, m_event);
         if (!there)
             owe(isSource ? Owed::LinkTarget : Owed::LinkSource, other);
         else if (isSource)
@@ -198,7 +199,7 @@ private:
 
     void membershipOfItem(const QString& category)
     {
-        if (const auto there = presentCategoryOf(category))
+        if (const auto there = m_present.category(category, m_event))
             fileUnlessFiled(m_session, *there, m_result.identifier);
         else
             owe(Owed::Category, category);
@@ -206,22 +207,10 @@ private:
 
     void memberOfCategory(const QString& item)
     {
-        if (const auto there = presentItem(item))
+        if (const auto there = m_present.item(item, m_event))
             fileUnlessFiled(m_session, m_result.identifier, *there);
         else
             owe(Owed::Member, item);
-    }
-
-    /// What bore an identifier when the lost one was lost, as far as it is there.
-    std::optional<QString> presentItem(const QString& identifier)
-    {
-        auto there = m_whereabouts.now(Whereabouts::Kind::Item, identifier);
-        return there && itemExists(m_session, *there) ? there : std::nullopt;
-    }
-    std::optional<QString> presentCategoryOf(const QString& identifier)
-    {
-        auto there = m_whereabouts.now(Whereabouts::Kind::Category, identifier);
-        return there && categoryExists(m_session, *there) ? there : std::nullopt;
     }
 
     void owe(Owed role, const QString& other)
@@ -234,9 +223,9 @@ private:
     void giveWhatIsDue(Whereabouts::Kind kind, const QString& before)
     {
         const QString& here = m_result.identifier;
-        for (const auto& [role, with] : m_whereabouts.dueTo(kind, before)) {
+        for (const auto& [role, with] : m_whereabouts.dueTo(kind, before, m_event)) {
             const bool isThere =
-                role == Owed::Member ? categoryExists(m_session, with) : itemExists(m_session, with);
+                role == Owed::Member ? m_present.categoryExists(with) : m_present.itemExists(with);
             if (!isThere)
                 continue;
             switch (role) {
@@ -272,10 +261,8 @@ private:
         if (kind == nullptr)
             throw Error(errors::InvalidArgument);
         RecordSet& rows = required(m_session.*kind->recordSet);
-        m_result.identifier = row.text(data_field::Object_ID);
         sqlite::Transaction write(rows.database().connection());
-        if (!rows.goTo(data_field::Object_ID, m_result.identifier))
-            throw Error(errors::NoCurrentRecord);
+        m_result.identifier = presentOf(row, u"データ"_s, row.text(data_field::Name));
         rows.edit();
         // The row was found by its identifier; what was null is empty.
         rows.setField(data_field::Name, row.text(data_field::Name));
@@ -285,12 +272,26 @@ private:
         tell(u"データ「"_s + row.text(data_field::Name) + u"」を更新前の内容に戻しました。"_s);
     }
 
+    /// The item or category that had other texts, under its present identifier; the cursor stands on it.
+    QString presentOf(const StoredRow& row, const QString& kind, const QString& name)
+    {
+        if (auto there = m_present.ofRow(row, m_event))
+            return *there;
+        const bool isCategory = m_event.kind == EventKind::CategoryRenamed;
+        const QString before = row.text(isCategory ? category_field::Category_ID : data_field::Object_ID);
+        const bool isTaken = isCategory ? m_present.categoryExists(before) : m_present.itemExists(before);
+        throw notPossible(
+            isTaken ? u"%1「%2」は現在存在せず、その識別符号 %3 は別のものに付けられています。"
+                      u"何も変更していません。先に削除されたものを戻してください。"_s.arg(kind, name, before)
+                    : u"%1「%2」は現在存在しません。先に削除されたものを戻してください。"_s.arg(kind, name));
+    }
+
     void link()
     {
         const StoredRow row = lost();
         sqlite::Transaction write(required(m_session.RsLink).database().connection());
-        linkUnlessLinked(m_session, requiredEnd(presentItem(row.text(0))),
-                         requiredEnd(presentItem(row.text(1))));
+        linkUnlessLinked(m_session, endOfPair(row.text(0), Whereabouts::Kind::Item),
+                         endOfPair(row.text(1), Whereabouts::Kind::Item));
         write.commit();
         tell(u"リンクを戻しました。"_s);
     }
@@ -299,10 +300,22 @@ private:
     {
         const StoredRow row = lost();
         sqlite::Transaction write(required(m_session.RsCategory).database().connection());
-        fileUnlessFiled(m_session, requiredEnd(presentCategoryOf(row.text(0))),
-                        requiredEnd(presentItem(row.text(1))));
+        fileUnlessFiled(m_session, endOfPair(row.text(0), Whereabouts::Kind::Category),
+                        endOfPair(row.text(1), Whereabouts::Kind::Item));
         write.commit();
         tell(u"分類を戻しました。"_s);
+    }
+
+    /// What a link or a membership was of, under its present identifier.
+    QString endOfPair(const QString& before, Whereabouts::Kind kind)
+    {
+        const bool isCategory = kind == Whereabouts::Kind::Category;
+        const auto there = isCategory ? m_present.category(before, m_event) : m_present.item(before, m_event);
+        if (!there)
+            throw notPossible(
+                u"%1 (%2) が現在存在しないため、戻せません。先に削除されたものを戻してください。"_s.arg(
+                    isCategory ? u"カテゴリ"_s : u"データ"_s, before));
+        return *there;
     }
 
     void category()
@@ -311,13 +324,12 @@ private:
         const QString before = row.text(category_field::Category_ID);
         RecordSet& categories = required(m_session.RsCategoryID);
         sqlite::Transaction write(categories.database().connection());
-        if (categoryExists(m_session, before)) {
-            const QString beginning = before.first(before.lastIndexOf(u'-') + 1);
+        const QString beginning = beginningUnderParent(before, row.text(category_field::Name));
+        if (m_result.hasOtherParent || m_present.categoryExists(before))
             useOtherIdentifier(newCategoryIdentifier(
-                beginning, [&](const QString& candidate) { return categoryExists(m_session, candidate); }));
-        } else {
+                beginning, [&](const QString& candidate) { return m_present.categoryExists(candidate); }));
+        else
             m_result.identifier = before;
-        }
         categories.addNew();
         setFields(categories, row, category_field::Category_ID, m_result.identifier);
         categories.update();
@@ -331,13 +343,31 @@ private:
         tell(u"カテゴリ「"_s + row.text(category_field::Name) + u"」を戻しました。"_s);
     }
 
+    /// What the identifier of a lost category begins with now: that of its parent, which may have another one by now, and
+    /// a hyphen; nothing at the top level.
+    QString beginningUnderParent(const QString& before, const QString& name)
+    {
+        const QString parent = before.first(std::max<qsizetype>(before.lastIndexOf(u'-'), 0));
+        if (parent.isEmpty())
+            return before.first(before.lastIndexOf(u'-') + 1);
+        const auto there = m_present.category(parent, m_event);
+        // Under whoever bears the identifier of the parent now, or under nobody, it would be at home nowhere.
+        if (!there)
+            throw notPossible(u"カテゴリ「%1」の上位のカテゴリ (%2) が現在存在しないため、戻せません。"
+                              u"先に上位のカテゴリを戻してください。"_s.arg(name, parent));
+        m_result.hasOtherParent = *there != parent;
+        return *there + u'-';
+    }
+
     void categoryName()
     {
         const StoredRow row = lost();
-        m_result.identifier = row.text(category_field::Category_ID);
-        RenameCategory(m_session, presentCategory(m_session, m_result.identifier),
-                       row.text(category_field::Name));
-        tell(u"カテゴリの名称を「"_s + row.text(category_field::Name) + u"」に戻しました。"_s);
+        const QString name = row.text(category_field::Name);
+        sqlite::Transaction write(required(m_session.RsCategoryID).database().connection());
+        m_result.identifier = presentOf(row, u"カテゴリ"_s, name);
+        RenameCategory(m_session, presentCategory(m_session, m_result.identifier), name);
+        write.commit();
+        tell(u"カテゴリの名称を「"_s + name + u"」に戻しました。"_s);
     }
 
     void fileContent()
@@ -380,27 +410,24 @@ private:
         m_result.hasOtherIdentifier = true;
     }
 
-    static QString requiredEnd(const std::optional<QString>& identifier)
-    {
-        return identifier ? *identifier : throw Error(errors::NoCurrentRecord);
-    }
-
     void tell(const QString& done)
     {
         m_isDone = true;
         m_result.text = done;
         if (m_result.hasOtherIdentifier)
-            m_result.text += u"\r\n元の識別符号は使われているため、新しい識別符号は "_s +
-                             m_result.identifier + u" です。"_s;
+            m_result.text += (m_result.hasOtherParent ? u"\r\n上位のカテゴリの識別符号が変わっているため"_s
+                                                      : u"\r\n元の識別符号は使われているため"_s) +
+                             u"、新しい識別符号は "_s + m_result.identifier + u" です。"_s;
         if (m_result.missing > 0)
             m_result.text += u"\r\n相手が存在しないリンクや分類 ("_s + QString::number(m_result.missing) +
                              u" 件) は戻していません。"_s;
     }
 
     Session& m_session;
-    const History& m_history;
+    History& m_history;
     Event m_event;
     Whereabouts m_whereabouts;
+    PresentThings m_present;
     std::vector<kept::OwedRelation> m_owed;
     PutBackResult m_result;
     bool m_isDone = false;

@@ -1,9 +1,8 @@
 #include "core/whereabouts.h"
 
-#include "store/data_kinds.h"
-#include "store/schema.h"
-
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace quillon
 {
@@ -13,7 +12,9 @@ namespace
 
 using kept::Event;
 using kept::EventKind;
+using kept::History;
 using kept::isBefore;
+using kept::Moment;
 using kept::OwedRelation;
 using kept::PutBackEvent;
 
@@ -28,63 +29,81 @@ Whereabouts::Kind kindOfOther(OwedRelation::Other role)
     return role == OwedRelation::Other::Category ? Whereabouts::Kind::Category : Whereabouts::Kind::Item;
 }
 
-bool isOneWrite(const Event& a, const Event& b)
+EventKind deletionOf(Whereabouts::Kind kind)
+{
+    return kind == Whereabouts::Kind::Item ? EventKind::ItemDeleted : EventKind::CategoryDeleted;
+}
+
+bool isOneWrite(const Moment& a, const Moment& b)
 {
     return a.file == b.file && a.group == b.group;
 }
 
 } // namespace
 
-Whereabouts::Whereabouts(const kept::Place& place, const kept::History& history, const Event& lost)
-    : m_history(place), m_lost(lost)
+Whereabouts::Whereabouts(const kept::Place& place, History& known) : m_known(known), m_newer(place, known)
 {
-    readBackTo(lost.time);
-    // Programs that have begun to write since have moved the numbers of the files.
-    const QString identifier = history.row(lost).text(data_field::Object_ID);
-    for (const Event& event : m_history.events()) {
-        if (event.time == lost.time && event.place == lost.place && event.kind == lost.kind &&
-            m_history.row(event).text(data_field::Object_ID) == identifier)
-            m_lost = event;
-    }
-    qint64 earliest = lost.time;
-    for (const PutBackEvent& event : m_history.putBacks())
-        earliest = std::min(earliest, event.note.deletedAt);
-    readBackTo(earliest);
-    for (const Event& event : m_history.events()) {
-        if (event.kind == EventKind::ItemDeleted)
-            m_deletions.insert(m_history.row(event).text(data_field::Object_ID),
-                               {.kind = Kind::Item, .event = event});
-        else if (event.kind == EventKind::CategoryDeleted)
-            m_deletions.insert(m_history.row(event).text(category_field::Category_ID),
-                               {.kind = Kind::Category, .event = event});
-    }
+    m_newer.readBackTo(std::numeric_limits<qint64>::min());
+    addPutBacks(m_newer, 0);
 }
 
-void Whereabouts::readBackTo(qint64 time)
+void Whereabouts::addPutBacks(const History& history, std::size_t from) const
 {
-    while ((m_history.events().empty() || m_history.events().back().time >= time) && m_history.readOlder()) {
-    }
+    const std::vector<PutBackEvent>& more = history.putBacks();
+    m_putBacks.insert(m_putBacks.end(), more.begin() + static_cast<std::ptrdiff_t>(from), more.end());
+    const auto inOrder = [](const PutBackEvent& a, const PutBackEvent& b) {
+        return isBefore(a.when, b.when);
+    };
+    const auto isSame = [](const PutBackEvent& a, const PutBackEvent& b) {
+        return a.when.file == b.when.file && a.when.place == b.when.place;
+    };
+    std::sort(m_putBacks.begin(), m_putBacks.end(), inOrder);
+    // What was written while the known history was read may be in both.
+    m_putBacks.erase(std::unique(m_putBacks.begin(), m_putBacks.end(), isSame), m_putBacks.end());
 }
 
-std::optional<QString> Whereabouts::now(Kind kind, const QString& identifier) const
+const std::vector<PutBackEvent>& Whereabouts::putBacks() const
 {
-    return follow(kind, identifier, m_lost);
+    const std::size_t known = m_known.putBacks().size();
+    if (m_seenPutBacks != known)
+        addPutBacks(m_known, std::exchange(m_seenPutBacks, known));
+    return m_putBacks;
 }
 
-std::optional<QString> Whereabouts::follow(Kind kind, const QString& identifier, const Event& since) const
+std::optional<Whereabouts::Deletion> Whereabouts::firstDeletion(Kind kind, const QString& identifier,
+                                                                const Moment& since) const
 {
-    std::optional<Event> deleted; // for the first time since
-    for (auto one = m_deletions.constFind(identifier); one != m_deletions.cend() && one.key() == identifier;
-         ++one) {
-        const bool isSince = isBefore(since, one->event) || isOneWrite(since, one->event);
-        if (one->kind == kind && isSince && (!deleted || isBefore(one->event, *deleted)))
-            deleted = one->event;
+    std::optional<Deletion> first;
+    for (const History* history : {static_cast<const History*>(&m_known), &m_newer}) {
+        history->forEachDeletion(deletionOf(kind), identifier, [&](const Event& event) {
+            const Moment moment = history->moment(event);
+            const bool isSince = isBefore(since, moment) || isOneWrite(since, moment);
+            if (isSince && (!first || isBefore(moment, first->moment)))
+                first = {.moment = moment, .history = history, .event = event};
+        });
     }
+    return first;
+}
+
+std::optional<QString> Whereabouts::now(Kind kind, const QString& identifier, const Event& lost) const
+{
+    return follow(kind, identifier, m_known.moment(lost));
+}
+
+kept::StoredRow Whereabouts::deletedSince(Kind kind, const QString& identifier, const Event& lost) const
+{
+    const auto deleted = firstDeletion(kind, identifier, m_known.moment(lost));
+    return deleted ? deleted->history->row(deleted->event) : kept::StoredRow();
+}
+
+std::optional<QString> Whereabouts::follow(Kind kind, const QString& identifier, const Moment& since) const
+{
+    const auto deleted = firstDeletion(kind, identifier, since);
     if (!deleted)
         return identifier;
-    for (const PutBackEvent& back : m_history.putBacks()) {
-        if (kindOf(back) != kind || back.note.before != identifier || back.note.deletedAt != deleted->time ||
-            !isBefore(*deleted, back.when))
+    for (const PutBackEvent& back : putBacks()) {
+        if (kindOf(back) != kind || back.note.before != identifier ||
+            back.note.deletedAt != deleted->moment.time || !isBefore(deleted->moment, back.when))
             continue;
         if (auto there = follow(kind, back.note.after, back.when))
             return there;
@@ -92,22 +111,33 @@ std::optional<QString> Whereabouts::follow(Kind kind, const QString& identifier,
     return std::nullopt;
 }
 
-std::vector<Whereabouts::Due> Whereabouts::dueTo(Kind kind, const QString& before) const
+std::vector<Whereabouts::Due> Whereabouts::dueTo(Kind kind, const QString& before, const Event& lostEvent)
 {
-    std::vector<Due> due;
-    for (const PutBackEvent& back : m_history.putBacks()) {
-        if (!isBefore(m_lost, back.when))
-            continue;
+    const Moment lost = m_known.moment(lostEvent);
+    const auto isOwed = [&](const PutBackEvent& back, const OwedRelation& owed) {
+        return isBefore(lost, back.when) && back.note.deletedAt <= lost.time &&
+               kindOfOther(owed.role) == kind && owed.other == before;
+    };
+    qint64 earliest = lost.time;
+    for (const PutBackEvent& back : putBacks()) {
         for (const OwedRelation& owed : back.note.owed) {
-            if (kindOfOther(owed.role) != kind || owed.other != before || back.note.deletedAt > m_lost.time)
+            if (isOwed(back, owed))
+                earliest = std::min(earliest, back.note.deletedAt);
+        }
+    }
+    m_known.readBackTo(earliest);
+
+    std::vector<Due> due;
+    for (const PutBackEvent& back : putBacks()) {
+        for (const OwedRelation& owed : back.note.owed) {
+            if (!isOwed(back, owed))
                 continue;
             // An earlier bearer of the identifier is meant when it was deleted in between.
-            const auto deletions = m_deletions.values(before);
-            const bool isAnother =
-                std::any_of(deletions.begin(), deletions.end(), [&](const Deletion& deletion) {
-                    return deletion.kind == kind && deletion.event.time >= back.note.deletedAt &&
-                           isBefore(deletion.event, m_lost);
-                });
+            bool isAnother = false;
+            m_known.forEachDeletion(deletionOf(kind), before, [&](const Event& event) {
+                const Moment moment = m_known.moment(event);
+                isAnother = isAnother || (moment.time >= back.note.deletedAt && isBefore(moment, lost));
+            });
             if (isAnother)
                 continue;
             if (const auto with = follow(kindOf(back), back.note.after, back.when))

@@ -2,7 +2,6 @@
 
 #include "store/kept/history.h"
 
-#include <QMultiHash>
 #include <QString>
 
 #include <optional>
@@ -18,33 +17,43 @@ class Whereabouts
 public:
     enum class Kind { Item, Category };
 
-    /// Reads the history of a place once more, up to now. `lost`: of `history`, which may be older.
-    Whereabouts(const kept::Place& place, const kept::History& history, const kept::Event& lost);
+    /// Of a place, up to now. `known`: its history, which may be older, is not read once more; what it is asked about
+    /// are its events. Stays valid as long as it does.
+    Whereabouts(const kept::Place& place, kept::History& known);
 
-    /// The present identifier of what bore `identifier` when the other was lost; nothing when it is gone. Whether it is
+    /// The present identifier of what bore `identifier` when something was lost; nothing when it is gone. Whether it is
     /// really there only the database knows.
-    std::optional<QString> now(Kind kind, const QString& identifier) const;
+    std::optional<QString> now(Kind kind, const QString& identifier, const kept::Event& lost) const;
+
+    /// How what bore `identifier` when something was lost was deleted for the first time since; without a table when it
+    /// was not.
+    kept::StoredRow deletedSince(Kind kind, const QString& identifier, const kept::Event& lost) const;
 
     /// A relation of the lost one that did not come back with its other end.
     struct Due {
         kept::OwedRelation::Other role; // of the lost one for the other end
         QString with;                   // the present identifier of that
     };
-    /// `before`: the identifier of the lost one when it was lost.
-    std::vector<Due> dueTo(Kind kind, const QString& before) const;
+    /// `before`: the identifier of the lost one when it was lost. May read more of the history.
+    std::vector<Due> dueTo(Kind kind, const QString& before, const kept::Event& lost);
 
 private:
     struct Deletion {
-        Kind kind;
+        kept::Moment moment;
+        const kept::History* history;
         kept::Event event;
     };
 
-    void readBackTo(qint64 time);
-    std::optional<QString> follow(Kind kind, const QString& identifier, const kept::Event& since) const;
+    std::optional<Deletion> firstDeletion(Kind kind, const QString& identifier,
+                                          const kept::Moment& since) const;
+    std::optional<QString> follow(Kind kind, const QString& identifier, const kept::Moment& since) const;
+    void addPutBacks(const kept::History& history, std::size_t from) const;
+    const std::vector<kept::PutBackEvent>& putBacks() const;
 
-    kept::History m_history;
-    kept::Event m_lost; // as this history has it
-    QMultiHash<QString, Deletion> m_deletions;
+    kept::History& m_known;
+    kept::History m_newer;                              // what has been written since
+    mutable std::vector<kept::PutBackEvent> m_putBacks; // of both, in their order
+    mutable std::size_t m_seenPutBacks = 0;             // so many of the known ones
 };
 
 } // namespace quillon

@@ -40,6 +40,18 @@ struct Wholes {
     }
 };
 
+quint32 markOf(QByteArrayView identifier)
+{
+    const quint64 sum = checksum(identifier);
+    return static_cast<quint32>(sum ^ (sum >> 32U));
+}
+
+/// The place of the identifier among the fields of what an event deleted.
+int identifierField(EventKind kind)
+{
+    return kind == EventKind::ItemDeleted ? 1 : 0;
+}
+
 /// Nothing for what is a part of something else.
 std::optional<EventKind> kindOf(const PassedRow& row, const Wholes& wholes)
 {
@@ -74,10 +86,10 @@ qint64 beginOf(const QString& name)
 
 } // namespace
 
-bool isBefore(const Event& a, const Event& b)
+bool isBefore(const Moment& a, const Moment& b)
 {
-    // Of two files the first is the younger one.
-    return std::tuple(a.time, b.file, a.place) < std::tuple(b.time, a.file, b.place);
+    // The names of the files tell when they were begun.
+    return std::tie(a.time, a.file, a.place) < std::tie(b.time, b.file, b.place);
 }
 
 History::History(const Place& place)
@@ -89,8 +101,19 @@ History::History(const Place& place)
         file.path = info.filePath();
         file.begin = beginOf(info.fileName());
         file.end = std::max(file.begin, info.lastModified().toMSecsSinceEpoch());
+        file.size = info.size();
         m_files.push_back(std::move(file));
     }
+    m_isRead.resize(m_files.size());
+}
+
+History::History(const Place& place, const History& known) : History(place)
+{
+    QHash<QString, qint64> sizes;
+    for (const LogFile& file : known.m_files)
+        sizes.insert(file.path, file.size);
+    const auto isKnown = [&](const LogFile& file) { return sizes.value(file.path, -1) == file.size; };
+    m_files.erase(std::remove_if(m_files.begin(), m_files.end(), isKnown), m_files.end());
     m_isRead.resize(m_files.size());
 }
 
@@ -112,16 +135,26 @@ bool History::readOlder()
         while (number < m_files.size() && (m_isRead[number] || m_files[number].end < since))
             ++number;
     }
-    const auto newestFirst = [](const Event& a, const Event& b) { return isBefore(b, a); };
+    // Of two files the first is the younger one.
+    const auto newestFirst = [](const Event& a, const Event& b) {
+        return std::tuple(b.time, a.file, b.place) < std::tuple(a.time, b.file, a.place);
+    };
     std::sort(m_events.begin() + static_cast<std::ptrdiff_t>(before), m_events.end(), newestFirst);
     // A file without anything readable is not the end.
     return m_events.size() > before || readOlder();
+}
+
+void History::readBackTo(qint64 time)
+{
+    while ((m_events.empty() || m_events.back().time >= time) && readOlder()) {
+    }
 }
 
 void History::read(quint32 number)
 {
     m_isRead[number] = true;
     const QString& path = m_files[number].path;
+    m_files[number].size = QFileInfo(path).size();
     if (m_bytes.read(number, path, 0, HistoryLetters.size()).bytes != HistoryLetters)
         return;
     QHash<qint64, std::vector<Piece>> pieces;
@@ -184,8 +217,8 @@ void History::addRecord(quint32 number, QByteArrayView bytes, qint64 place,
         occasion();
         m_putBacks.push_back({.note = readPutBackNote(payload),
                               .when = {.time = group.time,
+                                       .file = log.path,
                                        .place = place,
-                                       .file = number,
                                        .group = std::numeric_limits<quint32>::max()}});
         break;
     default:
@@ -222,12 +255,17 @@ void History::addGroup(quint32 number, Group group)
             wholes.categories.insert(row.first.toByteArray());
     });
     forEachChange([&](const PassedRow& row, qint64 place) {
-        if (const std::optional<EventKind> kind = kindOf(row, wholes))
-            m_events.push_back({.time = group.time,
-                                .place = place,
-                                .file = number,
-                                .group = static_cast<quint32>(log.groups.size()),
-                                .kind = *kind});
+        const std::optional<EventKind> kind = kindOf(row, wholes);
+        if (!kind)
+            return;
+        const bool isDeletion = row.fate == RowFate::Deleted;
+        m_events.push_back(
+            {.time = group.time,
+             .place = place,
+             .file = number,
+             .group = static_cast<quint32>(log.groups.size()),
+             .mark = isDeletion ? markOf(identifierField(*kind) == 0 ? row.first : row.second) : 0,
+             .kind = *kind});
     });
     log.groups.push_back(std::move(group));
 }
@@ -253,6 +291,43 @@ HeldBytes History::from(const Event& event) const
         return {};
     const Piece& piece = *std::prev(behind);
     return bytesAt(event.file, {.place = event.place, .size = piece.size - (event.place - piece.place)});
+}
+
+void History::markDeletions() const
+{
+    if (m_marked == m_events.size())
+        return;
+    const auto known = static_cast<std::ptrdiff_t>(m_marks.size());
+    for (; m_marked < m_events.size(); ++m_marked) {
+        const EventKind kind = m_events[m_marked].kind;
+        if (kind == EventKind::ItemDeleted || kind == EventKind::CategoryDeleted)
+            m_marks.push_back({.mark = m_events[m_marked].mark, .event = static_cast<quint32>(m_marked)});
+    }
+    const auto byMark = [](const Mark& a, const Mark& b) { return a.mark < b.mark; };
+    std::sort(m_marks.begin() + known, m_marks.end(), byMark);
+    std::inplace_merge(m_marks.begin(), m_marks.begin() + known, m_marks.end(), byMark);
+}
+
+void History::forEachDeletion(EventKind kind, const QString& identifier,
+                              const std::function<void(const Event&)>& visit) const
+{
+    markDeletions();
+    const QStringView text(identifier);
+    const quint32 mark =
+        markOf({reinterpret_cast<const char*>(text.utf16()), text.size() * qsizetype{sizeof(char16_t)}});
+    auto one = std::lower_bound(m_marks.begin(), m_marks.end(), mark,
+                                [](const Mark& a, quint32 sought) { return a.mark < sought; });
+    for (; one != m_marks.end() && one->mark == mark; ++one) {
+        const Event& event = m_events[one->event];
+        if (event.kind == kind && row(event).text(identifierField(kind)) == identifier)
+            visit(event);
+    }
+}
+
+Moment History::moment(const Event& event) const
+{
+    return {
+        .time = event.time, .file = m_files.at(event.file).path, .place = event.place, .group = event.group};
 }
 
 QString History::operation(const Event& event) const

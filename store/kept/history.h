@@ -35,16 +35,25 @@ struct Event {
     qint64 place = 0; // in its file
     quint32 file = 0;
     quint32 group = 0;
+    quint32 mark = 0; // of a deleted item or category: tells the identifiers apart, nearly
     EventKind kind = EventKind::Other;
 };
 
+/// When an event happened, for comparing with events that were read at another time.
+struct Moment {
+    qint64 time = 0;
+    QString file;
+    qint64 place = 0;
+    quint32 group = 0;
+};
+
 /// What came first of two.
-bool isBefore(const Event& a, const Event& b);
+bool isBefore(const Moment& a, const Moment& b);
 
 /// That something was put back, and when: it is no event itself, and of no group.
 struct PutBackEvent {
     PutBackNote note;
-    Event when;
+    Moment when;
 };
 
 /// The former content of a file that was replaced.
@@ -59,12 +68,17 @@ class History
 {
 public:
     explicit History(const Place& place);
+    /// Of the same place only the files to which something was written since `known` has read or found them: all that
+    /// is newer, and some that is not.
+    History(const Place& place, const History& known);
     ~History();
     History(const History&) = delete;
     History& operator=(const History&) = delete;
 
     /// Adds older events behind those that are known. False when there are none.
     bool readOlder();
+    /// The same until everything since `time` is known.
+    void readBackTo(qint64 time);
     /// Newest first.
     const std::vector<Event>& events() const { return m_events; }
     /// In no order.
@@ -72,6 +86,10 @@ public:
     /// Whether a file was there and could not be read.
     bool hasFailed() const { return m_bytes.hasFailed(); }
 
+    /// Each of the known deletions of items (or of categories) with an identifier, in no order.
+    void forEachDeletion(EventKind kind, const QString& identifier,
+                         const std::function<void(const Event&)>& visit) const;
+    Moment moment(const Event& event) const;
     /// By which operation it came about.
     QString operation(const Event& event) const;
     /// The row as it was, without a table when it cannot be read any more. Not for `FileReplaced`.
@@ -97,7 +115,13 @@ private:
         QString path;
         qint64 begin = 0; // when it was begun, and last written
         qint64 end = 0;
+        qint64 size = 0; // when it was found, and then when it was read
         std::vector<Group> groups;
+    };
+    /// A deletion among the events, found by its mark.
+    struct Mark {
+        quint32 mark = 0;
+        quint32 event = 0;
     };
 
     void read(quint32 number);
@@ -108,6 +132,7 @@ private:
     HeldBytes bytesAt(quint32 number, const Piece& piece) const;
     const Group& groupOf(const Event& event) const;
     HeldBytes from(const Event& event) const;
+    void markDeletions() const;
 
     std::vector<LogFile> m_files; // the one begun last first
     std::vector<bool> m_isRead;
@@ -115,6 +140,8 @@ private:
     std::vector<PutBackEvent> m_putBacks;
     QSet<QString> m_operations; // each once
     mutable LogBytes m_bytes;
+    mutable std::vector<Mark> m_marks; // in their order
+    mutable std::size_t m_marked = 0;  // so many events have been looked at for them
 };
 
 } // namespace quillon::kept

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -60,6 +61,39 @@ class TestRestoring : public QObject
                 return PutBack(session(), things, i);
         }
         return std::nullopt;
+    }
+    std::optional<PutBackResult> putBackCategory(const QString& identifier)
+    {
+        later();
+        LostThings things(session());
+        things.ask({.text = {}, .kind = EventKind::CategoryDeleted});
+        while (things.readOn()) {
+        }
+        for (std::size_t i = 0; i < things.count(); ++i) {
+            if (things.entry(i).identifier == identifier)
+                return PutBack(session(), things, i);
+        }
+        return std::nullopt;
+    }
+    /// Of the newest deletion of an item with an identifier.
+    LostDetails detailsOf(const QString& identifier)
+    {
+        LostThings things(session());
+        things.ask({.text = identifier, .kind = EventKind::ItemDeleted});
+        while (things.readOn()) {
+        }
+        return things.count() > 0 ? things.details(0) : LostDetails();
+    }
+    void later() { world->clock.time = world->clock.time.addSecs(1); }
+    /// What is done like this no history knows of.
+    template <class Work> void withoutHistory(Work&& work)
+    {
+        Keeper* const keeper = std::exchange(session().keeper, nullptr);
+        const QString path = session().OpenDb->path();
+        world->openDatabase(path);
+        work();
+        session().keeper = keeper;
+        world->openDatabase(path);
     }
     void deleteLater(const QString& identifier)
     {
@@ -324,9 +358,68 @@ private Q_SLOTS:
     {
         change(Water, u"お湯"_s, u"熱いもの"_s);
         QVERIFY(DeleteData(session(), Water, 0));
-        world->dialogs.expect(failureBox(u"PutBack"_s, errors::NoCurrentRecord));
+        world->dialogs.expect(
+            failureBoxSaying(u"データ「水」は現在存在しません。先に削除されたものを戻してください。"_s));
         QVERIFY(!putBackNewest(EventKind::ItemChanged));
         QCOMPARE(session().RsMain->recordCount(), 1);
+    }
+
+    void formerTextsReachNobodyElseWhoBearsTheIdentifierNow()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        const QStringList before = rowsOf(session().RsMain);
+        world->dialogs.expect(failureBoxSaying(
+            u"データ「水」は現在存在せず、その識別符号 M-991231-001 は別のものに付けられています。"
+            u"何も変更していません。先に削除されたものを戻してください。"_s));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+        QCOMPARE(rowsOf(session().RsMain), before);
+    }
+
+    void formerTextsReachTheirItemAlsoUnderTheIdentifierThatItGotWhenItCameBack()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        const auto back = putBackItem(Water);
+        QVERIFY(back && back->identifier == u"M-991231-003"_s);
+        const auto result = putBackNewest(EventKind::ItemChanged);
+        QVERIFY(result);
+        QCOMPARE(result->identifier, u"M-991231-003"_s);
+        QVERIFY(rowsOf(session().RsMain).contains(u"水|M-991231-003|流れるもの"_s));
+        QVERIFY(rowsOf(session().RsMain).contains(u"土|M-991231-001|踏むもの"_s));
+    }
+
+    void whoGotTheIdentifierWhileNothingWasKeptStaysAsItIs()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        withoutHistory([&] {
+            QVERIFY(DeleteData(session(), Water, 0));
+            TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        });
+        const QStringList before = rowsOf(session().RsMain);
+        world->dialogs.expect(failureBoxSaying(
+            u"データ「水」は現在存在せず、その識別符号 M-991231-001 は別のものに付けられています。"
+            u"何も変更していません。先に削除されたものを戻してください。"_s));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+        QCOMPARE(rowsOf(session().RsMain), before);
+    }
+
+    void whatAnotherProgramHasDeletedSinceTheListWasReadCounts()
+    {
+        change(Water, u"お湯"_s, u"熱いもの"_s);
+        LostThings things(session());
+        things.ask({.text = {}, .kind = EventKind::ItemChanged});
+        while (things.readOn()) {
+        }
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        world->dialogs.expect(failureBoxSaying(
+            u"データ「水」は現在存在せず、その識別符号 M-991231-001 は別のものに付けられています。"
+            u"何も変更していません。先に削除されたものを戻してください。"_s));
+        QVERIFY(!PutBack(session(), things, 0));
+        QVERIFY(rowsOf(session().RsMain).contains(u"土|M-991231-001|踏むもの"_s));
     }
 
     void aRemovedLinkComesBackOnce()
@@ -346,7 +439,8 @@ private Q_SLOTS:
     {
         session().RsLink->deleteEveryRow();
         QVERIFY(DeleteData(session(), Fire, 0));
-        world->dialogs.expect(failureBox(u"PutBack"_s, errors::NoCurrentRecord));
+        world->dialogs.expect(failureBoxSaying(u"データ (M-991231-002) が現在存在しないため、戻せません。"
+                                               u"先に削除されたものを戻してください。"_s));
         QVERIFY(!putBackNewest(EventKind::LinkRemoved));
         QCOMPARE(rowsOf(session().RsLink), QStringList());
     }
@@ -391,6 +485,62 @@ private Q_SLOTS:
         QVERIFY(compareText(result->text, u"カテゴリの名称を「自然」に戻しました。"));
         QVERIFY(rowsOf(session().RsCategoryID).contains(u"A|自然"_s));
         QCOMPARE(listed({}).size(), 2);
+    }
+
+    void theFormerNameReachesNobodyElseWhoBearsTheIdentifierNow()
+    {
+        RenameCategory(session(), presentCategory(session(), u"A-A"_s), u"流体"_s);
+        later();
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        TestWorld::addRow(session().RsCategoryID, {u"A-A"_s, u"固体"_s});
+        world->dialogs.expect(failureBoxSaying(
+            u"カテゴリ「液体」は現在存在せず、その識別符号 A-A は別のものに付けられています。"
+            u"何も変更していません。先に削除されたものを戻してください。"_s));
+        QVERIFY(!putBackNewest(EventKind::CategoryRenamed));
+        QVERIFY(rowsOf(session().RsCategoryID).contains(u"A-A|固体"_s));
+        later();
+        QVERIFY(putBackNewest(EventKind::CategoryDeleted));
+        const auto result = putBackNewest(EventKind::CategoryRenamed);
+        QVERIFY(result);
+        QCOMPARE(result->identifier, u"A-B"_s);
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList({u"A|自然"_s, u"A-A|固体"_s, u"A-B|液体"_s}));
+    }
+
+    void aCategoryWithoutItsParentIsToldAndStaysAway()
+    {
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        later();
+        QVERIFY(DeleteCategory(session(), u"A"_s, 0));
+        world->dialogs.expect(
+            failureBoxSaying(u"カテゴリ「液体」の上位のカテゴリ (A) が現在存在しないため、戻せません。"
+                             u"先に上位のカテゴリを戻してください。"_s));
+        QVERIFY(!putBackCategory(u"A-A"_s));
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList());
+        QVERIFY(putBackCategory(u"A"_s));
+        QVERIFY(putBackCategory(u"A-A"_s));
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList({u"A|自然"_s, u"A-A|液体"_s}));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"A-A|M-991231-001"_s));
+    }
+
+    void aCategoryComesBackUnderItsParentAndNotUnderAnotherWithItsIdentifier()
+    {
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        later();
+        QVERIFY(DeleteCategory(session(), u"A"_s, 0));
+        TestWorld::addRow(session().RsCategoryID, {u"A"_s, u"人工"_s});
+        world->dialogs.expect(
+            failureBoxSaying(u"カテゴリ「液体」の上位のカテゴリ (A) が現在存在しないため、戻せません。"
+                             u"先に上位のカテゴリを戻してください。"_s));
+        QVERIFY(!putBackCategory(u"A-A"_s));
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList(u"A|人工"_s));
+        QVERIFY(putBackCategory(u"A"_s));
+        const auto result = putBackCategory(u"A-A"_s);
+        QVERIFY(result);
+        QVERIFY(compareText(result->text,
+                            u"カテゴリ「液体」を戻しました。\r\n"
+                            u"上位のカテゴリの識別符号が変わっているため、新しい識別符号は B-A です。"));
+        QCOMPARE(rowsOf(session().RsCategoryID), QStringList({u"A|人工"_s, u"B|自然"_s, u"B-A|液体"_s}));
+        QCOMPARE(rowsOf(session().RsCategory), QStringList(u"B-A|M-991231-001"_s));
     }
 
     void aReplacedFileGetsItsContentBackAndWhatStoodThereIsKept()
@@ -504,6 +654,40 @@ private Q_SLOTS:
         QCOMPARE(listed({.text = text}).size(), found);
     }
 
+    void theNamesOfWhatALinkOrAMembershipBelongsToAreFound_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("found");
+        const QString link = u"リンクの解除: 物質の本 - 水 (R-991231-001 - M-991231-001)"_s;
+        const QString membership = u"分類の解除: 液体 - 水 (A-A - M-991231-001)"_s;
+        QTest::newRow("source") << u"物質"_s << QStringList(link);
+        QTest::newRow("target and item") << u"水"_s << QStringList({link, membership});
+        QTest::newRow("category") << u"液体"_s << QStringList(membership);
+        QTest::newRow("nobody") << u"火"_s << QStringList();
+    }
+    void theNamesOfWhatALinkOrAMembershipBelongsToAreFound()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, found);
+        DeleteCategoryEntry(session(), u"A-A"_s, Water);
+        later();
+        session().RsLink->moveFirst();
+        session().RsLink->deleteRow();
+        QCOMPARE(listed({.text = text}), found);
+    }
+
+    void whatALinkBelongedToIsNamedAlsoWhenItIsGoneAndAnotherBearsItsIdentifier()
+    {
+        session().RsLink->moveFirst();
+        session().RsLink->deleteRow();
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        const QStringList link = {u"リンクの解除: 物質の本 - 水 (R-991231-001 - M-991231-001)"_s};
+        QCOMPARE(listed({.text = u"物質の本 - 水"_s, .kind = EventKind::LinkRemoved}), QStringList());
+        QCOMPARE(listed({.text = u"水"_s, .kind = EventKind::LinkRemoved}), link);
+        QCOMPARE(listed({.text = u"土"_s, .kind = EventKind::LinkRemoved}), QStringList());
+    }
+
     void theListShowsWhatWasLostNewestFirst()
     {
         RenameCategory(session(), presentCategory(session(), u"A"_s), u"世界"_s);
@@ -569,6 +753,56 @@ private Q_SLOTS:
         QCOMPARE(details.links, QStringList({u"物質の本 (R-991231-001)"_s, u"火 (M-991231-002)"_s}));
         QCOMPARE(details.categories, QStringList(u"液体 (A-A)"_s));
         QVERIFY(!details.fields.at(0).now);
+    }
+
+    void theDetailsDoNotCompareWithAnotherThatBearsTheIdentifierNow()
+    {
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        TestWorld::addRow(session().RsLink, {Water, Fire});
+        const LostDetails details = detailsOf(Water);
+        QCOMPARE(details.present(), LostDetails::Present::Gone);
+        QVERIFY(details.isIdentifierTaken);
+        QCOMPARE(details.links, QStringList({u"物質の本 (R-991231-001)"_s, u"火 (M-991231-002)"_s}));
+        QCOMPARE(details.linksNow, QStringList());
+    }
+
+    void theDetailsFindWhatIsBackUnderAnotherIdentifierWithItsRelations()
+    {
+        deleteLater(Fire);
+        TestWorld::addRow(session().RsMain, {u"風"_s, Fire, u""_s});
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"土"_s, Water, u"踏むもの"_s});
+        QVERIFY(putBackItem(Fire));
+        QVERIFY(putBackItem(Water));
+        later();
+        const LostDetails water = detailsOf(Water);
+        QCOMPARE(water.fields.at(0).now, u"水"_s);
+        QCOMPARE(water.fields.at(1).now, u"M-991231-004"_s);
+        QCOMPARE(water.categories, QStringList(u"液体 (A-A)"_s));
+        QCOMPARE(water.categoriesNow, QStringList(u"液体 (A-A)"_s));
+        const LostDetails fire = detailsOf(Fire);
+        QCOMPARE(fire.links, QStringList(u"水 (M-991231-001)"_s));
+        QCOMPARE(fire.linksNow, QStringList(u"水 (M-991231-004)"_s));
+    }
+
+    void ofADatabaseThatIsNotOpenTheListIsReadAndNothingIsPutBack()
+    {
+        deleteLater(Water);
+        const QString path = session().OpenDb->path();
+        world->openDatabase(world->createDatabase(u"別.mdb"_s));
+        LostThings things(session(), path);
+        things.ask({});
+        QVERIFY(things.readOn());
+        QCOMPARE(things.entry(0).name, u"水"_s);
+        const LostDetails details = things.details(0);
+        QCOMPARE(details.fields.at(2).before, u"流れるもの"_s);
+        QCOMPARE(details.present(), LostDetails::Present::Gone);
+        QCOMPARE(details.links.size(), 2);
+        world->dialogs.expect(
+            failureBoxSaying(u"データベース「%1」が展開されていないため、戻せません。"_s.arg(path)));
+        QVERIFY(!PutBack(session(), things, 0));
+        QCOMPARE(session().RsMain->recordCount(), 0);
     }
 
     void aRowOfTheTableWithoutAWindowIsListedToo()

@@ -235,6 +235,21 @@ private Q_SLOTS:
         putBackRow(1);
     }
 
+    void formerTextsThatWouldReachAnotherAreToldAndChangeNothing()
+    {
+        world->change(RestoreWorld::Fire, u"炎"_s, u"新しい"_s);
+        world->clock.time = world->clock.time.addSecs(1);
+        QVERIFY(DeleteData(session(), RestoreWorld::Fire, 0));
+        TestWorld::addRow(session().RsMain, {u"風"_s, RestoreWorld::Fire, u"吹くもの"_s});
+        world->show();
+        lost().selectRow(1);
+        QVERIFY2(fields().contains(u"名称|現在なし|火|"_s), qPrintable(fields().join(u'\n')));
+        world->dialogs.expect(
+            restoredBox(u"「火」は更新の後で削除されています。先に削除されたものを戻してください。"_s));
+        putBackRow(1);
+        QVERIFY(stored(session().RsMain).contains(u"風|M-991231-002|吹くもの"_s));
+    }
+
     void aCategoryComesBackWithItsMembers()
     {
         QVERIFY(DeleteCategory(session(), u"A"_s, 0));
@@ -377,6 +392,25 @@ private Q_SLOTS:
         world->show();
         QCOMPARE(lostRows(), QStringList());
         QVERIFY(compareText(label(u"lblLostCount"_s), u"データベース「無い.mdb」が見つかりません。"));
+    }
+
+    void ofADatabaseThatIsGoneTheHistoryIsShownAndNothingIsPutBack()
+    {
+        world->change(RestoreWorld::Fire, u"炎"_s, u"新しい"_s);
+        session().OpenDb.reset();
+        QVERIFY(QFile::remove(world->path));
+        world->dialogs.expect(
+            restoreBox(u"データベース「知識.mdb」が見つかりません。\r\n"
+                       u"このデータベースの控えは残されていません。\r\n"
+                       u"［失われたデータ］の一覧で、上書きや削除の前の内容を見ることができます。"_s));
+        world->show();
+        QCOMPARE(lostRows(), QStringList(u"データの更新|火|M-991231-002"_s));
+        QVERIFY(compareText(label(u"lblLostCount"_s),
+                            u"表示件数 ： 1\nデータベース「知識.mdb」が見つかりません。"
+                            u"見ることはできますが、戻すことはできません。"));
+        lost().selectRow(0);
+        QVERIFY2(fields().contains(u"定義|不明|燃えるもの|"_s), qPrintable(fields().join(u'\n')));
+        QVERIFY(!putBack().isEnabled());
     }
 
     void ofADamagedDatabaseTheCopiesAreShown()

@@ -143,6 +143,7 @@ void ComparisonView::arrange()
 void ComparisonView::show(const LostDetails& details)
 {
     m_rows.clear();
+    m_isCompared = details.isCompared;
     for (const LostField& field : details.fields)
         m_rows.push_back({.label = field.label, .before = field.before, .now = field.now});
     addRelations(u"リンク"_s, details.links, details.linksNow);
@@ -161,8 +162,8 @@ void ComparisonView::show(const LostDetails& details)
         if (firstDifferent < 0 && row.now != row.before)
             firstDifferent = static_cast<int>(i);
         constexpr qsizetype MostInRow = 200;
-        fill.append({row.label, wordFor(row.before, row.now), row.before.left(MostInRow),
-                     row.now.value_or(QString()).left(MostInRow)});
+        fill.append({row.label, m_isCompared ? wordFor(row.before, row.now) : u"不明"_s,
+                     row.before.left(MostInRow), row.now.value_or(QString()).left(MostInRow)});
     }
     fill.finish();
     if (!m_rows.empty())

@@ -44,6 +44,7 @@ private:
 
     Reporting& m_reporting;
     std::vector<Row> m_rows;
+    bool m_isCompared = true;
     ReportList* lsvFields = nullptr;
     QLabel* lblDifference = nullptr;
     QPlainTextEdit* txtBefore = nullptr;

@@ -94,29 +94,31 @@ void frmRestore::arrange()
 void frmRestore::showDatabase(const QString& path)
 {
     txtDatabase->setText(QDir::toNativeSeparators(path));
-    m_lost->showNothing({});
+    m_lost->showNothing();
     m_copies->showDatabase(path);
+    findFileFolder(path);
     const QString name = QFileInfo(path).fileName();
     if (!session().files.fileExists(path)) {
-        tellUnreadable(u"データベース「"_s + name + u"」が見つかりません。"_s);
+        tellUnreadable(path, u"データベース「"_s + name + u"」が見つかりません。"_s);
         return;
     }
-    findFileFolder(path);
     if (!OpenDbFile(session(), path)) {
-        tellUnreadable(u"データベース「"_s + name + u"」を展開できませんでした。"_s);
+        tellUnreadable(path, u"データベース「"_s + name + u"」を展開できませんでした。"_s);
         return;
     }
     tabPages->setCurrentWidget(m_lost);
-    m_lost->read();
+    m_lost->read(path);
 }
 
-void frmRestore::tellUnreadable(const QString& text)
+void frmRestore::tellUnreadable(const QString& path, const QString& text)
 {
     setStatus(1, text);
-    m_lost->showNothing(text);
+    const bool isAnythingLost = m_lost->read(path, text);
     tabPages->setCurrentWidget(m_copies);
-    const QString advice = m_copies->count() > 0 ? u"［控え］の一覧から控えを取り出すことができます。"_s
-                                                 : u"このデータベースの控えは残されていません。"_s;
+    QString advice = m_copies->count() > 0 ? u"［控え］の一覧から控えを取り出すことができます。"_s
+                                           : u"このデータベースの控えは残されていません。"_s;
+    if (isAnythingLost)
+        advice += u"\r\n［失われたデータ］の一覧で、上書きや削除の前の内容を見ることができます。"_s;
     session().dialogs.messageBox({.text = text + u"\r\n"_s + advice, .title = RestoreTitle});
 }
 

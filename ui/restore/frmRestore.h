@@ -44,7 +44,7 @@ Q_SIGNALS:
 
 private:
     void arrange();
-    void tellUnreadable(const QString& text);
+    void tellUnreadable(const QString& path, const QString& text);
     void findFileFolder(const QString& path);
 
     QString m_startFolder; // the current folder of the start

@@ -51,7 +51,7 @@ LostPage::LostPage(Session& session, QWidget* parent) : QWidget(parent), m_sessi
     m_reading->setInterval(0);
     arrange();
     connectControls();
-    showNothing({});
+    showNothing();
 }
 
 LostPage::~LostPage() = default;
@@ -139,21 +139,26 @@ void LostPage::connectControls()
             eventSlot(reporting, u"cmdPutBack_Click"_s, [this] { cmdPutBack_Click(); }));
 }
 
-void LostPage::showNothing(const QString& reason)
+void LostPage::showNothing()
 {
     m_reading->stop();
     m_things.reset();
     m_listed = 0;
     lsvLost->rows().clear();
     showSelected();
-    lblLostCount->setText(reason);
+    lblLostCount->clear();
 }
 
-void LostPage::read()
+bool LostPage::read(const QString& database, const QString& unreadable)
 {
-    showNothing({});
-    m_things = std::make_unique<LostThings>(m_session);
+    showNothing();
+    m_database = database;
+    m_unreadable = unreadable;
+    m_things = std::make_unique<LostThings>(m_session, database);
+    m_things->ask({});
+    m_isAnything = m_things->readOn(1);
     ask();
+    return m_isAnything;
 }
 
 void LostPage::ask()
@@ -217,8 +222,14 @@ void LostPage::appendRows()
 
 void LostPage::tellCount(bool goesOn)
 {
-    const QString count = u"表示件数 ： %1"_s.arg(m_listed);
-    lblLostCount->setText(goesOn ? count + u" (読み込み中です)"_s : count);
+    QString text = u"表示件数 ： %1"_s.arg(m_listed);
+    if (goesOn)
+        text += u" (読み込み中です)"_s;
+    if (!m_unreadable.isEmpty() && !m_isAnything)
+        text = m_unreadable;
+    else if (!m_unreadable.isEmpty())
+        text += u"\n"_s + m_unreadable + u"見ることはできますが、戻すことはできません。"_s;
+    lblLostCount->setText(text);
 }
 
 std::optional<std::size_t> LostPage::selected() const
@@ -238,23 +249,21 @@ void LostPage::showSelected()
         return;
     }
     m_comparison->show(m_things->details(*number));
-    cmdPutBack->setEnabled(m_things->event(*number).kind != EventKind::Other);
+    cmdPutBack->setEnabled(m_things->isOfOpenDatabase() && m_things->event(*number).kind != EventKind::Other);
 }
 
 bool LostPage::isConfirmed(const LostEntry& entry, const LostDetails& details)
 {
-    using Present = LostDetails::Present;
-    const Present present = details.present();
     QString question;
     switch (entry.kind) {
     case EventKind::ItemDeleted:
         question = u"データ「"_s + entry.name + u"」を戻しますか。"_s;
-        if (present != Present::Gone)
+        if (details.isIdentifierTaken)
             question += u"\r\n同じ識別符号のデータがあるため、別のデータとして登録されます。"_s;
         break;
     case EventKind::CategoryDeleted:
         question = u"カテゴリ「"_s + entry.name + u"」を戻しますか。"_s;
-        if (present != Present::Gone)
+        if (details.isIdentifierTaken)
             question += u"\r\n同じ識別符号のカテゴリがあるため、別のカテゴリとして登録されます。"_s;
         break;
     case EventKind::ItemChanged:
@@ -316,7 +325,7 @@ void LostPage::cmdPutBack_Click()
     tell(result->text);
     // What was replaced is at the top of the list now; the person stays where it was.
     m_awaited = entry;
-    m_things = std::make_unique<LostThings>(m_session);
+    m_things = std::make_unique<LostThings>(m_session, m_database);
     ask();
 }
 

@@ -32,10 +32,10 @@ public:
     LostPage(Session& session, QWidget* parent);
     ~LostPage() override;
 
-    /// Lists what was lost in the open database, up to now.
-    void read();
-    /// Lists nothing. `reason`: why, for the person.
-    void showNothing(const QString& reason);
+    /// Lists what was lost in a database, up to now. `unreadable`: why it is not the open one, for the person, who then
+    /// can look at everything and put nothing back. Whether anything was lost.
+    bool read(const QString& database, const QString& unreadable = {});
+    void showNothing();
 
 private:
     void arrange();
@@ -52,6 +52,9 @@ private:
     bool isConfirmed(const LostEntry& entry, const LostDetails& details);
 
     Session& m_session;
+    QString m_database;
+    QString m_unreadable; // why nothing can be put back
+    bool m_isAnything = false;
     std::unique_ptr<LostThings> m_things;
     std::size_t m_listed = 0;
     std::optional<LostEntry> m_awaited; // is selected when it is listed
