@@ -94,6 +94,27 @@ TakenOutFiles takeOutFiles(Session& session, const kept::Copy& copy, const QStri
 
 } // namespace
 
+namespace
+{
+
+/// Sees that nothing stands beside a new database that would be played into it when it is opened: what a former one of
+/// the same name has left behind. It stays, for it may be needed to mend that one.
+void requireNothingBeside(Session& session, const QString& newFile)
+{
+    for (const QString& ending : {u"-journal"_s, u"-wal"_s}) {
+        const QString left = newFile + ending;
+        if (session.files.entryExists(left))
+            throw Error(
+                errors::PathFileAccess,
+                u"同じ名前のデータベースの書き込みの記録「%1」が残っているため、取り出しませんでした。"
+                u"取り出した控えが書き換えられてしまいます。別の名前を指定するか、"
+                u"残っている記録を、元のデータベースと一緒に別の場所に移してください。"_s.arg(
+                    QDir::toNativeSeparators(left)));
+    }
+}
+
+} // namespace
+
 std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile)
 {
     bool isTakenOut = false;
@@ -101,6 +122,7 @@ std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& cop
     guarded(session.reporting, u"TakeOutCopy"_s, [&] {
         if (session.files.entryExists(newFile))
             throw Error(errors::DatabaseExists);
+        requireNothingBeside(session, target.absoluteFilePath());
         if (!kept::isUnharmed(copy))
             throw Error(
                 errors::NotADatabase,

@@ -36,7 +36,7 @@ struct TakenOutFiles {
 
 /// Writes a kept copy as a new file, and the registered files that it knew into the folder for them beside it, where
 /// nothing has their names. Nothing when a failure was reported, as "TakeOutCopy": 3204 for a file that is there already,
-/// 3343 for a copy that is not what it was any more. A failure of the registered files is reported as "TakeOutFiles" and
+/// 75 where a journal of a former database would be played into it, 3343 for a copy that is not what it was any more. A failure of the registered files is reported as "TakeOutFiles" and
 /// leaves the rest of them away.
 std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile);
 

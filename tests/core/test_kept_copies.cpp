@@ -103,6 +103,29 @@ private Q_SLOTS:
         QCOMPARE(file.readAll(), QByteArray("mine"));
     }
 
+    void besideAJournalOfAFormerDatabaseNothingIsTakenOut_data()
+    {
+        QTest::addColumn<QString>("ending");
+        QTest::newRow("journal") << u"-journal"_s;
+        QTest::newRow("log") << u"-wal"_s;
+    }
+    void besideAJournalOfAFormerDatabaseNothingIsTakenOut()
+    {
+        QFETCH(QString, ending);
+        const QString left = newFile() + ending;
+        QFile journal(left);
+        QVERIFY(journal.open(QIODevice::WriteOnly));
+        journal.write("of another");
+        journal.close();
+        world->dialogs.expect(
+            refusal(u"同じ名前のデータベースの書き込みの記録「%1」が残っているため、取り出しませんでした。"
+                    u"取り出した控えが書き換えられてしまいます。別の名前を指定するか、"
+                    u"残っている記録を、元のデータベースと一緒に別の場所に移してください。"_s.arg(left)));
+        QVERIFY(!TakeOutCopy(session(), copy(), newFile()));
+        QVERIFY(!QFile::exists(newFile()));
+        QVERIFY(QFile::exists(left));
+    }
+
     void aHarmedCopyIsRefused()
     {
         QFile harmed(copy().path);
