@@ -419,8 +419,10 @@ std::vector<Copy> listCopies(const Place& place)
 {
     std::vector<Copy> copies;
     for (const QFileInfo& info : QDir(place.copies()).entryInfoList({u"*.mdb"_s}, QDir::Files)) {
-        if (std::optional<Copy> copy = copyAt(info.filePath()))
+        if (std::optional<Copy> copy = copyAt(info.filePath())) {
+            copy->database = place.database(); // which may have borne another name then
             copies.push_back(std::move(*copy));
+        }
     }
     std::sort(copies.begin(), copies.end(), [](const Copy& a, const Copy& b) {
         return a.time != b.time ? a.time > b.time : a.path > b.path;

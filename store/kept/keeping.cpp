@@ -7,6 +7,7 @@
 #include "store/kept/file_contents.h"
 #include "store/kept/history_file.h"
 #include "store/kept/history_writer.h"
+#include "store/kept/moved_database.h"
 #include "store/sqlite/damage_watch.h"
 
 #include <QFileInfo>
@@ -92,6 +93,7 @@ void Keeping::tellFailures()
 void Keeping::databaseOpened(Database& database)
 {
     m_place.emplace(m_order.keptFolder, database.path());
+    findAgain(m_order.keptFolder, *m_place);
     m_history = std::make_shared<HistoryFile>(*m_place, m_reporting);
     database.connection().watchRows(std::make_unique<HistoryWriter>(m_history));
     // The same file once more goes on with the same worker.

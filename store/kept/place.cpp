@@ -1,6 +1,7 @@
 #include "store/kept/place.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/file_identity.h"
 #include "app/base/platform/files.h"
 #include "app/base/platform/user_folders.h"
 
@@ -68,13 +69,20 @@ QString aboutPath(const QString& folder)
     return folder + u"/database.json"_s;
 }
 
-/// The full name of the database to which a folder belongs; empty when it cannot be read.
-QString databaseOf(const QString& folder)
+/// What is noted in a folder of the database to which it belongs.
+struct Noted {
+    QString path; // empty when it cannot be read
+    QByteArray identity;
+};
+
+Noted notedIn(const QString& folder)
 {
     QFile about(aboutPath(folder));
     if (!about.open(QIODevice::ReadOnly))
         return {};
-    return QJsonDocument::fromJson(about.readAll()).object().value(u"path"_s).toString();
+    const QJsonObject noted = QJsonDocument::fromJson(about.readAll()).object();
+    return {.path = noted.value(u"path"_s).toString(),
+            .identity = noted.value(u"identity"_s).toString().toLatin1()};
 }
 
 } // namespace
@@ -115,16 +123,34 @@ bool Place::make(const QString& inside) const
     if (!QDir(inside).exists() && (!QDir().mkpath(QFileInfo(m_keptFolder).path()) ||
                                    !makeFolder(m_keptFolder) || !makeFolder(m_folder) || !makeFolder(inside)))
         return false;
-    // For whoever finds the folder without the database. Where it could not be written, it is the next time.
-    if (databaseOf(m_folder) == m_database)
-        return true;
-    QSaveFile about(aboutPath(m_folder));
-    if (about.open(QIODevice::WriteOnly)) {
-        about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        about.write(QJsonDocument(QJsonObject{{u"path"_s, m_database}}).toJson());
-        about.commit();
-    }
+    // Where it could not be written, it is the next time.
+    if (notedIn(m_folder).path != m_database)
+        note();
     return true;
+}
+
+QByteArray Place::notedIdentity() const
+{
+    return notedIn(m_folder).identity;
+}
+
+void Place::note() const
+{
+    if (!QDir(m_folder).exists())
+        return;
+    const Noted noted = notedIn(m_folder);
+    // Of a database that is not there at the moment nothing is forgotten.
+    const QByteArray identity = platform::fileIdentity(m_database).value_or(noted.identity);
+    if (noted.path == m_database && noted.identity == identity)
+        return;
+    QSaveFile about(aboutPath(m_folder));
+    if (!about.open(QIODevice::WriteOnly))
+        return;
+    about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    about.write(
+        QJsonDocument(QJsonObject{{u"path"_s, m_database}, {u"identity"_s, QString::fromLatin1(identity)}})
+            .toJson());
+    about.commit();
 }
 
 QStringList databasesIn(const QString& keptFolder)
@@ -133,7 +159,7 @@ QStringList databasesIn(const QString& keptFolder)
     const QFileInfoList folders =
         QDir(keptFolder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QFileInfo& folder : folders) {
-        const QString path = databaseOf(folder.filePath());
+        const QString path = notedIn(folder.filePath()).path;
         // Elsewhere nothing of it would be found again.
         if (!path.isEmpty() && Place(keptFolder, path).folder() == keptFolder + u'/' + folder.fileName())
             databases << path;

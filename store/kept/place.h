@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -29,6 +30,11 @@ public:
     /// Makes the folder of this place and `inside`, one of the above, for this user alone.
     /// False when it cannot be made.
     bool make(const QString& inside) const;
+
+    /// By what the database is known again when it is found elsewhere, as it was noted last; empty: by nothing.
+    QByteArray notedIdentity() const;
+    /// Notes in the folder of this place, if there is one, where the database lies and by what it is known again.
+    void note() const;
 
 private:
     QString m_keptFolder;
