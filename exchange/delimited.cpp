@@ -189,7 +189,12 @@ private:
                        .text = field(fields, Column::Text),
                        .day = dayOf(field(fields, Column::Day)),
                        .identifier = field(fields, Column::Identifier).trimmed(),
-                       .where = where};
+                       .where = where,
+                       .limits = NewDatum::Limits::OfDatabase};
+        const QString day = field(fields, Column::Day).trimmed();
+        if (!day.isEmpty() && !datum.day.isValid())
+            notes.push_back(
+                {.where = where, .text = u"日付「%1」を読み取れないため、使用しません。"_s.arg(day)});
         const QString kindName = field(fields, Column::Kind).trimmed();
         if (!kindName.isEmpty()) {
             datum.kind = nullptr;
@@ -209,10 +214,8 @@ private:
             ++passedOver;
             return;
         }
-        if (datum.text.isEmpty()) { // a term that nobody has defined yet
-            datum.kind = &data_kinds::definition();
-            datum.text = titles::Undefined;
-        }
+        if (datum.text.isEmpty() && datum.kind == &data_kinds::definition())
+            datum.text = titles::Undefined; // a term that nobody has defined yet
         for (const QString& way : splitAt(field(fields, Column::Categories), Separators))
             datum.categories.push_back(wayOfText(way));
         const QString identifier = m_data.add(datum);

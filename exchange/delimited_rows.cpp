@@ -48,6 +48,8 @@ void DelimitedRows::takeUnit(QChar unit)
             m_state = State::QuoteInQuoted;
         else if (m_field.size() < LongestField)
             m_field += unit;
+        else
+            m_wrong = u"長すぎる項目があります。"_s;
         m_line += unit == u'\n' ? 1 : 0;
         return;
     }

@@ -89,11 +89,13 @@ public:
                        .day = note.day.isValid() ? note.day : file.lastModified().date(),
                        .identifier = note.identifier,
                        .where = path};
-        if (note.kind == data_kinds::definition().shortName || note.text.isEmpty())
+        if (note.isOurs)
+            datum.limits = NewDatum::Limits::OfDatabase;
+        if (note.kind == data_kinds::definition().shortName || (note.text.isEmpty() && !note.isOurs))
             datum.kind = &data_kinds::definition();
-        if (datum.text.isEmpty())
-            datum.text =
-                titles::Undefined; // a note that is only a name is a term that nobody has defined yet
+        // A note that is only a name is a term that nobody has defined yet.
+        if (datum.text.isEmpty() && datum.kind == &data_kinds::definition())
+            datum.text = titles::Undefined;
         for (const QString& tag : note.tags)
             datum.categories.push_back(wayOfText(tag));
         QStringList folders = path.split(u'/');

@@ -186,14 +186,45 @@ QStringList NewData::placesOf(const NewDatum& datum)
     return places;
 }
 
+/// Refuses what does not keep within its limits.
+bool NewData::isTaken(const NewDatum& datum)
+{
+    const QString ofWindow = quillon::refusalOf(*datum.kind, {.name = datum.name, .content = datum.text});
+    if (ofWindow.isEmpty())
+        return true;
+    if (datum.limits == NewDatum::Limits::OfWindows) {
+        refuse(datum.where, ofWindow);
+        return false;
+    }
+    const auto& fields = required(m_session.*datum.kind->recordSet).table().fields;
+    const auto isTooLong = [&](int field, const QString& text) {
+        const int width = fields[static_cast<std::size_t>(field)].width;
+        const bool tooLong = width > 0 && text.size() > width;
+        if (tooLong)
+            refuse(datum.where,
+                   u"%1が長すぎます。%2 文字以内でなければ取り込めません。"_s.arg(
+                       field == data_field::Name ? u"名称"_s : u"定義"_s, QString::number(width)));
+        return tooLong;
+    };
+    if (isTooLong(data_field::Name, datum.name) || isTooLong(data_field::Explanation, datum.text))
+        return false;
+    if (datum.name.isEmpty()) {
+        refuse(datum.where, ofWindow);
+        return false;
+    }
+    m_report.notes.push_back({.where = datum.where,
+                              .text = datum.text.isEmpty()
+                                          ? u"内容が空の文献として取り込みました。"_s
+                                          : u"画面で入力できる長さを超えています。"
+                                            u"そのまま取り込みましたが、更新するときは短くしてください。"_s});
+    return true;
+}
+
 QString NewData::add(const NewDatum& datum)
 {
     const DatumTexts texts{.name = datum.name, .content = datum.text};
-    const QString refusal = quillon::refusalOf(*datum.kind, texts);
-    if (!refusal.isEmpty()) {
-        refuse(datum.where, refusal);
+    if (!isTaken(datum))
         return {};
-    }
     if (!m_refused.empty())
         return {}; // nothing of it will be written; the rest is only looked at
     const QStringList places = placesOf(datum);

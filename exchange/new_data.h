@@ -36,6 +36,10 @@ struct NewDatum {
     QString identifier = {};                  // the one it had; it gets it again when it is free
     std::vector<QStringList> categories = {}; // each the names of a way from the top level down
     QString where = {};
+    /// What it may hold. What a person keeps in a table, or has exported, is not to be refused for what a window would
+    /// not take; a window's own rule is told then.
+    enum class Limits { OfWindows, OfDatabase };
+    Limits limits = Limits::OfWindows;
 };
 
 /// Data on their way into the open database, by the rules of the windows. What these would refuse is remembered, and the
@@ -82,6 +86,7 @@ private:
 
     static constexpr std::size_t KindsThatCome = 2; // definitions and documents
 
+    bool isTaken(const NewDatum& datum);
     QString givenTo(const NewDatum& datum);
     QString presentSame(const NewDatum& datum);
     void readPresent();

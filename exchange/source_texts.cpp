@@ -117,6 +117,8 @@ SourceText textOf(const QString& path)
 
 QString addText(NewData& data, NewDatum datum, LongTexts longTexts, std::vector<Note>& notes)
 {
+    if (datum.limits == NewDatum::Limits::OfDatabase)
+        return data.add(datum);
     const TextLimits& limits = datum.kind->limits;
     const qsizetype mostOfName = mostBytes(limits.name);
     const QString whole = onOneLine(datum.name);

@@ -39,7 +39,7 @@ struct SourceText {
 SourceText textOf(const QString& path);
 
 /// Adds a datum that was a file: its name is brought on one line and cut to what a name may be, which is told. A text
-/// that is too long is treated as is said. Returns the identifier of the datum, of the first one of several; nothing
+/// that is too long is treated as is said. One with the limits of the database stays as it is. Returns the identifier of the datum, of the first one of several; nothing
 /// when it is refused.
 QString addText(NewData& data, NewDatum datum, LongTexts longTexts, std::vector<Note>& notes);
 

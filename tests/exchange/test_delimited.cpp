@@ -171,17 +171,42 @@ private Q_SLOTS:
               u"\"x\"y,,,\n"
               u"種,x,其他,\n"
               u"文,x,文献,\n"
-              u"閉,\"じ"_s.arg(QString(127, u'あ')));
-        QVERIFY(compareText(refusal(),
-                            u"取り込めないものが 6 件あるため、何も書き込みませんでした。\n"
-                            u"3 行目: 定義が最大入力値を超えています。最大入力値は全角127文字です。\n"
-                            u"4 行目: 必須項目が入力されていません。\n"
-                            u"5 行目: 列の数が見出しと違います (1 列、見出しは 4 列)。\n"
-                            u"6 行目: 閉じた引用符の後に文字があります。\n"
-                            u"7 行目: 種別「其他」はありません。\n"
-                            u"9 行目: 引用符が閉じていません。"_s));
+              u"閉,\"じ"_s.arg(QString(256, u'あ')));
+        QVERIFY(compareText(refusal(), u"取り込めないものが 6 件あるため、何も書き込みませんでした。\n"
+                                       u"3 行目: 定義が長すぎます。255 文字以内でなければ取り込めません。\n"
+                                       u"4 行目: 必須項目が入力されていません。\n"
+                                       u"5 行目: 列の数が見出しと違います (1 列、見出しは 4 列)。\n"
+                                       u"6 行目: 閉じた引用符の後に文字があります。\n"
+                                       u"7 行目: 種別「其他」はありません。\n"
+                                       u"9 行目: 引用符が閉じていません。"_s));
         QCOMPARE(definitions(), QStringList());
         QCOMPARE(TestWorld::rowsOf(world->session.RsCategoryID), QStringList());
+    }
+
+    void whatOnlyAWindowWouldRefuseComesInAndIsTold()
+    {
+        const QString name(50, u'水');
+        const QString text(255, u'あ');
+        write(u"識別符号,名称,定義,種別\n,%1,x,\n,文,%2,\n,空,,文献\n,語,,\n"_s.arg(name, text));
+        const ImportReport report = importIt();
+        QCOMPARE(definitions(), QStringList({name + u"|M-991231-001|x"_s, u"文|M-991231-002|"_s + text,
+                                             u"語|M-991231-003|未定義"_s}));
+        QCOMPARE(TestWorld::rowsOf(world->session.RsRefDoc), QStringList(u"空|R-991231-001|"_s));
+        const QString told = u"画面で入力できる長さを超えています。"
+                             u"そのまま取り込みましたが、更新するときは短くしてください。"_s;
+        QVERIFY(compareText(textsOf(report), u"2 行目: "_s + told + u"\n3 行目: "_s + told +
+                                                 u"\n4 行目: 内容が空の文献として取り込みました。"_s));
+        QCOMPARE(importIt().skipped, 4);
+        write(u"名称\n%1\n"_s.arg(QString(51, u'水')));
+        QVERIFY(compareText(refusal(), u"取り込めないものが 1 件あるため、何も書き込みませんでした。\n"
+                                       u"2 行目: 名称が長すぎます。50 文字以内でなければ取り込めません。"_s));
+    }
+
+    void fieldThatNeverEndsIsNotCut()
+    {
+        write(u"名称,定義,種別\n長,\"%1\",文献\n"_s.arg(QString(4'000'001, u'x')));
+        QVERIFY(compareText(refusal(), u"取り込めないものが 1 件あるため、何も書き込みませんでした。\n"
+                                       u"2 行目: 長すぎる項目があります。"_s));
     }
 
     void headingsHaveToBeThere_data()
@@ -231,6 +256,7 @@ private Q_SLOTS:
                  QStringList({u"M-240229-001"_s, u"M-240301-001"_s, u"M-010203-004"_s, u"M-010203-001"_s,
                               u"M-991231-001"_s, u"M-241203-001"_s, u"M-231231-001"_s}));
         QCOMPARE(report.renamed, 1);
+        QVERIFY(compareText(textsOf(report), u"6 行目: 日付「昨日」を読み取れないため、使用しません。"_s));
     }
 
     void kindIsThatOfItsColumn()

@@ -169,6 +169,24 @@ private Q_SLOTS:
         }
     }
 
+    void whatNoWindowWouldTakeComesBackTheSame()
+    {
+        const QString name(50, u'水');
+        TestWorld::addRow(world->session.RsMain, {name, Water, QString(255, u'あ')});
+        TestWorld::addRow(world->session.RsMain, {u"二\n行"_s, u"M-991231-002"_s, u"x"_s});
+        TestWorld::addRow(world->session.RsRefDoc, {u"空"_s, River, u""_s});
+        exportMarkdown(world->session, notes());
+        const QStringList definitions = TestWorld::rowsOf(world->session.RsMain);
+        world->session.RsMain->deleteEveryRow();
+        world->session.RsRefDoc->deleteEveryRow();
+        const ImportReport report = importIt();
+        QStringList now = TestWorld::rowsOf(world->session.RsMain);
+        std::reverse(now.begin(), now.end()); // they come in the order of the names of their files
+        QCOMPARE(now, definitions);
+        QCOMPARE(documents(), QStringList(u"空|R-991231-001|"_s));
+        QCOMPARE(report.notes.size(), 2U);
+    }
+
     void titlesTextsLinksAndTagsOfNotes()
     {
         write(
