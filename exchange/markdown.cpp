@@ -15,6 +15,9 @@
 #include <QFileInfo>
 #include <QHash>
 
+#include <algorithm>
+#include <vector>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::exchange
@@ -37,29 +40,56 @@ public:
     void add(const QString& path, const QString& title, const QString& identifier)
     {
         const QString name = path.chopped(EndingOfNotes.size());
-        const QString base = name.section(u'/', -1);
-        for (const auto& [names, key] : {std::pair{&m_paths, name}, {&m_bases, base}, {&m_titles, title}}) {
-            if (!names->contains(key.toCaseFolded()))
-                names->insert(key.toCaseFolded(), identifier);
-        }
+        for (const auto& [names, key] :
+             {std::pair{&m_paths, name}, {&m_bases, name.section(u'/', -1)}, {&m_titles, title}})
+            (*names)[key.toCaseFolded()].push_back({.name = key, .identifier = identifier});
     }
-    /// `from`: the path of the note with the link; nothing when there is no such note.
-    QString find(const QString& target, const QString& from) const
+
+    struct Found {
+        QString identifier; // empty: there is no such note
+        bool isOneOfSeveral = false;
+    };
+    /// `from`: the path of the note with the link.
+    Found find(const QString& target, const QString& from) const
     {
         const QString beside = QDir::cleanPath(QFileInfo(from).path() + u'/' + target);
         for (const auto& [names, key] :
              {std::pair{&m_paths, beside}, {&m_paths, target}, {&m_bases, target}, {&m_titles, target}}) {
-            const QString identifier = names->value(key.toCaseFolded());
-            if (!identifier.isEmpty())
-                return identifier;
+            const auto bearers = names->constFind(key.toCaseFolded());
+            if (bearers != names->cend())
+                return oneOf(*bearers, key);
         }
         return {};
     }
 
 private:
-    QHash<QString, QString> m_paths;
-    QHash<QString, QString> m_bases;
-    QHash<QString, QString> m_titles;
+    struct Bearer {
+        QString name;
+        QString identifier;
+    };
+    using Names = QHash<QString, QList<Bearer>>;
+
+    /// Large and small letters are the same, unless it is just they that tell two notes apart.
+    static Found oneOf(const QList<Bearer>& bearers, const QString& name)
+    {
+        Found found;
+        for (const bool isExact : {true, false}) {
+            for (const Bearer& bearer : bearers) {
+                if (isExact && bearer.name != name)
+                    continue;
+                if (found.identifier.isEmpty())
+                    found.identifier = bearer.identifier;
+                found.isOneOfSeveral = found.isOneOfSeveral || bearer.identifier != found.identifier;
+            }
+            if (!found.identifier.isEmpty())
+                break;
+        }
+        return found;
+    }
+
+    Names m_paths;
+    Names m_bases;
+    Names m_titles;
 };
 
 class MarkdownImport
@@ -79,7 +109,9 @@ public:
             return;
         }
         const MarkdownNote note = readMarkdown(*source);
-        if (note.kind == data_kinds::file().shortName) {
+        for (const QString& key : note.unknown)
+            tellUnknown(key, path);
+        if (note.isOurs && note.kind == data_kinds::file().shortName) {
             passOver(path, u"ファイルデータは取り込みませんでした。ファイルを登録し直してください。"_s);
             return;
         }
@@ -103,8 +135,10 @@ public:
         if (note.tags.isEmpty() && !folders.isEmpty())
             datum.categories.push_back(folders);
         const QString identifier = addText(m_data, datum, m_options.longTexts, notes);
+        if (identifier.isEmpty())
+            return;
         m_names.add(path, datum.name, identifier);
-        if (!identifier.isEmpty() && !note.links.isEmpty())
+        if (!note.links.isEmpty())
             m_links.push_back({.from = identifier, .path = path, .targets = note.links});
     }
 
@@ -112,19 +146,46 @@ public:
     {
         for (const Links& links : m_links) {
             for (const QString& target : links.targets) {
-                const QString to = m_names.find(target, links.path);
-                if (to.isEmpty())
+                const NoteNames::Found found = m_names.find(target, links.path);
+                if (found.isOneOfSeveral)
+                    m_data.tellOneOfSeveral(target, found.identifier, links.path);
+                if (found.identifier.isEmpty())
                     m_data.linkLater(links.from, target.section(u'/', -1), links.path);
                 else
-                    m_data.link(links.from, to);
+                    m_data.link(links.from, found.identifier);
             }
         }
+    }
+
+    /// Notes have such things by the thousand: told once each.
+    void tellUnknown()
+    {
+        for (const Unknown& unknown : m_unknown)
+            notes.push_back(
+                {.where = unknown.firstPath,
+                 .text = u"見出し部の「%1」は、内容の初めに入れました (%2 件)。"_s.arg(unknown.key)
+                             .arg(unknown.count)});
     }
 
     std::vector<Note> notes;
     qint64 passedOver = 0;
 
 private:
+    /// What the heads of notes tell that means nothing here.
+    struct Unknown {
+        QString key;
+        QString firstPath;
+        qint64 count = 0;
+    };
+    void tellUnknown(const QString& key, const QString& path)
+    {
+        auto known = std::find_if(m_unknown.begin(), m_unknown.end(),
+                                  [&](const Unknown& unknown) { return unknown.key == key; });
+        if (known == m_unknown.end())
+            known = m_unknown.insert(known, {.key = key, .firstPath = path});
+        ++known->count;
+    }
+
     struct Links {
         QString from;
         QString path;
@@ -142,6 +203,7 @@ private:
     TextImportOptions m_options;
     NoteNames m_names;
     std::vector<Links> m_links;
+    std::vector<Unknown> m_unknown;
 };
 
 } // namespace
@@ -201,6 +263,7 @@ ImportReport importMarkdown(Session& session, const QString& folder, const TextI
             advance(progress, ++done, paths.size());
         }
         import.link();
+        import.tellUnknown();
         notes = std::move(import.notes);
         passedOver = import.passedOver;
     });

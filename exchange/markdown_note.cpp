@@ -2,11 +2,14 @@
 
 #include "exchange/json_text.h"
 #include "exchange/separated.h"
+#include "store/data_kinds.h"
+#include "store/lookup/identifier_pages.h"
 
 #include <QRegularExpression>
 #include <QUrl>
 
 #include <algorithm>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -70,51 +73,109 @@ void takeTag(MarkdownNote& note, QString tag)
         note.tags << tag;
 }
 
-void takeValue(MarkdownNote& note, const QString& key, const QString& value)
+/// What the head of a note tells under one name, with the lines that tell it.
+struct HeadEntry {
+    QString key;
+    QString value;
+    QStringList items; // of a list that goes on line by line
+    QStringList lines;
+};
+
+/// The short name of a kind. A "FILE" of others is anything; one of ours has its identifier before it.
+bool isKindOf(const MarkdownNote& note, const QString& name)
 {
-    if (key == u"title")
-        note.title = valueOf(value);
-    else if (key == u"identifier")
-        note.identifier = valueOf(value);
-    else if (key == u"kind")
-        note.kind = valueOf(value);
-    else if (key == u"date" || key == u"created")
-        note.day = dayOfHead(valueOf(value));
-    else if (key == u"tags" || key == u"tag") {
-        for (const QString& tag : valuesOf(value))
-            takeTag(note, tag);
-    }
+    const auto& kinds = data_kinds::all();
+    return std::any_of(kinds.begin(), kinds.end(), [&](const DataKind& kind) {
+        return kind.shortName == name && (&kind != &data_kinds::file() || !note.identifier.isEmpty());
+    });
 }
 
-/// Reads the head of a note and returns what follows it.
-QString takeHead(MarkdownNote& note, const QString& source)
+/// Splits the lines of a head.
+std::vector<HeadEntry> entriesOf(const QStringList& lines)
+{
+    std::vector<HeadEntry> entries;
+    for (const QString& line : lines) {
+        const QString item = line.trimmed();
+        if (item.isEmpty())
+            continue;
+        const qsizetype colon = line.indexOf(u':');
+        const bool isItem = item.startsWith(u"- ");
+        if (colon > 0 && !line.front().isSpace() && !isItem) {
+            entries.push_back({.key = line.first(colon).trimmed().toLower(),
+                               .value = line.sliced(colon + 1).trimmed(),
+                               .items = {},
+                               .lines = {line}});
+            continue;
+        }
+        if (entries.empty())
+            entries.push_back({.key = item, .value = {}, .items = {}, .lines = {}});
+        HeadEntry& entry = entries.back();
+        entry.lines << line;
+        if (isItem)
+            entry.items << item.sliced(2);
+        else if (entry.value.startsWith(u'[') && !entry.value.endsWith(u']'))
+            entry.value += u' ' + item;
+        else
+            entry.items << QString(); // what this may be nobody knows
+    }
+    return entries;
+}
+
+/// Takes over what an entry tells; false when it means nothing here.
+bool takeEntry(MarkdownNote& note, const HeadEntry& entry)
+{
+    if (entry.key == u"tags" || entry.key == u"tag") {
+        for (const QString& tag : valuesOf(entry.value) + entry.items)
+            takeTag(note, valueOf(tag));
+        return !entry.items.contains(QString());
+    }
+    if (!entry.items.isEmpty())
+        return false;
+    const QString value = valueOf(entry.value);
+    if (entry.key == u"title") {
+        note.title = value;
+    } else if (entry.key == u"identifier" && identifierNumber(value)) {
+        note.identifier = value;
+    } else if (entry.key == u"kind" && isKindOf(note, value)) {
+        note.kind = value;
+    } else if (entry.key == u"date" || entry.key == u"created") {
+        note.day = dayOfHead(value);
+        return note.day.isValid() || value.isEmpty();
+    } else {
+        return value.isEmpty();
+    }
+    return true;
+}
+
+struct SplitNote {
+    QString unknown; // the lines of the head that mean nothing here
+    QString body;
+};
+
+/// Reads the head of a note.
+SplitNote takeHead(MarkdownNote& note, const QString& source)
 {
     const QStringList lines = source.split(u'\n');
     const auto lineAt = [&](qsizetype i) {
         return lines[i].endsWith(u'\r') ? lines[i].chopped(1) : lines[i];
     };
     if (lineAt(0) != Fence)
-        return source;
+        return {.unknown = {}, .body = source};
+    QStringList head;
     qsizetype end = 1;
     while (end < lines.size() && lineAt(end) != Fence)
-        ++end;
+        head << lineAt(end++);
     if (end == lines.size())
-        return source; // a ruled line, and no head
-    QString key;
-    for (qsizetype i = 1; i < end; ++i) {
-        const QString line = lineAt(i);
-        const QString item = line.trimmed();
-        if (item.startsWith(u"- ") && (key == u"tags" || key == u"tag")) {
-            takeTag(note, valueOf(item.sliced(2)));
+        return {.unknown = {}, .body = source}; // a ruled line, and no head
+    SplitNote split{.unknown = {}, .body = QStringList(lines.sliced(end + 1)).join(u'\n')};
+    for (const HeadEntry& entry : entriesOf(head)) {
+        if (takeEntry(note, entry))
             continue;
-        }
-        const qsizetype colon = line.indexOf(u':');
-        if (colon <= 0 || line.front().isSpace())
-            continue;
-        key = line.first(colon).trimmed().toLower();
-        takeValue(note, key, line.sliced(colon + 1));
+        split.unknown += entry.lines.join(u'\n') + u'\n';
+        if (!note.unknown.contains(entry.key))
+            note.unknown << entry.key;
     }
-    return QStringList(lines.sliced(end + 1)).join(u'\n');
+    return split;
 }
 
 /// Takes the links off the end of a note of ours.
@@ -185,21 +246,22 @@ QString takeTitle(MarkdownNote& note, const QString& text)
 MarkdownNote readMarkdown(const QString& source)
 {
     MarkdownNote note;
-    QString body = takeHead(note, source);
-    note.isOurs = !note.identifier.isEmpty();
+    auto [unknown, body] = takeHead(note, source);
+    note.isOurs = !note.identifier.isEmpty() && !note.kind.isEmpty();
     if (note.isOurs) {
         note.text = takeLinks(note, body.startsWith(u'\n') ? body.sliced(1) : body);
-        return note;
+    } else {
+        while (body.startsWith(u'\n') || body.startsWith(u'\r'))
+            body.remove(0, 1);
+        body = takeTitle(note, body);
+        while (body.endsWith(u'\n') || body.endsWith(u'\r'))
+            body.chop(1);
+        note.text = body;
+        findLinks(note, unknown + withoutCode(body));
+        findTags(note, withoutCode(body));
     }
-    while (body.startsWith(u'\n') || body.startsWith(u'\r'))
-        body.remove(0, 1);
-    body = takeTitle(note, body);
-    while (body.endsWith(u'\n') || body.endsWith(u'\r'))
-        body.chop(1);
-    note.text = body;
-    const QString plainText = withoutCode(body);
-    findLinks(note, plainText);
-    findTags(note, plainText);
+    if (!unknown.isEmpty())
+        note.text = note.text.isEmpty() ? unknown.chopped(1) : unknown + u'\n' + note.text;
     return note;
 }
 

@@ -11,7 +11,7 @@ namespace quillon::exchange
 
 /// A file of Markdown with a head between two lines of "---", as notes have it.
 struct MarkdownNote {
-    bool isOurs = false; // its head tells an identifier: then nothing is guessed
+    bool isOurs = false; // its head tells an identifier and a kind of ours: then nothing is guessed
     QString title = {};  // empty: that of the file
     QString identifier = {};
     QString kind = {}; // the short name of one
@@ -19,6 +19,8 @@ struct MarkdownNote {
     QString text = {};
     QStringList tags = {};  // each a way of names
     QStringList links = {}; // what the note leads to: a title, or a path of the folder without its ending
+    QStringList unknown =
+        {}; // what the head tells besides, each once; all that stands at the beginning of the text
 };
 
 /// Reads a note.

@@ -265,6 +265,13 @@ void NewData::link(const QString& from, const QString& to)
     ++m_report.linked;
 }
 
+void NewData::tellOneOfSeveral(const QString& target, const QString& identifier, const QString& where)
+{
+    m_report.notes.push_back(
+        {.where = where,
+         .text = u"「%1」という名称のデータが複数あるため、%2 とリンクしました。"_s.arg(target, identifier)});
+}
+
 /// The identifiers of data that bear one of these names: of those that have come in, else of others.
 QHash<QString, QString> NewData::identifiersOf(const QSet<QString>& names, QSet<QString>& ambiguous)
 {
@@ -311,10 +318,7 @@ void NewData::finish()
         if (to.isEmpty()) {
             to = named.value(later.target);
             if (ambiguous.contains(later.target))
-                m_report.notes.push_back(
-                    {.where = later.where,
-                     .text = u"「%1」という名称のデータが複数あるため、%2 とリンクしました。"_s.arg(
-                         later.target, to)});
+                tellOneOfSeveral(later.target, to, later.where);
         }
         if (to.isEmpty())
             m_report.notes.push_back(

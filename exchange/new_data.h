@@ -60,6 +60,8 @@ public:
     void linkLater(const QString& identifier, const QString& target, const QString& where);
     /// Links two data.
     void link(const QString& from, const QString& to);
+    /// Tells that a link could have led to several data.
+    void tellOneOfSeveral(const QString& target, const QString& identifier, const QString& where);
     /// Refuses a part of what comes in, and with it everything.
     void refuse(const QString& where, const QString& text);
     /// Links what is to be linked. Throws `Refused` when anything has been refused.

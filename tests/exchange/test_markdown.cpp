@@ -216,6 +216,58 @@ private Q_SLOTS:
         QCOMPARE(report.filed, 4);
     }
 
+    void whatAHeadTellsBesidesIsKeptAndTold()
+    {
+        write(u"a.md"_s, u"---\ntitle: 水\nauthor: 山田\naliases:\n  - みず\nrelated: \"[[b]]\"\nempty:\n"
+                         u"date: 昨日\ntags: [自然,\n  地形]\n---\n流れる\n"_s);
+        write(u"b.md"_s, u"---\nauthor: 川田\n---\n"_s);
+        const ImportReport report = importIt();
+        QCOMPARE(
+            namesAndTexts(),
+            QStringList({u"水|author: 山田\naliases:\n  - みず\nrelated: \"[[b]]\"\ndate: 昨日\n\n流れる"_s,
+                         u"b|author: 川田"_s}));
+        QCOMPARE(linkedNames(), QStringList(u"水 - b"_s));
+        QCOMPARE(TestWorld::rowsOf(world->session.RsCategoryID), QStringList({u"A|自然"_s, u"B|地形"_s}));
+        QVERIFY(compareText(textsOf(report),
+                            u"a.md: 見出し部の「author」は、内容の初めに入れました (2 件)。\n"
+                            u"a.md: 見出し部の「aliases」は、内容の初めに入れました (1 件)。\n"
+                            u"a.md: 見出し部の「related」は、内容の初めに入れました (1 件)。\n"
+                            u"a.md: 見出し部の「date」は、内容の初めに入れました (1 件)。"_s));
+    }
+
+    void identifierOfOthersIsNoneOfOurs()
+    {
+        write(u"a.md"_s, u"---\nidentifier: 10.1000/182\nkind: FILE\n---\n# 水\n\n[[b]] #自然\n"_s);
+        write(u"b.md"_s, u"---\nidentifier: M-991231-001\n---\n# 川\n\n[[水]]\n"_s);
+        QCOMPARE(importIt().added, 2);
+        QCOMPARE(namesAndTexts(),
+                 QStringList({u"水|identifier: 10.1000/182\nkind: FILE\n\n[[b]] #自然"_s, u"川|[[水]]"_s}));
+        QCOMPARE(linkedNames(), QStringList(u"水 - 川"_s));
+        QCOMPARE(TestWorld::rowsOf(world->session.RsCategoryID), QStringList(u"A|自然"_s));
+    }
+
+    void ofSeveralNotesOfOneTitleEachCanBeLedTo()
+    {
+        write(u"a.md"_s, u"---\ntitle: 水\n---\n一"_s);
+        write(u"sub/b.md"_s, u"---\ntitle: 水\n---\n二"_s);
+        write(u"C.md"_s, u"大"_s);
+        write(u"c.md"_s, u"小"_s);
+        write(u"x.md"_s, u"[[水]] [[sub/b]] [[C]] [[c]]"_s);
+        const ImportReport report = importIt();
+        QStringList linked = TestWorld::rowsOf(world->session.RsLink);
+        QCOMPARE(linked.size(), 4);
+        linked.removeDuplicates();
+        QCOMPARE(linked.size(), 4);
+        QString first;
+        for (const QString& row : documents()) {
+            if (row.endsWith(u"|一"))
+                first = row.section(u'|', 1, 1);
+        }
+        QVERIFY(
+            compareText(textsOf(report),
+                        u"x.md: 「水」という名称のデータが複数あるため、%1 とリンクしました。"_s.arg(first)));
+    }
+
     void linksToWhatIsThereAlready()
     {
         TestWorld::addRow(world->session.RsMain, {u"水"_s, Water, u"H2O"_s});
@@ -239,7 +291,7 @@ private Q_SLOTS:
     void whatIsNoNoteIsPassedOverAndTold()
     {
         writeContent(notes() + u"/a.md"_s, QByteArray("\x89\0\xFF", 3));
-        write(u"b.md"_s, u"---\nkind: FILE\n---\n"_s);
+        write(u"b.md"_s, u"---\nidentifier: F-991231-001\nkind: FILE\n---\n"_s);
         const ImportReport report = importIt();
         QCOMPARE(report.skipped, 2);
         QVERIFY(
