@@ -1,4 +1,5 @@
 #include "core/checking.h"
+#include "core/kept_place.h"
 
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
@@ -7,7 +8,6 @@
 #include "app/base/titles.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
-#include "store/keeper.h"
 #include "store/kept/copies.h"
 #include "store/lookup/identifier_set.h"
 #include "store/record_set.h"
@@ -297,15 +297,15 @@ QString copyBeside(const Session& session)
 
 QString copyBefore(const Session& session)
 {
-    if (session.keeper == nullptr)
+    const std::optional<kept::Place> place = keptPlace(session, session.OpenDb->path());
+    if (!place)
         return copyBeside(session);
-    const kept::Place place(session.keeper->keptFolder(), session.OpenDb->path());
-    kept::makeCopy({.place = place,
+    kept::makeCopy({.place = *place,
                     .fileFolder = session.inCurrentFolder(titles::FileFolder),
                     .now = [&] { return session.clock.now(); },
                     .goesOn = [] { return true; }});
     // When the database is as it was for the last one, that is the copy.
-    const auto copies = kept::listCopies(place);
+    const auto copies = kept::listCopies(*place);
     if (copies.empty())
         throw Error(errors::PathFileAccess);
     return copies.front().path;

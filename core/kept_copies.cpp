@@ -4,7 +4,7 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
-#include "store/keeper.h"
+#include "core/kept_place.h"
 #include "store/kept/file_contents.h"
 #include "store/session.h"
 
@@ -21,11 +21,11 @@ namespace quillon
 std::vector<KeptDatabase> ListKeptDatabases(Session& session)
 {
     std::vector<KeptDatabase> databases;
-    if (session.keeper == nullptr)
+    const auto folder = session.keeper != nullptr ? session.keeper->keptFolder() : std::nullopt;
+    if (!folder)
         return databases;
-    const QString folder = session.keeper->keptFolder();
-    for (const QString& path : kept::databasesIn(folder)) {
-        const kept::Place place(folder, path);
+    for (const QString& path : kept::databasesIn(*folder)) {
+        const kept::Place place(*folder, path);
         KeptDatabase database{.path = path, .copied = {}, .changed = {}};
         const std::vector<kept::Copy> copies = kept::listCopies(place);
         if (!copies.empty())
@@ -48,9 +48,8 @@ std::vector<KeptDatabase> ListKeptDatabases(Session& session)
 
 std::vector<kept::Copy> ListCopies(Session& session, const QString& database)
 {
-    if (session.keeper == nullptr)
-        return {};
-    return kept::listCopies(kept::Place(session.keeper->keptFolder(), database));
+    const std::optional<kept::Place> place = keptPlace(session, database);
+    return place ? kept::listCopies(*place) : std::vector<kept::Copy>();
 }
 
 namespace
@@ -61,9 +60,10 @@ TakenOutFiles takeOutFiles(Session& session, const kept::Copy& copy, const QStri
 {
     TakenOutFiles files;
     guarded(session.reporting, u"TakeOutFiles"_s, [&] {
-        if (session.keeper == nullptr)
+        const std::optional<kept::Place> place = keptPlace(session, copy.database);
+        if (!place)
             throw Error(errors::ObjectNotSet);
-        const kept::FileContents contents(kept::Place(session.keeper->keptFolder(), copy.database));
+        const kept::FileContents contents(*place);
         for (const kept::CopiedFile& file : copy.files) {
             // What is written down could be anything by now.
             if (!platform::isBareName(file.name))

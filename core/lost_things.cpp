@@ -3,11 +3,11 @@
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
+#include "core/kept_place.h"
 #include "core/present_things.h"
 #include "core/whereabouts.h"
 #include "store/data_kinds.h"
 #include "store/database.h"
-#include "store/keeper.h"
 #include "store/kept/file_contents.h"
 #include "store/record_set.h"
 #include "store/session.h"
@@ -160,8 +160,8 @@ LostThings::LostThings(Session& session) : LostThings(session, pathOfOpen(sessio
 
 LostThings::LostThings(Session& session, const QString& database) : m_session(session)
 {
-    if (session.keeper != nullptr)
-        m_kept = std::make_unique<Kept>(session, kept::Place(session.keeper->keptFolder(), database));
+    if (const std::optional<kept::Place> place = keptPlace(session, database))
+        m_kept = std::make_unique<Kept>(session, *place);
 }
 
 LostThings::~LostThings() = default;
@@ -182,12 +182,12 @@ kept::History& LostThings::history() const
 
 bool LostThings::isOfOpenDatabase() const
 {
-    if (!m_kept || !m_session.OpenDb || m_session.keeper == nullptr)
+    if (!m_kept || !m_session.OpenDb)
         return false;
     const QString& open = m_session.OpenDb->path();
     if (m_comparedPath != open) {
-        m_isOfComparedPath =
-            kept::Place(m_session.keeper->keptFolder(), open).folder() == m_kept->place.folder();
+        const std::optional<kept::Place> place = keptPlace(m_session, open);
+        m_isOfComparedPath = place && place->folder() == m_kept->place.folder();
         m_comparedPath = open;
     }
     return m_isOfComparedPath;

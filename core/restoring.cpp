@@ -113,7 +113,7 @@ class PuttingBack
 public:
     PuttingBack(Session& session, const LostThings& things, std::size_t number)
         : m_session(session), m_history(historyOfOpen(session, things)), m_event(things.event(number)),
-          m_whereabouts(things.place(), m_history), m_present(session, m_whereabouts)
+          m_place(things.place()), m_whereabouts(m_place, m_history), m_present(session, m_whereabouts)
     {
     }
 
@@ -376,8 +376,7 @@ private:
         if (keeper == nullptr)
             throw Error(errors::ObjectNotSet);
         const kept::FormerFile former = m_history.file(m_event);
-        const kept::FileContents contents(
-            kept::Place(keeper->keptFolder(), required(m_session.RsRefFile).database().path()));
+        const kept::FileContents contents(m_place);
         const std::optional<QString> content = contents.find(former.hash);
         if (!content)
             throw Error(errors::FileNotFound,
@@ -426,6 +425,7 @@ private:
     Session& m_session;
     History& m_history;
     Event m_event;
+    kept::Place m_place;
     Whereabouts m_whereabouts;
     PresentThings m_present;
     std::vector<kept::OwedRelation> m_owed;

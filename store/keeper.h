@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace quillon
 {
@@ -45,8 +46,8 @@ public:
     /// Something that was deleted is there again.
     virtual void isBack(const kept::PutBackNote& note) = 0;
 
-    /// Where everything is kept, for all databases.
-    virtual QString keptFolder() const = 0;
+    /// Where everything is kept, for all databases; nothing when nothing is.
+    virtual std::optional<QString> keptFolder() const = 0;
 };
 
 } // namespace quillon

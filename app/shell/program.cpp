@@ -30,15 +30,13 @@ Program::Program(const Ports& ports, const QString& currentFolder)
     : m_session({ports.dialogs, ports.eventLog, ports.clock, ports.desktop, ports.files, m_windows},
                 currentFolder)
 {
-    if (ports.keptFolder) {
-        m_keeping = std::make_unique<kept::Keeping>(
-            m_session.reporting,
-            kept::KeepingOrder{.keptFolder = *ports.keptFolder,
-                               .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
-                               .copies = ports.copies,
-                               .onDamage = [this](const kept::Damage& damage) { tellDamage(damage); }});
-        m_session.keeper = m_keeping.get();
-    }
+    m_keeping = std::make_unique<kept::Keeping>(
+        m_session.reporting,
+        kept::KeepingOrder{.keptFolder = ports.keptFolder,
+                           .fileFolder = m_session.inCurrentFolder(titles::FileFolder),
+                           .copies = ports.copies,
+                           .onDamage = [this](const kept::Damage& damage) { tellDamage(damage); }});
+    m_session.keeper = m_keeping.get();
     registerWindows();
 }
 
@@ -50,8 +48,7 @@ Program::~Program()
     for (auto loaded = m_windows.loaded(); !loaded.empty(); loaded = m_windows.loaded())
         delete loaded.back();
     // The person sees nothing of the program any more; the last copy may take its time, within bounds.
-    if (m_keeping)
-        m_keeping->finish();
+    m_keeping->finish();
 }
 
 void Program::registerWindows()
@@ -74,17 +71,24 @@ void Program::registerWindows()
 
 void Program::tellDamage(const kept::Damage& damage)
 {
-    // The window to take things back says itself what has become of a database.
-    if (m_mainWindow == nullptr)
+    FormWindow* window = m_mainWindow;
+    if (window == nullptr)
+        window = m_restoreWindow;
+    if (window == nullptr)
         return;
     // Nobody else is to wait while a person reads, who reads one box after the other.
     const bool holdsLock = m_session.OpenDb && m_session.OpenDb->connection().holdsLock();
     if (holdsLock || QApplication::activeModalWidget() != nullptr) {
         constexpr int Later = 200; // milliseconds
-        QTimer::singleShot(Later, m_mainWindow, [this, damage] { tellDamage(damage); });
+        QTimer::singleShot(Later, window, [this, damage] { tellDamage(damage); });
         return;
     }
-    handleEvent(m_session.reporting, u"Damage"_s, [&] { TellDamage(m_session, damage); });
+    handleEvent(m_session.reporting, u"Damage"_s, [&] {
+        if (m_mainWindow != nullptr)
+            TellDamage(m_session, damage);
+        else
+            m_restoreWindow->tellDamage(damage);
+    });
 }
 
 frmMainMenu& Program::mainWindow()

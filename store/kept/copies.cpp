@@ -194,22 +194,29 @@ public:
                                  m_known[0].databaseModified == m_copy.databaseModified;
         if (isUnchanged && m_order.inspection == Inspection::WhenChanged)
             return CopyOutcome::Unchanged;
-        if (!m_order.place.make(m_order.place.copies()))
-            throw Error(errors::PathFileAccess,
-                        u"控えのフォルダ「%1」を作成できません。"_s.arg(m_order.place.copies()));
-        const QString beside = u"%1/.new-%2-%3"_s.arg(
-            m_order.place.copies(), QString::number(QCoreApplication::applicationPid()),
-            QString::number(QRandomGenerator::global()->generate64(), 16));
+        std::optional<QTemporaryDir> whileLooking; // nobody else sees into it
+        if (m_order.onlyLooks)
+            whileLooking.emplace(QDir::tempPath() + u"/quillon-XXXXXX"_s);
+        const QString folder = whileLooking ? whileLooking->path() : m_order.place.copies();
+        if (whileLooking ? !whileLooking->isValid() : !m_order.place.make(folder))
+            throw Error(errors::PathFileAccess, u"控えのフォルダ「%1」を作成できません。"_s.arg(folder));
+        const QString beside =
+            u"%1/.new-%2-%3"_s.arg(folder, QString::number(QCoreApplication::applicationPid()),
+                                   QString::number(QRandomGenerator::global()->generate64(), 16));
         sqlite::Backup backup(m_order.place.database(), beside);
         if (!copyPages(backup))
             return CopyOutcome::Stopped;
-        DiskWork diskWork(beside);
+        std::optional<DiskWork> diskWork;
+        if (!m_order.onlyLooks)
+            diskWork.emplace(beside);
         backup.setGoesOn(m_order.goesOn);
         if (!inspect(backup))
             return CopyOutcome::Stopped;
+        if (!diskWork)
+            return CopyOutcome::Looked;
         if (isUnchanged)
             return CopyOutcome::Unchanged; // and whole
-        m_copy.sum = diskWork.finish();
+        m_copy.sum = diskWork->finish();
         if (!m_order.goesOn())
             return CopyOutcome::Stopped;
         backup.keep();
@@ -275,7 +282,8 @@ private:
                 m_copy.counts.insert(table->name, rows);
                 m_copy.rows += rows;
             }
-            keepFiles(backup);
+            if (!m_order.onlyLooks)
+                keepFiles(backup);
         } catch (const Error&) {
             if (!m_order.goesOn())
                 return false;

@@ -61,9 +61,10 @@ struct CopyOrder {
     int mostBeginnings = 50;          // every write of others makes it begin anew; so often it may
     std::function<void()> pause = {}; // now and then between two steps
     Inspection inspection = Inspection::WhenChanged;
+    bool onlyLooks = false; // the copy is for looking at the database, and is gone with that; nothing is kept
 };
 
-enum class CopyOutcome { Made, Unchanged, Stopped };
+enum class CopyOutcome { Made, Unchanged, Looked, Stopped };
 
 /// Makes a copy of the database of a place, checks it and puts it among the others, of which some may go for it. None
 /// is made when the database is as it was for the last one. Errors: what stands in the way, and 3343 when the database is

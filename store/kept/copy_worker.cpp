@@ -15,9 +15,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon::kept
 {
 
-CopyWorker::CopyWorker(Place place, QString fileFolder, const CopyTimes& times, DamageListener onDamage)
+CopyWorker::CopyWorker(Place place, QString fileFolder, const std::optional<CopyTimes>& times,
+                       DamageListener onDamage, std::function<void()> onFailure)
     : m_place(std::move(place)), m_fileFolder(std::move(fileFolder)), m_times(times),
-      m_onDamage(std::move(onDamage)), m_thread([this] { run(); })
+      m_onDamage(std::move(onDamage)), m_onFailure(std::move(onFailure)), m_thread([this] { run(); })
 {
 }
 
@@ -33,7 +34,9 @@ void CopyWorker::finish()
     close();
     {
         std::unique_lock lock(m_mutex);
-        if (!m_changed.wait_for(lock, m_times.atClosing, [this] { return m_isDone; }))
+        // Nobody waits for the end of a look.
+        const auto patience = m_times ? m_times->atClosing : std::chrono::milliseconds(0);
+        if (!m_changed.wait_for(lock, patience, [this] { return m_isDone; }))
             m_goesOn = false;
     }
     m_thread.join();
@@ -71,7 +74,18 @@ bool CopyWorker::waitFor(std::chrono::milliseconds time)
 void CopyWorker::run()
 {
     platform::workInBackground();
-    bool isClosed = waitFor(m_times.afterOpening);
+    if (m_times)
+        copyWhenDue();
+    else
+        lookWhenAsked();
+    const std::lock_guard lock(m_mutex);
+    m_isDone = true;
+    m_changed.notify_all();
+}
+
+void CopyWorker::copyWhenDue()
+{
+    bool isClosed = waitFor(m_times->afterOpening);
     try {
         prune(m_place, QDateTime::currentMSecsSinceEpoch());
     } catch (const std::exception&) {
@@ -81,11 +95,21 @@ void CopyWorker::run()
         copyOnce();
         if (isClosed)
             break;
-        isClosed = waitFor(m_times.between);
+        isClosed = waitFor(m_times->between);
     }
-    const std::lock_guard lock(m_mutex);
-    m_isDone = true;
-    m_changed.notify_all();
+}
+
+void CopyWorker::lookWhenAsked()
+{
+    constexpr std::chrono::hours Long(24);
+    while (!waitFor(Long)) {
+        const bool isAsked = [this] {
+            const std::lock_guard lock(m_mutex);
+            return m_wanted != Inspection::WhenChanged;
+        }();
+        if (isAsked)
+            copyOnce();
+    }
 }
 
 void CopyWorker::copyOnce()
@@ -103,7 +127,8 @@ void CopyWorker::copyOnce()
                   .now = [] { return QDateTime::currentDateTime(); },
                   .goesOn = [this] { return m_goesOn.load(); },
                   .pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); },
-                  .inspection = inspection});
+                  .inspection = inspection,
+                  .onlyLooks = !m_times});
     } catch (const Error& error) {
         failure = error.description;
         isDamaged = error.number == errors::NotADatabase;
@@ -112,9 +137,16 @@ void CopyWorker::copyOnce()
     }
     if (isDamaged)
         tellDamage();
-    const std::lock_guard lock(m_mutex);
-    if (failure)
-        m_failure = u"データベース「%1」の控えを作成できませんでした。%2"_s.arg(m_place.database(), *failure);
+    if (!failure)
+        return;
+    {
+        const std::lock_guard lock(m_mutex);
+        const QString text = m_times ? u"データベース「%1」の控えを作成できませんでした。%2"_s
+                                     : u"データベース「%1」を検査できませんでした。%2"_s;
+        m_failure = text.arg(m_place.database(), *failure);
+    }
+    if (m_onFailure)
+        m_onFailure();
 }
 
 void CopyWorker::tellDamage()

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -29,8 +30,11 @@ struct CopyTimes {
 class CopyWorker
 {
 public:
-    /// `fileFolder`: of the registered files. `onDamage`: is called in the worker's thread, once at most.
-    CopyWorker(Place place, QString fileFolder, const CopyTimes& times, DamageListener onDamage = {});
+    /// `fileFolder`: of the registered files. `times`: nothing when none are made, and the database is only looked at when
+    /// something is suspected. Both are called in the worker's thread: `onDamage` once at most, `onFailure` when there is
+    /// one to take.
+    CopyWorker(Place place, QString fileFolder, const std::optional<CopyTimes>& times,
+               DamageListener onDamage = {}, std::function<void()> onFailure = {});
     /// Ends as `finish` does.
     ~CopyWorker();
     CopyWorker(const CopyWorker&) = delete;
@@ -48,6 +52,8 @@ public:
 
 private:
     void run();
+    void copyWhenDue();
+    void lookWhenAsked();
     void copyOnce();
     void tellDamage();
     /// Ends early when the database is to be looked at. Whether it has been closed meanwhile.
@@ -55,8 +61,9 @@ private:
 
     Place m_place;
     QString m_fileFolder;
-    CopyTimes m_times;
+    std::optional<CopyTimes> m_times;
     DamageListener m_onDamage;
+    std::function<void()> m_onFailure;
     std::mutex m_mutex; // of the following
     std::condition_variable m_changed;
     bool m_isClosed = false;

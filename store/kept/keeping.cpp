@@ -84,28 +84,46 @@ void Keeping::finish()
 
 void Keeping::tellFailures()
 {
-    for (const auto& worker : m_closing) {
-        if (const std::optional<QString> failure = worker->takeFailure())
-            logFailure(m_reporting, Error(errors::PathFileAccess, *failure), u"KeptCopy"_s);
-    }
+    for (const auto& worker : m_closing)
+        tellFailureOf(*worker);
+    if (m_worker)
+        tellFailureOf(*m_worker);
+}
+
+void Keeping::tellFailureOf(CopyWorker& worker)
+{
+    const std::optional<QString> failure = worker.takeFailure();
+    // What goes on failing is told once.
+    if (!failure || m_toldFailures.contains(*failure))
+        return;
+    m_toldFailures.insert(*failure);
+    logFailure(m_reporting, Error(errors::PathFileAccess, *failure), u"KeptCopy"_s);
 }
 
 void Keeping::databaseOpened(Database& database)
 {
-    m_place.emplace(m_order.keptFolder, database.path());
-    findAgain(m_order.keptFolder, *m_place);
-    m_history = std::make_shared<HistoryFile>(*m_place, m_reporting);
-    database.connection().watchRows(std::make_unique<HistoryWriter>(m_history));
+    const Place place(m_order.keptFolder.value_or(QString()), database.path());
+    if (m_order.keptFolder) {
+        m_place = place;
+        findAgain(*m_order.keptFolder, place);
+        m_history = std::make_shared<HistoryFile>(place, m_reporting);
+        database.connection().watchRows(std::make_unique<HistoryWriter>(m_history));
+    }
     // The same file once more goes on with the same worker.
-    if (!m_order.copies || (m_worker && m_worker->place().folder() == m_place->folder()))
+    if ((!m_order.copies && !m_order.onDamage) || (m_worker && m_worker->place().folder() == place.folder()))
         return;
     m_damageWatch.reset();
     if (m_worker) {
         m_worker->close();
         m_closing.push_back(std::move(m_worker));
     }
-    m_worker = std::make_unique<CopyWorker>(*m_place, m_order.fileFolder, *m_order.copies,
-                                            [this](const Damage& damage) { passOnDamage(damage); });
+    m_worker = std::make_unique<CopyWorker>(
+        place, m_order.fileFolder, m_order.keptFolder ? m_order.copies : std::nullopt,
+        [this](const Damage& damage) { passOnDamage(damage); },
+        [this] {
+            QMetaObject::invokeMethod(
+                m_here.get(), [this] { tellFailures(); }, Qt::QueuedConnection);
+        });
     m_damageWatch =
         std::make_unique<sqlite::DamageWatch>(database.connection().file(), [worker = m_worker.get()] {
             worker->inspectSoon(Inspection::Thorough);
@@ -120,7 +138,9 @@ void Keeping::databaseWasBrokenOff()
 
 void Keeping::databaseIsDamaged(const QString& path)
 {
-    const Place place(m_order.keptFolder, path);
+    if (!m_order.keptFolder)
+        return;
+    const Place place(*m_order.keptFolder, path);
     if (listCopies(place).empty())
         return; // hardly one of ours
     if (m_search.joinable())

@@ -30,13 +30,14 @@ class HistoryFile;
 
 /// What is kept, and where.
 struct KeepingOrder {
-    QString keptFolder;                   // for all databases
-    QString fileFolder;                   // of the registered files
+    std::optional<QString>
+        keptFolder;     // for all databases; nothing: nothing is kept, and damage is told all the same
+    QString fileFolder; // of the registered files
     std::optional<CopyTimes> copies = {}; // nothing: no copies are made
     DamageListener onDamage = {};         // is told by the event loop, once for each database
 };
 
-/// Keeps the history and copies of the current database.
+/// Keeps the history and copies of the current database, and has it looked at when it may be damaged.
 class Keeping : public Keeper
 {
 public:
@@ -53,10 +54,11 @@ public:
     void databaseIsDamaged(const QString& path) override;
     std::unique_ptr<ReplacedFile> fileGoes(const QString& path) override;
     void isBack(const PutBackNote& note) override;
-    QString keptFolder() const override { return m_order.keptFolder; }
+    std::optional<QString> keptFolder() const override { return m_order.keptFolder; }
 
 private:
     void tellFailures();
+    void tellFailureOf(CopyWorker& worker);
     /// In any thread.
     void passOnDamage(const Damage& damage);
 
@@ -68,6 +70,7 @@ private:
     std::vector<std::unique_ptr<CopyWorker>> m_closing; // of those before, at their last copies
     std::thread m_search;                               // for a good copy of a database that cannot be opened
     QSet<QString> m_toldDamaged;
+    QSet<QString> m_toldFailures;
     std::unique_ptr<QObject> m_here = std::make_unique<QObject>(); // of the thread in which damage is told
     std::unique_ptr<sqlite::DamageWatch> m_damageWatch; // of the current database; goes before its worker
 };

@@ -41,7 +41,7 @@ private Q_SLOTS:
         path = world->createDatabase();
         world->openDatabase(path);
         TestWorld::addRow(session().RsMain, {u"水"_s, u"M-991231-001"_s, u"流れるもの"_s});
-        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+        kept::makeCopy({.place = {*session().keeper->keptFolder(), path},
                         .fileFolder = {},
                         .now = [] { return QDateTime(QDate(2026, 1, 31), QTime(12, 0)); },
                         .goesOn = [] { return true; }});
@@ -78,7 +78,7 @@ private Q_SLOTS:
         picture.write(content.toUtf8());
         picture.close();
         TestWorld::addRow(session().RsRefFile, {u"図.txt"_s, u"F-991231-001"_s, u"図.txt"_s});
-        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+        kept::makeCopy({.place = {*session().keeper->keptFolder(), path},
                         .fileFolder = world->folder.filePath(u"RefFile"_s),
                         .now = [] { return QDateTime(QDate(2026, 2, 1), QTime(12, 0)); },
                         .goesOn = [] { return true; }});

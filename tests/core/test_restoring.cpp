@@ -584,11 +584,27 @@ private Q_SLOTS:
     {
         registerFile(u"old"_s);
         registerFile(u"new"_s);
-        QVERIFY(QDir(kept::Place(session().keeper->keptFolder(), session().OpenDb->path()).files())
+        QVERIFY(QDir(kept::Place(*session().keeper->keptFolder(), session().OpenDb->path()).files())
                     .removeRecursively());
         world->dialogs.expect(failureBoxSaying(u"ファイル「図.txt」の上書き前の内容は残されていません。"_s));
         QVERIFY(!putBackNewest(EventKind::FileReplaced));
         QCOMPARE(registered(), QByteArray("new"));
+    }
+
+    void aFileWhoseContentIsKeptAlreadyIsReplacedAlsoWhereNothingMoreCanBeKept()
+    {
+        registerFile(u"old"_s);
+        registerFile(u"new"_s);
+        later();
+        QVERIFY(putBackNewest(EventKind::FileReplaced)); // keeps "new"
+        QFile full(kept::Place(*session().keeper->keptFolder(), session().OpenDb->path()).files() +
+                   u"/full"_s);
+        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(qint64{1} << 32)); // takes no room on the disk
+        full.close();
+        later();
+        QVERIFY(putBackNewest(EventKind::FileReplaced));
+        QCOMPARE(registered(), QByteArray("new"));
+        QCOMPARE(world->eventLog.lines, QStringList());
     }
 
     void aFileThatCannotBeKeptIsNotReplacedByItsFormerContent()

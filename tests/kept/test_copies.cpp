@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -414,9 +415,9 @@ private Q_SLOTS:
     {
         {
             kept::CopyWorker worker(place(), fileFolder(),
-                                    {.afterOpening = std::chrono::milliseconds(0),
-                                     .between = std::chrono::hours(1),
-                                     .atClosing = std::chrono::minutes(1)});
+                                    kept::CopyTimes{.afterOpening = std::chrono::milliseconds(0),
+                                                    .between = std::chrono::hours(1),
+                                                    .atClosing = std::chrono::minutes(1)});
             QTRY_COMPARE(copies().size(), std::size_t{1});
             addItem(11);
             worker.finish();
@@ -427,7 +428,7 @@ private Q_SLOTS:
 
     void aWorkerThatIsClosedAtOnceMakesItsCopyAllTheSame()
     {
-        kept::CopyWorker worker(place(), fileFolder(), {});
+        kept::CopyWorker worker(place(), fileFolder(), kept::CopyTimes());
         worker.finish();
         QCOMPARE(copies().size(), std::size_t{1});
     }
@@ -435,9 +436,9 @@ private Q_SLOTS:
     void aWorkerThatMayNotWaitGivesUp()
     {
         kept::CopyWorker worker(place(), fileFolder(),
-                                {.afterOpening = std::chrono::hours(1),
-                                 .between = std::chrono::hours(1),
-                                 .atClosing = std::chrono::milliseconds(0)});
+                                kept::CopyTimes{.afterOpening = std::chrono::hours(1),
+                                                .between = std::chrono::hours(1),
+                                                .atClosing = std::chrono::milliseconds(0)});
         session().OpenDb->connection().execute(u"BEGIN EXCLUSIVE"_s); // so that it cannot be quick either
         worker.finish();
         QCOMPARE(copies().size(), std::size_t{0});
@@ -448,7 +449,7 @@ private Q_SLOTS:
     void whyACopyCouldNotBeMadeIsTold()
     {
         session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
-        kept::CopyWorker worker(place(), fileFolder(), {});
+        kept::CopyWorker worker(place(), fileFolder(), kept::CopyTimes());
         worker.finish();
         const auto failure = worker.takeFailure();
         QVERIFY(failure);
@@ -456,6 +457,21 @@ private Q_SLOTS:
             u"データベース「"_s + place().database() +
             u"」の控えを作成できませんでした。データベースに必要なテーブルがありません。"_s));
         QCOMPARE(worker.takeFailure(), std::nullopt);
+    }
+
+    void whyADatabaseCouldNotBeLookedAtIsTold()
+    {
+        session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
+        std::atomic<int> failures = 0;
+        kept::CopyWorker worker(place(), fileFolder(), {}, {}, [&] { ++failures; });
+        worker.inspectSoon(kept::Inspection::Quick);
+        QTRY_COMPARE(failures.load(), 1);
+        const auto failure = worker.takeFailure();
+        QVERIFY(failure);
+        QVERIFY(
+            failure->startsWith(u"データベース「"_s + place().database() +
+                                u"」を検査できませんでした。データベースに必要なテーブルがありません。"_s));
+        QCOMPARE(copies().size(), std::size_t{0});
     }
 
     void theLogTellsWhyTheLastCopyIsMissing()
@@ -469,6 +485,21 @@ private Q_SLOTS:
         world->keeping->finish();
         QCOMPARE(world->eventLog.lines.size(), 1);
         QVERIFY(world->eventLog.lines[0].contains(u"LOCATION : KeptCopy"_s));
+    }
+
+    void theLogTellsWhileTheProgramRunsAndOnceWhyCopiesAreMissing()
+    {
+        world->keeping = std::make_unique<kept::Keeping>(
+            session().reporting,
+            kept::KeepingOrder{.keptFolder = world->folder.filePath(u"kept"_s),
+                               .fileFolder = fileFolder(),
+                               .copies = kept::CopyTimes{.afterOpening = std::chrono::milliseconds(0)}});
+        session().OpenDb->connection().execute(u"DROP TABLE OpenApp"_s);
+        world->keeping->databaseOpened(*session().OpenDb);
+        QTRY_COMPARE(world->eventLog.lines.size(), 1);
+        QVERIFY(world->eventLog.lines[0].contains(u"LOCATION : KeptCopy"_s));
+        world->keeping->finish(); // the last copy fails, too
+        QCOMPARE(world->eventLog.lines.size(), 1);
     }
 
     void theDatabaseThatIsOpenedNextLeavesTheOneBeforeItsLastCopy()

@@ -8,7 +8,10 @@
 #include "tests/support/failure_box.h"
 #include "tests/support/test_world.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <memory>
@@ -36,10 +39,14 @@ class TestDamage : public QObject
     /// Keeps what is opened from now on. Copies are made when something is suspected, and at the end.
     void keep()
     {
-        const kept::CopyTimes times{.afterOpening = std::chrono::hours(1), .between = std::chrono::hours(1)};
+        keep(kept::CopyTimes{.afterOpening = std::chrono::hours(1), .between = std::chrono::hours(1)},
+             keptFolder());
+    }
+    void keep(const std::optional<kept::CopyTimes>& times, const std::optional<QString>& folder)
+    {
         world->keeping = std::make_unique<kept::Keeping>(
             session().reporting,
-            kept::KeepingOrder{.keptFolder = keptFolder(),
+            kept::KeepingOrder{.keptFolder = folder,
                                .fileFolder = world->folder.filePath(u"RefFile"_s),
                                .copies = times,
                                .onDamage = [this](const Damage& damage) { damages.push_back(damage); }});
@@ -177,6 +184,61 @@ private Q_SLOTS:
         QVERIFY(OpenDbFile(session(), path));
         QTRY_COMPARE(damages.size(), std::size_t{1});
         QCOMPARE(damages[0].database, place().database());
+    }
+
+    void alsoWithoutCopiesAFileLeftInTheMiddleOfAWriteIsLookedAt_data()
+    {
+        QTest::addColumn<bool>("keepsHistory");
+        QTest::addColumn<bool>("isDamaged");
+        QTest::newRow("history only, damaged") << true << true;
+        QTest::newRow("history only, healthy") << true << false;
+        QTest::newRow("nothing kept, damaged") << false << true;
+        QTest::newRow("nothing kept, healthy") << false << false;
+    }
+    void alsoWithoutCopiesAFileLeftInTheMiddleOfAWriteIsLookedAt()
+    {
+        QFETCH(bool, keepsHistory);
+        QFETCH(bool, isDamaged);
+        if (isDamaged)
+            damage();
+        breakOff();
+        keep({}, keepsHistory ? std::optional(keptFolder()) : std::nullopt);
+        QVERIFY(OpenDbFile(session(), path));
+        if (isDamaged) {
+            QTRY_COMPARE(damages.size(), std::size_t{1});
+            QCOMPARE(damages[0].database, place().database());
+            QCOMPARE(damages[0].newestGood, std::nullopt);
+        } else {
+            world->keeping->finish();
+            QCoreApplication::processEvents();
+            QCOMPARE(damages.size(), std::size_t{0});
+            QCOMPARE(world->eventLog.lines, QStringList());
+        }
+        QCOMPARE(copyCount(), std::size_t{0});
+        QCOMPARE(QFileInfo::exists(keptFolder()), false);
+    }
+
+    void aLookLeavesNothingBehindAndFindsDamage()
+    {
+        const auto look = [this] {
+            return kept::makeCopy({.place = place(),
+                                   .fileFolder = {},
+                                   .now = [] { return at(8); },
+                                   .goesOn = [] { return true; },
+                                   .inspection = kept::Inspection::Thorough,
+                                   .onlyLooks = true});
+        };
+        QDir(world->folder.path()).mkdir(u"temporary"_s);
+        const QDir temporary(world->folder.filePath(u"temporary"_s));
+        const QByteArray before = qgetenv("TMPDIR");
+        const auto putBack =
+            qScopeGuard([&] { before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before); });
+        qputenv("TMPDIR", temporary.path().toUtf8());
+        QCOMPARE(look(), kept::CopyOutcome::Looked);
+        damage();
+        QCOMPARE(errorOf(look), errors::NotADatabase);
+        QVERIFY(temporary.isEmpty());
+        QCOMPARE(copyCount(), std::size_t{0});
     }
 
     void aFileThatWasClosedWellIsNotSuspected()

@@ -47,7 +47,7 @@ class TestMovedDatabase : public QObject
     }
     void makeCopy()
     {
-        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+        kept::makeCopy({.place = {*session().keeper->keptFolder(), path},
                         .fileFolder = {},
                         .now = [] { return QDateTime(QDate(2026, 1, 31), QTime(12, 0)); },
                         .goesOn = [] { return true; }});
@@ -132,7 +132,7 @@ private Q_SLOTS:
         picture.close();
         TestWorld::addRow(session().RsRefFile, {u"図.txt"_s, u"F-991231-001"_s, u"図.txt"_s});
         close();
-        kept::makeCopy({.place = {session().keeper->keptFolder(), path},
+        kept::makeCopy({.place = {*session().keeper->keptFolder(), path},
                         .fileFolder = fileIn(u"RefFile"_s),
                         .now = [] { return QDateTime(QDate(2026, 1, 31), QTime(12, 0)); },
                         .goesOn = [] { return true; }});

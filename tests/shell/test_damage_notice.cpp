@@ -151,6 +151,25 @@ private Q_SLOTS:
         QCOMPARE(world.dialogs.takeComplaints(), QStringList());
     }
 
+    void theWindowToTakeThingsBackTellsWhatTurnsOutLater()
+    {
+        World world;
+        bool isTold = false;
+        world.program.restoreWindow().showModeless();
+        world.program.restoreWindow().showDatabase(world.path);
+        world.program.session().OpenDb->connection().execute(u"PRAGMA shrink_memory"_s);
+        world.damage();
+        QCOMPARE(world.readDocuments(), errors::NotADatabase);
+        MessageBox told = notice();
+        told.text = u"データベース「知識.mdb」が壊れています。\r\n"
+                    u"2026/01/31 12:00:00 に作成した正常な控えがあります。\r\n"
+                    u"［控え］の一覧から控えを取り出すことができます。"_s;
+        world.dialogs.expect(told);
+        world.dialogs.meanwhile([&] { isTold = true; });
+        QTRY_VERIFY(isTold);
+        QCOMPARE(world.dialogs.takeComplaints(), QStringList());
+    }
+
     void theWindowToTakeThingsBackSaysItItself()
     {
         World world;

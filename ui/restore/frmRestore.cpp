@@ -4,6 +4,7 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/ports/files.h"
 #include "app/base/titles.h"
+#include "core/damage_notice.h"
 #include "store/opening.h"
 #include "store/session.h"
 #include "ui/restore/copies_page.h"
@@ -94,6 +95,7 @@ void frmRestore::arrange()
 void frmRestore::showDatabase(const QString& path)
 {
     txtDatabase->setText(QDir::toNativeSeparators(path));
+    m_isOpen = false;
     m_lost->showNothing();
     m_copies->showDatabase(path);
     findFileFolder(path);
@@ -106,6 +108,7 @@ void frmRestore::showDatabase(const QString& path)
         tellUnreadable(path, u"データベース「"_s + name + u"」を展開できませんでした。"_s);
         return;
     }
+    m_isOpen = true;
     tabPages->setCurrentWidget(m_lost);
     m_lost->read(path);
 }
@@ -120,6 +123,12 @@ void frmRestore::tellUnreadable(const QString& path, const QString& text)
     if (isAnythingLost)
         advice += u"\r\n［失われたデータ］の一覧で、上書きや削除の前の内容を見ることができます。"_s;
     session().dialogs.messageBox({.text = text + u"\r\n"_s + advice, .title = RestoreTitle});
+}
+
+void frmRestore::tellDamage(const kept::Damage& damage)
+{
+    if (m_isOpen)
+        TellDamage(session(), damage, ToldIn::TheRestoreWindow);
 }
 
 void frmRestore::findFileFolder(const QString& path)

@@ -11,6 +11,11 @@ class QTabWidget;
 namespace quillon
 {
 
+namespace kept
+{
+struct Damage;
+}
+
 class CopiesPage;
 class LostPage;
 class StatusPanels;
@@ -27,6 +32,8 @@ public:
     void showDatabase(const QString& path);
     /// Lets the person choose one.
     void chooseDatabase();
+    /// That the database is damaged, which has turned out since it is shown. What could not even be opened has been told.
+    void tellDamage(const kept::Damage& damage);
 
     std::unique_ptr<Shown> clearDataList() override;
     void setStatus(int panel, const QString& text) override;
@@ -50,6 +57,7 @@ private:
     QString m_startFolder; // the current folder of the start
     QLineEdit* txtDatabase = nullptr;
     QTabWidget* tabPages = nullptr;
+    bool m_isOpen = false; // the database that is shown
     LostPage* m_lost = nullptr;
     CopiesPage* m_copies = nullptr;
     StatusPanels* sbStatus = nullptr;
