@@ -25,6 +25,18 @@ QByteArray fileOfRows(int format)
     return testing::writeOldFile(tables, {.format = format}).bytes;
 }
 
+/// The same file with a byte changed in every page behind the definitions.
+QByteArray damagedFile(int format)
+{
+    QByteArray file = fileOfRows(format);
+    const qsizetype pageSize = format == 3 ? 2048 : 4096;
+    for (qsizetype page = 30 * pageSize; page + pageSize <= file.size(); page += pageSize) {
+        const qsizetype at = page + page * 7 / 11 % pageSize;
+        file[at] = static_cast<char>(file[at] ^ 0x55);
+    }
+    return file;
+}
+
 void readRows(const QByteArray& file)
 {
     old_format::OldDatabase database(file);
@@ -65,6 +77,30 @@ void oldFileOfFormat4(benchmark::State& state)
     readOldFile(state, {"The same, format 4", "the same time", 1}, 4);
 }
 BENCHMARK(oldFileOfFormat4)->UseManualTime()->Iterations(7);
+
+void damagedOldFile(benchmark::State& state)
+{
+    const QByteArray file = damagedFile(4);
+    reportFailures(state, [&] {
+        std::vector<double> times;
+        for ([[maybe_unused]] auto round : state) {
+            times.push_back(secondsFor([&] {
+                old_format::OldDatabase database(file);
+                for (const QString& name : database.tableNames()) {
+                    if (const auto definition = database.table(name))
+                        database.forEachRow(name, *definition,
+                                            [](const old_format::OldDatabase::Row&, bool) {});
+                }
+                if (database.losses().count() == 0)
+                    throw std::runtime_error("no damage is told");
+            }));
+            state.SetIterationTime(times.back());
+        }
+        reportTimes(state, {"The same file with a byte changed in every page", "a second", 1}, fastest(times),
+                    1);
+    });
+}
+BENCHMARK(damagedOldFile)->UseManualTime()->Iterations(7);
 
 } // namespace
 
