@@ -15,6 +15,7 @@ namespace quillon
 namespace
 {
 
+constexpr QStringView Wildcards = u"*?#[";
 constexpr const char* ExactTest = "quillon_like_exactly";
 constexpr const char* ReaderTest = "quillon_like_as_a_reader";
 
@@ -30,7 +31,7 @@ void appendPrefixRange(const QString& pattern, const QString& field, CriteriaSql
 {
     sql.condition += u'(';
     qsizetype size = 0;
-    while (size < pattern.size() && !u"*?#["_s.contains(pattern[size]))
+    while (size < pattern.size() && !Wildcards.contains(pattern[size]))
         ++size;
     // The first text behind all those: its last unit is 256 greater, which makes any byte order put it there.
     constexpr char16_t Beyond = 0x100;
@@ -96,6 +97,15 @@ CriteriaSql compileCriteria(const Criteria& criteria, const TableSchema& table)
     CriteriaSql sql;
     append(criteria, table, sql);
     return sql;
+}
+
+bool isAnsweredByIndex(const Criteria& criteria, const TableSchema& table)
+{
+    const auto* const comparison = std::get_if<Comparison>(&criteria.node);
+    if (comparison == nullptr || comparison->field != 0 || !isIdentifier(table.fields.front().name))
+        return false;
+    return comparison->kind == Comparison::Kind::Equal ||
+           (!comparison->text.isEmpty() && !Wildcards.contains(comparison->text.front()));
 }
 
 void addPatternTests(sqlite::Connection& connection)

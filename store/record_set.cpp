@@ -495,12 +495,26 @@ void RecordSet::deleteRowsIf(std::initializer_list<int> fields,
     }
 }
 
+std::unique_ptr<sqlite::Statement> RecordSet::askAgain(std::initializer_list<int> fields) const
+{
+    auto statement = m_database->connection().prepareOwn(u"SELECT "_s + selectList(fields) + u" FROM "_s +
+                                                         quoted(m_table.name) + u" WHERE "_s +
+                                                         m_question->condition + u" ORDER BY rowid"_s);
+    int position = 0;
+    for (const QString& value : m_question->values)
+        statement->bind(++position, value);
+    return statement;
+}
+
 std::shared_ptr<RecordSet> RecordSet::filtered(const QString& criteria) const
 {
     const Stamp before = stamp();
     auto result = std::shared_ptr<RecordSet>(
         new RecordSet(m_database, m_table, tellingDamage([&] { return matchingRows(criteria, Unlimited); })));
     result->m_filteredAt = before;
+    if (const Criteria parsed = parseCriteria(criteria, m_table);
+        !m_rows && isAnsweredByIndex(parsed, m_table))
+        result->m_question = std::make_shared<const CriteriaSql>(compileCriteria(parsed, m_table));
     // Another program may delete the last of these rows; the next row added must not get its number.
     if (!result->m_rows->empty())
         m_database->noteRow(m_table.name, result->m_rows->back());

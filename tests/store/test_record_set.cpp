@@ -389,6 +389,39 @@ private Q_SLOTS:
         QCOMPARE(walk(*some), u"z"_s);
     }
 
+    void aSetThatAnIndexHasFoundKeepsItsRowsAndShowsThemAsTheyAre_data()
+    {
+        QTest::addColumn<QString>("criteria");
+        QTest::newRow("one identifier") << u"Category_ID = 'A-B'"_s;
+        QTest::newRow("one beginning") << u"Category_ID Like 'A-*'"_s;
+        QTest::newRow("a beginning that is a wildcard") << u"Category_ID Like '?-B'"_s;
+    }
+
+    void aSetThatAnIndexHasFoundKeepsItsRowsAndShowsThemAsTheyAre()
+    {
+        QFETCH(QString, criteria);
+        const auto memberships = m_world->session.RsCategory;
+        for (const QString& datum : {u"c"_s, u"a"_s, u"b"_s}) {
+            TestWorld::addRow(memberships, {u"A-B"_s, datum});
+            TestWorld::addRow(memberships, {u"A"_s, datum});
+        }
+        const auto some = memberships->filtered(criteria);
+        const QStringList all{u"A-B|c"_s, u"A-B|a"_s, u"A-B|b"_s};
+        QCOMPARE(TestWorld::rowsOf(some), all);
+        // What would match by now came too late.
+        TestWorld::addRow(memberships, {u"A-B"_s, u"d"_s});
+        QCOMPARE(TestWorld::rowsOf(some), all);
+        m_world->session.OpenDb->execute(u"UPDATE Category SET Object_ID = 'e' WHERE Object_ID = 'a'"_s);
+        QCOMPARE(TestWorld::rowsOf(some), (QStringList{u"A-B|c"_s, u"A-B|e"_s, u"A-B|b"_s}));
+        Database::open(m_world->session.OpenDb->path())
+            ->execute(u"DELETE FROM Category WHERE Object_ID = 'c'"_s);
+        QCOMPARE(TestWorld::rowsOf(some), (QStringList{u"A-B|e"_s, u"A-B|b"_s}));
+        int visited = 0;
+        memberships->filtered(criteria)->forEachRow({1},
+                                                    [&](const RecordSet::Row&) { return ++visited < 2; });
+        QCOMPARE(visited, 2);
+    }
+
     void aFilteredSetCanBeSearchedAndDeletedFrom()
     {
         for (const QString& name : {u"b"_s, u"a1"_s, u"a2"_s, u"b"_s, u"a3"_s})

@@ -109,7 +109,7 @@ void DataListFiller::FillListFromRows(const std::shared_ptr<RecordSet>& recordSe
         ReportModel::Fill fill(m_rows);
         members.forEachRow({1}, [&](const RecordSet::Row& row) {
             m_progress.advance();
-            const QString identifier = row.text(0).toString();
+            const QStringView identifier = row.text(0);
             fill.append({names.name(identifier), shortKindName(identifier), identifier, mark});
         });
         m_progress.finish();
