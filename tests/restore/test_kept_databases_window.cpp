@@ -63,6 +63,25 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(shown()).fileName(), u"知識.mdb"_s);
     }
 
+    void oneThatIsGoneOrWasRenamedIsOfferedUnderItsFormerName()
+    {
+        QVERIFY(DeleteData(world->session(), RestoreWorld::Water, 0));
+        world->session().OpenDb.reset();
+        QVERIFY(QFile::remove(world->path));
+        modal->expect<frmKeptDatabases>(u"frmKeptDatabases"_s, [&](frmKeptDatabases& window) {
+            QCOMPARE(list(window).rows().rowCount(), 1);
+            QCOMPARE(list(window).rows().text(0, 0).toString(), u"知識.mdb (見つかりません)"_s);
+            press(window, u"cmdOK"_s);
+        });
+        world->dialogs.expect(
+            restoreBox(u"データベース「知識.mdb」が見つかりません。\r\n"
+                       u"このデータベースの控えは残されていません。\r\n"
+                       u"［失われたデータ］の一覧で、上書きや削除の前の内容を見ることができます。"_s));
+        QVERIFY(Restore(world->program));
+        WindowWorld::processEvents();
+        QCOMPARE(world->list(u"lsvLost"_s).rows().rowCount(), 1);
+    }
+
     void aFileCanBeNamedInstead()
     {
         world->dialogs.expect(FileDialog{.purpose = FileDialog::Purpose::Open,

@@ -1,6 +1,7 @@
 #include "ui/restore/frmKeptDatabases.h"
 
 #include "app/base/ports/dialogs.h"
+#include "app/base/ports/files.h"
 #include "core/kept_copies.h"
 #include "store/session.h"
 #include "ui/restore/restore_texts.h"
@@ -88,9 +89,12 @@ void frmKeptDatabases::fill()
         return time.isValid() ? time.toString(TimeFormat) : u"なし"_s;
     };
     ReportModel::Fill rows(lsvDatabase->rows());
-    for (const KeptDatabase& database : ListKeptDatabases(session()))
-        rows.append({QFileInfo(database.path).fileName(), text(database.copied), text(database.changed),
-                     database.path});
+    for (const KeptDatabase& database : ListKeptDatabases(session())) {
+        QString name = QFileInfo(database.path).fileName();
+        if (!session().files.fileExists(database.path))
+            name += u" (見つかりません)"_s;
+        rows.append({name, text(database.copied), text(database.changed), database.path});
+    }
     rows.finish();
     if (lsvDatabase->rows().rowCount() > 0)
         lsvDatabase->selectRow(0);
