@@ -1,7 +1,9 @@
 #pragma once
 
+#include "store/record_set.h"
 #include "tests/support/test_world.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
@@ -111,6 +113,22 @@ public:
     }
 
     QString path(const QString& name) const { return folder.filePath(name); }
+    /// What lies in the folder.
+    QStringList names() const
+    {
+        return QDir(folder.path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    }
+
+    /// All rows of the database.
+    QStringList everything() const
+    {
+        QStringList rows;
+        for (const auto& table : {session.RsMain, session.RsRefDoc, session.RsRefFile, session.RsOpenApp,
+                                  session.RsLink, session.RsCategoryID, session.RsCategory})
+            rows << table->table().name << rowsOf(table);
+        return rows;
+    }
 
     bool write(const QString& name, const QByteArray& bytes) const
     {

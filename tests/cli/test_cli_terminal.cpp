@@ -188,7 +188,131 @@ private Q_SLOTS:
         QVERIFY(m_world->run({u"show"_s, u"M-991231-003"_s}).output.endsWith(u"\n悪い\x1B[2J文\n"_s));
     }
 
+    void aTerminalIsToldHowFarALongWorkIs()
+    {
+        QVERIFY(m_world->write(u"表.csv"_s, u"名称\n山\n"_s.toUtf8()));
+        Terminal terminal(80);
+        QProcess program;
+        program.setStandardErrorFile(terminal.name());
+        m_world->start(program, {u"import"_s, u"csv"_s, u"表.csv"_s});
+        QCOMPARE(CliWorld::answerOf(program).status, 0);
+        // What stood there is gone when the report comes.
+        QCOMPARE(terminal.seen(u"\r\x1B[K"_s), u"\r100 %\x1B[K\r\x1B[K"_s);
+        // Nobody looks at a pipe.
+        QCOMPARE(m_world->run({u"import"_s, u"csv"_s, u"表.csv"_s}).errors, QString());
+    }
+
+    void anInterruptedImportBringsNothing_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::newRow("into a database") << u"QUILLON.mdb"_s;
+        QTest::newRow("into a new one") << u"新しい.mdb"_s;
+    }
+
+    void anInterruptedImportBringsNothing()
+    {
+        QFETCH(QString, database);
+        QByteArray table = u"名称,定義,分類\n"_s.toUtf8();
+        constexpr int Rows = 200'000; // that it cannot be over before anybody has seen the first of it
+        for (int i = 0; i < Rows; ++i)
+            table += "n" + QByteArray::number(i) + ",t,c\n";
+        QVERIFY(m_world->write(u"表.csv"_s, table));
+        const QStringList before = m_world->everything();
+        m_world->database = database;
+        QCOMPARE(interrupted({u"import"_s, u"csv"_s, u"表.csv"_s}), Stopped);
+        QCOMPARE(m_world->everything(), before);
+        QCOMPARE(m_world->names(), QStringList({u"QUILLON.mdb"_s, u"表.csv"_s}));
+    }
+
+    void anInterruptedArchiveBringsNoFileEither()
+    {
+        QVERIFY(makeLargeFile());
+        QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫"_s}).status, 0);
+        QVERIFY(QDir(m_world->folder.path()).mkdir(u"別の所"_s));
+        m_world->database = u"別の所/新しい.mdb"_s;
+        QCOMPARE(interrupted({u"--home"_s, u"別の所"_s, u"import"_s, u"archive"_s, u"書庫"_s}), Stopped);
+        QVERIFY(QDir(m_world->path(u"別の所"_s)).isEmpty());
+    }
+
+    void anInterruptedExportLeavesNothing_data()
+    {
+        QTest::addColumn<QString>("format");
+        for (const char* const format : {"archive", "markdown", "html"})
+            QTest::newRow(format) << QString::fromLatin1(format);
+    }
+
+    void anInterruptedExportLeavesNothing()
+    {
+        QFETCH(QString, format);
+        QVERIFY(makeLargeFile());
+        m_world->session.OpenDb->connection().execute(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 900) "
+            u"INSERT INTO RefDoc SELECT '名' || i, printf('R-991230-%03d', i), '文' FROM n"_s);
+        const QStringList before = m_world->names();
+        QCOMPARE(interrupted({u"export"_s, format, u"出力"_s}), Stopped);
+        QCOMPARE(m_world->names(), before);
+    }
+
+    void anInterruptedCheckSaysSo()
+    {
+        makeDanglingLinks();
+        QProcess program;
+        m_world->start(program, {u"check"_s, u"--json"_s});
+        QVERIFY(program.waitForReadyRead(60'000)); // the rest of it waits for somebody to read it
+        ::kill(static_cast<pid_t>(program.processId()), SIGINT);
+        const Answered answered = CliWorld::answerOf(program);
+        QCOMPARE(answered.status, 5);
+        QCOMPARE(answered.errors, u"quillon-cli: 中断しました。\n"_s);
+        QCOMPARE(m_world->session.RsLink->recordCount(), Links + 1);
+    }
+
+    void aRepairIsDoneAltogetherOrNotAtAll()
+    {
+        makeDanglingLinks();
+        QProcess program;
+        m_world->start(program, {u"check"_s, u"--repair"_s});
+        QVERIFY(program.waitForStarted());
+        ::kill(static_cast<pid_t>(program.processId()), SIGINT); // whatever it may be doing
+        program.waitForFinished(60'000);
+        const qint64 links = m_world->session.RsLink->recordCount();
+        QVERIFY2(links == 1 || links == Links + 1, qPrintable(QString::number(links)));
+    }
+
 private:
+    static constexpr qint64 Links = 100'000;
+
+    void makeDanglingLinks()
+    {
+        m_world->session.OpenDb->connection().execute(
+            u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+            u"INSERT INTO Link SELECT 'M-991231-001', printf('M-%06d-999', i) FROM n"_s.arg(Links));
+    }
+
+    /// A file that takes some time to be copied, and hardly any room.
+    bool makeLargeFile() const
+    {
+        constexpr qint64 Size = qint64{300} << 20;
+        return QDir(m_world->folder.path()).mkdir(u"RefFile"_s) && m_world->write(u"RefFile/水.txt"_s, "w") &&
+               QFile::resize(m_world->path(u"RefFile/水.txt"_s), Size);
+    }
+
+    inline static const Answered Stopped = answer(5, QString());
+
+    /// Interrupts a command as soon as it says how far it is, and answers how it ends.
+    Answered interrupted(const QStringList& words)
+    {
+        Terminal terminal(80);
+        QProcess program;
+        program.setStandardErrorFile(terminal.name());
+        m_world->start(program, words);
+        if (!terminal.seen(u" %"_s).contains(u" %"))
+            return answer(-1, u"it does not say how far it is"_s);
+        ::kill(static_cast<pid_t>(program.processId()), SIGINT);
+        const Answered answered = CliWorld::answerOf(program);
+        const QString end = u"quillon-cli: 中止しました。何も書き込んでいません。\r\n"_s;
+        return terminal.seen(end).endsWith(end) ? answered : answer(-1, u"it does not say why it ends"_s);
+    }
+
     std::unique_ptr<CliWorld> m_world;
 };
 
