@@ -105,6 +105,53 @@ private Q_SLOTS:
                                       u"Category A M-991231-001"_s}));
     }
 
+    void onlyWhatWasWrittenToSinceIsReadOnceMore()
+    {
+        QVERIFY(DeleteData(session(), u"M-991231-001"_s, 0));
+        writeInPieces(qsizetype{1} << 17); // a file of its own for what comes
+        History known(place());
+        QVERIFY(known.readOlder());
+        QVERIFY(!History(place(), known).readOlder());
+        QVERIFY(DeleteData(session(), u"M-991231-002"_s, 0));
+        QCOMPARE(files().size(), 2);
+        History newer(place(), known);
+        QVERIFY(newer.readOlder());
+        QCOMPARE(newer.events().size(), std::size_t{1});
+        QCOMPARE(newer.row(newer.events()[0]).text(0), u"火"_s);
+        QVERIFY(!newer.readOlder());
+        // What goes on in a file that is known is read with it.
+        TestWorld::addRow(session().RsMain, {u"土"_s, u"M-991231-003"_s, u""_s});
+        QVERIFY(DeleteData(session(), u"M-991231-003"_s, 0));
+        History latest(place(), newer);
+        QVERIFY(latest.readOlder());
+        QCOMPARE(latest.events().size(), std::size_t{3}); // the first file is unknown to the newer part
+    }
+
+    void deletionsAreFoundByTheIdentifier()
+    {
+        for (int times = 0; times < 2; ++times) {
+            QVERIFY(DeleteData(session(), u"M-991231-001"_s, 0));
+            TestWorld::addRow(session().RsMain, {u"水"_s, u"M-991231-001"_s, u""_s});
+        }
+        QVERIFY(DeleteData(session(), u"M-991231-002"_s, 0));
+        QVERIFY(DeleteCategory(session(), u"A-A"_s, 0));
+        History history(place());
+        const auto deletions = [&](EventKind kind, const QString& identifier) {
+            int count = 0;
+            history.forEachDeletion(kind, identifier,
+                                    [&](const Event& event) { count += event.kind == kind ? 1 : 0; });
+            return count;
+        };
+        QCOMPARE(deletions(EventKind::ItemDeleted, u"M-991231-001"_s), 0); // nothing has been read yet
+        while (history.readOlder()) {
+        }
+        QCOMPARE(deletions(EventKind::ItemDeleted, u"M-991231-001"_s), 2);
+        QCOMPARE(deletions(EventKind::ItemDeleted, u"M-991231-002"_s), 1);
+        QCOMPARE(deletions(EventKind::CategoryDeleted, u"A-A"_s), 1);
+        QCOMPARE(deletions(EventKind::CategoryDeleted, u"A"_s), 0);
+        QCOMPARE(deletions(EventKind::CategoryDeleted, u"M-991231-001"_s), 0);
+    }
+
     void theHourIsThatOfTheWrite()
     {
         world->clock.time = QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6));
