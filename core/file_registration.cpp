@@ -162,6 +162,8 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
         // it cannot be asked now, the next registration does.
         copy->leave();
         guardedBy([](const Error&) {}, [&] { settle(session, folder); });
+        if (former)
+            former->isReplaced(); // unless it is there as ever
         throw;
     }
     copy->keep();

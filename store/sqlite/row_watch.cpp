@@ -102,12 +102,14 @@ RowWatch::RowWatch(sqlite3* connection, OldRow::Texts texts, std::unique_ptr<Row
     : m_connection(connection), m_texts(texts), m_listener(std::move(listener))
 {
     sqlite3_preupdate_hook(connection, beforeChange, this);
+    sqlite3_commit_hook(connection, commits, this);
     sqlite3_rollback_hook(connection, rolledBack, this);
 }
 
 RowWatch::~RowWatch()
 {
     sqlite3_preupdate_hook(m_connection, nullptr, nullptr);
+    sqlite3_commit_hook(m_connection, nullptr, nullptr);
     sqlite3_rollback_hook(m_connection, nullptr, nullptr);
 }
 
@@ -129,13 +131,62 @@ void RowWatch::beforeChange(void* watch, sqlite3* connection, int operation, con
     }
 }
 
+int RowWatch::commits(void* watch)
+{
+    RowWatch& self = *static_cast<RowWatch*>(watch);
+    if (self.m_listener->told() > 0) {
+        self.m_isCommitting = true;
+        self.m_stateBefore = self.stateOfFile();
+    }
+    return 0; // it may
+}
+
 void RowWatch::rolledBack(void* watch)
 {
-    static_cast<RowWatch*>(watch)->m_listener->putBack(0);
+    RowWatch& self = *static_cast<RowWatch*>(watch);
+    if (std::exchange(self.m_isCommitting, false))
+        self.m_isUncertain = true; // nothing can be asked here
+    else
+        self.m_listener->putBack(0);
+}
+
+/// The counter in the header that every transaction counts on.
+std::optional<std::array<char, 4>> RowWatch::stateOfFile() const
+{
+    constexpr sqlite3_int64 PlaceInHeader = 24;
+    sqlite3_file* file = nullptr;
+    std::array<char, 4> state{};
+    if (sqlite3_file_control(m_connection, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+        file == nullptr || file->pMethods == nullptr ||
+        file->pMethods->xRead(file, state.data(), static_cast<int>(state.size()), PlaceInHeader) != SQLITE_OK)
+        return std::nullopt;
+    return state;
+}
+
+bool RowWatch::mayStand() const
+{
+    // Reading a row plays a journal back that is still there.
+    const bool isSettled = sqlite3_exec(m_connection, "SELECT 1 FROM sqlite_schema LIMIT 1", nullptr, nullptr,
+                                        nullptr) == SQLITE_OK;
+    const auto state = stateOfFile();
+    return !isSettled || !state || state != m_stateBefore;
+}
+
+void RowWatch::undone()
+{
+    if (!std::exchange(m_isUncertain, false))
+        return;
+    // Where nobody can tell, too much is kept rather than too little.
+    if (mayStand())
+        m_listener->durable();
+    else
+        m_listener->putBack(0);
 }
 
 void RowWatch::statementEnded()
 {
+    if (sqlite3_get_autocommit(m_connection) != 0)
+        m_isCommitting = false;
     if (m_listener->told() == 0)
         return;
     if (sqlite3_get_autocommit(m_connection) != 0)

@@ -3,8 +3,10 @@
 #include <QByteArrayView>
 #include <QStringView>
 
+#include <array>
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 struct sqlite3;
 
@@ -82,7 +84,13 @@ public:
 
     /// To be told before a statement writes, and when that has failed: then it is undone as a whole.
     void writeBegins() { m_writeBegan = m_listener->told(); }
-    void writeFailed() { m_listener->putBack(m_writeBegan); }
+    void writeFailed()
+    {
+        if (!m_isUncertain)
+            m_listener->putBack(m_writeBegan);
+    }
+    /// To be told, last of all, when any statement has failed and when a transaction has been undone.
+    void undone();
     /// To be told when any statement has ended well, those that end a transaction included.
     void statementEnded();
 
@@ -94,13 +102,21 @@ public:
 private:
     static void beforeChange(void* watch, sqlite3* connection, int operation, const char* database,
                              const char* table, long long oldRow, long long newRow);
+    static int commits(void* watch);
     static void rolledBack(void* watch);
+    std::optional<std::array<char, 4>> stateOfFile() const;
+    bool mayStand() const;
 
     sqlite3* m_connection;
     OldRow::Texts m_texts;
     std::unique_ptr<RowListener> m_listener;
     std::size_t m_writeBegan = 0;
     int m_parts = 0; // open ones
+
+    // A disk that fails at the very end of a commit: SQLite holds the transaction for undone, the file may hold it.
+    bool m_isCommitting = false;
+    bool m_isUncertain = false;
+    std::optional<std::array<char, 4>> m_stateBefore;
 };
 
 } // namespace quillon::sqlite

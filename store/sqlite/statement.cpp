@@ -112,6 +112,8 @@ bool Statement::step()
     sqlite3_reset(m_statement);
     if (watch != nullptr && m_writes)
         watch->writeFailed();
+    if (watch != nullptr)
+        watch->undone();
     m_handle.statementEnded(&error);
     throw Error(error);
 }

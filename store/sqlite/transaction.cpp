@@ -68,8 +68,12 @@ void Transaction::end() noexcept
                      role == Role::Whole ? "ROLLBACK" : "ROLLBACK TO part; RELEASE part", nullptr, nullptr,
                      nullptr);
     RowWatch* const watch = m_connection.m_handle.watch();
-    if (role == Role::Part && watch != nullptr)
+    if (watch == nullptr)
+        return;
+    if (role == Role::Part)
         watch->partEnds(m_watched, RowWatch::Part::Undone);
+    else
+        watch->undone();
 }
 
 } // namespace quillon::sqlite

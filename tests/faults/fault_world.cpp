@@ -126,6 +126,24 @@ FaultWorld::Outcome FaultWorld::perform(const Step& step)
     return outcomeOf([&] { return run(step); });
 }
 
+FaultWorld::Outcome FaultWorld::perform(const std::function<bool()>& operation)
+{
+    return outcomeOf(operation);
+}
+
+void FaultWorld::keep()
+{
+    keeping = std::make_unique<kept::Keeping>(
+        session.reporting, kept::KeepingOrder{.keptFolder = path(u"kept"_s),
+                                              .fileFolder = session.inCurrentFolder(titles::FileFolder)});
+    session.keeper = keeping.get();
+}
+
+kept::Place FaultWorld::place() const
+{
+    return {path(u"kept"_s), path(u"QUILLON.mdb"_s)};
+}
+
 bool FaultWorld::run(const Step& step)
 {
     switch (step.kind) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/ports/dialogs.h"
+#include "store/kept/keeping.h"
 #include "store/opening.h"
 #include "store/session.h"
 #include "tests/faults/model.h"
@@ -8,6 +9,7 @@
 
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 
 namespace quillon::testing
@@ -47,6 +49,12 @@ public:
     /// Lets go of the database, as the end of the program does.
     void close();
     Outcome perform(const Step& step);
+    /// The same for what is no step: it answers whether it has been done.
+    Outcome perform(const std::function<bool()>& operation);
+    /// From the next opening on what is overwritten and deleted is kept, in the folder "kept". No copies are made by
+    /// themselves.
+    void keep();
+    kept::Place place() const;
 
     /// What the program itself takes for the content of its database.
     Model seen();
@@ -65,6 +73,7 @@ public:
     FakeWindows windows;
     FakeMainWindow mainWindow;
     Session session;
+    std::unique_ptr<kept::Keeping> keeping;
 
 private:
     template <class Operation> Outcome outcomeOf(Operation&& operation);

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/titles.h"
 #include "store/database.h"
+#include "store/kept/history.h"
 #include "tests/faults/fault_world.h"
 #include "tests/faults/faulty_disk.h"
 
@@ -212,6 +213,41 @@ private Q_SLOTS:
                 break;
         }
         QVERIFY2(standing > 0, "no write stood that was told as failed");
+    }
+
+    void whatARowWasIsKeptWhenItStandsAlthoughItFailed()
+    {
+        const auto step = randomStep(Step::Kind::Update, s_random, m_model, {});
+        const auto eventsIn = [](const FaultWorld& world) {
+            kept::History history(world.place());
+            while (history.readOlder()) {
+            }
+            return history.events().size();
+        };
+        int standing = 0;
+        int undone = 0;
+        for (const DiskFailure failure : {DiskFailure::DoneAndBroken, DiskFailure::Broken}) {
+            for (int n = 1;; ++n) {
+                put(u"QUILLON.mdb"_s);
+                FaultWorld world(m_folder.path());
+                world.keep();
+                QCOMPARE(world.open(u"QUILLON.mdb"_s), Outcome::Done);
+                const std::size_t before = eventsIn(world);
+                disk().failAt(n, failure, FaultyDisk::Duration::Once);
+                const Outcome outcome = world.perform(*step);
+                const bool isOver = disk().heal() < n;
+                QString why;
+                const auto actual = readModel(world.path(u"QUILLON.mdb"_s), why);
+                QVERIFY2(actual, qPrintable(why));
+                const bool stands = *actual == after(*step, m_model);
+                standing += stands && outcome == Outcome::Failed ? 1 : 0;
+                undone += stands ? 0 : 1;
+                QCOMPARE(eventsIn(world), before + (stands ? 1 : 0));
+                if (isOver)
+                    break;
+            }
+        }
+        QVERIFY2(standing > 0 && undone > 0, "not both have happened");
     }
 
     void aFailingOpeningLeavesOneDatabaseOpen_data() { addFailures(); }
