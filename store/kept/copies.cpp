@@ -6,12 +6,12 @@
 #include "store/kept/file_contents.h"
 #include "store/kept/history_format.h"
 #include "store/kept/retention.h"
+#include "store/kept/whole_file.h"
 #include "store/quoted.h"
 #include "store/schema.h"
 #include "store/sqlite/backup.h"
 #include "store/sqlite/statement.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,8 +19,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRandomGenerator>
-#include <QSaveFile>
+#include <QSet>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <atomic>
@@ -200,9 +200,7 @@ public:
         const QString folder = whileLooking ? whileLooking->path() : m_order.place.copies();
         if (whileLooking ? !whileLooking->isValid() : !m_order.place.make(folder))
             throw Error(errors::PathFileAccess, u"控えのフォルダ「%1」を作成できません。"_s.arg(folder));
-        const QString beside =
-            u"%1/.new-%2-%3"_s.arg(folder, QString::number(QCoreApplication::applicationPid()),
-                                   QString::number(QRandomGenerator::global()->generate64(), 16));
+        const QString beside = nameForTheTimeBeing(folder);
         sqlite::Backup backup(m_order.place.database(), beside);
         if (!copyPages(backup))
             return CopyOutcome::Stopped;
@@ -389,12 +387,8 @@ private:
         for (int number = 2; QFile::exists(m_copy.path); ++number)
             m_copy.path = stem + u'-' + QString::number(number) + CopyEnding;
         // What says what it is comes first: a copy without it counts for nothing.
-        QSaveFile about(aboutPath(m_copy.path));
-        if (!about.open(QIODevice::WriteOnly))
-            throw Error(errors::PathFileAccess);
-        about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        about.write(QJsonDocument(aboutCopy(m_copy, m_order.place.database())).toJson());
-        if (!about.commit() || !QFile::rename(beside, m_copy.path)) {
+        const QByteArray about = QJsonDocument(aboutCopy(m_copy, m_order.place.database())).toJson();
+        if (!writeWhole(aboutPath(m_copy.path), about) || !QFile::rename(beside, m_copy.path)) {
             QFile::remove(aboutPath(m_copy.path));
             throw Error(errors::PathFileAccess);
         }

@@ -3,14 +3,13 @@
 #include "app/base/error.h"
 #include "app/base/platform/cloning.h"
 #include "app/base/platform/files.h"
+#include "store/kept/whole_file.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -122,8 +121,7 @@ std::optional<QByteArray> FileContents::keep(const QString& path) const
         return known;
     }
     // The copy is hashed and not the file, which may be changing.
-    NewFile copy(u"%1/.new-%2-%3"_s.arg(m_place.files(), QString::number(QCoreApplication::applicationPid()),
-                                        QString::number(QRandomGenerator::global()->generate64(), 16)));
+    NewFile copy(nameForTheTimeBeing(m_place.files()));
     if (!copyContent(path, copy.path()))
         return std::nullopt;
     std::optional<QByteArray> hash = hashOf(copy.path());

@@ -4,6 +4,7 @@
 #include "app/base/platform/file_identity.h"
 #include "app/base/platform/files.h"
 #include "app/base/platform/user_folders.h"
+#include "store/kept/whole_file.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -143,14 +143,9 @@ void Place::note() const
     const QByteArray identity = platform::fileIdentity(m_database).value_or(noted.identity);
     if (noted.path == m_database && noted.identity == identity)
         return;
-    QSaveFile about(aboutPath(m_folder));
-    if (!about.open(QIODevice::WriteOnly))
-        return;
-    about.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    about.write(
-        QJsonDocument(QJsonObject{{u"path"_s, m_database}, {u"identity"_s, QString::fromLatin1(identity)}})
-            .toJson());
-    about.commit();
+    writeWhole(aboutPath(m_folder), QJsonDocument(QJsonObject{{u"path"_s, m_database},
+                                                              {u"identity"_s, QString::fromLatin1(identity)}})
+                                        .toJson());
 }
 
 QStringList databasesIn(const QString& keptFolder)

@@ -116,6 +116,7 @@ std::vector<std::size_t> historyToRemove(const std::vector<HistoryFileFacts>& fi
 void prune(const Place& place, qint64 now, const HistoryRules& rules)
 {
     pruneHistory(place, now, rules);
+    removeLeftOver(place.folder(), now);
     removeLeftOver(place.copies(), now);
     removeLeftOver(place.files(), now);
     removeListsWithoutCopies(place.copies(), now);
