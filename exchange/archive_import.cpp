@@ -1,4 +1,5 @@
 #include "app/base/ports/files.h"
+#include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "exchange/archive.h"
 #include "exchange/archive_format.h"
@@ -125,6 +126,20 @@ public:
         m_paths.clear();
         m_folder.clear();
     }
+    /// To be told when their rows could not be made durable: a disk that fails at the very end leaves rows that stand all
+    /// the same. Those have their files. A file that nobody names, because that cannot be asked now, harms nobody.
+    void stayWhereNamed(RecordSet& rows)
+    {
+        QSet<QString> named;
+        guardedBy([this](const Error&) { stay(); },
+                  [&] {
+                      rows.forEachRow({data_field::Name, data_field::Explanation},
+                                      [&](const RecordSet::Row& row) {
+                                          named << row.text(0).toString() << row.text(1).toString();
+                                      });
+                  });
+        m_paths.removeIf([&](const QString& path) { return named.contains(QFileInfo(path).fileName()); });
+    }
 
 private:
     QStringList m_paths;
@@ -161,7 +176,12 @@ public:
         merging.write();
         if (!m_options.dryRun) {
             placeFiles(placed);
-            write.commit();
+            try {
+                write.commit();
+            } catch (...) {
+                placed.stayWhereNamed(required(m_session.RsRefFile));
+                throw;
+            }
             placed.stay();
         }
         return std::move(m_report);
