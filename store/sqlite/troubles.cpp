@@ -4,6 +4,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -27,8 +29,20 @@ struct Trouble {
     int systemError = 0;
 };
 
-// The methods that tell of a trouble are called by SQLite, which carries nothing of ours through to them.
-thread_local Trouble lastTrouble; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+// The methods that tell of a trouble are called by SQLite, which carries nothing of ours through to them. Where a write
+// fails, undoing it may fail as well, in another way, before the first failure is told: so there is one for each way.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+thread_local std::array<Trouble, 8> lastTroubles; // the latest first
+
+void note(const Trouble& trouble)
+{
+    const auto isOfTheSameWay = [&](const Trouble& one) { return one.code == trouble.code; };
+    auto place = std::find_if(lastTroubles.begin(), lastTroubles.end(), isOfTheSameWay);
+    if (place == lastTroubles.end())
+        --place; // the oldest goes
+    *place = trouble;
+    std::rotate(lastTroubles.begin(), place, place + 1);
+}
 
 /// What can be done with a file of the system, with our ears to it.
 struct TellingMethods {
@@ -47,7 +61,7 @@ int told(sqlite3_file* file, int code)
         return code;
     int systemError = 0;
     systemsOf(file).xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &systemError);
-    lastTrouble = {.code = code, .systemError = systemError};
+    note({.code = code, .systemError = systemError});
     return code;
 }
 
@@ -137,11 +151,13 @@ int openTelling(sqlite3_vfs* system, const char* name, sqlite3_file* file, int f
         if (systemError == ENOENT && name != nullptr && (flags & SQLITE_OPEN_CREATE) != 0)
             systemError = whyNotMade(system, name);
 #endif
-        lastTrouble = {.code = code, .systemError = systemError};
+        note({.code = code, .systemError = systemError});
         return code;
     }
-    if ((lastTrouble.code & 0xFF) == SQLITE_CANTOPEN)
-        lastTrouble = {};
+    for (Trouble& trouble : lastTroubles) {
+        if ((trouble.code & 0xFF) == SQLITE_CANTOPEN)
+            trouble = {};
+    }
     if (file->pMethods != nullptr) {
         if (const sqlite3_io_methods* const telling = tellingMethods(file->pMethods))
             file->pMethods = telling;
@@ -153,15 +169,17 @@ int removeTelling(sqlite3_vfs* system, const char* name, int syncFolder)
 {
     const int code = system->xDelete(system, name, syncFolder);
     if (code != SQLITE_OK && code != SQLITE_IOERR_DELETE_NOENT)
-        lastTrouble = {.code = code, .systemError = lastErrorOf(system)};
+        note({.code = code, .systemError = lastErrorOf(system)});
     return code;
 }
 
 std::optional<int> systemErrorBehind(int code)
 {
-    if (code == SQLITE_OK || lastTrouble.code != code)
+    const auto found = std::find_if(lastTroubles.begin(), lastTroubles.end(),
+                                    [code](const Trouble& one) { return one.code == code; });
+    if (code == SQLITE_OK || found == lastTroubles.end())
         return std::nullopt;
-    return lastTrouble.systemError;
+    return found->systemError;
 }
 
 } // namespace quillon::sqlite

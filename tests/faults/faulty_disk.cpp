@@ -49,6 +49,21 @@ int failing(int code, int systemError)
     return code;
 }
 
+int systemErrorOf(DiskFailure failure)
+{
+    switch (failure) {
+    case DiskFailure::Full:
+    case DiskFailure::ShortWrite:
+        return ENOSPC;
+    case DiskFailure::Quota:
+        return EDQUOT;
+    case DiskFailure::Interrupted:
+        return EINTR;
+    default:
+        return EIO;
+    }
+}
+
 /// Fails as planned, with `code`, or does it.
 template <class Do> int unlessFailing(DiskCall call, int code, Do&& work)
 {
@@ -57,7 +72,7 @@ template <class Do> int unlessFailing(DiskCall call, int code, Do&& work)
         return std::forward<Do>(work)();
     if (failure == DiskFailure::DoneAndBroken)
         std::forward<Do>(work)();
-    return failing(code, EIO);
+    return failing(code, systemErrorOf(failure));
 }
 
 int closeFile(sqlite3_file* file)
@@ -97,6 +112,8 @@ int writeFile(sqlite3_file* file, const void* source, int count, sqlite3_int64 t
     case DiskFailure::DoneAndBroken:
         writeNow(file, source, count, to);
         return failing(SQLITE_IOERR_WRITE, EIO);
+    case DiskFailure::Quota:
+        return failing(SQLITE_IOERR_WRITE, EDQUOT);
     default:
         return failing(SQLITE_IOERR_WRITE, EIO);
     }
@@ -146,6 +163,10 @@ int checkReservedLock(sqlite3_file* file, int* reserved)
 
 int controlFile(sqlite3_file* file, int operation, void* argument)
 {
+    if (operation == SQLITE_FCNTL_LAST_ERRNO && disk().lastError() != 0) {
+        *static_cast<int*>(argument) = disk().lastError();
+        return SQLITE_OK;
+    }
     return below(file)->pMethods->xFileControl(below(file), operation, argument);
 }
 
@@ -193,7 +214,7 @@ int openFile(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags,
     file->pMethods = nullptr;
     DiskFailure failure = DiskFailure::Broken;
     if (disk().failsNow(DiskCall::Open, failure))
-        return failing(SQLITE_CANTOPEN, failure == DiskFailure::Full ? EMFILE : EIO);
+        return failing(SQLITE_CANTOPEN, failure == DiskFailure::Full ? EMFILE : systemErrorOf(failure));
     const bool isNew = name != nullptr && (flags & SQLITE_OPEN_CREATE) != 0 && !isThere(name);
     const int code = systemDisk()->xOpen(systemDisk(), name, below(file), flags, outFlags);
     if (below(file)->pMethods == nullptr)
@@ -222,7 +243,7 @@ int removeFile(sqlite3_vfs*, const char* name, int syncFolder)
     if (!disk().failsNow(DiskCall::Delete, failure))
         return removal();
     if (failure != DiskFailure::DoneAndBroken)
-        return failing(SQLITE_IOERR_DELETE, EIO);
+        return failing(SQLITE_IOERR_DELETE, systemErrorOf(failure));
     removal();
     return failing(SQLITE_IOERR_DIR_FSYNC, EIO);
 }
@@ -252,6 +273,10 @@ bool canFail(DiskCall call, DiskFailure failure)
     case DiskFailure::DoneAndBroken:
         return call == DiskCall::Write || call == DiskCall::Truncate || call == DiskCall::Sync ||
                call == DiskCall::Delete;
+    case DiskFailure::Quota:
+        return call == DiskCall::Write || call == DiskCall::Open || call == DiskCall::Sync;
+    case DiskFailure::Interrupted:
+        return call == DiskCall::Sync || call == DiskCall::Size || call == DiskCall::Delete;
     case DiskFailure::Count:
         break;
     }

@@ -19,6 +19,8 @@ enum class DiskFailure {
     Full,          // ENOSPC; of an opening: no descriptor is left (EMFILE)
     ShortWrite,    // ENOSPC after half of the bytes
     DoneAndBroken, // EIO, although it has been done
+    Quota,         // EDQUOT
+    Interrupted,   // EINTR, where SQLite does not ask again by itself
     Count
 };
 

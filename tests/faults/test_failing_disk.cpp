@@ -37,7 +37,7 @@ private:
     {
         QTest::addColumn<int>("failure");
         QTest::addColumn<bool>("stays");
-        const std::array names{"broken", "full", "short write", "done and broken"};
+        const std::array names{"broken", "full", "short write", "done and broken", "quota", "interrupted"};
         for (int failure = 0; failure < static_cast<int>(DiskFailure::Count); ++failure) {
             for (const bool stays : {false, true})
                 QTest::addRow("%s %s", names.at(static_cast<std::size_t>(failure)),
@@ -60,6 +60,7 @@ private:
         Outcome outcome = Outcome::Done;
         bool isOver = false; // there was no call of this number any more
         bool hasFailed = false;
+        DiskFailure failure = DiskFailure::Broken;
     };
     /// Performs something while the n-th call fails.
     template <class Operation> Attempt attempt(int n, Operation&& operation)
@@ -68,7 +69,7 @@ private:
         QFETCH(const bool, stays);
         disk().failAt(n, static_cast<DiskFailure>(failure),
                       stays ? FaultyDisk::Duration::FromThenOn : FaultyDisk::Duration::Once);
-        Attempt result;
+        Attempt result{.failure = static_cast<DiskFailure>(failure)};
         result.outcome = std::forward<Operation>(operation)();
         result.isOver = disk().heal() < n;
         result.hasFailed = disk().hasFailed();
@@ -92,6 +93,9 @@ private:
             return u"it was not done, and nobody was told"_s;
         if (!attempt.hasFailed && attempt.outcome != Outcome::Done)
             return u"it failed although no call did"_s + told(world);
+        if (attempt.failure == DiskFailure::Quota && attempt.outcome == Outcome::Failed &&
+            !world.told().join(QString()).contains(u"ディスク容量の上限"_s))
+            return u"the quota is not told"_s + told(world);
         Model seen;
         try {
             seen = world.seen();
