@@ -82,16 +82,11 @@ if [ $tour = yes ]; then
     QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} exec "$root/build/release/quillon-tour" "$root/docs/images"
 fi
 
-mkdir -p "$home/RefFile"
-for text in "Readme.txt" "Quillon 機能仕様.txt"; do
-    # What is there may have been edited; it stays.
-    [ -e "$home/$text" ] || cp "$root/packaging/texts/$text" "$home/$text"
-done
-cd "$home"
+export QUILLON_HOME="$home"
 echo "Working in $home"
 
 if [ $virtual = no ]; then
-    exec "$root/build/release/quillon" ${file:+"$file"}
+    exec "$root/build/release/quillon" --home -- ${file:+"$file"}
 fi
 
 scratch=$(mktemp -d)
@@ -136,7 +131,7 @@ echo "  a picture:  DISPLAY=$DISPLAY import -window root quillon.png    (package
 echo "  live:       x11vnc -display $DISPLAY -localhost                 (package x11vnc; then a VNC viewer on localhost)"
 
 # Beside the script and not in front of it, so that a signal to the script is answered at once.
-"$root/build/release/quillon" ${file:+"$file"} &
+"$root/build/release/quillon" --home -- ${file:+"$file"} &
 program=$!
 result=0
 wait "$program" || result=$?

@@ -1,9 +1,9 @@
 #include "app/cli/help.h"
 
-#include "app/base/titles.h"
 #include "app/cli/columns.h"
 #include "app/cli/output.h"
 #include "app/cli/verbs.h"
+#include "store/build_info.h"
 
 #include <algorithm>
 
@@ -111,7 +111,7 @@ void printHelp(const Verb* verb)
 
 void printVersion()
 {
-    print(u"quillon-cli "_s + titles::Version + u'\n');
+    print(versionLines(u"quillon-cli"_s));
 }
 
 QString usageOf(const Verb* verb)

@@ -1,6 +1,7 @@
 #include "app/shell/command_line.h"
 
 #include "app/base/titles.h"
+#include "store/build_info.h"
 
 #include <cstdio>
 
@@ -16,13 +17,15 @@ constexpr int Success = 0;
 constexpr int WrongUse = 2;
 
 const char* const Help = R"(使い方: quillon [オプション] [--] [ファイル]
-        quillon --restore [--] [ファイル]
 
 自己教育的データベース管理システム Quillon を起動します。
 ファイルを指定すると、メイン画面を表示した後でそのデータベースを展開します。
-ファイルデータはカレントフォルダ内の RefFile フォルダに置かれます。
+ファイルデータはカレントフォルダ (--home のときは作業フォルダ) 内の RefFile フォルダに
+置かれます。
 
 オプション:
+  --home        作業フォルダで起動します。作業フォルダは、環境変数 QUILLON_HOME、
+                なければ書類フォルダ内の Quillon で、最初に使うときに作成します
   --restore     失われたデータを戻す画面を開きます
   -h, --help    この説明を表示して終了します
   --version     版を表示して終了します
@@ -56,6 +59,8 @@ CommandLine parseCommandLine(const QStringList& arguments)
             commandLine.file = argument;
         } else if (argument == u"--"_s) {
             optionsEnded = true;
+        } else if (argument == u"--home"_s) {
+            commandLine.atHome = true;
         } else if (argument == u"--restore"_s) {
             commandLine.restores = true;
         } else if (argument == u"--help"_s || argument == u"-h"_s) {
@@ -78,7 +83,7 @@ int answerOnTerminal(const CommandLine& commandLine)
         print(stdout, Help);
         break;
     case CommandLine::Request::Version:
-        print(stdout, titles::Application.toUtf8() + ' ' + titles::Version.toUtf8() + '\n');
+        print(stdout, versionLines(titles::Application).toUtf8());
         break;
     case CommandLine::Request::Refused:
         print(stderr,

@@ -15,6 +15,7 @@ struct CommandLine {
     Request request = Request::Run;
     std::optional<QString> file = {}; // the database to open, as it was written
     QString complaint = {};           // why it was refused, for the person at the terminal
+    bool atHome = false;              // works in the home folder, wherever it was started
     bool restores = false;            // a run for taking things back
 };
 

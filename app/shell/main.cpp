@@ -3,8 +3,10 @@
 #include "app/base/system_ports.h"
 #include "app/base/titles.h"
 #include "app/shell/command_line.h"
+#include "app/shell/home_folder.h"
 #include "app/shell/japanese_interface.h"
 #include "app/shell/program.h"
+#include "app/shell/program_icon.h"
 #include "app/shell/real_dialogs.h"
 #include "app/shell/start_up.h"
 #include "store/kept/place.h"
@@ -21,7 +23,7 @@ int main(int argc, char** argv)
     using namespace quillon;
 
     // Before there is an application object, so that the answers need no display.
-    const CommandLine commandLine = parseCommandLine(platform::arguments(argc, argv).mid(1));
+    CommandLine commandLine = parseCommandLine(platform::arguments(argc, argv).mid(1));
     if (commandLine.request != CommandLine::Request::Run)
         return answerOnTerminal(commandLine);
 
@@ -33,12 +35,15 @@ int main(int argc, char** argv)
     QGuiApplication::setDesktopFileName(u"quillon"_s);
     QApplication::setQuitOnLastWindowClosed(false); // the splash window is the last one for a moment
     setUpJapaneseInterface(application);
+    QGuiApplication::setWindowIcon(programIcon());
 
     RealDialogs dialogs;
     SystemEventLog eventLog(QCoreApplication::applicationDirPath());
     SystemClock clock;
     SystemDesktop desktop;
     SystemFiles files;
+    if (commandLine.atHome)
+        goHome(dialogs, commandLine.file);
     // A run for taking things back leaves the copies as they are; the next one of the other kind makes the next.
     const std::optional<kept::CopyTimes> copies =
         commandLine.restores ? std::nullopt : std::optional(kept::CopyTimes());

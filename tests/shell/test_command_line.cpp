@@ -1,6 +1,7 @@
 #include "app/shell/command_line.h"
 
 #include <QProcess>
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -80,6 +81,23 @@ private Q_SLOTS:
         QTest::newRow("second name") << QStringList{u"a.mdb"_s, u"b.mdb"_s} << u"b.mdb"_s;
     }
 
+    void theHomeFolderIsAskedForByItsOption()
+    {
+        QVERIFY(!parseCommandLine({u"a.mdb"_s}).atHome);
+        const CommandLine commandLine = parseCommandLine({u"--home"_s, u"a.mdb"_s});
+        QCOMPARE(commandLine.request, Request::Run);
+        QVERIFY(commandLine.atHome);
+        QCOMPARE(commandLine.file, u"a.mdb"_s);
+        QVERIFY(parseCommandLine({u"--restore"_s, u"--home"_s}).atHome);
+        QCOMPARE(parseCommandLine({u"--"_s, u"--home"_s}).file, u"--home"_s);
+    }
+
+    void theVersionIsThatOfTheBuild()
+    {
+        QVERIFY2(runWithoutDisplay({u"--version"_s}).output.contains(u"Ver." QUILLON_VERSION " "_s),
+                 "titles::Version and the project's version differ");
+    }
+
     void unknownOptionsAndSecondNamesAreRefused()
     {
         QFETCH(QStringList, arguments);
@@ -104,7 +122,15 @@ private Q_SLOTS:
     {
         const Run run = runWithoutDisplay({u"--version"_s});
         QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.output, u"Quillon System Ver.1.30 (Ver.2.00β)\n"_s);
+        const QStringList lines = run.output.split(u'\n');
+        QCOMPARE(lines.size(), 5);
+        QCOMPARE(lines[0], u"Quillon System Ver.1.30 (Ver.2.00β)"_s);
+        QVERIFY2(QRegularExpression(u"^コミット: ([0-9a-f]{7,}\\+?|不明)$"_s).match(lines[1]).hasMatch(),
+                 qPrintable(lines[1]));
+        QCOMPARE(lines[2], u"Qt: "_s + QString::fromLatin1(qVersion()));
+        QVERIFY2(QRegularExpression(u"^SQLite: 3\\.[0-9]+\\.[0-9]+$"_s).match(lines[3]).hasMatch(),
+                 qPrintable(lines[3]));
+        QCOMPARE(lines[4], QString());
         QCOMPARE(run.errors, QString());
     }
 

@@ -30,19 +30,22 @@ class TestStartTexts : public QObject
 private Q_SLOTS:
     void helpTellsTheUseAndEveryOption()
     {
-        QVERIFY(compareText(printed({u"--help"_s}, QProcess::StandardOutput),
-                            u"使い方: quillon [オプション] [--] [ファイル]\n"
-                            "        quillon --restore [--] [ファイル]\n"
-                            "\n"
-                            "自己教育的データベース管理システム Quillon を起動します。\n"
-                            "ファイルを指定すると、メイン画面を表示した後でそのデータベースを展開します。\n"
-                            "ファイルデータはカレントフォルダ内の RefFile フォルダに置かれます。\n"
-                            "\n"
-                            "オプション:\n"
-                            "  --restore     失われたデータを戻す画面を開きます\n"
-                            "  -h, --help    この説明を表示して終了します\n"
-                            "  --version     版を表示して終了します\n"
-                            "  --            以降の語をすべてファイル名として扱います\n"));
+        QVERIFY(compareText(
+            printed({u"--help"_s}, QProcess::StandardOutput),
+            u"使い方: quillon [オプション] [--] [ファイル]\n"
+            "\n"
+            "自己教育的データベース管理システム Quillon を起動します。\n"
+            "ファイルを指定すると、メイン画面を表示した後でそのデータベースを展開します。\n"
+            "ファイルデータはカレントフォルダ (--home のときは作業フォルダ) 内の RefFile フォルダに\n"
+            "置かれます。\n"
+            "\n"
+            "オプション:\n"
+            "  --home        作業フォルダで起動します。作業フォルダは、環境変数 QUILLON_HOME、\n"
+            "                なければ書類フォルダ内の Quillon で、最初に使うときに作成します\n"
+            "  --restore     失われたデータを戻す画面を開きます\n"
+            "  -h, --help    この説明を表示して終了します\n"
+            "  --version     版を表示して終了します\n"
+            "  --            以降の語をすべてファイル名として扱います\n"));
     }
 
     void complaintNamesWhatIsWrong()

@@ -1,0 +1,20 @@
+#include "store/build_info.h"
+
+#include "app/base/titles.h"
+#include "store/sqlite/engine_version.h"
+
+#include "build_commit.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quillon
+{
+
+QString versionLines(const QString& program)
+{
+    const QString commit = QStringLiteral(QUILLON_COMMIT);
+    return program + u' ' + titles::Version + u"\nコミット: "_s + (commit.isEmpty() ? u"不明"_s : commit) +
+           u"\nQt: "_s + QLatin1StringView(qVersion()) + u"\nSQLite: "_s + sqlite::engineVersion() + u'\n';
+}
+
+} // namespace quillon
