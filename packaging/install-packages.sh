@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a task needs, and only those that are missing.
-# Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display, wayland
+# Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display,
+# wayland, package, root
 set -eu
 
 packages=
@@ -23,6 +24,10 @@ for group in "$@"; do
             packages="$packages xvfb openbox" ;;
         wayland) # the toolkit's way to a Wayland desktop without X
             packages="$packages qt6-wayland" ;;
+        package) # what makes packages and reads them
+            packages="$packages g++ git dpkg-dev debhelper lintian desktop-file-utils appstream" ;;
+        root) # a Debian system inside this one
+            packages="$packages debootstrap" ;;
         *)
             echo "install-packages.sh: unknown group '$group'" >&2
             exit 2 ;;

@@ -1,0 +1,138 @@
+#!/bin/sh
+# The trial of the package inside the fresh system; test.sh runs it there.
+set -eu
+
+say()
+{
+    echo "== $*"
+}
+
+fail()
+{
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+# Everything that is there, less what the package system, caches and the person write.
+inventory()
+{
+    find / -xdev \( -path /proc -o -path /dev -o -path /tmp -o -path /var/cache -o -path /var/lib/apt \
+        -o -path /var/lib/dpkg -o -path /var/log -o -path /home -o -path /run \) -prune -o -print | sort
+}
+
+person()
+{
+    runuser -u person -- /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/person LANG=C.UTF-8 DISPLAY=:7 \
+        XDG_RUNTIME_DIR=/tmp/person DBUS_SESSION_BUS_ADDRESS="$bus" "$@"
+}
+
+# The number of a window with this title, when it comes within half a minute.
+window()
+{
+    for _ in $(seq 1 150); do
+        found=$(person xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1) || found=
+        if [ -n "$found" ]; then
+            echo "$found"
+            return 0
+        fi
+        sleep 0.2
+    done
+    return 1
+}
+
+# Waits until the program has ended.
+gone()
+{
+    for _ in $(seq 1 100); do
+        pgrep -u person -x quillon >/dev/null || return 0
+        sleep 0.1
+    done
+    return 1
+}
+
+say "what the package needs, and what a desktop has"
+apt-get update -q >/dev/null
+export DEBIAN_FRONTEND=noninteractive
+apt-get install -q -y --no-install-recommends xvfb xdotool openbox dbus libglib2.0-bin shared-mime-info \
+    desktop-file-utils procps man-db fonts-ipafont-gothic >/dev/null
+# The package's needs first: they may leave traces of their own.
+apt-get install -q -y --no-install-recommends /tmp/quillon.deb >/dev/null
+dpkg --purge quillon >/dev/null
+inventory >/tmp/before
+
+say "installing"
+dpkg --install /tmp/quillon.deb >/dev/null
+useradd --create-home person
+mkdir -m 700 /tmp/person
+chown person /tmp/person
+bus=
+person quillon --version
+person quillon-cli --version >/dev/null
+[ -n "$(person man -w quillon)" ] || fail "no manual page of quillon"
+[ -n "$(person man -w quillon-cli)" ] || fail "no manual page of quillon-cli"
+[ -n "$(person man -L ja -w quillon)" ] || fail "no Japanese manual page"
+
+Xvfb :7 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+server=$!
+trap 'kill $server 2>/dev/null || :' EXIT
+bus=$(runuser -u person -- dbus-daemon --session --fork --print-address)
+for _ in $(seq 1 50); do
+    person xdotool getmouselocation >/dev/null 2>&1 && break
+    sleep 0.1
+done
+person openbox >/dev/null 2>&1 &
+
+say "starting from the menu's entry"
+cd /home/person
+person gio launch /usr/share/applications/quillon.desktop &
+main=$(window '^Quillon') || fail "no window came"
+home=/home/person/Documents/Quillon
+for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
+    [ -e "$home/$name" ] || fail "$home/$name was not made"
+done
+person xdotool getwindowpid "$main" >/dev/null || fail "the window belongs to nobody"
+pkill -u person -x quillon
+gone || fail "the program does not end"
+
+say "opening a database"
+person quillon-cli --database "/home/person/知識.mdb" create >/dev/null
+person quillon-cli --database "/home/person/知識.mdb" add definition 水 --text 無色透明の液体 >/dev/null
+type=$(person gio info -a standard::content-type "/home/person/知識.mdb" | sed -n 's/.*content-type: //p')
+[ "$type" = application/x-quillon ] || fail "the database is taken for $type"
+printf 'Standard Jet DB of somebody else' >/home/person/other.mdb
+type=$(person gio info -a standard::content-type /home/person/other.mdb | sed -n 's/.*content-type: //p')
+[ "$type" != application/x-quillon ] || fail "the file of another program is taken for ours"
+person gio mime application/x-quillon | grep -q 'quillon.desktop' || fail "nothing opens our files"
+person gio open "/home/person/知識.mdb" &
+window '^Quillon' >/dev/null || fail "opening a database showed no window"
+opened=no
+for _ in $(seq 1 150); do
+    if find /proc/"$(pgrep -u person -x quillon)"/fd -lname '*知識.mdb' 2>/dev/null | grep -q .; then
+        opened=yes
+        break
+    fi
+    sleep 0.2
+done
+[ $opened = yes ] || fail "the database was not opened"
+pkill -u person -x quillon
+gone || fail "the program does not end"
+
+say "removing and purging"
+dpkg --remove quillon >/dev/null
+! command -v quillon || fail "the program is still there"
+dpkg --purge quillon >/dev/null 2>&1
+[ -f "/home/person/知識.mdb" ] || fail "the person's database is gone"
+[ -d "$home/RefFile" ] || fail "the person's folder is gone"
+pkill -KILL -u person || :
+for _ in $(seq 1 50); do
+    pgrep -u person >/dev/null || break
+    sleep 0.1
+done
+userdel person
+inventory >/tmp/after
+# The person was added to these.
+if ! diff /tmp/before /tmp/after >/tmp/left; then
+    grep '^[<>]' /tmp/left | grep -v -e '/etc/.*-$' -e '/var/mail' -e '/var/spool/mail' -e '/etc/sub[ug]id' >/tmp/ours || :
+    [ ! -s /tmp/ours ] || fail "this is left or missing: $(cat /tmp/ours)"
+fi
+say "all is well"
