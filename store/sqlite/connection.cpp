@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
 #include "store/sqlite/errors.h"
+#include "store/sqlite/half_characters.h"
 #include "store/sqlite/rollback_journal.h"
 #include "store/sqlite/statement.h"
 
@@ -214,7 +215,9 @@ void Connection::watchRows(std::unique_ptr<RowListener> listener)
     Statement encoding(m_handle, u"PRAGMA encoding"_s);
     const bool isOurs =
         QSysInfo::ByteOrder == QSysInfo::LittleEndian && encoding.step() && encoding.text(0) == u"UTF-16le";
-    const auto texts = isOurs ? OldRow::Texts::AsInMemory : OldRow::Texts::ToBeConverted;
+    const auto texts = isOurs                   ? OldRow::Texts::AsInMemory
+                       : m_handle.storesBytes() ? OldRow::Texts::InBytes
+                                                : OldRow::Texts::ToBeConverted;
     m_watch = std::make_unique<RowWatch>(m_handle.get(), texts, std::move(listener));
     m_handle.setWatch(m_watch.get());
 }
@@ -244,8 +247,20 @@ qint64 Connection::dataVersion()
 namespace
 {
 
-QString sharedText(sqlite3_value* value)
+/// What SQLite hands over in the end to the test of a pattern.
+struct RegisteredTest {
+    Connection::PatternTest test;
+    const Handle& handle; // of the connection, which outlives it
+};
+
+QString sharedText(const Handle& handle, sqlite3_value* value)
 {
+    if (handle.storesBytes()) {
+        const auto* const utf8 = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        const int size = sqlite3_value_bytes(value);
+        if (auto text = textWithHalves({utf8, utf8 == nullptr ? 0 : size}))
+            return *std::move(text);
+    }
     const void* units = sqlite3_value_text16(value);
     const int bytes = sqlite3_value_bytes16(value);
     return QString::fromRawData(static_cast<const QChar*>(units), bytes / static_cast<int>(sizeof(QChar)));
@@ -259,8 +274,9 @@ void runPatternTest(sqlite3_context* context, int, sqlite3_value** arguments)
     }
     // No exception may pass through SQLite.
     try {
-        const auto& test = *static_cast<Connection::PatternTest*>(sqlite3_user_data(context));
-        sqlite3_result_int(context, test(sharedText(arguments[0]), sharedText(arguments[1])) ? 1 : 0);
+        const auto& [test, handle] = *static_cast<RegisteredTest*>(sqlite3_user_data(context));
+        const QString text = sharedText(handle, arguments[1]);
+        sqlite3_result_int(context, test(sharedText(handle, arguments[0]), text) ? 1 : 0);
     } catch (...) {
         sqlite3_result_error_nomem(context);
     }
@@ -268,7 +284,7 @@ void runPatternTest(sqlite3_context* context, int, sqlite3_value** arguments)
 
 void deletePatternTest(void* test)
 {
-    delete static_cast<Connection::PatternTest*>(test);
+    delete static_cast<RegisteredTest*>(test);
 }
 
 } // namespace
@@ -278,8 +294,8 @@ void Connection::addPatternTest(const char* name, PatternTest test)
     // SQLite calls the deleter in the end, also when this call fails.
     check(m_handle.get(), sqlite3_create_function_v2(m_handle.get(), name, 2,
                                                      SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
-                                                     new PatternTest(std::move(test)), runPatternTest,
-                                                     nullptr, nullptr, deletePatternTest));
+                                                     new RegisteredTest{std::move(test), m_handle},
+                                                     runPatternTest, nullptr, nullptr, deletePatternTest));
 }
 
 } // namespace quillon::sqlite

@@ -34,7 +34,7 @@ public:
     /// Null before `open`.
     sqlite3* get() const { return m_handle; }
 
-    /// Whether the file keeps its texts in UTF-8, which has no room for half a character.
+    /// Whether the file keeps its texts in UTF-8; see half_characters.h.
     bool storesBytes() const { return m_storesBytes; }
     void setStoresBytes(bool storesBytes) { m_storesBytes = storesBytes; }
     /// Whether others may be kept from writing (or from reading) at this moment.

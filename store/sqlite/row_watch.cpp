@@ -1,6 +1,7 @@
 #include "store/sqlite/row_watch.h"
 
 #include "store/sqlite/errors.h"
+#include "store/sqlite/half_characters.h"
 
 #include <sqlite3.h>
 
@@ -15,7 +16,7 @@ namespace quillon::sqlite
 namespace
 {
 
-bool areEqual(sqlite3_value* a, sqlite3_value* b)
+bool areEqual(sqlite3_value* a, sqlite3_value* b, OldRow::Texts texts)
 {
     if (sqlite3_value_type(a) != sqlite3_value_type(b))
         return false;
@@ -30,6 +31,14 @@ bool areEqual(sqlite3_value* a, sqlite3_value* b)
                std::bit_cast<std::uint64_t>(sqlite3_value_double(b));
     }
     case SQLITE_TEXT: {
+        if (texts == OldRow::Texts::InBytes) {
+            // Converted, all halves of characters would be the same.
+            const unsigned char* const first = sqlite3_value_text(a);
+            const unsigned char* const second = sqlite3_value_text(b);
+            const int bytes = sqlite3_value_bytes(a);
+            return first != nullptr && second != nullptr && bytes == sqlite3_value_bytes(b) &&
+                   std::memcmp(first, second, static_cast<std::size_t>(bytes)) == 0;
+        }
         const void* const first = sqlite3_value_text16(a);
         const void* const second = sqlite3_value_text16(b);
         const int bytes = sqlite3_value_bytes16(a);
@@ -62,6 +71,14 @@ StoredValue OldRow::field(int index) const
     case SQLITE_FLOAT:
         return {.type = StoredValue::Type::Real, .real = sqlite3_value_double(value)};
     case SQLITE_TEXT: {
+        if (m_texts == Texts::InBytes) {
+            const auto* const utf8 = reinterpret_cast<const char*>(sqlite3_value_text(value));
+            const int size = sqlite3_value_bytes(value);
+            if (const auto text = textWithHalves({utf8, utf8 == nullptr ? 0 : size})) {
+                m_textsWithHalves << *text;
+                return {.type = StoredValue::Type::Text, .text = m_textsWithHalves.constLast()};
+            }
+        }
         // Asked for as a text it would be copied to get a zero at its end. The text first, its length afterwards: the
         // length is that of the converted text.
         const void* const units =
@@ -92,7 +109,7 @@ bool OldRow::changes() const
         sqlite3_value* after = nullptr;
         check(m_connection, sqlite3_preupdate_old(m_connection, index, &before));
         check(m_connection, sqlite3_preupdate_new(m_connection, index, &after));
-        if (!areEqual(before, after))
+        if (!areEqual(before, after, m_texts))
             return true;
     }
     return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QStringList>
 #include <QStringView>
 
 #include <array>
@@ -28,7 +29,7 @@ struct StoredValue {
 class OldRow
 {
 public:
-    enum class Texts { AsInMemory, ToBeConverted }; ///< how the file keeps them
+    enum class Texts { AsInMemory, ToBeConverted, InBytes }; ///< how the file keeps them
     OldRow(sqlite3* connection, const char* table, qint64 row, bool isDeleted, Texts texts)
         : m_connection(connection), m_table(table), m_row(row), m_isDeleted(isDeleted), m_texts(texts)
     {
@@ -50,6 +51,7 @@ private:
     qint64 m_row;
     bool m_isDeleted;
     Texts m_texts;
+    mutable QStringList m_textsWithHalves;
 };
 
 /// Who is told of every row that a connection overwrites or deletes.

@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "store/sqlite/errors.h"
+#include "store/sqlite/half_characters.h"
 #include "store/sqlite/handle.h"
 #include "store/sqlite/row_watch.h"
 
@@ -17,20 +18,6 @@ namespace
 
 constexpr char16_t ByteOrderMark = u'\uFEFF';
 constexpr char16_t SwappedByteOrderMark = u'\uFFFE';
-
-/// The text with a replacement for every half of a character that stands alone.
-QString withWholeCharacters(QStringView text)
-{
-    QString whole = text.toString();
-    for (qsizetype i = 0; i < whole.size(); ++i) {
-        const bool pair = whole[i].isHighSurrogate() && i + 1 < whole.size() && whole[i + 1].isLowSurrogate();
-        if (pair)
-            ++i;
-        else if (whole[i].isSurrogate())
-            whole[i] = QChar::ReplacementCharacter;
-    }
-    return whole;
-}
 
 } // namespace
 
@@ -61,10 +48,11 @@ Statement& Statement::bind(int position, QStringView text)
     // it is dropped in its stead.
     QString marked;
     if (m_handle.storesBytes() && !text.isValidUtf16()) {
-        // SQLite would take the half and whatever follows it for one character.
-        marked = withWholeCharacters(text);
-        text = marked;
-        units = text.utf16();
+        const QByteArray bytes = bytesWithHalves(text);
+        checkBound(sqlite3_bind_text64(m_statement, position, bytes.constData(),
+                                       static_cast<sqlite3_uint64>(bytes.size()), SQLITE_TRANSIENT,
+                                       SQLITE_UTF8));
+        return *this;
     }
     if (!text.isEmpty() && (text.front() == ByteOrderMark || text.front() == SwappedByteOrderMark)) {
         marked = QString(QChar(ByteOrderMark)).append(text);
@@ -93,6 +81,7 @@ void Statement::checkBound(int code)
 
 bool Statement::step()
 {
+    m_textsWithHalves.clear();
     if (m_writes)
         m_handle.checkMayWrite();
     RowWatch* const watch = m_handle.watch();
@@ -142,6 +131,14 @@ void Statement::checkColumn(int column) const
 QStringView Statement::text(int column) const
 {
     checkColumn(column);
+    if (m_handle.storesBytes()) {
+        const auto* const bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+        const int size = sqlite3_column_bytes(m_statement, column);
+        if (const auto text = textWithHalves({bytes, bytes == nullptr ? 0 : size})) {
+            m_textsWithHalves << *text;
+            return m_textsWithHalves.constLast();
+        }
+    }
     // The text first, its length afterwards: the length is that of the converted text.
     const void* units = sqlite3_column_text16(m_statement, column);
     const int bytes = sqlite3_column_bytes16(m_statement, column);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 struct sqlite3_stmt;
@@ -46,6 +47,7 @@ private:
     Handle& m_handle; // of the connection, which outlives its statements
     sqlite3_stmt* m_statement = nullptr;
     bool m_writes = false;
+    mutable QStringList m_textsWithHalves; // of the row, where SQLite has no such texts itself
 };
 
 /// Resets a statement when the block ends, so that no read lock outlives it.

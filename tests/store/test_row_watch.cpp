@@ -140,6 +140,12 @@ private Q_SLOTS:
         connection->watchRows(std::make_unique<Told>(lines));
         run(u"UPDATE t SET x = x || '!'"_s);
         QCOMPARE(lines, QStringList({u"t 1 changed: \"水とH2O\""_s, u"t 2 changed: \"\""_s, u"durable"_s}));
+        // Also half a character that gives way to another half.
+        const QString high(QChar(0xD83D));
+        for (const QString& half : {high, QString(QChar(0xDE00))})
+            connection->prepare(u"UPDATE t SET x = ? WHERE rowid = 2"_s).bind(1, half).run();
+        QCOMPARE(lines.mid(3), QStringList({u"t 2 changed: \"!\""_s, u"durable"_s,
+                                            u"t 2 changed: \""_s + high + u"\""_s, u"durable"_s}));
     }
 
     void everyRowOfATableThatIsEmptiedIsTold()
