@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <new>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -92,6 +93,8 @@ template <class Operation> FaultWorld::Outcome FaultWorld::outcomeOf(Operation&&
         done = std::forward<Operation>(operation)();
     } catch (const Error& error) {
         dialogs.texts << u"EXPLANATION : "_s + error.description; // as the window would tell it
+    } catch (const std::bad_alloc&) {
+        dialogs.texts << u"EXPLANATION : "_s + standardDescription(errors::OutOfMemory); // and so this
     }
     const auto tells = [this](const QString& words) {
         return std::any_of(dialogs.texts.begin(), dialogs.texts.end(),

@@ -1,4 +1,7 @@
 // Two and three programs work with one file at the same time: nothing of what one has done is lost or torn by another.
+#include "core/data_entry.h"
+#include "store/data_kinds.h"
+#include "store/identifiers.h"
 #include "tests/faults/children.h"
 #include "tests/faults/fault_world.h"
 
@@ -6,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -45,7 +49,70 @@ private:
         }
     }
 
+    /// Registers data, each with the identifier that was the next free one when it was begun: as
+    /// often as not another program has it by then.
+    static void registerMany(const QString& folder, int program, int count, const Child::Tell& tell)
+    {
+        FaultWorld world(folder);
+        if (world.open(u"QUILLON.mdb"_s) != Outcome::Done) {
+            tell(CannotOpen);
+            return;
+        }
+        tell(Opened);
+        for (int i = 0; i < count; ++i) {
+            const QString text = u"%1 の %2"_s.arg(program).arg(i);
+            const DataKind& kind = *kindOf(i % 2 == 0 ? u"M"_s : u"R"_s);
+            const QString shown = CreateObject_ID(world.session, QString(kind.letter));
+            Outcome outcome = Outcome::Refused;
+            while (outcome == Outcome::Refused)
+                outcome = world.perform([&] {
+                    return RegisterDatum(world.session, kind, shown, {.name = text, .content = text}, {})
+                        .has_value();
+                });
+            if (outcome != Outcome::Done) {
+                std::fprintf(stderr, "%s: %s\n", qPrintable(shown), qPrintable(world.told().join(u'\n')));
+                tell(Failed);
+                return;
+            }
+            tell(i + 1);
+        }
+    }
+
 private Q_SLOTS:
+    void noTwoOfThemGiveOutTheSameIdentifier()
+    {
+        constexpr int Programs = 3;
+        const int count = numberFromEnvironment("QUILLON_STEPS_AT_ONCE", 60);
+        QTemporaryDir folder;
+        const Model begun = prepareFolder(folder.path());
+        std::vector<std::unique_ptr<Child>> children;
+        for (int program = 0; program < Programs; ++program)
+            children.push_back(std::make_unique<Child>([&, program](const Child::Tell& tell) {
+                registerMany(folder.path(), program, count, tell);
+            }));
+        for (const auto& child : children) {
+            int number = 0;
+            int done = 0;
+            while (child->hear(number) == Child::Heard::Number) {
+                QVERIFY2(number >= 0, qPrintable(QString::number(number)));
+                done = number;
+            }
+            QCOMPARE(done, count);
+            QVERIFY(child->finish());
+        }
+        QString why;
+        const auto actual = readModel(folder.filePath(u"QUILLON.mdb"_s), why);
+        QVERIFY2(actual, qPrintable(why));
+        // By identifier: had one been given out twice, one of both would be missing.
+        QCOMPARE(actual->data.size(),
+                 begun.data.size() + std::size_t{Programs} * static_cast<std::size_t>(count));
+        std::set<QString> names;
+        for (const auto& [identifier, datum] : actual->data) {
+            QVERIFY(begun.data.contains(identifier) || names.insert(datum.name).second);
+            QVERIFY(begun.data.contains(identifier) || datum.name == datum.content);
+        }
+    }
+
     void noneLosesWhatAnotherHasDone_data()
     {
         QTest::addColumn<int>("programs");

@@ -18,15 +18,21 @@
 namespace quillon::testing
 {
 
-/// As long as it lives, the large blocks of memory are counted; from the one of a given number on none can be had.
+/// As long as it lives, the large blocks of memory are counted; from the one of a given number on none can be had, or
+/// only that one cannot.
 class FailingMemory
 {
 public:
     static constexpr std::size_t Large = std::size_t{1} << 16;
+    enum class Duration { FromThenOn, Once };
 
-    explicit FailingMemory(int firstRefused)
+    explicit FailingMemory(int firstRefused, Duration duration = Duration::FromThenOn,
+                           std::size_t large = Large)
     {
         s_left = firstRefused;
+        s_stays = duration == Duration::FromThenOn;
+        s_large = large;
+        s_hasRefused = false;
         s_counts = true;
     }
     ~FailingMemory() { s_counts = false; }
@@ -34,14 +40,17 @@ public:
     FailingMemory& operator=(const FailingMemory&) = delete;
 
     /// Whether any block has been refused so far.
-    static bool hasRefused() { return s_left < 0; }
+    static bool hasRefused() { return s_hasRefused; }
     static bool refuses(std::size_t bytes)
     {
-        if (!s_counts || bytes < Large)
+        if (!s_counts || bytes < s_large)
             return false;
         if (s_left >= 0)
             --s_left;
-        return s_left < 0;
+        if (s_left >= 0 || (s_hasRefused && !s_stays))
+            return false;
+        s_hasRefused = true;
+        return true;
     }
 
 private:
@@ -49,6 +58,9 @@ private:
     // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
     inline static bool s_counts = false;
     inline static int s_left = 0;
+    inline static bool s_stays = true;
+    inline static bool s_hasRefused = false;
+    inline static std::size_t s_large = Large;
     // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 };
 
