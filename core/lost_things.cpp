@@ -17,7 +17,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,6 +30,7 @@ namespace
 using kept::Event;
 using kept::RowFate;
 using kept::StoredRow;
+using Kind = Whereabouts::Kind;
 
 bool isOf(const StoredRow& row, const TableSchema& table)
 {
@@ -103,6 +104,35 @@ std::vector<LostField> fieldsOfFile(Session& session, const kept::FormerFile& fi
     return fields;
 }
 
+/// What hung on something that was deleted.
+struct Relation {
+    Kind other = Kind::Item; // what is at its other end
+    QString identifier;      // of that
+    bool isItselfFirst = false;
+};
+
+/// What a row that was deleted beside an item or a category was to it; nothing when it did not hang on it.
+std::optional<Relation> relationTo(Kind itself, const QString& identifier, const StoredRow& beside)
+{
+    const QString first = beside.text(0);
+    const QString second = beside.text(1);
+    if (beside.fate != RowFate::Deleted)
+        return std::nullopt;
+    if (isOf(beside, schema::Category())) {
+        if (itself == Kind::Category && first == identifier)
+            return Relation{.other = Kind::Item, .identifier = second, .isItselfFirst = true};
+        if (itself == Kind::Item && second == identifier)
+            return Relation{.other = Kind::Category, .identifier = first};
+    }
+    if (isOf(beside, schema::Link()) && itself == Kind::Item) {
+        if (first == identifier)
+            return Relation{.other = Kind::Item, .identifier = second, .isItselfFirst = true};
+        if (second == identifier)
+            return Relation{.other = Kind::Item, .identifier = first};
+    }
+    return std::nullopt;
+}
+
 /// So many of its relations are listed.
 constexpr int MostListed = 1000;
 
@@ -133,8 +163,9 @@ QString lostKindName(EventKind kind)
 
 /// What is kept of the database.
 struct LostThings::Kept {
-    Kept(Session& session, const kept::Place& ofDatabase)
-        : place(ofDatabase), history(place), whereabouts(place, history), present(session, whereabouts)
+    Kept(Session& session, kept::Place ofDatabase)
+        : place(std::move(ofDatabase)), history(place), whereabouts(place, history),
+          present(session, whereabouts)
     {
     }
 
@@ -235,15 +266,14 @@ bool LostThings::meets(const Event& event) const
     if (found || (event.kind != EventKind::LinkRemoved && event.kind != EventKind::TakenOutOfCategory))
         return found;
     const StoredRow row = history().row(event);
-    const End first = event.kind == EventKind::LinkRemoved ? End::Item : End::Category;
+    const Kind first = event.kind == EventKind::LinkRemoved ? Kind::Item : Kind::Category;
     return holdsQuestion(nameOf(first, row.text(0), event)) ||
-           holdsQuestion(nameOf(End::Item, row.text(1), event));
+           holdsQuestion(nameOf(Kind::Item, row.text(1), event));
 }
 
-QString LostThings::nameOf(End end, const QString& identifier, const Event& event) const
+QString LostThings::nameOf(Kind kind, const QString& identifier, const Event& event) const
 {
-    const bool isItem = end == End::Item;
-    const auto kind = isItem ? Whereabouts::Kind::Item : Whereabouts::Kind::Category;
+    const bool isItem = kind == Kind::Item;
     const auto there = m_kept->whereabouts.now(kind, identifier, event);
     const QString key = (isItem ? u'I' : u'C') + there.value_or(QString());
     if (const auto known = m_names.constFind(key); there && known != m_names.cend())
@@ -299,11 +329,11 @@ LostEntry LostThings::entry(std::size_t number) const
         entry.name = row.text(category_field::Name);
         entry.identifier = row.text(category_field::Category_ID);
     } else if (isOf(row, schema::Link())) {
-        entry.name = nameOf(End::Item, row.text(0), lost) + u" - "_s + nameOf(End::Item, row.text(1), lost);
+        entry.name = nameOf(Kind::Item, row.text(0), lost) + u" - "_s + nameOf(Kind::Item, row.text(1), lost);
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else if (isOf(row, schema::Category())) {
         entry.name =
-            nameOf(End::Category, row.text(0), lost) + u" - "_s + nameOf(End::Item, row.text(1), lost);
+            nameOf(Kind::Category, row.text(0), lost) + u" - "_s + nameOf(Kind::Item, row.text(1), lost);
         entry.identifier = row.text(0) + u" - "_s + row.text(1);
     } else {
         entry.name = row.text(0);
@@ -368,47 +398,41 @@ bool LostThings::goToPair(const TableSchema& table, const std::optional<QString>
     return rows.hasCurrentRow();
 }
 
-void LostThings::addRelations(LostDetails& details, const StoredRow& row, const Event& lost) const
+void LostThings::addRelations(LostDetails& details, const StoredRow& row, const Event& event) const
 {
-    const bool isDeletedItem = lost.kind == EventKind::ItemDeleted;
+    const Kind kind = event.kind == EventKind::ItemDeleted ? Kind::Item : Kind::Category;
+    const QString identifier =
+        row.text(kind == Kind::Item ? data_field::Object_ID : category_field::Category_ID);
     const PresentThings& present = m_kept->present;
-    const QString identifier = row.text(isDeletedItem ? data_field::Object_ID : category_field::Category_ID);
+    const auto presentOf = [&](Kind of, const QString& lost) {
+        return of == Kind::Item ? present.item(lost, event) : present.category(lost, event);
+    };
     std::optional<QString> itself;
     if (details.isCompared) {
-        itself = isDeletedItem ? present.item(identifier, lost) : present.category(identifier, lost);
+        itself = presentOf(kind, identifier);
         details.isIdentifierTaken =
-            isDeletedItem ? present.itemExists(identifier) : present.categoryExists(identifier);
+            kind == Kind::Item ? present.itemExists(identifier) : present.categoryExists(identifier);
     }
-    const auto add = [&](const TableSchema& table, QStringList& before, QStringList& now, End end,
-                         const QString& other, bool isItselfFirst) {
+    history().forEachRowBeside(event, [&](const StoredRow& beside) {
+        const std::optional<Relation> relation = relationTo(kind, identifier, beside);
+        if (!relation)
+            return;
+        const bool isLink = isOf(beside, schema::Link());
+        const bool isMember = kind == Kind::Category;
+        QStringList& before = isLink ? details.links : isMember ? details.members : details.categories;
+        QStringList& now = isLink ? details.linksNow : isMember ? details.membersNow : details.categoriesNow;
         if (before.size() >= MostListed) {
             ++details.notListed;
             return;
         }
-        const QString name = nameOf(end, other, lost);
-        before << named(name, other);
+        const QString name = nameOf(relation->other, relation->identifier, event);
+        before << named(name, relation->identifier);
         if (!itself)
             return;
-        // An item can be linked with itself.
-        const bool isLoop = other == identifier && isDeletedItem && end == End::Item;
-        const std::optional<QString> there = isLoop                 ? itself
-                                             : end == End::Category ? present.category(other, lost)
-                                                                    : present.item(other, lost);
-        if (goToPair(table, isItselfFirst ? itself : there, isItselfFirst ? there : itself))
-            now << named(name, *there);
-    };
-    history().forEachRowBeside(lost, [&](const StoredRow& beside) {
-        if (beside.fate != RowFate::Deleted)
-            return;
-        const QString first = beside.text(0);
-        const QString second = beside.text(1);
-        if (isOf(beside, schema::Link()) && isDeletedItem && (first == identifier || second == identifier))
-            add(*beside.table, details.links, details.linksNow, End::Item,
-                first == identifier ? second : first, first == identifier);
-        else if (isOf(beside, schema::Category()) && isDeletedItem && second == identifier)
-            add(*beside.table, details.categories, details.categoriesNow, End::Category, first, false);
-        else if (isOf(beside, schema::Category()) && !isDeletedItem && first == identifier)
-            add(*beside.table, details.members, details.membersNow, End::Item, second, true);
+        const std::optional<QString> other = presentOf(relation->other, relation->identifier);
+        const bool isFirst = relation->isItselfFirst;
+        if (goToPair(*beside.table, isFirst ? itself : other, isFirst ? other : itself))
+            now << named(name, *other);
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/whereabouts.h"
 #include "store/kept/history.h"
 
 #include <QDateTime>
@@ -17,7 +18,6 @@ namespace quillon
 
 class PresentThings;
 class Session;
-class Whereabouts;
 
 using kept::EventKind;
 
@@ -100,12 +100,11 @@ private:
     static constexpr std::size_t DefaultStep = 20'000;
 
     struct Kept;
-    enum class End { Item, Category };
 
     bool meets(const kept::Event& event) const;
     bool holdsQuestion(QStringView text) const;
     /// What the end of a link or membership is called, or was called when it was deleted.
-    QString nameOf(End end, const QString& identifier, const kept::Event& event) const;
+    QString nameOf(Whereabouts::Kind kind, const QString& identifier, const kept::Event& event) const;
     /// What is in the place of a lost row; false when nothing is. Moves the cursor of its table to it.
     bool goToPresent(const kept::StoredRow& row, const kept::Event& event) const;
     bool goToPair(const TableSchema& table, const std::optional<QString>& first,

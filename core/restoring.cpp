@@ -93,7 +93,7 @@ kept::History& historyOfOpen(Session& session, const LostThings& things)
 /// Why something cannot be put back.
 Error notPossible(const QString& reason)
 {
-    return Error(errors::NoCurrentRecord, reason);
+    return {errors::NoCurrentRecord, reason};
 }
 
 /// The rows of a table that were deleted together with an event.

@@ -40,7 +40,7 @@ public:
 private:
     struct Deletion {
         kept::Moment moment;
-        const kept::History* history;
+        const kept::History* history = nullptr;
         kept::Event event;
     };
 
