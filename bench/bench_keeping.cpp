@@ -6,8 +6,13 @@
 #include "bench/quiet_program.h"
 #include "bench/working_copies.h"
 #include "core/data_records.h"
+#include "core/lost_things.h"
+#include "core/restoring.h"
+#include "store/creation.h"
+#include "store/database.h"
 #include "store/kept/copies.h"
 #include "store/kept/keeping.h"
+#include "store/opening.h"
 #include "store/record_set.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/form_window.h"
@@ -16,12 +21,16 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QTemporaryDir>
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -155,6 +164,134 @@ void keptCopy(benchmark::State& state)
                  }});
 }
 BENCHMARK(keptCopy)->UseManualTime()->Iterations(3);
+
+constexpr int Lost = 1'000'000;
+
+/// A database in which a million items were deleted, and one of its kind with nothing around it.
+class EmptiedDatabase
+{
+public:
+    EmptiedDatabase() : m_folder(QFileInfo(corpusPath(Corpus::Default)).path() + u"/lost-XXXXXX"_s)
+    {
+        for (const QString& path : {m_folder.filePath(u"lost.mdb"_s), m_folder.filePath(u"floor.mdb"_s)})
+            createDatabaseFile(path);
+        m_keeping = std::make_unique<kept::Keeping>(
+            program.session().reporting,
+            kept::KeepingOrder{.keptFolder = m_folder.filePath(u"kept"_s), .fileFolder = {}});
+        program.session().keeper = m_keeping.get();
+        // There is nothing to paint.
+        if (!OpenDbFile(program.session(), m_folder.filePath(u"lost.mdb"_s)))
+            throw std::runtime_error("the database cannot be opened");
+        floor = Database::open(m_folder.filePath(u"floor.mdb"_s));
+        deleteMany();
+    }
+    ~EmptiedDatabase() { program.session().keeper = nullptr; }
+    EmptiedDatabase(const EmptiedDatabase&) = delete;
+    EmptiedDatabase& operator=(const EmptiedDatabase&) = delete;
+
+    /// Reads everything that the history holds.
+    void readFiles() const
+    {
+        const kept::Place place(m_folder.filePath(u"kept"_s), m_folder.filePath(u"lost.mdb"_s));
+        std::vector<char> part(std::size_t{1} << 18);
+        for (const QFileInfo& info : QDir(place.history()).entryInfoList(QDir::Files)) {
+            QFile file(info.filePath());
+            if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+                throw std::runtime_error("the history cannot be read");
+            while (file.read(part.data(), static_cast<qint64>(part.size())) > 0) {
+            }
+        }
+    }
+
+    QuietProgram program;
+    std::shared_ptr<Database> floor;
+
+private:
+    void deleteMany()
+    {
+        constexpr int Together = 10'000;
+        sqlite::Connection& connection = program.session().OpenDb->connection();
+        connection.execute(
+            u"INSERT INTO Main WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < "_s +
+            QString::number(Lost) +
+            u") SELECT '蒸留水の製法' || i, printf('M-%06d-%03d', 100000 + i / 900, 100 + i % 900), "
+            u"'水を熱して得た蒸気を冷やし、再び液体にしたもの。' FROM n"_s);
+        for (int first = 1; first < Lost; first += Together)
+            connection.execute(u"DELETE FROM Main WHERE rowid BETWEEN %1 AND %2"_s.arg(
+                QString::number(first), QString::number(first + Together - 1)));
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<kept::Keeping> m_keeping;
+};
+
+void readAll(LostThings& things, std::size_t expected)
+{
+    while (things.readOn()) {
+    }
+    if (things.count() != expected)
+        throw std::runtime_error("not all of them are listed");
+}
+
+void listingLost(benchmark::State& state)
+{
+    EmptiedDatabase database;
+    measure(state, {"Reading the list of 1,000,000 deleted items", "reading their history's bytes", 0},
+            {.prepare = {},
+             .operation =
+                 [&] {
+                     LostThings things(database.program.session());
+                     things.ask({});
+                     readAll(things, Lost);
+                 },
+             .prepareFloor = {},
+             .floor = [&] { database.readFiles(); }});
+}
+BENCHMARK(listingLost)->UseManualTime()->Iterations(5);
+
+void searchingLost(benchmark::State& state)
+{
+    EmptiedDatabase database;
+    LostThings things(database.program.session());
+    things.ask({});
+    readAll(things, Lost);
+    measure(state, {"Searching 1,000,000 deleted items for a text", "reading their history's bytes", 0},
+            {.prepare = {},
+             .operation =
+                 [&] {
+                     things.ask({.text = u"製法77777"_s});
+                     readAll(things, 11);
+                 },
+             .prepareFloor = {},
+             .floor = [&] { database.readFiles(); }});
+}
+BENCHMARK(searchingLost)->UseManualTime()->Iterations(5);
+
+void puttingBackOfMany(benchmark::State& state)
+{
+    EmptiedDatabase database;
+    Session& session = database.program.session();
+    LostThings things(session);
+    things.ask({});
+    while (things.readOn()) {
+    }
+    std::size_t oldest = things.count();
+    measure(state, {"Putting back the oldest of 1,000,000 deleted items", "its INSERT", 0},
+            {.prepare = {},
+             .operation =
+                 [&] {
+                     if (!PutBack(session, things, --oldest))
+                         throw std::runtime_error("it does not come back");
+                 },
+             .prepareFloor = {},
+             .floor =
+                 [&] {
+                     database.floor->connection().execute(
+                         u"INSERT INTO Main VALUES ('蒸留水の製法', 'M-%1', "
+                         u"'水を熱して得た蒸気を冷やし、再び液体にしたもの。')"_s.arg(oldest));
+                 }});
+}
+BENCHMARK(puttingBackOfMany)->UseManualTime()->Iterations(21);
 
 } // namespace
 
