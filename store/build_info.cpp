@@ -3,7 +3,7 @@
 #include "app/base/titles.h"
 #include "store/sqlite/engine_version.h"
 
-#include "build_commit.h"
+#include <build_commit.h> // made by the build, and so in no folder of the sources
 
 using namespace Qt::Literals::StringLiterals;
 
