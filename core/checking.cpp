@@ -292,6 +292,9 @@ QString copyBeside(const Session& session)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     backup.keep();
+    // Before anything is mended it outlives a power failure.
+    platform::syncFile(copy);
+    platform::syncFolder(file.path());
     return QDir::toNativeSeparators(copy);
 }
 
