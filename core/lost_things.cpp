@@ -133,6 +133,20 @@ std::optional<Relation> relationTo(Kind itself, const QString& identifier, const
     return std::nullopt;
 }
 
+/// Where relations are listed: those that were and those that are there now.
+struct RelationLists {
+    QStringList& before;
+    QStringList& now;
+};
+RelationLists listsFor(LostDetails& details, Kind itself, bool isLink)
+{
+    if (isLink)
+        return {.before = details.links, .now = details.linksNow};
+    if (itself == Kind::Category)
+        return {.before = details.members, .now = details.membersNow};
+    return {.before = details.categories, .now = details.categoriesNow};
+}
+
 /// So many of its relations are listed.
 constexpr int MostListed = 1000;
 
@@ -417,10 +431,7 @@ void LostThings::addRelations(LostDetails& details, const StoredRow& row, const 
         const std::optional<Relation> relation = relationTo(kind, identifier, beside);
         if (!relation)
             return;
-        const bool isLink = isOf(beside, schema::Link());
-        const bool isMember = kind == Kind::Category;
-        QStringList& before = isLink ? details.links : isMember ? details.members : details.categories;
-        QStringList& now = isLink ? details.linksNow : isMember ? details.membersNow : details.categoriesNow;
+        const auto [before, now] = listsFor(details, kind, isOf(beside, schema::Link()));
         if (before.size() >= MostListed) {
             ++details.notListed;
             return;
