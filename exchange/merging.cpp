@@ -26,11 +26,6 @@ namespace quillon::exchange
 namespace
 {
 
-bool isFilled(const std::optional<QString>& text)
-{
-    return text && !text->isEmpty();
-}
-
 /// Fields that tell a row; nothing identifies one in which any of these is null.
 std::vector<int> keyOf(const TableSchema& table)
 {
@@ -46,8 +41,9 @@ std::vector<int> keyOf(const TableSchema& table)
 bool hasKey(const TableSchema& table, const StoredRow& row)
 {
     const std::vector<int> key = keyOf(table);
+    // sic: an empty text is a key like any other, of which a table takes one.
     return !key.empty() && std::all_of(key.begin(), key.end(), [&](int field) {
-        return isFilled(row[static_cast<std::size_t>(field)]);
+        return row[static_cast<std::size_t>(field)].has_value();
     });
 }
 

@@ -311,6 +311,25 @@ private Q_SLOTS:
             compareText(told[4], u"tables/Category_ID.jsonl:1: カテゴリ A は、B として取り込みました。"_s));
     }
 
+    void emptyIdentifiersMeetLikeOthers()
+    {
+        TestWorld::addRow(world->session.RsMain, {u"水"_s, u""_s, u"H2O"_s});
+        TestWorld::addRow(world->session.RsRefDoc, {u"川"_s, u"R-991231-001"_s, u"流れる"_s});
+        TestWorld::addRow(world->session.RsCategoryID, {u""_s, u"自然"_s});
+        TestWorld::addRow(world->session.RsCategory, {u""_s, u"R-991231-001"_s});
+        TestWorld::addRow(world->session.RsLink, {u"R-991231-001"_s, u""_s});
+        exportIt();
+        TestWorld::addRow(target->session.RsMain, {u"火"_s, u""_s, u"熱い"_s});
+        TestWorld::addRow(target->session.RsCategoryID, {u""_s, u"芸術"_s});
+        TestWorld::addRow(target->session.RsLink, {u"R-991231-001"_s, u""_s});
+        QCOMPARE(importIt().added, 2);
+        QCOMPARE(TestWorld::rowsOf(target->session.RsMain),
+                 QStringList({u"火||熱い"_s, u"水|M-991231-001|H2O"_s}));
+        QCOMPARE(TestWorld::rowsOf(target->session.RsCategoryID), QStringList({u"|芸術"_s, u"A|自然"_s}));
+        QCOMPARE(TestWorld::rowsOf(target->session.RsCategory), QStringList(u"A|R-991231-001"_s));
+        QCOMPARE(TestWorld::rowsOf(target->session.RsLink).size(), 1);
+    }
+
     void fullDayGivesWayToTheDayBefore()
     {
         fill();

@@ -477,6 +477,26 @@ private Q_SLOTS:
         QCOMPARE(rowsOf(database, u"Link"_s)[0], OldTable::Row({u"M-991231-004"_s, u"M-991231-001"_s}));
     }
 
+    void whatADamagedFileHoldsTwiceMeetsInAnImport()
+    {
+        auto tables = oldTables();
+        tables[0].rows = {{u"水"_s, u""_s, u"液体"_s},
+                          {u"火"_s, u""_s, u"熱い"_s},
+                          {u"木"_s, u"M-991231-001"_s, u"植物"_s},
+                          {u"木"_s, u"M-991231-001"_s, u"植物"_s},
+                          {u"金"_s, u"M-991231-001"_s, u"鉱物"_s}};
+        tables[4].rows = {{u"M-991231-001"_s, u""_s}, {u"M-991231-001"_s, u""_s}};
+        tables[5].rows = {{u""_s, u"自然"_s}, {u""_s, u"地形"_s}};
+        TestWorld world;
+        world.openDatabase(world.createDatabase());
+        const ImportReport report = importOldFile(world.session, write(writeOldFile(tables)));
+        QCOMPARE(report.added, 4);
+        QCOMPARE(report.skipped, 1);
+        QCOMPARE(report.renamed, 2);
+        QCOMPARE(report.linked, 1);
+        QCOMPARE(report.categories, 2);
+    }
+
     void fileDataLeadToTheirOwnFiles_data()
     {
         QTest::addColumn<bool>("isHome");
