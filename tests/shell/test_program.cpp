@@ -7,6 +7,7 @@
 #include "ui/main/frmMainMenu.h"
 
 #include <QAction>
+#include <QDir>
 #include <QPointer>
 #include <QtTest>
 
@@ -148,8 +149,11 @@ private Q_SLOTS:
     {
         world->open(world->createDatabase());
         WindowWorld::addRow(world->session().RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        const QDir folder(world->folder.path());
+        const QStringList before = folder.entryList();
         QVERIFY(DeleteData(world->session(), u"M-991231-001"_s, 0));
-        QCOMPARE(world->session().keeper, nullptr);
+        QVERIFY(!world->session().keeper->keptFolder());
+        QCOMPARE(folder.entryList(), before);
     }
 
     void everyWindowThatTheMenusOpenExists()
