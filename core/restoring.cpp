@@ -48,12 +48,15 @@ const DataKind* kindOfRow(Session& session, const StoredRow& row)
     return nullptr;
 }
 
+// Other programs may have written texts wider than their fields; what stood in the database may stand there again.
+constexpr RecordSet::Widths AsItWas = RecordSet::Widths::Exceeded;
+
 void addPair(RecordSet& rows, const QString& first, const QString& second)
 {
     rows.addNew();
     rows.setField(0, first);
     rows.setField(1, second);
-    rows.update();
+    rows.update(AsItWas);
 }
 
 /// Writes the fields of a row as they were; the field of its identifier holds `identifier`.
@@ -167,7 +170,7 @@ private:
         sqlite::Transaction write(rows.database().connection());
         rows.addNew();
         setFields(rows, row, data_field::Object_ID, m_result.identifier);
-        rows.update();
+        rows.update(AsItWas);
         for (const StoredRow& beside : deletedBeside(m_history, m_event, schema::Link()))
             linkOfItem(beside, before);
         for (const StoredRow& beside : deletedBeside(m_history, m_event, schema::Category())) {
@@ -267,7 +270,7 @@ private:
         // The row was found by its identifier; what was null is empty.
         rows.setField(data_field::Name, row.text(data_field::Name));
         rows.setField(data_field::Explanation, row.text(data_field::Explanation));
-        rows.update();
+        rows.update(AsItWas);
         write.commit();
         tell(u"データ「"_s + row.text(data_field::Name) + u"」を更新前の内容に戻しました。"_s);
     }
@@ -332,7 +335,7 @@ private:
             m_result.identifier = before;
         categories.addNew();
         setFields(categories, row, category_field::Category_ID, m_result.identifier);
-        categories.update();
+        categories.update(AsItWas);
         for (const StoredRow& beside : deletedBeside(m_history, m_event, schema::Category())) {
             if (beside.text(0) == before)
                 memberOfCategory(beside.text(1));

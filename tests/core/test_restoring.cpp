@@ -193,6 +193,20 @@ private Q_SLOTS:
         QCOMPARE(rowsOf(session().RsRefDoc), before);
     }
 
+    void aRowThatWasWiderThanItsFieldsComesBackAsItWas()
+    {
+        RecordSet& rows = *session().RsMain;
+        rows.addNew();
+        rows.setField(0, QString(60, u'長'));
+        rows.setField(1, u"M-991231-009"_s);
+        rows.setField(2, QString(300, u'広'));
+        rows.update(RecordSet::Widths::Exceeded);
+        const QStringList before = rowsOf(session().RsMain);
+        QVERIFY(DeleteData(session(), u"M-991231-009"_s, 0));
+        QVERIFY(putBackNewest(EventKind::ItemDeleted));
+        QCOMPARE(rowsOf(session().RsMain), before);
+    }
+
     void whereItsIdentifierIsTakenAnItemGetsTheNextOneWithAllItsLinks()
     {
         QVERIFY(DeleteData(session(), Water, 0));
