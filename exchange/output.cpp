@@ -88,6 +88,8 @@ void OutputFile::finish()
     if (m_care == Care::Durable) {
         if (!static_cast<QSaveFile&>(*m_file).commit())
             fail();
+        // It passes over a disk that does not take what it was given.
+        platform::syncFile(m_path);
     } else {
         m_file->close();
         if (m_file->error() != QFileDevice::NoError)

@@ -2,6 +2,11 @@
 
 #include <windows.h>
 
+// Not every kit of headers knows it.
+#ifndef ERROR_DISK_QUOTA_EXCEEDED
+#define ERROR_DISK_QUOTA_EXCEEDED 1295L
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::platform
