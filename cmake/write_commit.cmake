@@ -1,5 +1,6 @@
 # Writes the commit that is being built into the header OUTPUT, which keeps its date while the commit stays the same.
 # In an exported tree git has put the commit into cmake/commit.txt; QUILLON_COMMIT in the environment overrules both.
+cmake_minimum_required(VERSION 3.25)
 set(commit "$ENV{QUILLON_COMMIT}")
 if(commit STREQUAL "")
   file(READ "${SOURCE}/cmake/commit.txt" exported)

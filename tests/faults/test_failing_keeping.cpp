@@ -13,6 +13,7 @@
 #include "tests/faults/failing_calls.h"
 #include "tests/faults/fault_world.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -99,7 +100,7 @@ private:
         Outcome outcome = Outcome::Done;
         bool isOver = false;
         const char* call = nullptr; // that failed first
-        QString about;
+        QString about = {};
     };
     template <class Operation> Attempt attempt(int n, FaultWorld& world, Operation&& operation)
     {
