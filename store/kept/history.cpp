@@ -19,6 +19,8 @@ namespace quillon::kept
 namespace
 {
 
+constexpr qsizetype Everything = std::numeric_limits<qsizetype>::max();
+
 /// The positions of tables among the seven.
 enum Table : quint16 { Main, RefDoc, RefFile, OpenApp, Link, CategoryId, Category };
 
@@ -280,8 +282,8 @@ const History::Group& History::groupOf(const Event& event) const
     return m_files.at(event.file).groups.at(event.group);
 }
 
-/// What stands in the file from an event on, up to the end of its piece.
-HeldBytes History::from(const Event& event) const
+/// What stands in the file from an event on, up to the end of its piece, but no more than `most` bytes.
+HeldBytes History::from(const Event& event, qsizetype most) const
 {
     const std::vector<Piece>& pieces = groupOf(event).changes;
     const auto behind =
@@ -290,7 +292,8 @@ HeldBytes History::from(const Event& event) const
     if (behind == pieces.begin())
         return {};
     const Piece& piece = *std::prev(behind);
-    return bytesAt(event.file, {.place = event.place, .size = piece.size - (event.place - piece.place)});
+    const auto rest = piece.size - (event.place - piece.place);
+    return bytesAt(event.file, {.place = event.place, .size = std::min(rest, most)});
 }
 
 void History::markDeletions() const
@@ -337,16 +340,24 @@ QString History::operation(const Event& event) const
 
 StoredRow History::row(const Event& event) const
 {
-    const HeldBytes held = from(event);
-    PayloadReader payload(held.bytes);
-    StoredRow row = readChange(payload).value_or(StoredRow());
-    row.owner = held.owner;
-    return row;
+    // Thousands of rows may follow in the same piece, and what crosses the border of two blocks has to be copied.
+    constexpr qsizetype AsMostRowsAre = 1 << 14;
+    for (const qsizetype most : {AsMostRowsAre, Everything}) {
+        const HeldBytes held = from(event, most);
+        PayloadReader payload(held.bytes);
+        if (std::optional<StoredRow> row = readChange(payload)) {
+            row->owner = held.owner;
+            return *row;
+        }
+        if (held.bytes.size() < most)
+            break;
+    }
+    return {};
 }
 
 FormerFile History::file(const Event& event) const
 {
-    const HeldBytes held = from(event);
+    const HeldBytes held = from(event, Everything);
     PayloadReader payload(held.bytes);
     FormerFile file;
     file.name = payload.text().toString();

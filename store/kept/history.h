@@ -131,7 +131,7 @@ private:
     QString operationNamed(QStringView name);
     HeldBytes bytesAt(quint32 number, const Piece& piece) const;
     const Group& groupOf(const Event& event) const;
-    HeldBytes from(const Event& event) const;
+    HeldBytes from(const Event& event, qsizetype most) const;
     void markDeletions() const;
 
     std::vector<LogFile> m_files; // the one begun last first

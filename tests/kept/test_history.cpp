@@ -105,6 +105,32 @@ private Q_SLOTS:
                                       u"Category A M-991231-001"_s}));
     }
 
+    void aLongTextIsReadToItsEndWhateverFollowsIt()
+    {
+        QString text;
+        for (int i = 0; i < 400'000; ++i)
+            text += QChar(u'一' + i % 20'000);
+        const auto rows = session().RsRefDoc;
+        TestWorld::addRow(rows, {u"長い"_s, u"R-991231-001"_s, text});
+        TestWorld::addRow(rows, {u"短い"_s, u"R-991231-002"_s, u"短い"_s});
+        {
+            sqlite::Transaction write(rows->database().connection());
+            deleteFrom(rows);
+            write.commit();
+        }
+        History history(place());
+        while (history.readOlder()) {
+        }
+        QCOMPARE(history.events().size(), std::size_t{2});
+        QStringList texts;
+        for (const Event& event : history.events())
+            texts << history.row(event).text(2);
+        texts.sort();
+        QCOMPARE(texts.size(), 2);
+        QVERIFY(texts.contains(u"短い"_s));
+        QVERIFY(texts.contains(text));
+    }
+
     void onlyWhatWasWrittenToSinceIsReadOnceMore()
     {
         QVERIFY(DeleteData(session(), u"M-991231-001"_s, 0));
