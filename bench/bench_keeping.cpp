@@ -276,6 +276,7 @@ void puttingBackOfMany(benchmark::State& state)
     while (things.readOn()) {
     }
     std::size_t oldest = things.count();
+    std::size_t ofFloor = oldest;
     measure(state, {"Putting back the oldest of 1,000,000 deleted items", "its INSERT", 0},
             {.prepare = {},
              .operation =
@@ -288,7 +289,7 @@ void puttingBackOfMany(benchmark::State& state)
                  [&] {
                      database.floor->connection().execute(
                          u"INSERT INTO Main VALUES ('蒸留水の製法', 'M-%1', "
-                         u"'水を熱して得た蒸気を冷やし、再び液体にしたもの。')"_s.arg(oldest));
+                         u"'水を熱して得た蒸気を冷やし、再び液体にしたもの。')"_s.arg(--ofFloor));
                  }});
 }
 BENCHMARK(puttingBackOfMany)->UseManualTime()->Iterations(21);

@@ -43,6 +43,14 @@ void requireRowOf(Session& session, const QString& identifier)
         throw Error(errors::NoCurrentRecord);
 }
 
+void writeLink(RecordSet& links, const QString& source, const QString& target)
+{
+    links.addNew();
+    links.setField(0, source);
+    links.setField(1, target);
+    links.update();
+}
+
 } // namespace
 
 bool areLinked(Session& session, const QString& a, const QString& b)
@@ -62,10 +70,7 @@ void addLink(Session& session, const QString& source, const QString& target)
     // Whoever gets the identifier of a datum that is not there would inherit the link.
     for (const QString& end : {source, target})
         requireRowOf(session, end);
-    links.addNew();
-    links.setField(0, source);
-    links.setField(1, target);
-    links.update();
+    writeLink(links, source, target);
     write.commit();
 }
 
@@ -90,12 +95,13 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
             session.dialogs.messageBox({.text = u"既に同一のリンクが存在します。"_s});
             return;
         }
-        sqlite::Transaction write(required(session.RsLink).database().connection());
+        RecordSet& links = required(session.RsLink);
+        sqlite::Transaction write(links.database().connection());
         for (const ListedDatum& end : {*from, *to}) {
-            if (!isStillThere(session, end))
+            if (kindOf(end.identifier) == nullptr || !isStillThere(session, end))
                 throw Error(errors::NoCurrentRecord); // gone, or another datum by now
         }
-        addLink(session, source, target);
+        writeLink(links, source, target);
         write.commit();
         linked = true;
         // sic: a blank after と that the question does not have.
