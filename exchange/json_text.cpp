@@ -60,6 +60,17 @@ char16_t unescaped(char letter)
     }
 }
 
+/// What the letters behind a backslash stand for.
+std::optional<char16_t> unitEscaped(QByteArrayView letters)
+{
+    if (letters.front() == 'u') {
+        const int unit = letters.size() > 4 ? unitOf(letters.sliced(1, 4)) : -1;
+        return unit < 0 ? std::nullopt : std::optional(static_cast<char16_t>(unit));
+    }
+    const char16_t unit = unescaped(letters.front());
+    return unit == 0 ? std::nullopt : std::optional(unit);
+}
+
 void appendUtf8(QByteArray& json, char32_t code)
 {
     const auto part = [&](unsigned shift) { return static_cast<char>(0x80 | (code >> shift & 0x3F)); };
@@ -109,17 +120,17 @@ void appendJsonText(QByteArray& json, QStringView text)
         default:
             break;
         }
-        if (unit < u' ' || unit == 0x7F) {
+        const bool isPair =
+            QChar::isHighSurrogate(unit) && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (unit < u' ' || unit == 0x7F || (QChar::isSurrogate(unit) && !isPair)) {
             appendEscape(json, unit);
         } else if (unit < 0x7F) {
             json += static_cast<char>(unit);
-        } else if (!QChar::isSurrogate(unit)) {
+        } else if (!isPair) {
             appendUtf8(json, unit);
-        } else if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+        } else {
             appendUtf8(json, QChar::surrogateToUcs4(unit, text[i + 1].unicode()));
             ++i;
-        } else {
-            appendEscape(json, unit);
         }
     }
     json += '"';
@@ -193,18 +204,11 @@ std::optional<QString> JsonReader::text()
             continue;
         if (i + 1 >= m_rest.size() || !takePlain(i))
             return std::nullopt;
-        const char letter = m_rest[++i];
-        if (letter == 'u') {
-            const int unit = i + 4 < m_rest.size() ? unitOf(m_rest.sliced(i + 1, 4)) : -1;
-            if (unit < 0)
-                return std::nullopt;
-            text += QChar(static_cast<char16_t>(unit));
-            i += 4;
-        } else if (const char16_t unit = unescaped(letter)) {
-            text += QChar(unit);
-        } else {
+        const std::optional<char16_t> unit = unitEscaped(m_rest.sliced(i + 1));
+        if (!unit)
             return std::nullopt;
-        }
+        text += QChar(*unit);
+        i += m_rest[i + 1] == 'u' ? 5 : 1;
         plain = i + 1;
     }
     return std::nullopt;

@@ -83,7 +83,8 @@ private:
         std::size_t kind = 0;
         qint64 row = 0;
 
-        auto operator<=>(const Present&) const = default;
+        // The comparison's own 0 is taken for a pointer.
+        auto operator<=>(const Present&) const = default; // NOLINT(modernize-use-nullptr)
     };
 
     static constexpr std::size_t KindsThatCome = 2; // definitions and documents

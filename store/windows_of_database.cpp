@@ -19,13 +19,12 @@ namespace
 /// soon as that is the answer.
 template <class Operation> bool forEachLoaded(Session& session, Operation&& operation)
 {
-    for (LoadedWindow* const window : session.windows.loaded()) {
+    const auto now = session.windows.loaded();
+    return std::all_of(now.begin(), now.end(), [&](LoadedWindow* const window) {
         const auto loaded = session.windows.loaded();
         const bool stillThere = std::find(loaded.begin(), loaded.end(), window) != loaded.end();
-        if (stillThere && !operation(*window))
-            return false;
-    }
-    return true;
+        return !stillThere || operation(*window);
+    });
 }
 
 } // namespace

@@ -146,7 +146,7 @@ std::optional<QString> FileContents::find(const QByteArray& hash) const
 
 bool FileContents::contains(const QByteArray& hash, qint64 size) const
 {
-    constexpr qint64 QuicklyRead = 64 * 1024;
+    constexpr qint64 QuicklyRead = qint64{64} * 1024;
     if (size <= QuicklyRead)
         return find(hash).has_value();
     return !hash.isEmpty() && QFileInfo(pathOf(hash)).size() == size;

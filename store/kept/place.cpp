@@ -64,7 +64,7 @@ bool makeFolder(const QString& path)
     return true;
 }
 
-QString aboutPath(const QString& folder)
+QString notePath(const QString& folder)
 {
     return folder + u"/database.json"_s;
 }
@@ -77,7 +77,7 @@ struct Noted {
 
 Noted notedIn(const QString& folder)
 {
-    QFile about(aboutPath(folder));
+    QFile about(notePath(folder));
     if (!about.open(QIODevice::ReadOnly))
         return {};
     const QJsonObject noted = QJsonDocument::fromJson(about.readAll()).object();
@@ -143,9 +143,9 @@ void Place::note() const
     const QByteArray identity = platform::fileIdentity(m_database).value_or(noted.identity);
     if (noted.path == m_database && noted.identity == identity)
         return;
-    writeWhole(aboutPath(m_folder), QJsonDocument(QJsonObject{{u"path"_s, m_database},
-                                                              {u"identity"_s, QString::fromLatin1(identity)}})
-                                        .toJson());
+    writeWhole(notePath(m_folder), QJsonDocument(QJsonObject{{u"path"_s, m_database},
+                                                             {u"identity"_s, QString::fromLatin1(identity)}})
+                                       .toJson());
 }
 
 QStringList databasesIn(const QString& keptFolder)

@@ -18,16 +18,11 @@ qint64 weekOf(const QDate& day)
     return day.toJulianDay() / 7;
 }
 
-} // namespace
-
-std::vector<std::size_t> copiesToRemove(const std::vector<CopyFacts>& copies, const QDateTime& now,
-                                        const RetentionRules& rules)
+/// Which copies are among the last, or the newest of their day or week; doubtful ones have places of their own.
+std::vector<bool> newestOfTheirTimes(const std::vector<CopyFacts>& copies,
+                                     const std::vector<std::size_t>& newestFirst, const QDateTime& now,
+                                     const RetentionRules& rules)
 {
-    std::vector<std::size_t> newestFirst(copies.size());
-    std::iota(newestFirst.begin(), newestFirst.end(), std::size_t{0});
-    std::stable_sort(newestFirst.begin(), newestFirst.end(),
-                     [&](std::size_t a, std::size_t b) { return copies[a].time > copies[b].time; });
-
     std::vector<bool> stays(copies.size(), false);
     for (const bool doubtful : {false, true}) {
         int last = 0;
@@ -50,6 +45,20 @@ std::vector<std::size_t> copiesToRemove(const std::vector<CopyFacts>& copies, co
             stays[i] = isNewestOfDay || isNewestOfWeek || isOneOfTheLast;
         }
     }
+    return stays;
+}
+
+} // namespace
+
+std::vector<std::size_t> copiesToRemove(const std::vector<CopyFacts>& copies, const QDateTime& now,
+                                        const RetentionRules& rules)
+{
+    std::vector<std::size_t> newestFirst(copies.size());
+    std::iota(newestFirst.begin(), newestFirst.end(), std::size_t{0});
+    std::stable_sort(newestFirst.begin(), newestFirst.end(),
+                     [&](std::size_t a, std::size_t b) { return copies[a].time > copies[b].time; });
+
+    std::vector<bool> stays = newestOfTheirTimes(copies, newestFirst, now, rules);
 
     // Within the budget: first the doubtful ones go, then the oldest. A doubtful one that is the newest of all takes no
     // room of the good ones, but has its own: what it holds is all that the person has worked on last.

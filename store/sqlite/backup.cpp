@@ -64,7 +64,8 @@ int endsQuestion(void* goesOn)
 Backup::Backup(const QString& source, const QString& target) : m_target(target)
 {
     m_from.open(canonical(source), Access::ToUse);
-    m_mostPages = mostPagesOf(m_from.get());
+    // The source has to be open for it.
+    m_mostPages = mostPagesOf(m_from.get()); // NOLINT(cppcoreguidelines-prefer-member-initializer)
     createEmpty(target);
     try {
         m_to.open(canonical(target), Access::ToUse);

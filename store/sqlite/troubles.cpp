@@ -37,7 +37,7 @@ thread_local std::array<Trouble, 8> lastTroubles; // the latest first
 void note(const Trouble& trouble)
 {
     const auto isOfTheSameWay = [&](const Trouble& one) { return one.code == trouble.code; };
-    auto place = std::find_if(lastTroubles.begin(), lastTroubles.end(), isOfTheSameWay);
+    auto* place = std::find_if(lastTroubles.begin(), lastTroubles.end(), isOfTheSameWay);
     if (place == lastTroubles.end())
         --place; // the oldest goes
     *place = trouble;
@@ -175,8 +175,8 @@ int removeTelling(sqlite3_vfs* system, const char* name, int syncFolder)
 
 std::optional<int> systemErrorBehind(int code)
 {
-    const auto found = std::find_if(lastTroubles.begin(), lastTroubles.end(),
-                                    [code](const Trouble& one) { return one.code == code; });
+    const auto* const found = std::find_if(lastTroubles.begin(), lastTroubles.end(),
+                                           [code](const Trouble& one) { return one.code == code; });
     if (code == SQLITE_OK || found == lastTroubles.end())
         return std::nullopt;
     return found->systemError;
