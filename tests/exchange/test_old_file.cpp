@@ -461,8 +461,8 @@ private Q_SLOTS:
         TestWorld world;
         const QString database = world.createDatabase();
         world.openDatabase(database);
-        world.addRow(world.session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
-        world.addRow(world.session.RsMain, {u"木"_s, u"M-991231-002"_s, u"植物"_s});
+        TestWorld::addRow(world.session.RsMain, {u"水"_s, u"M-991231-001"_s, u"液体"_s});
+        TestWorld::addRow(world.session.RsMain, {u"木"_s, u"M-991231-002"_s, u"植物"_s});
         Listener listener;
         const ImportReport report = importOldFile(world.session, path, {}, &listener);
         QCOMPARE(report.skipped, 1);
@@ -530,7 +530,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkdir(world.session.inCurrentFolder(u"RefFile"_s)));
         writeContent(world.session.inCurrentFolder(u"RefFile/水.txt"_s), "water");
         if (isRegistered)
-            world.addRow(world.session.RsRefFile, {u"水.txt"_s, u"F-991231-009"_s, u"未入力"_s});
+            TestWorld::addRow(world.session.RsRefFile, {u"水.txt"_s, u"F-991231-009"_s, u"未入力"_s});
         const ImportReport report = importOldFile(world.session, write(writeOldFile(tables)));
         QCOMPARE(world.rowsOf(world.session.RsRefFile).last(), name + u"|F-991231-001|未入力"_s);
         QVERIFY(compareText(textsOf(report.notes).join(u'\n'), note));

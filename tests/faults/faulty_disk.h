@@ -50,6 +50,7 @@ class FaultyDisk
 {
 public:
     static FaultyDisk& instance();
+    ~FaultyDisk() = default;
 
     FaultyDisk(const FaultyDisk&) = delete;
     FaultyDisk& operator=(const FaultyDisk&) = delete;
