@@ -14,4 +14,5 @@ if(commit STREQUAL "")
       OUTPUT_VARIABLE commit OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
   endif()
 endif()
-file(CONFIGURE OUTPUT "${OUTPUT}" CONTENT "inline constexpr char16_t BuildCommit[] = u\"@commit@\";\n" @ONLY)
+file(CONFIGURE OUTPUT "${OUTPUT}"
+  CONTENT "#include <string_view>\ninline constexpr std::u16string_view BuildCommit = u\"@commit@\";\n" @ONLY)

@@ -12,7 +12,7 @@ namespace quillon
 
 QString versionLines(const QString& program)
 {
-    const QString commit = QString::fromUtf16(BuildCommit);
+    const QString commit = QString::fromUtf16(BuildCommit.data(), static_cast<qsizetype>(BuildCommit.size()));
     return program + u' ' + titles::Version + u"\nコミット: "_s + (commit.isEmpty() ? u"不明"_s : commit) +
            u"\nQt: "_s + QLatin1StringView(qVersion()) + u"\nSQLite: "_s + sqlite::engineVersion() + u'\n';
 }
