@@ -56,7 +56,7 @@ public:
         program.open(workingCopies().programs);
         // As durable as the program, and with as much memory.
         for (const char* setting :
-             {"PRAGMA synchronous = FULL", "PRAGMA cache_size = -8192", "PRAGMA temp_store = MEMORY"})
+             {"PRAGMA synchronous = EXTRA", "PRAGMA cache_size = -8192", "PRAGMA temp_store = MEMORY"})
             run(bare, setting);
     }
 
