@@ -22,11 +22,16 @@ namespace quillon
 namespace
 {
 
-/// The links stored from one datum to another, not those back.
-std::shared_ptr<RecordSet> linksOneWay(Session& session, const QString& target, const QString& source)
+/// The criteria of the link stored from one datum to another, not of the one back.
+QString oneWay(const QString& source, const QString& target)
 {
-    return GetFilterResult(session.reporting, session.RsLink,
-                           u"Object_ID ='"_s + target + u"' AND Link_Object_ID ='"_s + source + u"'"_s);
+    return u"Object_ID ='"_s + target + u"' AND Link_Object_ID ='"_s + source + u"'"_s;
+}
+
+/// The criteria of the links between two data, in either direction.
+QString between(const QString& a, const QString& b)
+{
+    return oneWay(a, b) + u" OR "_s + oneWay(b, a);
 }
 
 /// The criteria of the links in which a datum stands on either side.
@@ -55,11 +60,8 @@ void writeLink(RecordSet& links, const QString& source, const QString& target)
 
 bool areLinked(Session& session, const QString& a, const QString& b)
 {
-    const auto oneWay = [](const QString& from, const QString& to) {
-        return u"Link_Object_ID = '"_s + from + u"' AND Object_ID = '"_s + to + u'\'';
-    };
     RecordSet& links = required(session.RsLink);
-    links.findFirst(oneWay(a, b) + u" OR "_s + oneWay(b, a));
+    links.findFirst(between(a, b));
     return links.hasCurrentRow();
 }
 
@@ -89,9 +91,8 @@ bool LinkData(Session& session, const QString& source, const QString& target, qi
             if (answer != Answer::Ok)
                 return;
         }
-        const qint64 present = required(linksOneWay(session, source, target)).recordCount() +
-                               required(linksOneWay(session, target, source)).recordCount();
-        if (present != 0) {
+        const auto present = GetFilterResult(session.reporting, session.RsLink, between(source, target));
+        if (required(present).recordCount() != 0) {
             session.dialogs.messageBox({.text = u"既に同一のリンクが存在します。"_s});
             return;
         }
@@ -121,9 +122,9 @@ bool deleteLink(Session& session, const QString& a, const QString& b, Require&& 
 {
     bool done = false;
     guarded(session.reporting, u"DeleteLink"_s, [&] {
-        const auto there = linksOneWay(session, a, b);
+        const auto there = GetFilterResult(session.reporting, session.RsLink, oneWay(b, a));
         const qint64 countThere = required(there).recordCount();
-        const auto back = linksOneWay(session, b, a);
+        const auto back = GetFilterResult(session.reporting, session.RsLink, oneWay(a, b));
         if (countThere + required(back).recordCount() > 0) {
             sqlite::Transaction write(there->database().connection());
             require();

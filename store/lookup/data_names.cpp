@@ -4,6 +4,7 @@
 #include "app/base/titles.h"
 #include "store/record_set.h"
 #include "store/session.h"
+#include "store/sqlite/transaction.h"
 
 #include <utility>
 
@@ -20,6 +21,8 @@ const QString GettingDataName = u"GetDataName"_s;
 QString nameOfDatum(Session& session, const QString& identifier)
 {
     RecordSet& rows = required(session.*kindForNames(identifier).recordSet);
+    // Finding the row and reading it lock the file once.
+    const sqlite::Transaction reading(rows.database().connection(), sqlite::Transaction::Purpose::Reading);
     return rows.goTo(data_field::Object_ID, identifier) ? rows.field(0) : titles::Unknown;
 }
 
