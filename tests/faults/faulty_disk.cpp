@@ -45,6 +45,11 @@ FaultyDisk& disk()
     return FaultyDisk::instance();
 }
 
+QString folderOf(const QString& path)
+{
+    return path.left(path.lastIndexOf(u'/'));
+}
+
 int failing(int code, int systemError)
 {
     disk().setLastError(systemError);
@@ -134,7 +139,7 @@ int syncFile(sqlite3_file* file, int flags)
     return unlessFailing(DiskCall::Sync, SQLITE_IOERR_FSYNC, [&] {
         disk().note({.kind = DiskEvent::Kind::Sync, .path = *own(file)->path});
         if (std::exchange(own(file)->isNewJournal, false))
-            disk().note({.kind = DiskEvent::Kind::SyncNames});
+            disk().note({.kind = DiskEvent::Kind::SyncNames, .path = folderOf(*own(file)->path)});
         return below(file)->pMethods->xSync(below(file), flags);
     });
 }
@@ -238,7 +243,7 @@ int removeFile(sqlite3_vfs*, const char* name, int syncFolder)
         if (was && code == SQLITE_OK)
             disk().note({.kind = DiskEvent::Kind::Unlink, .path = QString::fromUtf8(name)});
         if (code == SQLITE_OK && syncFolder != 0)
-            disk().note({.kind = DiskEvent::Kind::SyncNames});
+            disk().note({.kind = DiskEvent::Kind::SyncNames, .path = folderOf(QString::fromUtf8(name))});
         return code;
     };
     DiskFailure failure = DiskFailure::Broken;

@@ -34,14 +34,20 @@ struct DiskEvent {
         Write,  // bytes at a place
         Resize, // to a size
         Sync,   // the file's bytes are on the disk
-        Unlink,
-        SyncNames, // and its folder's names are
+        Unlink, // of a file or an empty folder
+        MakeFolder,
+        Link,      // the file, or that at `from`, gets one more name
+        Rename,    // of what is at `from`; both names change or neither does
+        SyncNames, // the names in the folder `path` are on the disk
         Mark       // of the test, with a number
     };
     Kind kind = Kind::Mark;
     QString path = {};
     std::int64_t at = 0; // the place, the size or the number
     QByteArray bytes = {};
+    std::uint64_t file =
+        0; // the number under which a file is known that may have no name; 0: it is known by its path
+    QString from = {};
 };
 
 /// The disk below every database of this process: that of the system, which can be told to fail and to write down what

@@ -1,14 +1,18 @@
 // A power failure at every moment of every operation, on a disk that keeps, drops, tears and reorders whatever nobody has
 // synced: the file is whole afterwards, and everything that had been reported as done is in it.
+#include "app/base/titles.h"
 #include "store/database.h"
 #include "tests/faults/crashed_disk.h"
 #include "tests/faults/fault_world.h"
 #include "tests/faults/faulty_disk.h"
+#include "tests/faults/recorded_calls.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTest>
 
 #include <algorithm>
+#include <optional>
 
 #include <sqlite3.h>
 
@@ -28,33 +32,66 @@ private:
     std::mt19937 m_random;
     int m_disks = 0; // that were looked at
 
-    static bool isLong() { return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0; }
-    static FaultyDisk& disk() { return FaultyDisk::instance(); }
+    /// What is done to the registered files, where it can be known.
+    struct Recording {
+#ifdef Q_OS_LINUX
+        explicit Recording(const QString& folder) : calls(registeredIn(folder)) {}
+        RecordedCalls calls;
+#else
+        explicit Recording(const QString&) {}
+#endif
+    };
 
-    /// The database and its journal as a power failure has left them, in a folder of their own.
-    static void layOut(const std::map<QString, QByteArray>& files, const QString& folder)
+    static bool isLong()
     {
-        for (const QString& ending : {u""_s, u"-journal"_s}) {
-            const QString path = folder + u"/QUILLON.mdb"_s + ending;
-            QFile::remove(path);
-            const auto found = files.find(u"QUILLON.mdb"_s + ending);
-            if (found == files.end())
-                continue;
-            QFile file(path);
-            if (!file.open(QIODevice::WriteOnly) || file.write(found->second) != found->second.size())
-                qFatal("no disk for the crashed disk");
+        return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0;
+    }
+    static FaultyDisk& disk()
+    {
+        return FaultyDisk::instance();
+    }
+
+    static void put(const QString& path, const QByteArray& content)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("no disk for the crashed disk");
+    }
+    static QByteArray contentOf(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    static QString registeredIn(const QString& folder)
+    {
+        return folder + u'/' + titles::FileFolder;
+    }
+
+    /// The database, its journal and the registered files as a power failure has left them, in a folder of their own.
+    static void layOut(const CrashedDisk::Files& files, const QString& folder)
+    {
+        for (const QString& ending : {u""_s, u"-journal"_s})
+            QFile::remove(folder + u"/QUILLON.mdb"_s + ending);
+        QDir(registeredIn(folder)).removeRecursively();
+        QDir().mkdir(registeredIn(folder));
+        for (const auto& [name, content] : files) {
+            if (name.endsWith(u'/'))
+                QDir().mkdir(folder + u'/' + name);
+            else
+                put(folder + u'/' + name, content);
         }
     }
 
     /// Each moment with some disks that a failure at that moment may leave.
     template <class Look>
-    void atEveryMoment(const std::vector<DiskEvent>& events, const CrashedDisk::Files& before, Look&& look)
+    void atEveryMoment(const QString& folder, const std::vector<DiskEvent>& events,
+                       const CrashedDisk::Files& before, Look&& look)
     {
         const int disks = numberFromEnvironment("QUILLON_CRASH_DISKS", isLong() ? 12 : 2);
         for (std::size_t moment = 0; moment <= events.size(); ++moment) {
             if (!isLong() && m_random() % 4 != 0 && moment != events.size())
                 continue;
-            const CrashedDisk crashed(before,
+            const CrashedDisk crashed(folder, before,
                                       {events.begin(), events.begin() + static_cast<std::ptrdiff_t>(moment)});
             for (int i = 0; i < disks; ++i) {
                 // The two extremes first: nothing that was not synced, and everything.
@@ -77,15 +114,18 @@ private:
             if (file.open(QIODevice::ReadOnly))
                 files[u"QUILLON.mdb"_s + ending] = file.readAll();
         }
+        for (const QString& name : QDir(registeredIn(folder)).entryList(QDir::Files))
+            files[titles::FileFolder + u'/' + name] = contentOf(registeredIn(folder) + u'/' + name);
         return files;
     }
 
     /// `states[i]`: what the file holds when i steps are done. The last mark tells how many were.
-    void checkAllMoments(const std::vector<DiskEvent>& events, const CrashedDisk::Files& before,
-                         const std::vector<Model>& states, const QString& about)
+    void checkAllMoments(const QString& worked, const std::vector<DiskEvent>& events,
+                         const CrashedDisk::Files& before, const std::vector<Model>& states,
+                         const QString& about)
     {
         QTemporaryDir folder;
-        atEveryMoment(events, before, [&](const CrashedDisk::Files& files, int done) {
+        atEveryMoment(worked, events, before, [&](const CrashedDisk::Files& files, int done) {
             layOut(files, folder.path());
             FaultWorld world(folder.path());
             const Outcome opened = world.open(u"QUILLON.mdb"_s);
@@ -100,6 +140,9 @@ private:
             QVERIFY2(*actual == states[reported] || isNext,
                      qPrintable(u"%1 after %2 steps: "_s.arg(about).arg(done) +
                                 difference(*actual, states[reported])));
+            // Whatever has a row is there as a whole.
+            const QString problem = filesProblem(folder.path(), *actual);
+            QVERIFY2(problem.isEmpty(), qPrintable(u"%1 after %2 steps: "_s.arg(about).arg(done) + problem));
         });
     }
 
@@ -112,6 +155,7 @@ private:
         FaultWorld world(folder.path());
         const CrashedDisk::Files before = filesIn(folder.path());
         QCOMPARE(world.open(u"QUILLON.mdb"_s), Outcome::Done);
+        const Recording recording(folder.path());
         disk().startRecording();
         disk().mark(0);
         for (const Step& step : steps) {
@@ -120,7 +164,7 @@ private:
             states.push_back(after(step, states.back()));
             disk().mark(static_cast<int>(states.size()) - 1);
         }
-        checkAllMoments(disk().stopRecording(), before, states, about);
+        checkAllMoments(folder.path(), disk().stopRecording(), before, states, about);
     }
 
 private Q_SLOTS:
@@ -131,7 +175,10 @@ private Q_SLOTS:
         m_model = prepareFolder(m_prepared.path());
     }
 
-    void cleanupTestCase() { qInfo("%d crashed disks", m_disks); }
+    void cleanupTestCase()
+    {
+        qInfo("%d crashed disks", m_disks);
+    }
 
     void everyStepSurvives_data()
     {
@@ -161,6 +208,63 @@ private Q_SLOTS:
         }
     }
 
+#ifdef Q_OS_LINUX
+    void aFileThatIsReplacedIsOneOfTheTwoAndTheOneOfItsRow()
+    {
+        const QString name = u"資料.bin"_s;
+        const QByteArray former = QByteArray("former ").repeated(400);
+        const QByteArray fresh = QByteArray("fresh ").repeated(700);
+        const auto registration = [](const QString& identifier, const QString& file) {
+            return Step{.kind = Step::Kind::RegisterFile,
+                        .identifier = identifier,
+                        .other = {},
+                        .name = file,
+                        .content = u"未入力"_s,
+                        .many = {}};
+        };
+        QTemporaryDir folder; // the same all the time: what is left is known by the name of its database
+        prepareFolder(folder.path());
+        put(folder.filePath(name), former);
+        const Step first = registration(u"F-001231-001"_s, name);
+        const Step second = registration(u"F-001231-002"_s, name);
+        const Model before = after(first, m_model);
+        CrashedDisk::Files files;
+        std::vector<DiskEvent> events;
+        {
+            FaultWorld world(folder.path());
+            QCOMPARE(world.open(u"QUILLON.mdb"_s), Outcome::Done);
+            QCOMPARE(world.perform(first), Outcome::Done);
+            put(folder.filePath(name), fresh);
+            files = filesIn(folder.path());
+            const Recording recording(folder.path());
+            disk().startRecording();
+            disk().mark(0);
+            QCOMPARE(world.perform(second), Outcome::Done);
+            disk().mark(1);
+            events = disk().stopRecording();
+        }
+
+        const QString stored = registeredIn(folder.path()) + u'/' + name;
+        atEveryMoment(folder.path(), events, files, [&](const CrashedDisk::Files& crashed, int done) {
+            layOut(crashed, folder.path());
+            const QString about = u"disk %1"_s.arg(m_disks);
+            FaultWorld next(folder.path());
+            QVERIFY2(next.open(u"QUILLON.mdb"_s) == Outcome::Done, qPrintable(next.told().join(u'\n')));
+            const Model actual = next.seen();
+            const bool isRegistered = actual == after(second, before);
+            QVERIFY2(isRegistered || (actual == before && done == 0), qPrintable(about));
+            const QByteArray content = contentOf(stored);
+            QVERIFY2(content == fresh || (content == former && !isRegistered), qPrintable(about));
+            // The next registration settles what was left.
+            QCOMPARE(next.perform(registration(u"F-001231-003"_s, sourceFile(0))), Outcome::Done);
+            QVERIFY2(contentOf(stored) == (isRegistered ? fresh : former), qPrintable(about));
+            const QStringList beside = QDir(registeredIn(folder.path()))
+                                           .entryList({u".quillon-*"_s}, QDir::AllEntries | QDir::Hidden);
+            QVERIFY2(beside.isEmpty(), qPrintable(about + u" leaves "_s + beside.join(u", "_s)));
+        });
+    }
+#endif
+
     void aCreationIsThereOrCanBeDoneAgain()
     {
         QTemporaryDir folder;
@@ -173,7 +277,7 @@ private Q_SLOTS:
         disk().mark(1);
         const auto events = disk().stopRecording();
         QTemporaryDir left;
-        atEveryMoment(events, {}, [&](const CrashedDisk::Files& files, int done) {
+        atEveryMoment(folder.path(), events, {}, [&](const CrashedDisk::Files& files, int done) {
             layOut(files, left.path());
             FaultWorld next(left.path());
             const Outcome opened = next.open(u"QUILLON.mdb"_s);
@@ -205,7 +309,8 @@ private Q_SLOTS:
         Model converted = m_model;
         converted.categories.clear();
         converted.memberships.clear();
-        checkAllMoments(disk().stopRecording(), before, {converted, converted}, u"a conversion"_s);
+        checkAllMoments(folder.path(), disk().stopRecording(), before, {converted, converted},
+                        u"a conversion"_s);
     }
 
     void theRepairSurvives()
@@ -228,7 +333,7 @@ private Q_SLOTS:
             return event.kind == DiskEvent::Kind::Unlink;
         });
         QVERIFY(end != events.end());
-        const CrashedDisk crashed(before, {events.begin(), end});
+        const CrashedDisk crashed(folder.path(), before, {events.begin(), end});
         const CrashedDisk::Files broken = crashed.files(CrashedDisk::Loss::None, m_random);
         QVERIFY(broken.contains(u"QUILLON.mdb-journal"_s));
         layOut(broken, folder.path());
@@ -237,7 +342,7 @@ private Q_SLOTS:
         disk().mark(0);
         QCOMPARE(world.open(u"QUILLON.mdb"_s), Outcome::Done);
         disk().mark(1);
-        checkAllMoments(disk().stopRecording(), broken, {m_model, m_model}, u"a repair"_s);
+        checkAllMoments(folder.path(), disk().stopRecording(), broken, {m_model, m_model}, u"a repair"_s);
     }
 };
 
