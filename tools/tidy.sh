@@ -3,13 +3,13 @@
 # Usage: tools/tidy.sh PATH...
 # A folder is read in one piece, which spares reading the toolkit's headers again for each of its files. A file is read
 # by itself, and so are the files of a folder that cannot be put together because they define the same names.
-# How a file is compiled is what the preset "gcc" says, which has no precompiled headers.
+# How a file is compiled is what the preset "gcc" says, without the precompiled headers that its tests have.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
 cd "$root"
-commands=build/gcc/compile_commands.json
 pieces=build/tidy
+commands=$pieces/files/compile_commands.json
 
 # One piece: a file, or several put together in $pieces. The findings stay beside it in NAME.found.
 if [ "${1-}" = --piece ]; then
@@ -45,7 +45,8 @@ quietly cmake --preset gcc
 # One header is made by the build.
 quietly cmake --build build/gcc --target quillon_commit
 rm -rf "$pieces"
-mkdir -p "$pieces"
+mkdir -p "$(dirname "$commands")"
+sed 's/ -include [^ ]*cmake_pch\.hxx//' build/gcc/compile_commands.json >"$commands"
 
 # "FILE TAB COMMAND" of everything that is compiled, FILE as it is named from the root.
 awk -v root="$root/" '
