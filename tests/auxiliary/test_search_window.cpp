@@ -315,11 +315,18 @@ private Q_SLOTS:
     void enterConfirmsACompositionFirst()
     {
         world->enter(QString(), u"M"_s);
-        compose(world->textBox(), u"こおり"_s);
+        compose(world->textBox(), u"氷"_s);
         QTest::keyClick(&world->textBox(), Qt::Key_Return);
         QVERIFY(world->results() == nullptr);
-        commit(world->textBox(), u"氷"_s);
         QTest::keyClick(&world->textBox(), Qt::Key_Return);
+        QCOMPARE(world->names(), QStringList({u"氷"_s}));
+    }
+
+    void buttonSearchesForWhatIsComposed()
+    {
+        world->enter(QString(), u"M"_s);
+        compose(world->textBox(), u"氷"_s);
+        world->searchWindow().findChild<QPushButton*>(u"cmdFind"_s)->click(); // as its access key does
         QCOMPARE(world->names(), QStringList({u"氷"_s}));
     }
 

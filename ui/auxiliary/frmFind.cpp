@@ -12,6 +12,7 @@
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/one_line_input.h"
+#include "ui/widgets/persons_input.h"
 #include "ui/widgets/wait_cursor.h"
 
 #include <QBoxLayout>
@@ -122,7 +123,7 @@ bool frmFind::txtFind_KeyPress(const QKeyEvent& key)
     const bool escape = key.key() == Qt::Key_Escape;
     if (!escape && key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter)
         return false;
-    if (m_composition.takes(key))
+    if (PersonsInput::ofApplication().composition().takes(*txtFind, key))
         return true;
     // A key that is held down searches or closes once, and one that has just answered a box does neither.
     if (key.isAutoRepeat())
@@ -148,7 +149,6 @@ bool frmFind::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched != txtFind)
         return FormWindow::eventFilter(watched, event);
-    m_composition.follow(*event);
     return (event->type() == QEvent::KeyPress && txtFind_KeyPress(*static_cast<QKeyEvent*>(event))) ||
            FormWindow::eventFilter(watched, event);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
 class QCheckBox;
@@ -36,7 +35,6 @@ private:
     QCheckBox* chkMain = nullptr;
     QCheckBox* chkRefDoc = nullptr;
     QCheckBox* chkRefFile = nullptr;
-    Composition m_composition;
 };
 
 } // namespace quillon

@@ -9,6 +9,7 @@
 #include "store/session.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/persons_input.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
 #include "ui/widgets/window_registry.h"
@@ -273,12 +274,13 @@ void DataForm::mnuDataClose_Click()
 
 bool DataForm::txtFields_KeyDown(int index, QKeyEvent& event)
 {
-    if (m_composition.takes(event)) {
+    Composition& composition = PersonsInput::ofApplication().composition();
+    if (composition.takes(fieldWidget(index), event)) {
         ShowInputCount(static_cast<qint16>(index));
         return true;
     }
     // What is typed into a composition is no text yet.
-    if (!m_composition.isActive()) {
+    if (!composition.isActiveIn(fieldWidget(index))) {
         if (event.key() == Qt::Key_Escape) {
             // A key that is held down closes one window, not one after the other.
             if (event.isAutoRepeat())
@@ -312,7 +314,6 @@ bool DataForm::eventFilter(QObject* watched, QEvent* event)
 
 bool DataForm::fieldEvent(int index, QEvent& event)
 {
-    m_composition.follow(event);
     bool handled = false;
     switch (event.type()) {
     case QEvent::FocusIn:
@@ -337,7 +338,8 @@ bool DataForm::fieldEvent(int index, QEvent& event)
 bool DataForm::Form_KeyUp(const QKeyEvent& event)
 {
     // A key held down is released once.
-    if (event.key() != Qt::Key_F2 || event.isAutoRepeat() || m_composition.isActive())
+    if (event.key() != Qt::Key_F2 || event.isAutoRepeat() ||
+        PersonsInput::ofApplication().composition().isActiveIn(*this))
         return false;
     handleEvent(session().reporting, u"Form_KeyUp"_s, [&] { SwitchDataWindow(fieldText(1)); });
     return true;

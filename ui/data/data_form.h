@@ -4,7 +4,6 @@
 #include "core/data_entry.h"
 #include "ui/data/category_rows.h"
 #include "ui/data/text_fields.h"
-#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/report_model.h"
 
@@ -158,7 +157,6 @@ private:
     CategoryRows m_categories;
     std::array<TextField*, 3> m_txtFields = {nullptr, nullptr, nullptr};
     QHBoxLayout* m_contentLabelRow = nullptr;
-    Composition m_composition;
 };
 
 } // namespace quillon

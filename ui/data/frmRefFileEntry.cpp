@@ -10,6 +10,7 @@
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/paint_pace.h"
+#include "ui/widgets/persons_input.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/wait_cursor.h"
 
@@ -254,12 +255,11 @@ bool frmRefFileEntry::queryUnload()
 
 bool frmRefFileEntry::eventFilter(QObject* watched, QEvent* event)
 {
-    m_composition.follow(*event);
     if (event->type() == QEvent::KeyPress) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
         // A key that is held down registers once.
-        if (m_composition.takes(key) || (enter && key.isAutoRepeat()))
+        if (PersonsInput::ofApplication().composition().takes(*this, key) || (enter && key.isAutoRepeat()))
             return true;
     }
     return FormWindow::eventFilter(watched, event);

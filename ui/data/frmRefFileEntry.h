@@ -2,7 +2,6 @@
 
 #include "app/base/ports/data_window.h"
 #include "ui/data/category_rows.h"
-#include "ui/widgets/composition.h"
 #include "ui/widgets/form_window.h"
 
 #include <array>
@@ -64,7 +63,6 @@ private:
     bool CloseWithoutAsking = false;
     CategoryRows m_categories;
     CancellableWork* m_copying = nullptr; // while a copy goes on
-    Composition m_composition;            // in the path
 };
 
 } // namespace quillon

@@ -1,44 +1,36 @@
 #pragma once
 
-#include <QGuiApplication>
-#include <QInputMethod>
-#include <QInputMethodEvent>
-#include <QKeyEvent>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class QEvent;
+class QKeyEvent;
 
 namespace quillon
 {
 
-/// Whether an input method holds text in a field that is not confirmed yet.
+/// What an input method shows in a field and has not confirmed yet. The person believes to have typed it: before anything
+/// acts on what stands in the fields, or the field loses the keyboard, it is confirmed as it is shown.
 class Composition
 {
 public:
-    /// To be told of every event of the fields.
-    void follow(const QEvent& event)
-    {
-        if (event.type() == QEvent::InputMethod)
-            m_active = !static_cast<const QInputMethodEvent&>(event).preeditString().isEmpty();
-        else if (event.type() == QEvent::FocusOut)
-            m_active = false;
-    }
-    bool isActive() const { return m_active; }
+    /// To be told of every event of every widget, before the widget is.
+    void follow(QWidget& widget, const QEvent& event);
 
-    /// Whether a key ends the composition and means nothing else: Enter confirms it, Esc takes it back. Most input
-    /// methods keep these keys to themselves.
-    bool takes(const QKeyEvent& key)
-    {
-        const bool confirms = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
-        if (!m_active || (!confirms && key.key() != Qt::Key_Escape))
-            return false;
-        m_active = false;
-        if (confirms)
-            QGuiApplication::inputMethod()->commit();
-        else
-            QGuiApplication::inputMethod()->reset();
-        return true;
-    }
+    /// Whether there is one in a widget or in one of those inside it.
+    bool isActiveIn(const QWidget& widget) const;
+
+    /// Puts what is shown into the field. Without a composition nothing happens.
+    void confirm();
+
+    /// Whether a key in a field ends its composition and means nothing else: Enter confirms it, Esc takes it back. Most
+    /// input methods keep these keys to themselves.
+    bool takes(const QWidget& field, const QKeyEvent& key);
 
 private:
-    bool m_active = false;
+    QPointer<QWidget> m_field; // null for none
+    QString m_text;
 };
 
 } // namespace quillon

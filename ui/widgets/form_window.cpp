@@ -27,6 +27,20 @@ using namespace Qt::Literals::StringLiterals;
 namespace quillon
 {
 
+namespace
+{
+
+/// A command acts on what the person believes to have typed.
+std::function<void()> afterConfirming(const std::function<void()>& command)
+{
+    return [command] {
+        PersonsInput::ofApplication().composition().confirm();
+        command();
+    };
+}
+
+} // namespace
+
 FormWindow::FormWindow(Session& session, WindowRegistry& registry, const QString& windowName)
     : m_session(session), m_registry(registry)
 {
@@ -53,6 +67,7 @@ bool FormWindow::mayUnload()
     if (m_asking)
         return false;
     const QPointer<FormWindow> guard(this);
+    PersonsInput::ofApplication().composition().confirm();
     m_asking = true;
     const PersonsInput::Claim claim(*this); // it may be closed from another window
     const auto end = qScopeGuard([&] {
@@ -208,7 +223,7 @@ QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& c
     m_actions.insert(name, entry);
     if (handler)
         connect(entry, &QAction::triggered, this,
-                eventSlot(m_session.reporting, name + u"_Click"_s, handler));
+                eventSlot(m_session.reporting, name + u"_Click"_s, afterConfirming(handler)));
     return entry;
 }
 
@@ -218,7 +233,7 @@ QPushButton* FormWindow::addButton(QWidget* parent, const QString& name, const Q
     auto* button = new QPushButton(caption, parent);
     button->setObjectName(name);
     connect(button, &QPushButton::clicked, this,
-            eventSlot(m_session.reporting, name.section(u'(', 0, 0) + u"_Click"_s, handler));
+            eventSlot(m_session.reporting, name.section(u'(', 0, 0) + u"_Click"_s, afterConfirming(handler)));
     return button;
 }
 

@@ -99,6 +99,10 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
     if (!receiver->isWidgetType())
         return false;
     auto& widget = static_cast<QWidget&>(*receiver);
+    m_composition.follow(widget, *event);
+    // The access key of a button, also of one in a box; boxes that are closed.
+    if (event->type() == QEvent::Shortcut || event->type() == QEvent::Close)
+        m_composition.confirm();
     if (isAct(*event)) {
         if (QWidget* window = owningWindow(&widget))
             m_acting = window;
@@ -119,8 +123,10 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
     if (window == nullptr || !isAccessKeyOfMenus(*window, key))
         return false;
     // Taken in its first form, the key comes as a key press; else the toolkit would share it out by turns.
-    if (event->type() == QEvent::KeyPress)
+    if (event->type() == QEvent::KeyPress) {
+        m_composition.confirm();
         useAccessKey(*window, key);
+    }
     event->accept();
     return true;
 }

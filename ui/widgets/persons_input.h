@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/widgets/composition.h"
 #include "ui/widgets/key_repeats.h"
 
 #include <QObject>
@@ -14,6 +15,7 @@ namespace quillon
 /// Follows what the person does in all windows of the program.
 /// - It knows the window whose action is going on, so that what an action asks is asked in front of that window.
 /// - A key that is held down answers no box, confirms nothing and closes nothing again.
+/// - What an input method has not confirmed yet is confirmed before a command, a closing question or an access key acts.
 /// - Access keys go to the menus before the controls (see `isAccessKeyOfMenus`).
 class PersonsInput : public QObject
 {
@@ -25,6 +27,7 @@ public:
     /// What is done in a box or a menu is done in the window that it belongs to.
     QWidget* actingWindow() const;
     KeyRepeats& repeats() { return m_repeats; }
+    Composition& composition() { return m_composition; }
 
     /// Makes a window the acting one for as long as this lives: it acts by itself, as in closing.
     class Claim
@@ -46,6 +49,7 @@ private:
     using QObject::QObject;
 
     KeyRepeats m_repeats{this};
+    Composition m_composition;
     QPointer<QWidget> m_acting;
 };
 
