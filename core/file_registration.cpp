@@ -82,13 +82,21 @@ void settle(Session& session, const QString& folder)
     });
 }
 
-/// Links the file with the datum that it is registered for. A datum that is gone keeps no file from being registered.
+/// Links the file with the datum that it is registered for. A datum that is gone, a link that an earlier file of the same
+/// identifier has left, or a missing table keeps no file from being registered; a disk that fails does.
 void linkIfWanted(Session& session, const QString& identifier)
 {
     if (!session.RegisteringToLink)
         return;
-    const auto note = [&](const Error& error) { session.RegisteringToLink->failure = error; };
-    guardedBy(note, [&] {
+    const auto noteOrThrow = [&](const Error& error) {
+        const bool isOfTheLinkAlone = error.number == errors::NoCurrentRecord ||
+                                      error.number == errors::DuplicateKey ||
+                                      error.number == errors::ObjectNotSet;
+        if (!isOfTheLinkAlone)
+            throw error;
+        session.RegisteringToLink->failure = error;
+    };
+    guardedBy(noteOrThrow, [&] {
         if (session.RegisteringToLink->requireIt)
             session.RegisteringToLink->requireIt();
         addLink(session, session.RegisteringToLink->with, identifier);
