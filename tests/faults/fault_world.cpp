@@ -16,6 +16,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <array>
@@ -147,6 +148,14 @@ kept::Place FaultWorld::place() const
     return {path(u"kept"_s), path(u"QUILLON.mdb"_s)};
 }
 
+bool FaultWorld::registerFile(const Step& step, const QString& category)
+{
+    FileEntry entry{.path = path(step.name), .identifier = step.identifier, .category = {}};
+    if (!category.isEmpty())
+        entry.category = categoryRow(session, category);
+    return RegisterFile(session, entry, {}) == FileRegistration::Registered;
+}
+
 bool FaultWorld::run(const Step& step)
 {
     switch (step.kind) {
@@ -161,11 +170,15 @@ bool FaultWorld::run(const Step& step)
             saved->messages.show(session);
         return saved.has_value();
     }
-    case Step::Kind::RegisterFile: {
-        FileEntry entry{.path = path(step.name), .identifier = step.identifier, .category = {}};
-        if (!step.other.isEmpty())
-            entry.category = categoryRow(session, step.other);
-        return RegisterFile(session, entry, {}) == FileRegistration::Registered;
+    case Step::Kind::RegisterFile:
+        return registerFile(step, step.other);
+    case Step::Kind::RegisterToLink: {
+        session.RegisteringToLink = Session::FileToLink{.with = step.other};
+        const auto ends = qScopeGuard([&] { session.RegisteringToLink.reset(); });
+        const bool registered = registerFile(step, step.many.value(0));
+        if (session.RegisteringToLink->failure)
+            throw Error(*session.RegisteringToLink->failure);
+        return registered && session.RegisteringToLink->registered == step.identifier;
     }
     case Step::Kind::Update: {
         RecordSet& rows = dataTableOf(session, step.identifier);
@@ -194,6 +207,7 @@ bool FaultWorld::run(const Step& step)
     case Step::Kind::Unlink:
         return DeleteLink(session, step.identifier, step.other);
     case Step::Kind::File:
+    case Step::Kind::MoveDown:
         ClassifyCategory(session, step.other, step.identifier);
         return true;
     case Step::Kind::FileMany:

@@ -78,6 +78,7 @@ public:
 private:
     template <class Operation> Outcome outcomeOf(Operation&& operation);
     bool run(const Step& step);
+    bool registerFile(const Step& step, const QString& category);
 };
 
 /// Prepares a folder for worlds of `actors` programs: the files that can be registered, and the folder for registered

@@ -221,9 +221,14 @@ QString difference(const Model& actual, const Model& expected)
 
 QString Step::described() const
 {
-    static const std::array names{
-        "register", "register file", "update", "delete",       "delete many",     "link",           "unlink",
-        "file",     "file many",     "unfile", "add category", "rename category", "delete category"};
+    static const std::array names{"register",        "register file",
+                                  "update",          "delete",
+                                  "delete many",     "link",
+                                  "unlink",          "file",
+                                  "file many",       "unfile",
+                                  "add category",    "rename category",
+                                  "delete category", "register to link",
+                                  "move down"};
     return QString::fromLatin1(names.at(static_cast<std::size_t>(kind))) + u' ' + identifier + u' ' + other +
            u' ' + many.join(u',');
 }
@@ -353,6 +358,29 @@ std::optional<Step> randomStep(Step::Kind kind, std::mt19937& random, const Mode
             return std::nullopt;
         step.identifier = oneOf(random, categories);
         return step;
+    case Step::Kind::RegisterToLink: {
+        auto registration =
+            data.isEmpty() ? std::nullopt : randomStep(Step::Kind::RegisterFile, random, model, actor);
+        if (!registration)
+            return std::nullopt;
+        registration->kind = kind;
+        registration->many = registration->other.isEmpty() ? QStringList() : QStringList(registration->other);
+        registration->other = oneOf(random, data);
+        return registration;
+    }
+    case Step::Kind::MoveDown: {
+        std::vector<Model::Pair> moves;
+        for (const auto& [category, datum] : model.memberships) {
+            for (const QString& below : categories) {
+                if (isOf(actor, datum) && below.startsWith(category + u'-'))
+                    moves.emplace_back(below, datum);
+            }
+        }
+        if (moves.empty())
+            return std::nullopt;
+        std::tie(step.other, step.identifier) = oneOf(random, moves);
+        return step;
+    }
     case Step::Kind::Count:
         break;
     }
@@ -363,12 +391,13 @@ Step randomStep(std::mt19937& random, const Model& model, const Actor& actor)
 {
     // What adds comes more often than what takes away.
     static constexpr std::array kinds{
-        Step::Kind::Register,     Step::Kind::Register,       Step::Kind::Register,
-        Step::Kind::RegisterFile, Step::Kind::Update,         Step::Kind::Update,
-        Step::Kind::Delete,       Step::Kind::DeleteMany,     Step::Kind::Link,
-        Step::Kind::Link,         Step::Kind::Unlink,         Step::Kind::File,
-        Step::Kind::FileMany,     Step::Kind::Unfile,         Step::Kind::AddCategory,
-        Step::Kind::AddCategory,  Step::Kind::RenameCategory, Step::Kind::DeleteCategory};
+        Step::Kind::Register,       Step::Kind::Register,       Step::Kind::Register,
+        Step::Kind::RegisterFile,   Step::Kind::Update,         Step::Kind::Update,
+        Step::Kind::Delete,         Step::Kind::DeleteMany,     Step::Kind::Link,
+        Step::Kind::Link,           Step::Kind::Unlink,         Step::Kind::File,
+        Step::Kind::FileMany,       Step::Kind::Unfile,         Step::Kind::AddCategory,
+        Step::Kind::AddCategory,    Step::Kind::RenameCategory, Step::Kind::DeleteCategory,
+        Step::Kind::RegisterToLink, Step::Kind::MoveDown};
     for (;;) {
         if (auto step = randomStep(oneOf(random, kinds), random, model, actor))
             return *step;
@@ -406,7 +435,14 @@ Model after(const Step& step, const Model& before)
     case Step::Kind::Unlink:
         model.links.erase(ordered(step.identifier, step.other));
         break;
+    case Step::Kind::RegisterToLink:
+        model.data[step.identifier] = {.name = step.name, .content = step.content};
+        for (const QString& category : step.many)
+            model.memberships.insert({category, step.identifier});
+        model.links.insert(ordered(step.identifier, step.other));
+        break;
     case Step::Kind::File:
+    case Step::Kind::MoveDown:
         file(model, step.other, step.identifier);
         break;
     case Step::Kind::FileMany:

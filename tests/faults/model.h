@@ -52,6 +52,8 @@ struct Step {
         AddCategory,
         RenameCategory,
         DeleteCategory,
+        RegisterToLink, // a file, for the datum at the other end
+        MoveDown,       // into a category below one in which it is filed, and out of that one
         Count
     };
     Kind kind = Kind::Count;

@@ -1,6 +1,7 @@
-// Memory runs out in the middle of filing, linking and deleting, few data and many: the operation tells it or is done, the
-// file holds all of it or nothing, and the program goes on.
+// Memory runs out in the middle of registering, filing, linking and deleting, few data and many: the operation tells it
+// or is done, the file holds all of it or nothing, and the program goes on.
 #include "app/base/error.h"
+#include "app/base/titles.h"
 #include "store/database.h"
 #include "tests/faults/fault_world.h"
 #include "tests/support/failing_memory.h"
@@ -64,6 +65,16 @@ private:
         sqlite3_close(file);
     }
 
+    /// The registered files, and those that can be.
+    void prepareFiles(const QString& folder) const
+    {
+        QDir(folder).mkdir(titles::FileFolder);
+        for (const QString& in : {QString(), titles::FileFolder + u'/'}) {
+            for (const QString& name : QDir(m_prepared.filePath(in)).entryList({u"*.txt"_s}, QDir::Files))
+                QVERIFY(QFile::copy(m_prepared.filePath(in + name), folder + u'/' + in + name));
+        }
+    }
+
     /// Performs a step again and again, each time with the next block of memory missing.
     void runOutEverywhere(const Step& step, const QString& database, const Model& before, std::size_t large)
     {
@@ -72,7 +83,7 @@ private:
             if (!isLong() && m_random() % 2 == 0)
                 continue;
             QTemporaryDir folder;
-            QDir(folder.path()).mkdir(u"RefFile"_s);
+            prepareFiles(folder.path());
             const QString path = folder.filePath(u"QUILLON.mdb"_s);
             for (int first = isLong() ? 0 : static_cast<int>(m_random() % 3);;
                  first += isLong() ? 1 : 1 + static_cast<int>(m_random() % 12)) {
@@ -112,6 +123,8 @@ private:
                 if (!isPossible)
                     QFAIL(qPrintable(about + difference(*actual, outcome == Outcome::Done ? whole : before)));
                 QVERIFY2(world.seen() == *actual, qPrintable(about));
+                const QString files = filesProblem(folder.path(), *actual);
+                QVERIFY2(files.isEmpty(), qPrintable(about + files));
                 const auto next = randomStep(Step::Kind::Update, m_random, m_few, {});
                 QVERIFY2(world.perform(*next) == Outcome::Done || !actual->data.contains(next->identifier),
                          qPrintable(about));
@@ -148,7 +161,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("kind");
         for (const Step::Kind kind :
-             {Step::Kind::Register, Step::Kind::Update, Step::Kind::Delete, Step::Kind::DeleteMany,
+             {Step::Kind::Register, Step::Kind::RegisterFile, Step::Kind::RegisterToLink,
+              Step::Kind::MoveDown, Step::Kind::Update, Step::Kind::Delete, Step::Kind::DeleteMany,
               Step::Kind::Link, Step::Kind::Unlink, Step::Kind::File, Step::Kind::FileMany,
               Step::Kind::Unfile, Step::Kind::AddCategory, Step::Kind::RenameCategory,
               Step::Kind::DeleteCategory})
