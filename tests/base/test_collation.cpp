@@ -1,5 +1,6 @@
 #include "app/base/platform/collation.h"
 
+#include <QFile>
 #include <QtTest>
 
 #include <algorithm>
@@ -61,6 +62,26 @@ private Q_SLOTS:
         // The first level of the standard is ordered by reading: 亜 アイ ... 安 アン ... 水 スイ ... 和 ワ.
         QCOMPARE(sorted({u"和"_s, u"水"_s, u"安"_s, u"亜"_s}),
                  QStringList({u"亜"_s, u"安"_s, u"水"_s, u"和"_s}));
+    }
+
+    void severalHundredNamesAreInTheOrderOfEverySystem()
+    {
+        // One rank per line; what is alike stands side by side.
+        QFile file(QStringLiteral(QUILLON_SORTED_NAMES));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const platform::Collator collator;
+        std::string before;
+        int names = 0;
+        for (const QString& rank : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
+            const QStringList alike = rank.split(u'\t');
+            const std::string key = keyOf(collator, alike.first());
+            QVERIFY2(before < key, qPrintable(rank));
+            for (const QString& name : alike)
+                QVERIFY2(keyOf(collator, name) == key, qPrintable(rank));
+            before = key;
+            names += static_cast<int>(alike.size());
+        }
+        QVERIFY(names > 400);
     }
 
     void keysAreAppendedBehindWhatIsThere()

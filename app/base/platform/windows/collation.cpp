@@ -8,6 +8,14 @@
 namespace quillon::platform
 {
 
+namespace
+{
+
+// As elsewhere: one kana is like the other, a wide letter like a narrow one, and a hyphen is a character.
+constexpr DWORD Flags = LCMAP_SORTKEY | SORT_STRINGSORT | NORM_IGNOREKANATYPE | NORM_IGNOREWIDTH;
+
+} // namespace
+
 struct Collator::Handle {
 };
 
@@ -20,11 +28,11 @@ void Collator::appendKey(QStringView text, std::string& keys) const
     const auto length = static_cast<int>(std::min<qsizetype>(text.size(), std::numeric_limits<int>::max()));
     if (length == 0)
         return;
-    const int needed = LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, nullptr, 0, nullptr, nullptr, 0);
+    const int needed = LCMapStringEx(L"ja-JP", Flags, units, length, nullptr, 0, nullptr, nullptr, 0);
     const std::size_t start = keys.size();
     keys.resize(start + static_cast<std::size_t>(needed));
-    LCMapStringEx(L"ja-JP", LCMAP_SORTKEY, units, length, reinterpret_cast<wchar_t*>(keys.data() + start),
-                  needed, nullptr, nullptr, 0);
+    LCMapStringEx(L"ja-JP", Flags, units, length, reinterpret_cast<wchar_t*>(keys.data() + start), needed,
+                  nullptr, nullptr, 0);
     if (needed > 0)
         keys.pop_back(); // the closing zero
 }
