@@ -19,7 +19,9 @@ constexpr const char* NameToInspect = "quillon-inspect";
 
 sqlite3_vfs* systemFiles()
 {
-    return sqlite3_vfs_find(nullptr);
+    // On Windows the usual one takes no path of more than some 250 characters.
+    static sqlite3_vfs* const forLongPaths = sqlite3_vfs_find("win32-longpath");
+    return forLongPaths != nullptr ? forLongPaths : sqlite3_vfs_find(nullptr);
 }
 
 int openToUse(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags)

@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QRandomGenerator>
 
-#include <array>
 #include <exception>
 #include <memory>
 #include <utility>
@@ -25,38 +24,65 @@ namespace
     throw Error(errorOfSystem(lastSystemError(), whenMissing));
 }
 
+constexpr const wchar_t* HalfCopy = L".quillon-copy-";
+
+QString randomWord()
+{
+    return QString::number(QRandomGenerator::system()->generate64(), 36);
+}
+
 /// A file that is gone again unless it is kept.
 class FileBeside
 {
 public:
     explicit FileBeside(const QString& folder)
     {
-        if (GetTempFileNameW(wide(folder), L"qln", 0, m_name.data()) == 0)
+        HANDLE made = INVALID_HANDLE_VALUE;
+        do {
+            m_path = folder + u'\\' + QString::fromWCharArray(HalfCopy) + randomWord();
+            made = CreateFileW(wide(nativePath(m_path)), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+        } while (made == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS);
+        if (made == INVALID_HANDLE_VALUE)
             throwLastError(errors::PathNotFound);
+        CloseHandle(made);
     }
     ~FileBeside()
     {
+        m_held.reset();
         if (!m_kept)
-            DeleteFileW(name());
+            DeleteFileW(wide(nativePath(m_path)));
     }
     FileBeside(const FileBeside&) = delete;
     FileBeside& operator=(const FileBeside&) = delete;
 
-    const wchar_t* name() const { return m_name.data(); }
+    const QString& path() const { return m_path; }
+    /// Lets what was written into it outlive a power failure, and shows everybody that it is in use.
+    void hold()
+    {
+        // What is read-only would make a copy that cannot be replaced.
+        SetFileAttributesW(wide(nativePath(m_path)), FILE_ATTRIBUTE_NORMAL);
+        m_held = openExisting(m_path, GENERIC_WRITE, 0);
+        if (!m_held || FlushFileBuffers(m_held.get()) == 0)
+            throwLastError(errors::PathNotFound);
+    }
     /// Gives the file its name, in place of a file that has it.
     void keepAs(const QString& path)
     {
-        if (!rename(name(), wide(path)))
+        if (!rename(m_path, path))
             throwLastError(errors::PathNotFound);
         m_kept = true;
+        m_held.reset();
     }
-    static bool rename(const wchar_t* from, const wchar_t* to)
+    static bool rename(const QString& from, const QString& to)
     {
-        return MoveFileExW(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+        return MoveFileExW(wide(nativePath(from)), wide(nativePath(to)),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     }
 
 private:
-    std::array<wchar_t, MAX_PATH> m_name = {};
+    QString m_path;
+    Handle m_held;
     bool m_kept = false;
 };
 
@@ -76,29 +102,29 @@ public:
     Former(const QString& folder, const QString& name, const QString& aside, bool isLeft)
         : m_path(folder + u'\\' + name), m_folder(folder + u'\\' + aside), m_aside(m_folder + u'\\' + name)
     {
-        if (!isLeft && CreateDirectoryW(wide(m_folder), nullptr) == 0)
+        if (!isLeft && CreateDirectoryW(wide(nativePath(m_folder)), nullptr) == 0)
             throwLastError(errors::PathNotFound);
         const HANDLE held =
-            CreateFileW(wide(m_folder + QString::fromWCharArray(HeldBy)), GENERIC_WRITE, 0, nullptr,
-                        CREATE_ALWAYS, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+            CreateFileW(wide(nativePath(m_folder + QString::fromWCharArray(HeldBy))), GENERIC_WRITE, 0,
+                        nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
         m_held.reset(held == INVALID_HANDLE_VALUE ? nullptr : held);
     }
 
     bool isHeld() const { return m_held != nullptr; }
     void take() const
     {
-        if (!FileBeside::rename(wide(m_path), wide(m_aside)))
+        if (!FileBeside::rename(m_path, m_aside))
             throwLastError(errors::PathNotFound);
     }
     void putBack()
     {
         // Where that fails it stays under its other name and is not lost.
-        FileBeside::rename(wide(m_aside), wide(m_path));
+        FileBeside::rename(m_aside, m_path);
         removeFolder();
     }
     void letGo()
     {
-        DeleteFileW(wide(m_aside));
+        DeleteFileW(wide(nativePath(m_aside)));
         removeFolder();
     }
 
@@ -106,7 +132,7 @@ private:
     void removeFolder()
     {
         m_held.reset();
-        RemoveDirectoryW(wide(m_folder)); // goes only when there is nothing in it
+        RemoveDirectoryW(wide(nativePath(m_folder))); // goes only when there is nothing in it
     }
 
     QString m_path;
@@ -143,16 +169,15 @@ public:
     CopyBeside(const CopyBeside&) = delete;
     CopyBeside& operator=(const CopyBeside&) = delete;
 
-    const wchar_t* name() const { return m_beside.name(); }
+    FileBeside& beside() { return m_beside; }
     void place(const QString& mark) override
     {
-        const DWORD present = GetFileAttributesW(wide(m_path));
+        const DWORD present = GetFileAttributesW(wide(nativePath(m_path)));
         if (present != INVALID_FILE_ATTRIBUTES) {
             if ((present & FILE_ATTRIBUTE_DIRECTORY) != 0)
                 throw Error(errors::PathFileAccess); // not a matter of permission, as the system would say
-            const quint64 number = QRandomGenerator::system()->generate64();
-            auto former = std::make_unique<Former>(
-                m_folder, m_name, formerContent() + mark + u'-' + QString::number(number, 36), false);
+            auto former = std::make_unique<Former>(m_folder, m_name,
+                                                   formerContent() + mark + u'-' + randomWord(), false);
             former->take();
             m_former = std::move(former);
         }
@@ -217,10 +242,18 @@ DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEG
     return listener.ended ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
 }
 
-bool writeToDisk(const wchar_t* name)
+/// Removes what copying left when it came to an abrupt end.
+void removeHalfCopies(const QString& folder)
 {
-    const Handle file = openExisting(QString::fromWCharArray(name), GENERIC_WRITE, 0);
-    return file && FlushFileBuffers(file.get()) != 0;
+    const QStringList left =
+        QDir(folder).entryList({QString::fromWCharArray(HalfCopy) + u'*'}, QDir::Files | QDir::Hidden);
+    for (const QString& name : left) {
+        // Who is at work on it does not let it be opened for oneself alone.
+        const HANDLE half = CreateFileW(wide(nativePath(folder + u'\\' + name)), GENERIC_READ | DELETE, 0,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        if (half != INVALID_HANDLE_VALUE)
+            CloseHandle(half);
+    }
 }
 
 } // namespace
@@ -228,32 +261,32 @@ bool writeToDisk(const wchar_t* name)
 std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
                                       const Files::Progress& progress)
 {
-    const QString from = QDir::toNativeSeparators(source);
+    const QString from = nativePath(source);
     if (GetFileAttributesW(wide(from)) == INVALID_FILE_ATTRIBUTES)
         throwLastError(errors::FileNotFound);
     if (!isOrdinaryFile(source))
         throw Error(errors::PathFileAccess);
+    if (!fitsAsName(folder, name))
+        throw Error(errors::PathFileAccess);
     auto copy = std::make_unique<CopyBeside>(QDir::toNativeSeparators(folder), name);
     Listener listener{.progress = progress, .thrown = nullptr, .ended = false};
     BOOL cancelled = FALSE;
-    if (CopyFileExW(wide(from), copy->name(), progress ? tellProgress : nullptr, &listener, &cancelled, 0) ==
-        0) {
+    if (CopyFileExW(wide(from), wide(nativePath(copy->beside().path())), progress ? tellProgress : nullptr,
+                    &listener, &cancelled, 0) == 0) {
         if (listener.thrown)
             std::rethrow_exception(listener.thrown);
         if (listener.ended)
             return nullptr;
         throwLastError(errors::FileNotFound);
     }
-    // What is read-only would make a copy that cannot be replaced.
-    SetFileAttributesW(copy->name(), FILE_ATTRIBUTE_NORMAL);
-    if (!writeToDisk(copy->name()))
-        throwLastError(errors::PathNotFound);
+    copy->beside().hold();
     return copy;
 }
 
 void settleReplacements(const QString& folder, const Files::Judge& judge)
 {
     const QString in = QDir::toNativeSeparators(folder);
+    removeHalfCopies(in);
     for (const QString& left : leftIn(in)) {
         const QString name = nameIn(in + u'\\' + left);
         Former former(in, name, left, true);

@@ -2,15 +2,13 @@
 
 #include "app/base/platform/windows/handle.h"
 
-#include <QDir>
-
 namespace quillon::platform
 {
 
 std::optional<QByteArray> fileIdentity(const QString& path)
 {
     // Opened for nothing but its attributes, which disturbs nobody.
-    const Handle file = openExisting(QDir::toNativeSeparators(path), 0, 0);
+    const Handle file = openExisting(path, 0, 0);
     FILE_ID_INFO id = {};
     FILE_BASIC_INFO times = {};
     if (!file || GetFileInformationByHandleEx(file.get(), FileIdInfo, &id, sizeof id) == 0 ||

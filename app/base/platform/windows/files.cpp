@@ -4,7 +4,6 @@
 
 #include "app/base/platform/system_error.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -17,15 +16,14 @@ namespace
 
 bool mayOpen(const QString& path, DWORD access, DWORD flags)
 {
-    return openExisting(QDir::toNativeSeparators(path), access, flags) != nullptr ||
-           GetLastError() == ERROR_SHARING_VIOLATION;
+    return openExisting(path, access, flags) != nullptr || GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
 } // namespace
 
 bool isOrdinaryFile(const QString& path)
 {
-    const QString native = QDir::toNativeSeparators(path);
+    const QString native = nativePath(path);
     // A file with the attribute hidden or system counts as missing.
     const DWORD attributes = GetFileAttributesW(wide(native));
     constexpr DWORD extraordinary =
@@ -33,7 +31,7 @@ bool isOrdinaryFile(const QString& path)
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & extraordinary) != 0)
         return false;
     // The names of devices have attributes like files, and those of a link do not tell whether it leads anywhere.
-    const Handle file = openExisting(native, 0, FILE_FLAG_BACKUP_SEMANTICS);
+    const Handle file = openExisting(path, 0, FILE_FLAG_BACKUP_SEMANTICS);
     BY_HANDLE_FILE_INFORMATION found = {};
     return file && GetFileType(file.get()) == FILE_TYPE_DISK &&
            GetFileInformationByHandle(file.get(), &found) != 0 &&
@@ -73,8 +71,8 @@ bool mayReadAndWrite(const QString& path)
 
 bool makeNewFile(const QString& path)
 {
-    const HANDLE made = CreateFileW(wide(QDir::toNativeSeparators(path)), GENERIC_WRITE, 0, nullptr,
-                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE made = CreateFileW(wide(nativePath(path)), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
     if (made != INVALID_HANDLE_VALUE)
         return CloseHandle(made) != 0;
     const int failure = lastSystemError();
@@ -85,7 +83,7 @@ bool makeNewFile(const QString& path)
 
 void syncFile(const QString& path)
 {
-    const Handle file = openExisting(QDir::toNativeSeparators(path), GENERIC_WRITE, 0);
+    const Handle file = openExisting(path, GENERIC_WRITE, 0);
     if (!file || FlushFileBuffers(file.get()) == 0)
         throw Error(errorOfSystem(lastSystemError(), errors::FileNotFound));
 }
@@ -97,7 +95,7 @@ void syncFolder(const QString& /*folder*/)
 
 Error whyNotFound(const QString& path, qint32 whenMissing)
 {
-    if (GetFileAttributesW(wide(QDir::toNativeSeparators(path))) != INVALID_FILE_ATTRIBUTES)
+    if (GetFileAttributesW(wide(nativePath(path))) != INVALID_FILE_ATTRIBUTES)
         return Error(whenMissing); // it has come meanwhile
     return errorOfSystem(lastSystemError(), whenMissing);
 }

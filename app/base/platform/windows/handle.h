@@ -20,8 +20,8 @@ using Handle = std::unique_ptr<void, HandleCloser>;
 inline Handle openExisting(const QString& path, DWORD access, DWORD flags)
 {
     const HANDLE handle =
-        CreateFileW(wide(path), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, flags, nullptr);
+        CreateFileW(wide(nativePath(path)), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, flags, nullptr);
     return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 

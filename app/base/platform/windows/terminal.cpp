@@ -51,6 +51,12 @@ BOOL WINAPI noteInterruption(DWORD)
 
 } // namespace
 
+void joinTerminal()
+{
+    // What was led elsewhere stays so; only what is nowhere comes to be the caller's.
+    AttachConsole(ATTACH_PARENT_PROCESS);
+}
+
 bool isTerminal(Stream stream)
 {
     DWORD mode = 0;
