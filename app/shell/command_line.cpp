@@ -1,9 +1,8 @@
 #include "app/shell/command_line.h"
 
+#include "app/base/platform/terminal.h"
 #include "app/base/titles.h"
 #include "store/build_info.h"
-
-#include <cstdio>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,11 +36,10 @@ CommandLine refused(const QString& complaint)
     return {.request = CommandLine::Request::Refused, .complaint = complaint};
 }
 
-void print(std::FILE* stream, const QByteArray& text)
+void print(platform::Stream stream, const QByteArray& text)
 {
     // Where nothing can be written, nothing can be said about it either.
-    static_cast<void>(std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream));
-    static_cast<void>(std::fflush(stream));
+    static_cast<void>(platform::writeTo(stream, text));
 }
 
 } // namespace
@@ -76,17 +74,18 @@ CommandLine parseCommandLine(const QStringList& arguments)
 
 int answerOnTerminal(const CommandLine& commandLine)
 {
+    platform::joinTerminal();
     switch (commandLine.request) {
     case CommandLine::Request::Run:
         break;
     case CommandLine::Request::Help:
-        print(stdout, Help);
+        print(platform::Stream::Output, Help);
         break;
     case CommandLine::Request::Version:
-        print(stdout, versionLines(titles::Application).toUtf8());
+        print(platform::Stream::Output, versionLines(titles::Application).toUtf8());
         break;
     case CommandLine::Request::Refused:
-        print(stderr,
+        print(platform::Stream::Errors,
               "quillon: " + commandLine.complaint.toUtf8() + "\n使い方は quillon --help で表示されます。\n");
         return WrongUse;
     }

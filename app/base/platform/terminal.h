@@ -11,6 +11,9 @@ namespace quillon::platform
 /// The standard streams.
 enum class Stream { Input, Output, Errors };
 
+/// Lets a program with windows answer on the terminal it was called from, where the system gives it none of its own.
+void joinTerminal();
+
 /// Whether a person sits at the other end of a stream.
 bool isTerminal(Stream stream);
 

@@ -34,6 +34,11 @@ int descriptorOf(Stream stream)
 
 } // namespace
 
+void joinTerminal()
+{
+    // Here every program has that of the one that called it.
+}
+
 bool isTerminal(Stream stream)
 {
     return isatty(descriptorOf(stream)) == 1;
