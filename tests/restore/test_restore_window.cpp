@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 
 #include <memory>
@@ -68,6 +69,15 @@ private Q_SLOTS:
     {
         QCOMPARE(world->dialogs.takeComplaints(), QStringList());
         world.reset();
+    }
+
+    void aScreenSmallerThanItHasRoomForItsFrame()
+    {
+        world->show();
+        const QRect room = world->window().screen()->availableGeometry();
+        QCOMPARE(room.width(), 800);
+        const QRect withFrame = world->window().geometry().marginsAdded({20, 30, 20, 30});
+        QVERIFY2(room.contains(withFrame), QTest::toString(withFrame));
     }
 
     void whatWasLostIsListedNewestFirst()

@@ -87,7 +87,8 @@ void frmRestore::arrange()
     constexpr int Height = 640;
     // In the middle of the screen by itself: a window that opens over this one at once has to know where it is.
     const QRect room = screen()->availableGeometry();
-    QRect place(QPoint(0, 0), QSize(Width, Height).boundedTo(room.size()));
+    const QSize frame(40, 60); // at most; the true one is not known yet
+    QRect place(QPoint(0, 0), QSize(Width, Height).boundedTo(room.size() - frame));
     place.moveCenter(room.center());
     setGeometry(place);
 }
