@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include <array>
@@ -160,11 +161,18 @@ private Q_SLOTS:
         QCOMPARE(getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid))), before);
     }
 
-    void aLogThatCannotBeWrittenIsIgnored()
+    void whatNoLogTakesGoesToTheErrorStream()
     {
         qputenv("XDG_STATE_HOME", "/proc/self");
+        QTemporaryFile stream;
+        QVERIFY(stream.open());
+        const int kept = dup(STDERR_FILENO);
+        QVERIFY(dup2(stream.handle(), STDERR_FILENO) >= 0);
         platform::writeEventLog(u"一行目"_s, u"/proc/self"_s);
+        dup2(kept, STDERR_FILENO);
+        close(kept);
         QVERIFY(!QFile::exists(u"/proc/self/quillon"_s));
+        QCOMPARE(contentOf(stream.fileName()), QByteArray("一行目\n"));
     }
 
     void failuresOfTheSystemHaveTheSentenceThatIsTrue_data()

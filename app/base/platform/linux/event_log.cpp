@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::platform
@@ -44,8 +46,12 @@ void writeEventLog(const QString& line, const QString& programFolder)
     if (mayWriteIn(programFolder) && appendLine(programFolder + name, line))
         return;
     const QString folder = stateFolder();
-    if (QDir().mkpath(folder))
-        appendLine(folder + name, line);
+    if (QDir().mkpath(folder) && appendLine(folder + name, line))
+        return;
+    // What nobody can read afterwards somebody may read now.
+    const QByteArray bytes = line.toUtf8() + '\n';
+    static_cast<void>(std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr));
+    static_cast<void>(std::fflush(stderr));
 }
 
 } // namespace quillon::platform
