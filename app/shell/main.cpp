@@ -5,6 +5,7 @@
 #include "app/shell/command_line.h"
 #include "app/shell/home_folder.h"
 #include "app/shell/japanese_interface.h"
+#include "app/shell/missing_parts.h"
 #include "app/shell/program.h"
 #include "app/shell/program_icon.h"
 #include "app/shell/real_dialogs.h"
@@ -13,8 +14,11 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QFont>
 #include <QProcess>
 #include <QTimer>
+
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,7 +33,9 @@ int main(int argc, char** argv)
 
     // The toolkit gets the program's name only: a file may be named like one of its options.
     int toolkitCount = 1;
+    std::optional<DisplayWatch> displayWatch(std::in_place);
     QApplication application(toolkitCount, argv);
+    displayWatch.reset();
     // No display name: the toolkit would append it to every window title.
     QCoreApplication::setApplicationName(u"quillon"_s);
     QGuiApplication::setDesktopFileName(u"quillon"_s);
@@ -42,8 +48,12 @@ int main(int argc, char** argv)
     SystemClock clock;
     SystemDesktop desktop;
     SystemFiles files;
+    // First of all: it explains why nothing that follows can be read.
+    tellMissingParts(dialogs, missingParts(QApplication::font()));
     if (commandLine.atHome)
         goHome(dialogs, commandLine.file);
+    const std::optional<QString> keptFolder = kept::keptFolder();
+    tellUnwritableKeptFolder(dialogs, keptFolder);
     // A run for taking things back leaves the copies as they are; the next one of the other kind makes the next.
     const std::optional<kept::CopyTimes> copies =
         commandLine.restores ? std::nullopt : std::optional(kept::CopyTimes());
@@ -52,7 +62,7 @@ int main(int argc, char** argv)
                      .clock = clock,
                      .desktop = desktop,
                      .files = files,
-                     .keptFolder = kept::keptFolder(),
+                     .keptFolder = keptFolder,
                      .copies = copies},
                     currentFolderOfProcess());
 

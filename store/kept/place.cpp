@@ -95,6 +95,18 @@ std::optional<QString> keptFolder()
     return named.isEmpty() ? platform::userDataFolder() : QDir::current().absoluteFilePath(named);
 }
 
+bool mayKeepIn(const QString& keptFolder)
+{
+    QString nearest = QDir(keptFolder).absolutePath();
+    while (!QFileInfo::exists(nearest)) {
+        const QString above = QFileInfo(nearest).path();
+        if (above == nearest)
+            return false;
+        nearest = above;
+    }
+    return QFileInfo(nearest).isDir() && platform::mayWriteIn(nearest);
+}
+
 Place::Place(const QString& keptFolder, const QString& database)
     : m_keptFolder(keptFolder), m_database(withoutLinks(database))
 {

@@ -13,6 +13,9 @@ namespace quillon::kept
 /// nothing when QUILLON_COPIES is "off".
 std::optional<QString> keptFolder();
 
+/// Whether something could be written into a folder of this name, which need not be there yet.
+bool mayKeepIn(const QString& keptFolder);
+
 /// Where what belongs to one database is kept: apart from it, under a name that a person can read.
 class Place
 {

@@ -10,6 +10,10 @@
 
 #include <optional>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using kept::Place;
@@ -41,6 +45,32 @@ private Q_SLOTS:
         qunsetenv("XDG_DATA_HOME");
         folder.reset();
     }
+
+    void itIsKnownBeforehandWhetherAnythingCanBeKept()
+    {
+        QVERIFY(kept::mayKeepIn(folder->path()));
+        QVERIFY(kept::mayKeepIn(kept() + u"/a/b"_s));
+        QVERIFY(!QFileInfo::exists(kept()));
+        QFile file(folder->filePath(u"file"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(!kept::mayKeepIn(file.fileName()));
+        QVERIFY(!kept::mayKeepIn(file.fileName() + u"/kept"_s));
+    }
+
+#ifdef Q_OS_UNIX
+    void nothingCanBeKeptInTheFolderOfSomebodyElse()
+    {
+        QVERIFY(QFile::setPermissions(folder->path(), QFile::Permissions(0x5555)));
+        // An administrator may write everywhere, so one becomes somebody else for a moment.
+        constexpr uid_t Nobody = 65534;
+        const bool administrator = geteuid() == 0;
+        QVERIFY(!administrator || seteuid(Nobody) == 0);
+        const bool may = kept::mayKeepIn(kept());
+        QVERIFY(!administrator || seteuid(0) == 0);
+        QVERIFY(QFile::setPermissions(folder->path(), QFile::Permissions(0x7755)));
+        QVERIFY(!may);
+    }
+#endif
 
     void theUsersDataFolderIsThePlaceUnlessAnotherIsNamed()
     {

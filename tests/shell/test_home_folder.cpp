@@ -12,6 +12,10 @@
 
 #include <memory>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -141,6 +145,31 @@ private Q_SLOTS:
         QCOMPARE(*file, u"知識.mdb"_s);
         QCOMPARE(contentOf(inFolder(u"file"_s)), QByteArray("no folder"));
     }
+
+#ifdef Q_OS_UNIX
+    void aHomeThatCannotBeWrittenIsToldAndWorkedIn()
+    {
+        const QString home = inFolder(u"家"_s);
+        QVERIFY(makeHome(home));
+        QVERIFY(QFile::setPermissions(home, QFile::Permissions(0x5555)));
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7755)));
+        qputenv("QUILLON_HOME", QFile::encodeName(home));
+        ScriptedDialogs dialogs;
+        dialogs.expect(
+            {.text = u"作業フォルダ「%1」に書き込めません。アクセス権を確認してください。"_s.arg(home),
+             .title = u"Quillon システム運用部"_s});
+        std::optional<QString> file;
+        // An administrator may write everywhere, so one becomes somebody else for a moment.
+        constexpr uid_t Nobody = 65534;
+        const bool administrator = geteuid() == 0;
+        QVERIFY(!administrator || seteuid(Nobody) == 0);
+        goHome(dialogs, file);
+        QVERIFY(!administrator || seteuid(0) == 0);
+        QVERIFY(QFile::setPermissions(home, QFile::Permissions(0x7755)));
+        QCOMPARE(dialogs.takeComplaints(), QStringList());
+        QCOMPARE(QDir::currentPath(), QFileInfo(home).canonicalFilePath());
+    }
+#endif
 
     void theIconIsDrawnInEverySizeItHas()
     {
