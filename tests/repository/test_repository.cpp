@@ -110,6 +110,36 @@ private Q_SLOTS:
         QCOMPARE(checked, 2);
     }
 
+    void everyPlaceTellsTheVersionOfTheBuild()
+    {
+        static const QRegularExpression project(u"^project\\(Quillon VERSION ([0-9.]+)"_s,
+                                                QRegularExpression::MultilineOption);
+        const QString version = project.match(tree.textOf(u"CMakeLists.txt"_s)).captured(1);
+        QVERIFY(!version.isEmpty());
+        // The numbers that are made by the build cannot differ; these are written by hand.
+        static const QRegularExpression told(u"System Ver\\.([0-9.]+) "_s);
+        static const QRegularExpression released(u"^## \\[([0-9.]+)\\]|版 ([0-9.]+) になる"_s,
+                                                 QRegularExpression::MultilineOption);
+        const QRegularExpressionMatch newest = released.match(tree.textOf(u"CHANGELOG.md"_s));
+        QCOMPARE(newest.captured(1) + newest.captured(2), version);
+        for (const QString& path :
+             {u"app/base/titles.h"_s, u"packaging/man/quillon.1"_s, u"packaging/man/quillon.ja.1"_s,
+              u"packaging/texts/Readme.txt"_s, u"packaging/texts/Quillon 機能仕様.txt"_s})
+            QVERIFY2(told.match(tree.textOf(path)).hasMatch(), qPrintable(path));
+        QStringList wrong;
+        for (const QString& path : tree.paths()) {
+            auto matches = told.globalMatch(tree.textOf(path));
+            while (matches.hasNext()) {
+                const QString found = matches.next().captured(1);
+                if (found != version)
+                    wrong << path + u" tells "_s + found;
+            }
+        }
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(u'\n')));
+        QVERIFY(tree.textOf(u"packaging/desktop/quillon.metainfo.xml.in"_s)
+                    .contains(u"<release version=\"@PROJECT_VERSION@\""_s));
+    }
+
     void sourcesExplainThemselves()
     {
         // A reader cannot look up what is not in the repository.
