@@ -6,7 +6,8 @@ if(commit STREQUAL "")
   file(READ "${SOURCE}/cmake/commit.txt" exported)
   string(STRIP "${exported}" exported)
   if(exported MATCHES "^[0-9a-f]+$")
-    set(commit "${exported}")
+    # As many digits as git names below.
+    string(SUBSTRING "${exported}" 0 12 commit)
   elseif(EXISTS "${SOURCE}/.git")
     # The history may belong to somebody else, as in a container.
     execute_process(
