@@ -1,11 +1,22 @@
 #!/bin/sh
 # Makes the Debian packages of the commit that is checked out: quillon and quillon-dbgsym.
-# Usage: packaging/debian/build.sh [FOLDER]    the packages go to FOLDER, else to build/debian
-# The same commit gives the same bytes, wherever and whenever it is built with the same compiler and libraries.
+# Usage: packaging/debian/build.sh [--twice] [FOLDER]    the packages go to FOLDER, else to build/debian
+# The same commit gives the same bytes, wherever and whenever it is built with the same compiler and libraries; with
+# --twice it is built a second time, in another folder, time zone, language and file mask, and a difference is an error.
 # Then everything that Debian's own readers find wrong ends it with an error.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/../.." && pwd)
+twice=no
+if [ "${1-}" = --twice ]; then
+    twice=yes
+    shift
+fi
+case ${1-} in
+    -*)
+        echo "build.sh: unknown option '$1'" >&2
+        exit 2 ;;
+esac
 folder=${1:-$root/build/debian}
 mkdir -p "$folder"
 folder=$(CDPATH='' cd -- "$folder" && pwd)
@@ -29,28 +40,62 @@ trap 'rm -rf "$scratch"' EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
-source=$scratch/quillon-$version
-mkdir "$source"
-history archive HEAD | tar -x -C "$source"
-cp -R "$source/packaging/debian/debian" "$source/debian"
-cat >"$source/debian/changelog" <<END
+# Builds in FOLDER, which is made. What is said stays in LOG.
+# Usage: build FOLDER LOG
+build()
+{
+    source=$1/quillon-$version
+    mkdir -p "$source"
+    history archive HEAD | tar -x -C "$source"
+    cp -R "$source/packaging/debian/debian" "$source/debian"
+    cat >"$source/debian/changelog" <<END
 quillon ($version) unstable; urgency=medium
 
-  * Built from commit $(history log -1 --format=%h). What changed stands in CHANGELOG.md.
+  * Built from commit $(history rev-parse --short=12 HEAD). What changed stands in CHANGELOG.md.
 
  -- The Quillon authors <authors@quillon.example>  $(LC_ALL=C date -u -R -d "@$SOURCE_DATE_EPOCH")
 END
-
-(
-    cd "$source"
-    dpkg-buildpackage --build=binary --no-sign --jobs=auto
-) >"$folder/build.log" 2>&1 || {
-    tail -n 40 "$folder/build.log" >&2
-    echo "build.sh: the whole report is in $folder/build.log" >&2
-    exit 1
+    (
+        cd "$source"
+        dpkg-buildpackage --build=binary --no-sign --jobs=auto
+    ) >"$2" 2>&1 || {
+        tail -n 40 "$2" >&2
+        echo "build.sh: the whole report is in $2" >&2
+        exit 1
+    }
+    # What was compiled is large, and nobody needs it any more.
+    rm -rf "$source"
 }
+
+build "$scratch/first" "$folder/build.log"
 rm -f "$folder"/*.deb "$folder"/*.changes "$folder"/*.buildinfo
-mv "$scratch"/*.deb "$scratch"/*.changes "$scratch"/*.buildinfo "$folder"
+mv "$scratch/first"/*.deb "$scratch/first"/*.changes "$scratch/first"/*.buildinfo "$folder"
+
+if [ $twice = yes ]; then
+    (
+        umask 027
+        TZ=Asia/Tokyo
+        LC_ALL=C.UTF-8
+        export TZ LC_ALL
+        build "$scratch/another/folder" "$folder/build-again.log"
+    )
+    different=
+    for package in "$folder"/*.deb; do
+        again="$scratch/another/folder/$(basename "$package")"
+        if cmp -s "$package" "$again"; then
+            echo "$(basename "$package"): the same bytes twice"
+            continue
+        fi
+        different=yes
+        echo "build.sh: $(basename "$package") is another one when it is built again; what differs in it:" >&2
+        mkdir -p "$scratch/one" "$scratch/two"
+        dpkg-deb --raw-extract "$package" "$scratch/one"
+        dpkg-deb --raw-extract "$again" "$scratch/two"
+        diff -rq --no-dereference "$scratch/one" "$scratch/two" >&2 || :
+        rm -rf "$scratch/one" "$scratch/two"
+    done
+    [ -z "$different" ] || exit 1
+fi
 
 installed=$scratch/installed
 dpkg-deb --extract "$(find "$folder" -name 'quillon_*.deb')" "$installed"
