@@ -1,17 +1,15 @@
-// Every call to the system fails while something is kept, taken out, put back or brought in: the operation is done or
-// told, what is there is whole, and what was kept before is there as ever.
+// Every call to the system fails while something is kept, taken out or put back: the operation is done or told, what is
+// there is whole, and what was kept before is there as ever.
 #include "app/base/error.h"
 #include "app/base/titles.h"
 #include "core/kept_copies.h"
 #include "core/lost_things.h"
 #include "core/restoring.h"
-#include "exchange/archive.h"
 #include "store/kept/copies.h"
 #include "store/kept/file_contents.h"
 #include "store/kept/history.h"
 #include "store/kept/pruning.h"
-#include "tests/faults/failing_calls.h"
-#include "tests/faults/fault_world.h"
+#include "tests/faults/failing_attempts.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -20,7 +18,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <set>
 
 using namespace Qt::Literals::StringLiterals;
@@ -29,58 +26,13 @@ using namespace quillon::testing;
 
 using Outcome = FaultWorld::Outcome;
 
-class TestFailingKeeping : public QObject
+class TestFailingKeeping : public QObject, private FailingAttempts
 {
     Q_OBJECT
 
 private:
-    std::mt19937 m_random{seedOfRun()};
     QTemporaryDir m_prepared;
     Model m_model;
-    int m_failures = 0;
-
-    static bool isLong() { return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0; }
-
-    static void addFailures()
-    {
-        QTest::addColumn<int>("error");
-        QTest::addColumn<bool>("stays");
-        const std::array errors{
-            std::pair("EIO", EIO),       std::pair("ENOSPC", ENOSPC),
-            std::pair("EDQUOT", EDQUOT), std::pair("EINTR", EINTR),
-            std::pair("EMFILE", EMFILE), std::pair("short write", FailingCalls::ShortWrite)};
-        for (const auto& [name, error] : errors) {
-            for (const bool stays : {false, true}) {
-                // A call that is interrupted for ever is asked again for ever, as it should be.
-                if (error != EINTR || !stays)
-                    QTest::addRow("%s %s", name, stays ? "from then on" : "once") << error << stays;
-            }
-        }
-    }
-
-    static void copyFolder(const QString& from, const QString& to)
-    {
-        QDir().mkpath(to);
-        for (const QFileInfo& info :
-             QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-            const QString target = to + u'/' + info.fileName();
-            if (info.isDir())
-                copyFolder(info.filePath(), target);
-            else if (!QFile::copy(info.filePath(), target))
-                qFatal("no folder could be prepared");
-        }
-    }
-    static void put(const QString& path, const QByteArray& content)
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("no file could be made");
-    }
-    static QByteArray contentOf(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
 
     /// A program on a database of its own, like the prepared one.
     struct Fresh {
@@ -95,54 +47,6 @@ private:
         FaultWorld world;
     };
 
-    struct Attempt {
-        int number = 0;
-        Outcome outcome = Outcome::Done;
-        bool isOver = false;
-        const char* call = nullptr; // that failed first
-        QString about = {};
-    };
-    template <class Operation> Attempt attempt(int n, FaultWorld& world, Operation&& operation)
-    {
-        QFETCH(const int, error);
-        QFETCH(const bool, stays);
-        Attempt result{.number = n};
-        FailingCalls::failAt(n, error,
-                             stays ? FailingCalls::Duration::FromThenOn : FailingCalls::Duration::Once);
-        result.outcome = std::forward<Operation>(operation)();
-        result.isOver = FailingCalls::heal() < n;
-        result.call = FailingCalls::failedCall();
-        m_failures += result.call != nullptr ? 1 : 0;
-        result.about = u"call %1 (%2): %3"_s.arg(n).arg(
-            QString::fromLatin1(result.call != nullptr ? result.call : "none"),
-            world.told().join(u" / "_s) + world.eventLog.lines.join(u" / "_s));
-        return result;
-    }
-    /// Tries something with a failing call of each number, or now and then in a short run.
-    template <class Try> void atEveryCall(Try&& tryAt)
-    {
-        for (int n = isLong() ? 1 : 1 + static_cast<int>(m_random() % 20);;
-             n += isLong() ? 1 : 1 + static_cast<int>(m_random() % 60)) {
-            if (tryAt(n) || QTest::currentTestFailed())
-                return;
-        }
-    }
-    static bool isDoneOrTold(const Attempt& attempt)
-    {
-        QFETCH(const int, error);
-        if (error == FailingCalls::ShortWrite || attempt.call == nullptr)
-            return attempt.outcome == Outcome::Done; // half a write is no failure
-        return attempt.outcome == Outcome::Done || attempt.outcome == Outcome::Failed;
-    }
-
-    static std::optional<Model> modelOf(const FaultWorld& world, const QString& about)
-    {
-        QString why;
-        auto model = readModel(world.path(u"QUILLON.mdb"_s), why);
-        if (!model)
-            QTest::qFail(qPrintable(about + u": "_s + why), __FILE__, __LINE__);
-        return model;
-    }
     static std::size_t eventsIn(const FaultWorld& world)
     {
         kept::History history(world.place());
@@ -413,51 +317,6 @@ private Q_SLOTS:
                 return isOver;
             });
         }
-    }
-
-    void anArchiveComesInWholeOrNotAtAll_data() { addFailures(); }
-    void anArchiveComesInWholeOrNotAtAll()
-    {
-        QTemporaryDir outside;
-        const QString archive = outside.filePath(u"archive"_s);
-        {
-            Fresh fresh(m_prepared.path());
-            exchange::exportArchive(fresh.world.session, archive);
-        }
-        atEveryCall([&](int n) {
-            QTemporaryDir folder;
-            FaultWorld world(folder.path());
-            bool isOver = false;
-            [&] {
-                QCOMPARE(world.create(u"QUILLON.mdb"_s), Outcome::Done);
-                const Attempt result = attempt(n, world, [&] {
-                    return world.perform([&] {
-                        exchange::importArchive(world.session, archive);
-                        return true;
-                    });
-                });
-                isOver = result.isOver;
-                QVERIFY2(isDoneOrTold(result), qPrintable(result.about));
-                const auto actual = modelOf(world, result.about);
-                QVERIFY(actual);
-                const bool isIn = *actual == m_model;
-                QVERIFY2(isIn || (*actual == Model() && result.outcome != Outcome::Done),
-                         qPrintable(result.about + difference(*actual, m_model)));
-                const QString files = filesProblem(folder.path(), *actual);
-                QVERIFY2(files.isEmpty(), qPrintable(result.about + files));
-                // What did not come in can come in the next time.
-                if (!isIn) {
-                    const Outcome again = world.perform([&] {
-                        exchange::importArchive(world.session, archive);
-                        return true;
-                    });
-                    QVERIFY2(again == Outcome::Done,
-                             qPrintable(result.about + u" / "_s + world.told().join(u" / "_s)));
-                    QCOMPARE(filesProblem(folder.path(), m_model), QString());
-                }
-            }();
-            return isOver;
-        });
     }
 };
 
