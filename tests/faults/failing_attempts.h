@@ -13,11 +13,10 @@
 #include <cerrno>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace quillon::testing
 {
-
-using namespace Qt::Literals::StringLiterals;
 
 /// What tests have in common in which one call to the system after the other fails.
 class FailingAttempts
@@ -27,21 +26,33 @@ protected:
 
     static bool isLong() { return numberFromEnvironment("QUILLON_FAULTS_LONG", 0) != 0; }
 
+    struct Failure {
+        QString name;
+        int error = 0;
+        bool stays = false;
+    };
+    static std::vector<Failure> failures()
+    {
+        using namespace Qt::Literals::StringLiterals;
+        const std::array errors{
+            std::pair(u"EIO"_s, EIO),       std::pair(u"ENOSPC"_s, ENOSPC),
+            std::pair(u"EDQUOT"_s, EDQUOT), std::pair(u"EINTR"_s, EINTR),
+            std::pair(u"EMFILE"_s, EMFILE), std::pair(u"short write"_s, FailingCalls::ShortWrite)};
+        std::vector<Failure> failures;
+        for (const auto& [name, error] : errors) {
+            failures.push_back({.name = name + u" once"_s, .error = error, .stays = false});
+            // A call that is interrupted for ever is asked again for ever, as it should be.
+            if (error != EINTR)
+                failures.push_back({.name = name + u" from then on"_s, .error = error, .stays = true});
+        }
+        return failures;
+    }
     static void addFailures()
     {
         QTest::addColumn<int>("error");
         QTest::addColumn<bool>("stays");
-        const std::array errors{
-            std::pair("EIO", EIO),       std::pair("ENOSPC", ENOSPC),
-            std::pair("EDQUOT", EDQUOT), std::pair("EINTR", EINTR),
-            std::pair("EMFILE", EMFILE), std::pair("short write", FailingCalls::ShortWrite)};
-        for (const auto& [name, error] : errors) {
-            for (const bool stays : {false, true}) {
-                // A call that is interrupted for ever is asked again for ever, as it should be.
-                if (error != EINTR || !stays)
-                    QTest::addRow("%s %s", name, stays ? "from then on" : "once") << error << stays;
-            }
-        }
+        for (const Failure& failure : failures())
+            QTest::addRow("%s", qPrintable(failure.name)) << failure.error << failure.stays;
     }
 
     static void copyFolder(const QString& from, const QString& to)
@@ -77,6 +88,7 @@ protected:
     };
     template <class Operation> Attempt attempt(int n, FaultWorld& world, Operation&& operation)
     {
+        using namespace Qt::Literals::StringLiterals;
         QFETCH(const int, error);
         QFETCH(const bool, stays);
         Attempt result{.number = n};
@@ -110,6 +122,7 @@ protected:
 
     static std::optional<Model> modelOf(const FaultWorld& world, const QString& about)
     {
+        using namespace Qt::Literals::StringLiterals;
         QString why;
         auto model = readModel(world.path(u"QUILLON.mdb"_s), why);
         if (!model)
