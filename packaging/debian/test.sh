@@ -1,6 +1,7 @@
 #!/bin/sh
-# Tries the Debian package in a fresh system of its own: installs it, starts it from the menu's entry and by opening a
-# database, removes and purges it, and sees that nothing but the person's own data is left.
+# Tries the Debian package in a fresh system of its own: installs it, starts it from the menu's entry, by opening a
+# database and under circumstances that nobody wishes for, removes and purges it, and sees that nothing but the
+# person's own data is left.
 # Usage: packaging/debian/test.sh [PACKAGE]    else the one in build/debian
 # Needs root, for it makes the system with debootstrap, from where this machine has its own packages.
 set -eu
@@ -47,6 +48,6 @@ mkdir -p "$system/dev/shm"
 mount -t tmpfs -o mode=1777 tmpfs "$system/dev/shm"
 cp /etc/resolv.conf "$system/etc/resolv.conf"
 cp "$package" "$system/tmp/quillon.deb"
-cp "$here/trial.sh" "$system/tmp/trial.sh"
+cp "$here/trial.sh" "$here/circumstances.sh" "$system/tmp/"
 chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 \
     DEBIAN_FRONTEND=noninteractive sh /tmp/trial.sh

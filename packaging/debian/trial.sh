@@ -22,19 +22,22 @@ inventory()
 
 person()
 {
-    runuser -u person -- /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/person LANG=C.UTF-8 DISPLAY=:7 \
+    runuser -u person -- /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/person LANG=C.UTF-8 DISPLAY=$display \
         XDG_RUNTIME_DIR=/tmp/person DBUS_SESSION_BUS_ADDRESS="$bus" "$@"
 }
 
-# The number of a window with this title, when it comes within half a minute.
+# The number of a window of the program with this title, when it comes within half a minute. The older of its two
+# titles is written as the program's locale wants it, the newer one always in UTF-8.
 window()
 {
     for _ in $(seq 1 150); do
-        found=$(person xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1) || found=
-        if [ -n "$found" ]; then
-            echo "$found"
-            return 0
-        fi
+        for candidate in $(person xdotool search --onlyvisible --class quillon 2>/dev/null); do
+            if person xprop -id "$candidate" _NET_WM_NAME 2>/dev/null | sed -n 's/^[^"]*"\(.*\)"$/\1/p' |
+                grep -q -e "$1"; then
+                echo "$candidate"
+                return 0
+            fi
+        done
         sleep 0.2
     done
     return 1
@@ -54,7 +57,9 @@ say "what the package needs, and what a desktop has"
 apt-get update -q >/dev/null
 export DEBIAN_FRONTEND=noninteractive
 apt-get install -q -y --no-install-recommends xvfb xdotool openbox dbus libglib2.0-bin shared-mime-info \
-    desktop-file-utils procps man-db fonts-ipafont-gothic >/dev/null
+    desktop-file-utils procps man-db fonts-ipafont-gothic fonts-dejavu-core x11-utils locales weston qt6-wayland \
+    >/dev/null
+localedef -i ja_JP -f EUC-JP ja_JP.eucJP
 # The package's needs first: they may leave traces of their own.
 apt-get install -q -y --no-install-recommends /tmp/quillon.deb >/dev/null
 dpkg --purge quillon >/dev/null
@@ -66,6 +71,7 @@ useradd --create-home person
 mkdir -m 700 /tmp/person
 chown person /tmp/person
 bus=
+display=:7
 person quillon --version
 person quillon-cli --version >/dev/null
 [ -n "$(person man -w quillon)" ] || fail "no manual page of quillon"
@@ -116,6 +122,9 @@ done
 [ $opened = yes ] || fail "the database was not opened"
 pkill -u person -x quillon
 gone || fail "the program does not end"
+
+# shellcheck source=packaging/debian/circumstances.sh
+. /tmp/circumstances.sh
 
 say "removing and purging"
 dpkg --remove quillon >/dev/null
