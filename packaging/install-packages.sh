@@ -25,7 +25,7 @@ for group in "$@"; do
         wayland) # the toolkit's way to a Wayland desktop without X
             packages="$packages qt6-wayland" ;;
         package) # what makes packages and reads them
-            packages="$packages g++ git dpkg-dev debhelper lintian desktop-file-utils appstream" ;;
+            packages="$packages g++ git dpkg-dev debhelper lintian desktop-file-utils appstream jq" ;;
         root) # a Debian system inside this one
             packages="$packages debootstrap" ;;
         *)
