@@ -60,13 +60,12 @@ apt-get install -q -y --no-install-recommends xvfb xdotool openbox dbus libglib2
     desktop-file-utils procps man-db fonts-ipafont-gothic fonts-dejavu-core x11-utils locales weston qt6-wayland \
     >/dev/null
 localedef -i ja_JP -f EUC-JP ja_JP.eucJP
-# The package's needs first: they may leave traces of their own.
-apt-get install -q -y --no-install-recommends /tmp/quillon.deb >/dev/null
-dpkg --purge quillon >/dev/null
+# The package's needs stay behind; the package itself has never been here.
+apt-get satisfy -q -y --no-install-recommends "$(dpkg-deb --field /tmp/quillon.deb Depends)" >/dev/null
 inventory >/tmp/before
 
 say "installing"
-dpkg --install /tmp/quillon.deb >/dev/null
+apt-get install -q -y --no-install-recommends /tmp/quillon.deb >/dev/null
 useradd --create-home person
 mkdir -m 700 /tmp/person
 chown person /tmp/person
