@@ -115,6 +115,19 @@ void requireNothingBeside(Session& session, const QString& newFile)
 
 } // namespace
 
+namespace
+{
+
+/// A copy under the name of its database goes on with what is kept for it. Under any other name it is a database of its own.
+void noteWhatItIs(Session& session, const kept::Copy& copy, const QString& newFile)
+{
+    const std::optional<kept::Place> place = keptPlace(session, newFile);
+    if (place && place->database() != copy.database)
+        session.keeper->databaseCreated(newFile);
+}
+
+} // namespace
+
 std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& copy, const QString& newFile)
 {
     bool isTakenOut = false;
@@ -131,6 +144,7 @@ std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& cop
         written->place({});
         written->keep();
         isTakenOut = true;
+        noteWhatItIs(session, copy, newFile);
     });
     if (!isTakenOut)
         return std::nullopt;

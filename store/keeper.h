@@ -22,6 +22,8 @@ class Keeper
 public:
     virtual ~Keeper() = default;
 
+    /// A new database stands at `path`: what is kept for a former one of that name is not its own.
+    virtual void databaseCreated(const QString& path) = 0;
     /// A database has become the current one, in place of the one before.
     virtual void databaseOpened(Database& database) = 0;
 

@@ -97,6 +97,8 @@ Opening CreateDbFile(Session& session, const QString& path)
     Opening outcome = Opening::Failed;
     guarded(session.reporting, Location, [&] {
         createDatabaseFile(path);
+        if (session.keeper != nullptr)
+            session.keeper->databaseCreated(path);
         // The database has been made, whatever comes of opening it: a failure there is told by the opening itself.
         outcome = openDatabase(session, path);
         if (outcome != Opening::Declined)

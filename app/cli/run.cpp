@@ -9,6 +9,7 @@
 #include "store/database.h"
 #include "store/kept/copies.h"
 #include "store/kept/keeping.h"
+#include "store/kept/moved_database.h"
 #include "store/opened_file.h"
 #include "store/record_set.h"
 
@@ -107,6 +108,9 @@ private:
         open(run.database);
         const Status status = done(run);
         isFilled = stays && holdsRows();
+        const std::optional<QString> keptFolder = kept::keptFolder();
+        if (isFilled && keptFolder)
+            kept::setAside(*keptFolder, {*keptFolder, run.database});
         return status;
     }
 

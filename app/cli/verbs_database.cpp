@@ -3,6 +3,7 @@
 #include "app/cli/verb_functions.h"
 #include "store/creation.h"
 #include "store/data_kinds.h"
+#include "store/keeper.h"
 #include "store/record_set.h"
 
 #include <array>
@@ -20,6 +21,8 @@ Status create(Run& run)
         throw Refusal{isThere ? Status::Refused : Status::NoDatabase, error.description};
     };
     guardedBy(refuse, [&] { createDatabaseFile(run.database); });
+    if (run.session.keeper != nullptr)
+        run.session.keeper->databaseCreated(run.database);
     tell(u"Quillon 用のデータベースを作成しました。"_s);
     return Status::Done;
 }

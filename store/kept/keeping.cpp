@@ -100,6 +100,12 @@ void Keeping::tellFailureOf(CopyWorker& worker)
     logFailure(m_reporting, Error(errors::PathFileAccess, *failure), u"KeptCopy"_s);
 }
 
+void Keeping::databaseCreated(const QString& path)
+{
+    if (m_order.keptFolder)
+        setAside(*m_order.keptFolder, Place(*m_order.keptFolder, path));
+}
+
 void Keeping::databaseOpened(Database& database)
 {
     const Place place(m_order.keptFolder.value_or(QString()), database.path());

@@ -49,6 +49,7 @@ public:
     /// The current database is closed. Waits for the last copies, for a while at most.
     void finish();
 
+    void databaseCreated(const QString& path) override;
     void databaseOpened(Database& database) override;
     void databaseWasBrokenOff() override;
     void databaseIsDamaged(const QString& path) override;

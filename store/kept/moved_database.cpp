@@ -11,11 +11,15 @@
 #include <optional>
 #include <vector>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quillon::kept
 {
 
 namespace
 {
+
+constexpr int MostNames = 10'000; // of former databases of one name
 
 /// Whether a database is what another was when it was copied last; that one is gone from its folder.
 bool isAsCopiedLast(const QFileInfo& database, const Place& other)
@@ -60,6 +64,25 @@ void findAgain(const QString& keptFolder, const Place& place)
             QDir().rename(left->folder(), place.folder());
     }
     place.note();
+}
+
+void setAside(const QString& keptFolder, const Place& place)
+{
+    if (!QDir(place.folder()).exists())
+        return;
+    const QFileInfo database(place.database());
+    const QString ending = database.suffix().isEmpty() ? QString() : u'.' + database.suffix();
+    for (int n = 1; n <= MostNames; ++n) {
+        const QString number = n == 1 ? QString() : u" %1"_s.arg(n);
+        const Place aside(keptFolder, database.path() + u'/' + database.completeBaseName() +
+                                          u"（以前のもの%1）"_s.arg(number) + ending);
+        if (QFileInfo::exists(aside.database()) || QDir(aside.folder()).exists())
+            continue;
+        // By what the former one is known again goes with it.
+        if (QDir().rename(place.folder(), aside.folder()))
+            aside.note();
+        return;
+    }
 }
 
 } // namespace quillon::kept

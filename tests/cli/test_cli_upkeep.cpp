@@ -213,6 +213,26 @@ private Q_SLOTS:
                  answer(1, {}, u"quillon-cli: 履歴に x-1 は見つかりませんでした。\n"_s));
     }
 
+    void aNewDatabaseInheritsNothingFromAFormerOneOfItsName_data()
+    {
+        QTest::addColumn<QStringList>("words");
+        QTest::newRow("created") << QStringList(u"create"_s);
+        QTest::newRow("brought in") << QStringList{u"import"_s, u"csv"_s, u"rows.csv"_s};
+    }
+    void aNewDatabaseInheritsNothingFromAFormerOneOfItsName()
+    {
+        QFETCH(const QStringList, words);
+        QCOMPARE(m_world->run({u"export"_s, u"csv"_s, u"rows.csv"_s}).status, 0);
+        QCOMPARE(m_world->run({u"delete"_s, u"M-991231-001"_s, u"--yes"_s}).status, 0);
+        QVERIFY(QFile::rename(m_world->path(u"QUILLON.mdb"_s), m_world->path(u"旧.mdb"_s)));
+        const Answered made = m_world->run(words);
+        QVERIFY2(made.status == 0, qPrintable(made.errors));
+        QCOMPARE(m_world->run({u"history"_s}),
+                 answer(1, {}, u"quillon-cli: 上書きまたは削除されたものはありません。\n"_s));
+        m_world->database = u"旧.mdb"_s; // where it is now
+        QVERIFY(m_world->run({u"history"_s}).output.contains(u"水 (M-991231-001)"_s));
+    }
+
     void copiesAreListedAndTakenOut()
     {
         QCOMPARE(m_world->run({u"copies"_s}), answer(1, {}, u"quillon-cli: 控えはありません。\n"_s));

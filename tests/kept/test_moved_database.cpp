@@ -4,6 +4,7 @@
 #include "store/database.h"
 #include "store/keeper.h"
 #include "store/kept/copies.h"
+#include "store/opening.h"
 #include "store/record_set.h"
 #include "tests/support/test_world.h"
 
@@ -44,6 +45,12 @@ class TestMovedDatabase : public QObject
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(
             file.setFileTime(QDateTime::currentDateTime().addSecs(-3600), QFileDevice::FileModificationTime));
+    }
+    /// As a person creates one.
+    void create(const QString& database)
+    {
+        world->dialogs.expect(MessageBox{.text = u"Quillon 用のデータベースを作成しました。"_s});
+        QCOMPARE(CreateDbFile(session(), database), Opening::Opened);
     }
     void makeCopy()
     {
@@ -198,6 +205,70 @@ private Q_SLOTS:
         world->openDatabase(world->createDatabase(u"後.mdb"_s));
         QCOMPARE(lost(), QStringList());
         QVERIFY(keptDatabases().contains(u"前.mdb"_s));
+    }
+
+    void aNewDatabaseUnderAFormerNameBeginsItsOwnHistory()
+    {
+        close();
+        makeCopy();
+        QVERIFY(QFile::remove(path));
+        create(path);
+        QCOMPARE(lost(), QStringList());
+        QCOMPARE(ListCopies(session(), path).size(), std::size_t{0});
+        // What is kept of the former one is listed as of one that is gone.
+        const QString former = fileIn(u"前（以前のもの）.mdb"_s);
+        QVERIFY(keptDatabases().contains(u"前（以前のもの）.mdb"_s));
+        LostThings things(session(), former);
+        things.ask({});
+        things.readOn();
+        QCOMPARE(things.count(), std::size_t{1});
+        QCOMPARE(things.entry(0).name, u"水"_s);
+        const std::vector<kept::Copy> copies = ListCopies(session(), former);
+        QCOMPARE(copies.size(), std::size_t{1});
+        // Taken out under that name, it is that database again.
+        QVERIFY(TakeOutCopy(session(), copies.front(), former));
+        world->openDatabase(former);
+        QCOMPARE(lost(), QStringList(u"水"_s));
+    }
+
+    void soDoesOneThatIsTheThirdOfItsName()
+    {
+        for (const QString& name : {u"火"_s, u"風"_s}) {
+            close();
+            QVERIFY(QFile::remove(path));
+            create(path);
+            TestWorld::addRow(session().RsMain, {name, Water, u""_s});
+            QVERIFY(DeleteData(session(), Water, 0));
+        }
+        QCOMPARE(lost(), QStringList(u"風"_s));
+        QVERIFY(keptDatabases().contains(u"前（以前のもの）.mdb"_s));
+        QVERIFY(keptDatabases().contains(u"前（以前のもの 2）.mdb"_s));
+    }
+
+    void theFormerOneTakesItsHistoryAlongWhenItWasRenamed()
+    {
+        close();
+        QVERIFY(QFile::rename(path, fileIn(u"後.mdb"_s)));
+        create(path);
+        world->openDatabase(fileIn(u"後.mdb"_s));
+        QCOMPARE(lost(), QStringList(u"水"_s));
+        QVERIFY(!keptDatabases().contains(u"前（以前のもの）.mdb"_s));
+    }
+
+    void aCopyThatIsTakenOutUnderTheNameOfAnotherDatabaseDoesNotInherit()
+    {
+        close();
+        makeCopy();
+        const QString other = world->createDatabase(u"後.mdb"_s);
+        world->openDatabase(other);
+        TestWorld::addRow(session().RsMain, {u"火"_s, Water, u""_s});
+        QVERIFY(DeleteData(session(), Water, 0));
+        close();
+        QVERIFY(QFile::remove(other));
+        QVERIFY(TakeOutCopy(session(), ListCopies(session(), path).front(), other));
+        world->openDatabase(other);
+        QCOMPARE(lost(), QStringList());
+        QVERIFY(keptDatabases().contains(u"後（以前のもの）.mdb"_s));
     }
 
     void whereSomethingIsKeptAlreadyNothingIsMixed()

@@ -1,6 +1,7 @@
 #include "app/base/ports/dialogs.h"
 #include "exchange/old_file.h"
 #include "exchange/progress.h"
+#include "store/keeper.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/event_edge.h"
@@ -78,6 +79,8 @@ std::optional<exchange::ConvertedFile> frmMainMenu::convertedCopy(const QString&
         const WaitCursor cursor;
         ShownProgress progress(*m_progress);
         converted = exchange::convertOldFile(path, &progress);
+        if (session().keeper != nullptr)
+            session().keeper->databaseCreated(converted->path);
         converted->path = QDir::toNativeSeparators(converted->path);
     });
     return converted;
