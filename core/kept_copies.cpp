@@ -6,6 +6,8 @@
 #include "app/base/titles.h"
 #include "core/kept_place.h"
 #include "store/kept/file_contents.h"
+#include "store/kept/history_file.h"
+#include "store/kept/history_writer.h"
 #include "store/session.h"
 
 #include <QDir>
@@ -118,12 +120,19 @@ void requireNothingBeside(Session& session, const QString& newFile)
 namespace
 {
 
-/// A copy under the name of its database goes on with what is kept for it. Under any other name it is a database of its own.
+/// A copy under the name of its database goes on with what is kept for it, and what happened since has not happened to it.
+/// Under any other name it is a database of its own.
 void noteWhatItIs(Session& session, const kept::Copy& copy, const QString& newFile)
 {
     const std::optional<kept::Place> place = keptPlace(session, newFile);
-    if (place && place->database() != copy.database)
+    if (!place)
+        return;
+    if (place->database() != copy.database) {
         session.keeper->databaseCreated(newFile);
+        return;
+    }
+    kept::HistoryFile history(*place, session.reporting);
+    kept::writeSetBack(history, copy.time.toMSecsSinceEpoch());
 }
 
 } // namespace

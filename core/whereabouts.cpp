@@ -70,6 +70,33 @@ const std::vector<PutBackEvent>& Whereabouts::putBacks() const
     return m_putBacks;
 }
 
+/// Whether the present database has lived through a time: after the last copy that took its place, or before that copy
+/// was made, and so on.
+bool Whereabouts::isPast(qint64 time) const
+{
+    qint64 end = std::numeric_limits<qint64>::max();
+    for (;;) {
+        std::optional<kept::SetBack> last;
+        for (const History* history : {static_cast<const History*>(&m_known), &m_newer}) {
+            for (const kept::SetBack& one : history->setBacks()) {
+                if (one.to < one.when && one.when <= end && (!last || one.when > last->when))
+                    last = one;
+            }
+        }
+        if (!last || time >= last->when)
+            return time <= end;
+        if (time > last->to)
+            return false;
+        end = last->to;
+    }
+}
+
+/// Whether something has happened to what was lost before.
+bool Whereabouts::counts(const Moment& what, const Moment& since) const
+{
+    return isPast(what.time) || !isPast(since.time);
+}
+
 std::optional<Whereabouts::Deletion> Whereabouts::firstDeletion(Kind kind, const QString& identifier,
                                                                 const Moment& since) const
 {
@@ -78,7 +105,7 @@ std::optional<Whereabouts::Deletion> Whereabouts::firstDeletion(Kind kind, const
         history->forEachDeletion(deletionOf(kind), identifier, [&](const Event& event) {
             const Moment moment = history->moment(event);
             const bool isSince = isBefore(since, moment) || isOneWrite(since, moment);
-            if (isSince && (!first || isBefore(moment, first->moment)))
+            if (isSince && counts(moment, since) && (!first || isBefore(moment, first->moment)))
                 first = {.moment = moment, .history = history, .event = event};
         });
     }
@@ -103,7 +130,8 @@ std::optional<QString> Whereabouts::follow(Kind kind, const QString& identifier,
         return identifier;
     for (const PutBackEvent& back : putBacks()) {
         if (kindOf(back) != kind || back.note.before != identifier ||
-            back.note.deletedAt != deleted->moment.time || !isBefore(deleted->moment, back.when))
+            back.note.deletedAt != deleted->moment.time || !isBefore(deleted->moment, back.when) ||
+            !counts(back.when, deleted->moment))
             continue;
         if (auto there = follow(kind, back.note.after, back.when))
             return there;
@@ -115,7 +143,7 @@ std::vector<Whereabouts::Due> Whereabouts::dueTo(Kind kind, const QString& befor
 {
     const Moment lost = m_known.moment(lostEvent);
     const auto isOwed = [&](const PutBackEvent& back, const OwedRelation& owed) {
-        return isBefore(lost, back.when) && back.note.deletedAt <= lost.time &&
+        return isBefore(lost, back.when) && counts(back.when, lost) && back.note.deletedAt <= lost.time &&
                kindOfOther(owed.role) == kind && owed.other == before;
     };
     qint64 earliest = lost.time;

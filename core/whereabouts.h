@@ -11,7 +11,8 @@ namespace quillon
 {
 
 /// What has become of items and categories since something was lost. Identifiers are given out anew; so whatever bears
-/// one now need not be what bore it then, and what bore it then may be there under another.
+/// one now need not be what bore it then, and what bore it then may be there under another. Where a copy has taken the
+/// place of the database, what happened after it was made has not happened to what was lost before.
 class Whereabouts
 {
 public:
@@ -47,6 +48,8 @@ private:
     std::optional<Deletion> firstDeletion(Kind kind, const QString& identifier,
                                           const kept::Moment& since) const;
     std::optional<QString> follow(Kind kind, const QString& identifier, const kept::Moment& since) const;
+    bool isPast(qint64 time) const;
+    bool counts(const kept::Moment& what, const kept::Moment& since) const;
     void addPutBacks(const kept::History& history, std::size_t from) const;
     const std::vector<kept::PutBackEvent>& putBacks() const;
 

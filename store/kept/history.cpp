@@ -223,6 +223,10 @@ void History::addRecord(quint32 number, QByteArrayView bytes, qint64 place,
                                        .place = place,
                                        .group = std::numeric_limits<quint32>::max()}});
         break;
+    case RecordKind::SetBack:
+        occasion();
+        m_setBacks.push_back({.when = group.time, .to = payload.number64()});
+        break;
     default:
         break; // of a later version of the program
     }

@@ -56,6 +56,12 @@ struct PutBackEvent {
     Moment when;
 };
 
+/// That the database became again what it was at a time, by a copy of then: what happened in between is not its past.
+struct SetBack {
+    qint64 when = 0; // milliseconds since 1970, both
+    qint64 to = 0;
+};
+
 /// The former content of a file that was replaced.
 struct FormerFile {
     QString name;
@@ -83,6 +89,8 @@ public:
     const std::vector<Event>& events() const { return m_events; }
     /// In no order.
     const std::vector<PutBackEvent>& putBacks() const { return m_putBacks; }
+    /// In no order.
+    const std::vector<SetBack>& setBacks() const { return m_setBacks; }
     /// Whether a file was there and could not be read.
     bool hasFailed() const { return m_bytes.hasFailed(); }
 
@@ -138,6 +146,7 @@ private:
     std::vector<bool> m_isRead;
     std::vector<Event> m_events;
     std::vector<PutBackEvent> m_putBacks;
+    std::vector<SetBack> m_setBacks;
     QSet<QString> m_operations; // each once
     mutable LogBytes m_bytes;
     mutable std::vector<Mark> m_marks; // in their order

@@ -25,7 +25,8 @@ enum class RecordKind : quint16 {
     Piece = 2,        // number of a long transaction, some of its changes
     PiecesEnd = 3,    // that number, time, operation: only now its pieces count
     FileReplaced = 4, // time, operation, name, hash and size of a file's former content
-    PutBack = 5       // time, operation: an item or a category is there again, see `PutBackNote`
+    PutBack = 5,      // time, operation: an item or a category is there again, see `PutBackNote`
+    SetBack = 6       // time, operation, the time whose state the whole database has again
 };
 
 enum class RowFate : quint16 { Changed = 1, Deleted = 2 };

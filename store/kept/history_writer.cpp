@@ -56,6 +56,14 @@ void writePutBack(HistoryFile& history, const PutBackNote& note)
     history.append(payload);
 }
 
+void writeSetBack(HistoryFile& history, qint64 to)
+{
+    QByteArray payload = recordOf(RecordKind::SetBack);
+    appendOccasion(payload, history.reporting());
+    appendNumber(payload, to);
+    history.append(payload);
+}
+
 HistoryWriter::HistoryWriter(std::shared_ptr<HistoryFile> file, qsizetype longFrom)
     : m_file(std::move(file)), m_longFrom(longFrom)
 {

@@ -19,6 +19,10 @@ void writeFileReplaced(HistoryFile& history, const QString& name, const QByteArr
 /// Appends to a history that something is there again.
 void writePutBack(HistoryFile& history, const PutBackNote& note);
 
+/// Appends to a history that the database is again what it was at a time, in milliseconds since 1970: a copy of then has
+/// taken its place.
+void writeSetBack(HistoryFile& history, qint64 to);
+
 /// Writes what a connection overwrites and deletes to a history: each transaction as one group, when it is durable.
 class HistoryWriter : public sqlite::RowListener
 {

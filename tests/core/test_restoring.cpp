@@ -3,11 +3,14 @@
 #include "core/category_entry.h"
 #include "core/data_records.h"
 #include "core/file_registration.h"
+#include "core/kept_copies.h"
 #include "core/links.h"
 #include "core/lost_things.h"
 #include "core/restoring.h"
+#include "store/database.h"
 #include "store/identifiers.h"
 #include "store/keeper.h"
+#include "store/kept/copies.h"
 #include "store/record_set.h"
 #include "tests/support/compare_text.h"
 #include "tests/support/failure_box.h"
@@ -140,6 +143,37 @@ class TestRestoring : public QObject
         const FileEntry entry{
             .path = source.fileName(), .identifier = CreateObject_ID(session(), u"F"_s), .category = {}};
         QCOMPARE(RegisterFile(session(), entry, {}), FileRegistration::Registered);
+    }
+    static QString takenBy(const QString& name)
+    {
+        return u"データ「%1」は現在存在せず、その識別符号 %2 は別のものに付けられています。"
+               u"何も変更していません。先に削除されたものを戻してください。"_s.arg(name, Water);
+    }
+    QString path() { return session().OpenDb->path(); }
+    void makeCopy()
+    {
+        later();
+        QCOMPARE(kept::makeCopy({.place = {*session().keeper->keptFolder(), path()},
+                                 .fileFolder = {},
+                                 .now = [this] { return world->clock.time; },
+                                 .goesOn = [] { return true; },
+                                 .inspection = kept::Inspection::Quick}),
+                 kept::CopyOutcome::Made);
+        later();
+    }
+    /// Takes a copy out in the place of the database, the newest being number 0.
+    void takeOut(std::size_t number)
+    {
+        later();
+        const QString file = path();
+        for (auto* rows : {&session().RsMain, &session().RsOpenApp, &session().RsRefFile, &session().RsRefDoc,
+                           &session().RsLink, &session().RsCategoryID, &session().RsCategory})
+            rows->reset();
+        session().OpenDb.reset();
+        QVERIFY(QFile::remove(file));
+        QVERIFY(TakeOutCopy(session(), ListCopies(session(), file).at(number), file));
+        world->openDatabase(file);
+        later();
     }
     static MessageBox failureBoxSaying(const QString& description)
     {
@@ -418,6 +452,61 @@ private Q_SLOTS:
             u"何も変更していません。先に削除されたものを戻してください。"_s));
         QVERIFY(!putBackNewest(EventKind::ItemChanged));
         QCOMPARE(rowsOf(session().RsMain), before);
+    }
+
+    void formerTextsReachTheirItemInAnOlderCopyUnderTheSameName()
+    {
+        change(Water, u"湯"_s, u"熱い"_s);
+        makeCopy();
+        deleteLater(Water);
+        takeOut(0);
+        QVERIFY(putBackNewest(EventKind::ItemChanged));
+        QVERIFY(TestWorld::rowsOf(session().RsMain).contains(u"水|"_s + Water + u"|流れるもの"_s));
+        // From now on it is deleted as ever.
+        deleteLater(Water);
+        world->dialogs.expect(
+            failureBoxSaying(u"データ「湯」は現在存在しません。先に削除されたものを戻してください。"_s));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+    }
+
+    void linksComeBackInAnOlderCopyUnderTheSameName()
+    {
+        deleteLater(Fire);
+        makeCopy();
+        deleteLater(Water);
+        takeOut(0);
+        const auto back = putBackItem(Fire);
+        QVERIFY(back);
+        QCOMPARE(back->missing, 0);
+        QVERIFY(areLinked(session(), Water, Fire));
+    }
+
+    void whatWasDeletedBeforeTheCopyWasMadeIsGoneInIt()
+    {
+        change(Water, u"湯"_s, u"熱い"_s);
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"氷"_s, Water, u"固い"_s});
+        makeCopy();
+        takeOut(0);
+        const QStringList before = TestWorld::rowsOf(session().RsMain);
+        world->dialogs.expect(failureBoxSaying(takenBy(u"水"_s)));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+        QCOMPARE(TestWorld::rowsOf(session().RsMain), before);
+    }
+
+    void whatCameBackWithALaterCopyHasHappened()
+    {
+        change(Water, u"湯"_s, u"熱い"_s);
+        makeCopy();
+        deleteLater(Water);
+        TestWorld::addRow(session().RsMain, {u"氷"_s, Water, u"固い"_s});
+        makeCopy();
+        takeOut(1);
+        takeOut(0);
+        const QStringList before = TestWorld::rowsOf(session().RsMain);
+        world->dialogs.expect(failureBoxSaying(takenBy(u"水"_s)));
+        QVERIFY(!putBackNewest(EventKind::ItemChanged));
+        QCOMPARE(TestWorld::rowsOf(session().RsMain), before);
     }
 
     void whatAnotherProgramHasDeletedSinceTheListWasReadCounts()
