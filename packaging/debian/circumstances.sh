@@ -24,6 +24,7 @@ start()
 told()
 {
     box=$(window '^Quillon システム運用部$') || fail "$circumstance: no box tells it. $(cat "$said")"
+    on_screen "$box" 1280 1024
     grep -qF -e "$1" "$said" || fail "$circumstance: this is not told: $1. Instead: $(cat "$said")"
     press "$box" Return
 }

@@ -26,18 +26,25 @@ person()
         XDG_RUNTIME_DIR=/tmp/person DBUS_SESSION_BUS_ADDRESS="$bus" "$@"
 }
 
-# The number of a window of the program with this title, when it comes within half a minute. The older of its two
-# titles is written as the program's locale wants it, the newer one always in UTF-8.
+# The numbers of the program's windows with this title, of which there have to be so many, else one, within half a
+# minute. The older of a window's two titles is written as the program's locale wants it, the newer one always in UTF-8.
+# Usage: window TITLE [HOW-MANY]
 window()
 {
     for _ in $(seq 1 150); do
+        found=
         for candidate in $(person xdotool search --onlyvisible --class quillon 2>/dev/null); do
             if person xprop -id "$candidate" _NET_WM_NAME 2>/dev/null | sed -n 's/^[^"]*"\(.*\)"$/\1/p' |
                 grep -q -e "$1"; then
-                echo "$candidate"
-                return 0
+                found="$found $candidate"
             fi
         done
+        # shellcheck disable=SC2086  # a list of numbers
+        set -- "$1" "${2:-1}" $found
+        if [ $(($# - 2)) -ge "$2" ]; then
+            echo "$3"
+            return 0
+        fi
         sleep 0.2
     done
     return 1
@@ -96,6 +103,9 @@ for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
     [ -e "$home/$name" ] || fail "$home/$name was not made"
 done
 person xdotool getwindowpid "$main" >/dev/null || fail "the window belongs to nobody"
+# A second start brings a window of its own.
+person gio launch /usr/share/applications/quillon.desktop &
+window '^Quillon メイン画面' 2 >/dev/null || fail "the second start brings no window"
 pkill -u person -x quillon
 gone || fail "the program does not end"
 
