@@ -120,10 +120,10 @@ int lastErrorOf(sqlite3_vfs* system)
     return system->xGetLastError != nullptr ? system->xGetLastError(system, 0, nullptr) : 0;
 }
 
+#ifdef Q_OS_UNIX
 /// Why a file cannot be made. SQLite then tries to open it only to be read, and that it is not there is all it tells.
 int whyNotMade(sqlite3_vfs* system, const char* name)
 {
-#ifdef Q_OS_UNIX
     using Open = int (*)(const char*, int, int);
     const auto open = reinterpret_cast<Open>(system->xGetSystemCall(system, "open"));
     if (open == nullptr)
@@ -133,12 +133,9 @@ int whyNotMade(sqlite3_vfs* system, const char* name)
         return errno;
     close(made);
     unlink(name);
-#else
-    Q_UNUSED(system);
-    Q_UNUSED(name);
-#endif
     return 0;
 }
+#endif
 
 } // namespace
 
