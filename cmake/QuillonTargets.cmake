@@ -12,6 +12,10 @@ option(QUILLON_FUZZ "Build the fuzzers with their engine, which clang has, and e
 add_library(quillon_rules INTERFACE)
 target_compile_definitions(quillon_rules INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH)
+if(WIN32)
+  # Everywhere, because the precompiled headers are shared.
+  target_compile_definitions(quillon_rules INTERFACE NOMINMAX)
+endif()
 if(MSVC)
   target_compile_options(quillon_rules INTERFACE /W4 /WX /utf-8)
 else()
