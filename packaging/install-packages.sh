@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a task needs, and only those that are missing.
 # Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display,
-# wayland, package, root
+# wayland, package, root, windows, wine
 set -eu
 
 packages=
@@ -28,6 +28,11 @@ for group in "$@"; do
             packages="$packages g++ git dpkg-dev debhelper lintian desktop-file-utils appstream jq" ;;
         root) # a Debian system inside this one
             packages="$packages debootstrap" ;;
+        windows) # what makes programs for Windows: the compiler, what Qt and SQLite are built with, the installer
+            packages="$packages g++-mingw-w64-x86-64-posix mingw-w64-tools cmake ninja-build perl python3 dpkg-dev patch tcl
+                git qt6-base-dev qt6-base-dev-tools qt6-translations-l10n nsis zip" ;;
+        wine) # what runs them here, with Japanese texts and fonts
+            packages="$packages wine wine64 xvfb xauth openbox xdotool unzip locales fonts-noto-cjk fonts-ipafont-gothic" ;;
         *)
             echo "install-packages.sh: unknown group '$group'" >&2
             exit 2 ;;

@@ -1,0 +1,152 @@
+#!/bin/sh
+# Tries under wine what build.sh has made: the zip from a folder of any name, then the installer. Installs for one person,
+# starts the program on a virtual display, registers, searches, opens a database as a double click does, uninstalls, and
+# sees that nothing but the person's own data is left.
+# Usage: packaging/windows/test.sh [FOLDER]    else build/windows; what is tried lies in build/windows/trial
+# A picture of the started program stays there as main.png where imagemagick is installed.
+set -eu
+
+here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
+root=$(CDPATH='' cd -- "$here/../.." && pwd)
+folder=${1:-$root/build/windows}
+version=$(sed -n 's/^project(Quillon VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
+archive=$folder/quillon-$version-windows-x64.zip
+setup=$folder/quillon-$version-windows-x64-setup.exe
+if [ ! -f "$archive" ] || [ ! -f "$setup" ]; then
+    echo "test.sh: there is nothing to try in $folder; packaging/windows/build.sh makes it" >&2
+    exit 2
+fi
+sh "$root/packaging/install-packages.sh" wine
+
+# Everything is new: the computer, the person, and his folders.
+trial=$root/build/windows/trial
+rm -rf "$trial"
+mkdir -p "$trial/home" "$trial/箱 1"
+export QUILLON_WINE="$trial/computer" HOME="$trial/home"
+unset QT_QPA_PLATFORM QUILLON_HOME QUILLON_DATABASE 2>/dev/null || :
+
+wine()
+{
+    "$here/wine.sh" "$@"
+}
+
+# Ends when the last program of that computer has ended.
+settled()
+{
+    WINEPREFIX="$QUILLON_WINE/prefix" timeout 60 /usr/lib/wine/wineserver64 --wait
+}
+
+fail()
+{
+    echo "test.sh: $1" >&2
+    exit 1
+}
+
+# A whole line of what the command writes, which ends its lines as that system does.
+says()
+{
+    wanted=$1
+    shift
+    "$@" >"$trial/said" 2>"$trial/complained" || {
+        cat "$trial/said" "$trial/complained" >&2
+        fail "$* has failed"
+    }
+    tr -d '\r' <"$trial/said" | grep -qF -- "$wanted" || {
+        cat "$trial/said" >&2
+        fail "$* does not say '$wanted'"
+    }
+}
+
+if [ -z "${DISPLAY:-}" ] || [ -z "${QUILLON_OWN_DISPLAY:-}" ]; then
+    QUILLON_OWN_DISPLAY=yes exec xvfb-run -a -s "-screen 0 1280x900x24" sh "$0" "$folder"
+fi
+openbox >"$trial/openbox.log" 2>&1 &
+manager=$!
+trap 'kill "$manager" 2>/dev/null || :; WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill 2>/dev/null || :' EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
+
+echo "== the zip"
+unzip -q "$archive" -d "$trial/箱 1"
+box="$trial/箱 1/quillon-$version-windows-x64"
+says "Quillon" wine "$box/quillon.exe" --version
+says "$version" wine "$box/quillon-cli.exe" --version
+cd "$trial/箱 1"
+wine "$box/quillon-cli.exe" --database 知識.mdb create
+says - wine "$box/quillon-cli.exe" --database 知識.mdb add definition 水 --text 無色透明の液体
+says "水" wine "$box/quillon-cli.exe" --database 知識.mdb search 液体
+wine "$box/quillon-cli.exe" --database 知識.mdb check >/dev/null || fail "the database is damaged"
+settled
+
+echo "== the installation"
+wine "$setup" /S /CurrentUser
+settled
+person=$QUILLON_WINE/prefix/drive_c/users/$(id -un)
+place=$person/AppData/Local/Programs/Quillon
+menu="$person/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Quillon"
+for file in "$place/quillon.exe" "$place/quillon-cli.exe" "$place/Readme.txt" "$place/uninstall.exe" "$menu/Quillon.lnk"; do
+    [ -f "$file" ] || fail "$file is missing"
+done
+[ "$(find "$menu" -name '*.lnk' | wc -l)" = 2 ] || fail "the menu lacks an entry"
+says "--home" wine reg query 'HKCU\Software\Classes\Quillon.Database\shell\open\command'
+says "Quillon.Database" wine reg query 'HKCU\Software\Classes\.mdb\OpenWithProgids'
+says "DisplayName" wine reg query 'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'
+
+# The number of the window whose title begins so, as soon as it is there.
+window()
+{
+    waited=0
+    while ! xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1 | grep .; do
+        waited=$((waited + 1))
+        [ $waited -lt 60 ] || return 1
+        sleep 1
+    done
+}
+
+echo "== the start from the menu"
+wine start /unix "$menu/Quillon.lnk"
+window '^Quillon' >"$trial/window" || fail "no window comes"
+sleep 5 # until the first picture of the program has made way for its main window
+! command -v import >/dev/null || import -window root "$trial/main.png"
+home=$(find "$HOME" "$person" -type d -name Quillon -path '*Documents*' | head -n 1)
+[ -n "$home" ] || fail "the program has made no folder for its work"
+for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
+    [ -e "$home/$name" ] || fail "$name is missing in $home"
+done
+WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill
+settled
+
+echo "== registering and searching"
+cd "$home"
+printf 'of the person\r\n' >水の本.txt
+wine "$place/quillon-cli.exe" --database 知識.mdb create
+says - wine "$place/quillon-cli.exe" --database 知識.mdb add definition 氷 --text 固体の水
+says - wine "$place/quillon-cli.exe" --database 知識.mdb attach 水の本.txt
+says "氷" wine "$place/quillon-cli.exe" --database 知識.mdb search 固体
+[ -n "$(find RefFile -type f)" ] || fail "the registered file was not copied"
+
+echo "== a double click"
+wine start /unix "$place/quillon.exe" --home -- "$(printf 'Z:%s' "$home/知識.mdb" | tr / '\134')"
+window '^Quillon' >"$trial/window" || fail "no window comes"
+waited=0
+until find /proc/[0-9]*/fd -lname "$home/知識.mdb" 2>/dev/null | grep -q .; do
+    waited=$((waited + 1))
+    [ $waited -lt 30 ] || fail "the database is not opened"
+    sleep 1
+done
+! command -v import >/dev/null || import -window root "$trial/opened.png"
+WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill
+settled
+
+echo "== the end"
+find "$home" -type f -exec md5sum {} + | LC_ALL=C sort >"$trial/before"
+wine "$place/uninstall.exe" /CurrentUser /S
+settled
+[ ! -e "$place" ] || fail "left in $place: $(ls "$place")"
+[ ! -e "$menu" ] || fail "the menu has kept its entries"
+for key in 'HKCU\Software\Quillon' 'HKCU\Software\Classes\Quillon.Database' \
+    'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'; do
+    ! wine reg query "$key" >/dev/null 2>&1 || fail "$key is left"
+done
+find "$home" -type f -exec md5sum {} + | LC_ALL=C sort | cmp "$trial/before" - || fail "the person's files have changed"
+echo "test.sh: everything has been tried"
