@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 namespace quillon::platform
 {
 
@@ -32,6 +34,12 @@ LengthTable makeLengthTable()
     return lengths;
 }
 
+/// The system has places of its own for the four bytes that the page leaves empty.
+bool isForNoCharacter(QChar character)
+{
+    return character >= u'\uF8F0' && character <= u'\uF8F3';
+}
+
 } // namespace
 
 qsizetype byteLength932(QStringView text)
@@ -54,6 +62,8 @@ std::optional<QString> decode932(QByteArrayView bytes)
     QString text(length, Qt::Uninitialized);
     MultiByteToWideChar(CodePage932, MB_ERR_INVALID_CHARS, bytes.data(), size,
                         reinterpret_cast<wchar_t*>(text.data()), length);
+    if (std::any_of(text.cbegin(), text.cend(), isForNoCharacter))
+        return std::nullopt;
     return text;
 }
 
@@ -65,6 +75,7 @@ QString decode932Forgivingly(QByteArrayView bytes)
     if (length > 0)
         MultiByteToWideChar(CodePage932, 0, bytes.data(), size, reinterpret_cast<wchar_t*>(text.data()),
                             length);
+    std::replace_if(text.begin(), text.end(), isForNoCharacter, QChar(u'・'));
     return text;
 }
 
