@@ -8,9 +8,9 @@
 #include <QDir>
 #include <QRandomGenerator>
 
-#include <exception>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace quillon::platform
 {
@@ -37,42 +37,35 @@ class FileBeside
 public:
     explicit FileBeside(const QString& folder)
     {
+        // As long as it is open nobody can open it for himself alone, and so sees that it is in use.
+        constexpr DWORD Everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         HANDLE made = INVALID_HANDLE_VALUE;
         do {
             m_path = folder + u'\\' + QString::fromWCharArray(HalfCopy) + randomWord();
-            made = CreateFileW(wide(nativePath(m_path)), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+            made = CreateFileW(wide(nativePath(m_path)), GENERIC_WRITE, Everybody, nullptr, CREATE_NEW,
                                FILE_ATTRIBUTE_NORMAL, nullptr);
         } while (made == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS);
         if (made == INVALID_HANDLE_VALUE)
             throwLastError(errors::PathNotFound);
-        CloseHandle(made);
+        m_file.reset(made);
     }
     ~FileBeside()
     {
-        m_held.reset();
+        m_file.reset();
         if (!m_kept)
             DeleteFileW(wide(nativePath(m_path)));
     }
     FileBeside(const FileBeside&) = delete;
     FileBeside& operator=(const FileBeside&) = delete;
 
-    const QString& path() const { return m_path; }
-    /// Lets what was written into it outlive a power failure, and shows everybody that it is in use.
-    void hold()
-    {
-        // What is read-only would make a copy that cannot be replaced.
-        SetFileAttributesW(wide(nativePath(m_path)), FILE_ATTRIBUTE_NORMAL);
-        m_held = openExisting(m_path, GENERIC_WRITE, 0);
-        if (!m_held || FlushFileBuffers(m_held.get()) == 0)
-            throwLastError(errors::PathNotFound);
-    }
+    HANDLE file() const { return m_file.get(); }
     /// Gives the file its name, in place of a file that has it.
     void keepAs(const QString& path)
     {
         if (!rename(m_path, path))
             throwLastError(errors::PathNotFound);
         m_kept = true;
-        m_held.reset();
+        m_file.reset();
     }
     static bool rename(const QString& from, const QString& to)
     {
@@ -82,7 +75,7 @@ public:
 
 private:
     QString m_path;
-    Handle m_held;
+    Handle m_file;
     bool m_kept = false;
 };
 
@@ -169,7 +162,7 @@ public:
     CopyBeside(const CopyBeside&) = delete;
     CopyBeside& operator=(const CopyBeside&) = delete;
 
-    FileBeside& beside() { return m_beside; }
+    HANDLE file() const { return m_beside.file(); }
     void place(const QString& mark) override
     {
         const DWORD present = GetFileAttributesW(wide(nativePath(m_path)));
@@ -220,26 +213,26 @@ private:
     std::unique_ptr<Former> m_former; // what bore the name before
 };
 
-/// Who is told, and what he threw: no exception can pass through the system's function.
-struct Listener {
-    const Files::Progress& progress;
-    std::exception_ptr thrown;
-    bool ended = false;
-};
-
-DWORD CALLBACK tellProgress(LARGE_INTEGER total, LARGE_INTEGER done, LARGE_INTEGER, LARGE_INTEGER, DWORD,
-                            DWORD reason, HANDLE, HANDLE, void* data)
+/// False when `progress` has ended it.
+bool copyBytes(HANDLE from, HANDLE to, qint64 total, const Files::Progress& progress)
 {
-    if (reason == CALLBACK_STREAM_SWITCH)
-        return PROGRESS_CONTINUE; // nothing is done yet
-    auto& listener = *static_cast<Listener*>(data);
-    try {
-        listener.ended = !listener.progress(done.QuadPart, total.QuadPart);
-    } catch (...) {
-        listener.thrown = std::current_exception();
-        return PROGRESS_CANCEL;
+    std::vector<char> buffer(std::size_t{1} << 20);
+    qint64 done = 0;
+    for (;;) {
+        DWORD count = 0;
+        if (ReadFile(from, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr) == 0)
+            throwLastError(errors::FileNotFound);
+        if (count == 0)
+            return true;
+        DWORD written = 0;
+        if (WriteFile(to, buffer.data(), count, &written, nullptr) == 0)
+            throwLastError(errors::PathNotFound);
+        if (written < count)
+            throw Error(errors::DiskFull);
+        done += count;
+        if (progress && !progress(done, total))
+            return false;
     }
-    return listener.ended ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
 }
 
 /// Removes what copying left when it came to an abrupt end.
@@ -261,25 +254,25 @@ void removeHalfCopies(const QString& folder)
 std::unique_ptr<StagedCopy> stageCopy(const QString& source, const QString& folder, const QString& name,
                                       const Files::Progress& progress)
 {
-    const QString from = nativePath(source);
-    if (GetFileAttributesW(wide(from)) == INVALID_FILE_ATTRIBUTES)
+    if (GetFileAttributesW(wide(nativePath(source))) == INVALID_FILE_ATTRIBUTES)
         throwLastError(errors::FileNotFound);
-    if (!isOrdinaryFile(source))
+    if (!isOrdinaryFile(source) || !fitsAsName(folder, name))
         throw Error(errors::PathFileAccess);
-    if (!fitsAsName(folder, name))
-        throw Error(errors::PathFileAccess);
+    // The system's own copying would bring along what makes a copy that cannot be replaced, such as "read-only".
+    const Handle from = openExisting(source, GENERIC_READ, 0);
+    LARGE_INTEGER size = {};
+    if (!from || GetFileSizeEx(from.get(), &size) == 0)
+        throwLastError(errors::FileNotFound);
     auto copy = std::make_unique<CopyBeside>(QDir::toNativeSeparators(folder), name);
-    Listener listener{.progress = progress, .thrown = nullptr, .ended = false};
-    BOOL cancelled = FALSE;
-    if (CopyFileExW(wide(from), wide(nativePath(copy->beside().path())), progress ? tellProgress : nullptr,
-                    &listener, &cancelled, 0) == 0) {
-        if (listener.thrown)
-            std::rethrow_exception(listener.thrown);
-        if (listener.ended)
-            return nullptr;
-        throwLastError(errors::FileNotFound);
-    }
-    copy->beside().hold();
+    if (!copyBytes(from.get(), copy->file(), size.QuadPart, progress))
+        return nullptr;
+    // It is as old as the file.
+    FILETIME read = {};
+    FILETIME written = {};
+    if (GetFileTime(from.get(), nullptr, &read, &written) != 0)
+        SetFileTime(copy->file(), nullptr, &read, &written);
+    if (FlushFileBuffers(copy->file()) == 0)
+        throwLastError(errors::PathNotFound);
     return copy;
 }
 
