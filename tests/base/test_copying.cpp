@@ -176,12 +176,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("Japanese") << u"水の資料（表示）.pdf"_s;
-        QTest::newRow("blanks") << u" 水 の 資料 "_s;
-        QTest::newRow("quotes") << u"'水' \"氷\" `ls`.txt"_s;
+        QTest::newRow("blanks") << u" 水 の 資料"_s;
+        QTest::newRow("quotes") << u"'水' `ls`.txt"_s;
         QTest::newRow("leading dot") << u".profile"_s;
         QTest::newRow("leading dash") << u"-rf"_s;
-        QTest::newRow("three dots") << u"..."_s;
 #ifndef Q_OS_WIN
+        QTest::newRow("three dots") << u"..."_s;
+        QTest::newRow("a blank at the end") << u"水の資料 "_s;
+        QTest::newRow("double quotes") << u"\"氷\".txt"_s;
         QTest::newRow("what separates names elsewhere") << u"a\\b"_s;
         QTest::newRow("a drive elsewhere") << u"C:a"_s;
 #endif
@@ -200,7 +202,11 @@ private Q_SLOTS:
     void nameThatIsMoreThanANameIsRefused_data()
     {
         QTest::addColumn<QString>("name");
-        for (const QString& name : {u""_s, u"."_s, u".."_s, u"../a"_s, u"a/b"_s, u"/a"_s, u"a/"_s, u"a\0b"_s})
+        QStringList names = {u""_s, u"."_s, u".."_s, u"../a"_s, u"a/b"_s, u"/a"_s, u"a/"_s, u"a\0b"_s};
+#ifdef Q_OS_WIN
+        names << u"a\\b"_s << u"C:a"_s << u"a:b"_s << u"..."_s << u"a "_s << u"a?"_s << u"\"a\""_s;
+#endif
+        for (const QString& name : names)
             QTest::addRow("<%s>", qPrintable(name)) << name;
     }
 
@@ -268,7 +274,9 @@ private Q_SLOTS:
     void nameThatIsTooLongLeavesNothing()
     {
         QCOMPARE(errorOf([&] { copy(source(), QString(256, u'x')); }), errors::PathFileAccess);
+#ifndef Q_OS_WIN // where not its bytes are counted
         QCOMPARE(errorOf([&] { copy(source(), QString(86, u'水')); }), errors::PathFileAccess);
+#endif
         QCOMPARE(entries(), QStringList());
     }
 
@@ -333,7 +341,10 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(date, QFileDevice::FileModificationTime));
         file.close();
         copy(source(), u"a"_s);
-        QCOMPARE(QFileInfo(inFolder(u"a"_s)).lastModified(), date);
+        // Not every system tells the hour of the last century right.
+        const QDateTime old = QFileInfo(source()).lastModified();
+        QVERIFY(qAbs(old.daysTo(date)) <= 1);
+        QCOMPARE(QFileInfo(inFolder(u"a"_s)).lastModified(), old);
     }
 
 #ifdef Q_OS_LINUX

@@ -60,7 +60,8 @@ private Q_SLOTS:
 
     void storedFileIsNamedInFull()
     {
-        QCOMPARE(files.storedFile(folder->path(), u"file"_s), std::optional(path(u"file"_s)));
+        QCOMPARE(files.storedFile(folder->path(), u"file"_s),
+                 std::optional<QString>(folder->path() + QDir::separator() + u"file"_s));
         QCOMPARE(files.storedFile(folder->path(), u"folder"_s), std::nullopt);
         QCOMPARE(files.storedFile(folder->path(), u"missing"_s), std::nullopt);
         QCOMPARE(files.storedFile(path(u"missing"_s), u"file"_s), std::nullopt);

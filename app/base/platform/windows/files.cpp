@@ -40,11 +40,11 @@ bool isOrdinaryFile(const QString& path)
 
 bool isBareName(const QString& name)
 {
-    // A colon leads to a drive or to another stream of the file.
-    const auto leadsAway = [](QChar character) {
-        return character == u'/' || character == u'\\' || character == u':' || character.isNull();
-    };
-    return !name.isEmpty() && name != u"." && name != u".." &&
+    // A colon leads to a drive or to another stream of the file; a pattern has no file; and a blank or a dot at the end
+    // is passed over, so that the name would be that of another file.
+    constexpr QStringView Forbidden = u"/\\:*?\"<>|";
+    const auto leadsAway = [&](QChar character) { return character < u' ' || Forbidden.contains(character); };
+    return !name.isEmpty() && !name.endsWith(u'.') && !name.endsWith(u' ') &&
            std::none_of(name.begin(), name.end(), leadsAway);
 }
 
