@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/platform/background.h"
 #include "app/base/platform/files.h"
+#include "store/kept/background_work.h"
 #include "store/kept/file_contents.h"
 #include "store/kept/history_format.h"
 #include "store/kept/retention.h"
@@ -208,7 +209,9 @@ public:
         if (!m_order.onlyLooks)
             diskWork.emplace(beside);
         backup.setGoesOn(m_order.goesOn);
-        if (!inspect(backup))
+        bool isWhole = false;
+        inBackground([&] { isWhole = inspect(backup); }); // nobody waits for this
+        if (!isWhole)
             return CopyOutcome::Stopped;
         if (!diskWork)
             return CopyOutcome::Looked;

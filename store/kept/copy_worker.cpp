@@ -1,7 +1,7 @@
 #include "store/kept/copy_worker.h"
 
 #include "app/base/error.h"
-#include "app/base/platform/background.h"
+#include "store/kept/background_work.h"
 #include "store/kept/pruning.h"
 
 #include <QDateTime>
@@ -73,7 +73,7 @@ bool CopyWorker::waitFor(std::chrono::milliseconds time)
 
 void CopyWorker::run()
 {
-    platform::workInBackground();
+    // Not of low priority as a whole: while a step holds its lock, it must get its turn, or whoever writes waits for that.
     if (m_times)
         copyWhenDue();
     else
@@ -87,7 +87,7 @@ void CopyWorker::copyWhenDue()
 {
     bool isClosed = waitFor(m_times->afterOpening);
     try {
-        prune(m_place, QDateTime::currentMSecsSinceEpoch());
+        inBackground([this] { prune(m_place, QDateTime::currentMSecsSinceEpoch()); });
     } catch (const std::exception&) {
         // Without memory nothing can be removed; the next opening tries again.
     }

@@ -17,6 +17,12 @@
 #include <functional>
 #include <memory>
 
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -100,6 +106,24 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(RecordSet::openTable(database, schema::Main())),
                  TestWorld::rowsOf(session().RsMain));
     }
+
+#ifdef Q_OS_LINUX
+    void aStepGetsItsTurnLikeWhoeverWaitsForItAndTheCheckDoesNot()
+    {
+        const auto priority = [] {
+            return getpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)));
+        };
+        QList<int> priorities; // in the order of the work
+        QCOMPARE(make([&] {
+                     priorities << priority();
+                     return true;
+                 }),
+                 CopyOutcome::Made);
+        QCOMPARE(priorities.first(), priority());
+        constexpr int Least = 19;
+        QVERIFY(priorities.contains(Least));
+    }
+#endif
 
     void whileNothingChangesNoFurtherCopyIsMade()
     {
