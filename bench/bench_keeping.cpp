@@ -27,9 +27,16 @@
 #include <QHeaderView>
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstddef>
+#include <cstdio>
+#include <exception>
+#include <limits>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -164,6 +171,106 @@ void keptCopy(benchmark::State& state)
                  }});
 }
 BENCHMARK(keptCopy)->UseManualTime()->Iterations(3);
+
+/// Makes one copy of a database after the other, as the program does in the background, until it is told to end.
+class Copying
+{
+public:
+    explicit Copying(const QString& database)
+        : m_folder(QFileInfo(database).path() + u"/kept-XXXXXX"_s),
+          m_order{.place = {m_folder.filePath(u"kept"_s), database},
+                  .fileFolder = {},
+                  .now = [] { return QDateTime::currentDateTime(); },
+                  .goesOn = [this] { return !m_ends; },
+                  // Every write lets it begin anew; here they never end.
+                  .mostBeginnings = std::numeric_limits<int>::max(),
+                  .pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); },
+                  .inspection = kept::Inspection::Quick},
+          m_thread([this] { work(); })
+    {
+    }
+    ~Copying() { end(); }
+    Copying(const Copying&) = delete;
+    Copying& operator=(const Copying&) = delete;
+
+    /// Throws when a copy has failed.
+    void finish()
+    {
+        end();
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+    }
+
+private:
+    void work()
+    {
+        try {
+            while (!m_ends)
+                kept::makeCopy(m_order);
+        } catch (...) {
+            m_failure = std::current_exception();
+        }
+    }
+    void end()
+    {
+        m_ends = true;
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    QTemporaryDir m_folder;
+    std::atomic<bool> m_ends = false;
+    std::exception_ptr m_failure;
+    kept::CopyOrder m_order;
+    std::thread m_thread;
+};
+
+/// The seconds that each of many writes of one item takes, with a moment after each as between two of a person's.
+std::vector<double> secondsOfWrites(Database& database)
+{
+    constexpr int Writes = 500;
+    std::vector<double> seconds;
+    for (int i = 0; i < Writes; ++i) {
+        const QString update =
+            u"UPDATE Main SET Explanation = '%1' WHERE rowid = %2"_s.arg(i).arg(1 + i * 37);
+        seconds.push_back(secondsFor([&] { database.connection().execute(update); }));
+        // As long as the copy takes for some of its steps: a write meets it in one of them, or between two.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1 + i % 23));
+    }
+    return seconds;
+}
+
+/// What a person notices of a copy is the longest time for which it kept a write waiting.
+void writingWhileCopying(benchmark::State& state)
+{
+    constexpr double Promised = 0.05;
+    reportFailures(state, [&] {
+        const auto database = Database::open(workingCopies().programs);
+        std::vector<double> alone;
+        std::vector<double> beside;
+        for ([[maybe_unused]] auto round : state) {
+            const auto before = secondsOfWrites(*database);
+            alone.insert(alone.end(), before.begin(), before.end());
+            Copying copying(workingCopies().programs);
+            const auto meanwhile = secondsOfWrites(*database);
+            copying.finish();
+            beside.insert(beside.end(), meanwhile.begin(), meanwhile.end());
+            state.SetIterationTime(*std::max_element(meanwhile.begin(), meanwhile.end()));
+        }
+        const auto longest = [](const std::vector<double>& times) {
+            return *std::max_element(times.begin(), times.end());
+        };
+        std::printf(
+            "%zu writes of an item: alone %.1f ms in the middle, %.1f ms at most; during a copy %.1f and %.1f ms\n",
+            beside.size(), median(alone) * 1e3, longest(alone) * 1e3, median(beside) * 1e3,
+            longest(beside) * 1e3);
+        reportTimes(
+            state,
+            {"The longest of 1,500 writes of an item during a kept copy", "the wait that is promised", 1},
+            longest(beside), Promised);
+    });
+}
+BENCHMARK(writingWhileCopying)->UseManualTime()->Iterations(3);
 
 constexpr int Lost = 1'000'000;
 
