@@ -144,7 +144,8 @@ FileRegistration RegisterFile(Session& session, const FileEntry& entry, const Fi
     const QString folder = session.inCurrentFolder(titles::FileFolder);
     if (!session.files.folderExists(folder))
         return FileRegistration::NoFolderForFiles;
-    const QString name = platform::readableName(ExtractString(session.reporting, *path, QDir::separator()));
+    const QString name = platform::readableName(
+        ExtractString(session.reporting, QDir::toNativeSeparators(*path), QDir::separator()));
     checkRow(session, entry, name);
     settle(session, folder);
     if (progress && !progress(0, 0))

@@ -62,7 +62,8 @@ Opening openDatabase(Session& session, const QString& path)
     Opening outcome = Opening::Failed;
     guarded(session.reporting, Location, [&] {
         MainWindowPort& window = session.mainWindow();
-        const QString name = ExtractString(session.reporting, path, QDir::separator());
+        const QString name =
+            ExtractString(session.reporting, QDir::toNativeSeparators(path), QDir::separator());
         const auto shown = window.clearDataList();
         window.setStatus(1, u"データベース : "_s + name + u" を展開中です。"_s);
         const OpenedFile file =

@@ -341,7 +341,7 @@ private:
         QVERIFY(process.waitForStarted());
         while (!process.canReadLine())
             QVERIFY(process.waitForReadyRead(60000));
-        QCOMPARE(process.readLine(), QByteArray("ready\n"));
+        QCOMPARE(process.readLine().trimmed(), QByteArray("ready"));
     }
 
     static void finish(QProcess& process)
