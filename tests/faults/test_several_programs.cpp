@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <set>
 
@@ -62,10 +63,20 @@ private:
         for (int i = 0; i < count; ++i) {
             const QString text = u"%1 の %2"_s.arg(program).arg(i);
             const DataKind& kind = *kindOf(i % 2 == 0 ? u"M"_s : u"R"_s);
-            const QString shown = CreateObject_ID(world.session, QString(kind.letter));
-            Outcome outcome = Outcome::Refused;
-            while (outcome == Outcome::Refused)
-                outcome = world.perform([&] {
+            // Whatever another program kept the file from for too long is tried again, as a person would.
+            const auto performAtLast = [&](const std::function<bool()>& operation) {
+                Outcome outcome = Outcome::Refused;
+                while (outcome == Outcome::Refused)
+                    outcome = world.perform(operation);
+                return outcome;
+            };
+            QString shown;
+            Outcome outcome = performAtLast([&] {
+                shown = CreateObject_ID(world.session, QString(kind.letter));
+                return !shown.isEmpty();
+            });
+            if (outcome == Outcome::Done)
+                outcome = performAtLast([&] {
                     return RegisterDatum(world.session, kind, shown, {.name = text, .content = text}, {})
                         .has_value();
                 });
