@@ -55,7 +55,11 @@ private:
     static void registerMany(const QString& folder, int program, int count, const Child::Tell& tell)
     {
         FaultWorld world(folder);
-        if (world.open(u"QUILLON.mdb"_s) != Outcome::Done) {
+        Outcome opened = world.open(u"QUILLON.mdb"_s);
+        while (opened == Outcome::Refused)
+            opened = world.open(u"QUILLON.mdb"_s);
+        if (opened != Outcome::Done) {
+            std::fprintf(stderr, "%s\n", qPrintable(world.told().join(u'\n')));
             tell(CannotOpen);
             return;
         }
