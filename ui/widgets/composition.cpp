@@ -1,5 +1,6 @@
 #include "ui/widgets/composition.h"
 
+#include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -40,7 +41,8 @@ void Composition::confirm()
     if (m_field.isNull())
         return;
     QInputMethod& method = *QGuiApplication::inputMethod();
-    if (QGuiApplication::focusObject() == m_field)
+    const bool searches = qobject_cast<QAbstractItemView*>(m_field) != nullptr;
+    if (!searches && QGuiApplication::focusObject() == m_field)
         method.commit(); // it answers with an event, by which the composition ends here as well
     if (m_field.isNull())
         return;
@@ -51,7 +53,8 @@ void Composition::confirm()
     if (field.isNull())
         return;
     QInputMethodEvent confirmed;
-    confirmed.setCommitString(text);
+    if (!searches)
+        confirmed.setCommitString(text);
     QCoreApplication::sendEvent(field, &confirmed);
     m_field = nullptr;
 }

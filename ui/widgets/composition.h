@@ -12,6 +12,8 @@ namespace quillon
 
 /// What an input method shows in a field and has not confirmed yet. The person believes to have typed it: before anything
 /// acts on what stands in the fields, or the field loses the keyboard, it is confirmed as it is shown.
+/// In a list or tree it is a row that is searched with it. There it is dropped: a command is meant for the row that is
+/// selected, not for one that would be.
 class Composition
 {
 public:

@@ -1,5 +1,6 @@
 #include "ui/widgets/keyed_tree.h"
 
+#include "ui/widgets/composition_field.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
 #include "ui/widgets/text_drops.h"
@@ -49,7 +50,8 @@ private:
 
 } // namespace
 
-KeyedTree::KeyedTree(QWidget* parent) : QTreeView(parent), m_model(new KeyedTreeModel(this))
+KeyedTree::KeyedTree(QWidget* parent)
+    : QTreeView(parent), m_model(new KeyedTreeModel(this)), m_composition(new CompositionField(*this))
 {
     setModel(m_model);
     setItemDelegate(new NodeDelegate(this));
@@ -225,6 +227,12 @@ void KeyedTree::keyReleaseEvent(QKeyEvent* event)
         Q_EMIT keyReleased(event->key(), event->modifiers());
     if (!event->isAutoRepeat() && !m_buttonIsDown)
         tellChoice();
+}
+
+void KeyedTree::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (!m_composition->takes(*event))
+        QTreeView::inputMethodEvent(event);
 }
 
 void KeyedTree::focusInEvent(QFocusEvent* event)

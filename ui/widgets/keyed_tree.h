@@ -10,6 +10,8 @@
 namespace quillon
 {
 
+class CompositionField;
+
 /// A tree view over keyed nodes. What the person selects is told apart from a change of the selection by the program.
 /// The selected node is never hidden: a branch that is closed over it is selected in its place. When the selected
 /// node is removed, no other one is selected for it.
@@ -54,6 +56,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -79,6 +82,7 @@ private:
     void endHovering();
 
     KeyedTreeModel* m_model;
+    CompositionField* m_composition;
     PressedKeys m_pressedKeys;
     QPersistentModelIndex m_pressedNode;
     bool m_buttonIsDown = false;

@@ -1,5 +1,6 @@
 #include "ui/widgets/report_list.h"
 
+#include "ui/widgets/composition_field.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
@@ -52,7 +53,8 @@ int rowsIn(const QItemSelection& selection)
 } // namespace
 
 ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Column>& columns, QWidget* parent)
-    : QTableView(parent), m_reporting(reporting), m_model(new ReportModel(columns, this))
+    : QTableView(parent), m_reporting(reporting), m_model(new ReportModel(columns, this)),
+      m_composition(new CompositionField(*this))
 {
     setModel(m_model);
     delete selectionModel();
@@ -295,6 +297,12 @@ void ReportList::keyReleaseEvent(QKeyEvent* event)
     QTableView::keyReleaseEvent(event);
     if (pressedHere)
         Q_EMIT keyReleased(event->key(), event->modifiers());
+}
+
+void ReportList::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (!m_composition->takes(*event))
+        QTableView::inputMethodEvent(event);
 }
 
 void ReportList::focusInEvent(QFocusEvent* event)

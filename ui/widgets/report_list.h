@@ -12,6 +12,8 @@
 namespace quillon
 {
 
+class CompositionField;
+
 struct Reporting;
 
 /// A report-style list: whole rows, uniform heights, column headers that sort.
@@ -70,6 +72,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -98,6 +101,7 @@ private:
 
     Reporting& m_reporting;
     ReportModel* m_model;
+    CompositionField* m_composition;
     PressedKeys m_pressedKeys;
     std::vector<int> m_characters;
     std::vector<int> m_leastWidths;  // by column, of its characters
