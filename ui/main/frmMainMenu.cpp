@@ -63,6 +63,7 @@ frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
     setWindowTitle(u"Quillon メイン画面"_s);
     buildControls();
     buildMenus();
+    connectKeys();
     connectTree();
     connectList();
     m_progress = std::make_unique<FillProgress>(*pgbMain, session.clock);

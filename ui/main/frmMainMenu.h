@@ -37,7 +37,7 @@ class StatusPanels;
 
 /// The main window: the category tree on the left, the data list on the right, a splitter between them, the status
 /// bar and the menus. The members of one subject stand in one file: frmMainMenu_layout, _menus,
-/// _tree, _list, _categories, _data, _console, _old_files.
+/// _tree, _list, _filing, _categories, _data, _keys, _console, _old_files.
 class frmMainMenu : public FormWindow, public MainWindowPort
 {
     Q_OBJECT
@@ -109,6 +109,8 @@ public:
     void tvwCategory_MouseDown(const QPoint& position);
     void tvwCategory_MouseMove();
     void tvwCategory_OLEDragDrop(const QString& text);
+    /// Files the rows that were copied or cut in the selected category.
+    void tvwCategory_Paste();
     void lsvData_KeyDown(int key, Qt::KeyboardModifiers shift);
     void lsvData_MouseDown(const QPoint& position);
     void lsvData_MouseMove();
@@ -136,6 +138,10 @@ private:
     /// Places the handle at a position in twips.
     void placeSplitter(double left, int top, int height);
     void splitterEvent(QEvent& event);
+    /// The keys of the frame: F6 goes to the other pane, Ctrl with Left or Right moves the splitter.
+    void connectKeys();
+    void goToOtherPane();
+    void moveSplitterBy(double twips);
     void connectTree();
     void connectList();
 
@@ -149,9 +155,11 @@ private:
     bool treeHasNodes() const { return nodeCount() > 0; }
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error, const QString& handler);
-    /// Files data in a category; of `rows`, which list them, those whose data are gone leave the list.
-    void classify(const std::vector<ListedDatum>& listed, const std::vector<int>& rows,
-                  const CategoryRow& category);
+    /// Asks whether data are to be filed in the category at a position of the tree, and does it; told when none stands
+    /// there. `data`: asked for them when one does; none for nothing to be done.
+    void fileIn(int node, const std::function<std::vector<ListedDatum>()>& data);
+    /// Files data in a category; those that are gone leave the list.
+    void classify(const std::vector<ListedDatum>& listed, const CategoryRow& category);
     /// What these rows of the data list show.
     std::vector<ListedDatum> dataIn(const std::vector<int>& rows) const;
     /// Asks for a name until `store` has taken it or none is typed, which is answered with `nameMissing`. A failure of

@@ -23,8 +23,9 @@ inline constexpr double SplitterHeight = 60000; // reaches beyond the window; th
 inline constexpr double SplitterLeftLess = 120;
 inline constexpr double SplitterTop = 200; // sic: the panes begin at 50
 inline constexpr double SplitterBarHeightLess = 20;
-inline constexpr double DragLimit = 500;  // of the bar while dragging
-inline constexpr double PaneLimit = 1500; // sic: of the panes afterwards
+inline constexpr double DragLimit = 500;    // of the bar while dragging
+inline constexpr double PaneLimit = 1500;   // sic: of the panes afterwards
+inline constexpr double SplitterStep = 300; // of one key press
 inline constexpr double ListLeftBeyondTree = 100;
 inline constexpr double ListWidthLessTree = 250;
 

@@ -185,6 +185,12 @@ void KeyedTree::keyPressEvent(QKeyEvent* event)
     m_pressedKeys.press(*event);
     if (!event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
+    if (event->matches(QKeySequence::Paste)) {
+        event->accept();
+        if (!event->isAutoRepeat())
+            Q_EMIT pasteRequested();
+        return;
+    }
     if (typesControlCharacter(*event)) {
         event->ignore();
         return;

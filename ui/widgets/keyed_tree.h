@@ -47,6 +47,8 @@ Q_SIGNALS:
     /// The right mouse button was pressed, or the keyboard's menu key; `position` is global.
     void menuRequested(const QPoint& position);
     void mouseMoved();
+    /// The key for pasting was pressed.
+    void pasteRequested();
     /// Text was dropped on the node that is highlighted, and the drag has ended; the receiver ends the highlight.
     void textDropped(const QString& text);
 

@@ -1,6 +1,7 @@
 #include "ui/widgets/report_list.h"
 
 #include "ui/widgets/composition_field.h"
+#include "ui/widgets/copied_rows.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
@@ -249,6 +250,13 @@ void ReportList::keyPressEvent(QKeyEvent* event)
     }
     if (!typesText(*event) && !event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
+    if (m_model->dragColumn() >= 0 &&
+        (event->matches(QKeySequence::Copy) || event->matches(QKeySequence::Cut))) {
+        event->accept();
+        if (!event->isAutoRepeat())
+            copySelection();
+        return;
+    }
     if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
         horizontalScrollBar()->triggerAction(event->key() == Qt::Key_Left
                                                  ? QAbstractSlider::SliderSingleStepSub
@@ -267,6 +275,17 @@ void ReportList::keyPressEvent(QKeyEvent* event)
         return;
     }
     QTableView::keyPressEvent(event);
+}
+
+void ReportList::copySelection()
+{
+    handleEvent(m_reporting, objectName() + u"_KeyDown"_s, [this] {
+        const std::vector<int> rows = selectedRows();
+        if (rows.empty())
+            return;
+        const WaitCursor cursor;
+        copyRows(*m_model, rows, m_model->dragColumn());
+    });
 }
 
 bool ReportList::selectsCurrentRow(const QKeyEvent& event)

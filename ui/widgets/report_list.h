@@ -91,6 +91,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void copySelection();
     bool selectsCurrentRow(const QKeyEvent& event);
     void adaptToFont();
     void shareRoom();

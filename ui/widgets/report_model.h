@@ -48,6 +48,7 @@ public:
     QStringView text(int row, int column) const;
     /// The column whose text is dragged as plain text (of the first dragged row); -1: rows cannot be dragged.
     void setDragColumn(int column) { m_dragColumn = column; }
+    int dragColumn() const { return m_dragColumn; }
 
     /// Removes all rows; sorting ends with them.
     void clear();
