@@ -10,6 +10,8 @@
 #include "ui/data/frmRefFileEntry.h"
 
 #include <QFile>
+#include <QLabel>
+#include <QPlainTextEdit>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -302,6 +304,21 @@ private Q_SLOTS:
         QCOMPARE(found(u"水"_s), QStringList());
         QCOMPARE(found(u"固体"_s), QStringList({u"湯"_s, u"氷"_s})); // still in the order of the table
         QCOMPARE(found(u"気体"_s), QStringList({u"本"_s}));
+    }
+
+    void openedResultShowsWhereTheTextStands()
+    {
+        world->addDocument(u"随筆"_s, u"R-991231-009"_s, u"山と川と、ヤマ"_s);
+        world->search(u"やま"_s, u"R"_s);
+        world->resultList().setCurrentIndex(world->resultList().rows().index(0, 0));
+        WindowWorld::control<QPushButton>(*world->results(), u"cmdOK"_s)->click();
+        WindowWorld::processEvents();
+        auto* document = world->window<FormWindow>(u"frmRefDoc"_s);
+        QVERIFY(document != nullptr);
+        QCOMPARE(WindowWorld::control<QLineEdit>(*document, u"txtFindInText"_s)->text(), u"やま"_s);
+        auto* content = WindowWorld::control<QPlainTextEdit>(*document, u"txtFields(2)"_s);
+        QCOMPARE(content->textCursor().selectedText(), u"ヤマ"_s);
+        QVERIFY(WindowWorld::control<QLabel>(*document, u"lblFindCount"_s)->isVisible());
     }
 
     void deletedDataAreNotFound()

@@ -1,5 +1,6 @@
 #include "ui/auxiliary/frmDataSelect.h"
 
+#include "app/base/ports/data_window.h"
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/data_records.h"
@@ -143,9 +144,20 @@ void frmDataSelect::cmdOK_Click()
         return;
     const QString identifier = lsvData->rows().text(row, IdentifierColumn).toString();
     if (!session().LinkSourceMode)
-        ShowData(session(), identifier);
+        showFound(identifier);
     else if (LinkData(session(), identifier, session().LinkSourceID, 1))
         unload();
+}
+
+void frmDataSelect::showFound(const QString& identifier)
+{
+    ShowData(session(), identifier);
+    const auto loaded = session().windows.loaded();
+    for (LoadedWindow* window : loaded) {
+        DataWindow* const data = window->asDataWindow();
+        if (data != nullptr && data->row().number != 0 && data->fieldText(1) == identifier)
+            data->showPlaceOf(session().SearchedText);
+    }
 }
 
 void frmDataSelect::mnuDelete_Click()

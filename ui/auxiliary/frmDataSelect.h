@@ -31,6 +31,8 @@ private:
     /// The selected row; -1, after telling the person so, when none is selected.
     int rowToActOn();
     void cmdOK_Click();
+    /// Shows a datum, and in its window where the text stands that was searched.
+    void showFound(const QString& identifier);
     void mnuDelete_Click();
     void cmdCancel_Click();
     void lsvData_KeyUp(int key);

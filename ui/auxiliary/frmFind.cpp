@@ -96,6 +96,7 @@ void frmFind::cmdFind_Click()
         refuse(u"検索する文字列が入力されていません。"_s);
         return;
     }
+    session().SearchedText = text;
     const WaitCursor cursor;
     using Choice = std::pair<const QCheckBox*, const DataKind&>;
     const std::array choices = {Choice(chkMain, data_kinds::definition()),

@@ -7,6 +7,7 @@
 #include "core/data_records.h"
 #include "store/data_kinds.h"
 #include "store/session.h"
+#include "ui/data/find_bar.h"
 #include "ui/data/window_switch.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/persons_input.h"
@@ -16,6 +17,7 @@
 
 #include <QAction>
 #include <QKeyEvent>
+#include <QShortcut>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -36,6 +38,7 @@ DataForm::DataForm(Session& session, WindowRegistry& registry, const Design& des
     setStatusBar(sbStatus);
     arrange();
     connectLists();
+    connectFindBar();
 }
 
 DataForm::~DataForm()
@@ -107,6 +110,22 @@ void DataForm::setCategoryRows(const std::vector<CategoryRow>& rows)
 std::vector<CategoryRow> DataForm::categoryRows() const
 {
     return m_categories.shown(*lsvCategory);
+}
+
+void DataForm::connectFindBar()
+{
+    const auto onKey = [this](QKeySequence::StandardKey key, auto act) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this,
+                eventSlot(session().reporting, u"Form_KeyDown"_s, act));
+    };
+    onKey(QKeySequence::Find, [this] { m_findBar->open(); });
+    onKey(QKeySequence::FindNext, [this] { m_findBar->goOn(false); });
+    onKey(QKeySequence::FindPrevious, [this] { m_findBar->goOn(true); });
+}
+
+void DataForm::showPlaceOf(const QString& text)
+{
+    m_findBar->showFirst(text);
 }
 
 bool DataForm::showsDatum() const

@@ -20,6 +20,7 @@ namespace quillon
 {
 
 struct DataKind;
+class FindBar;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -44,6 +45,7 @@ public:
     std::vector<CategoryRow> categoryRows() const override;
     void setRow(const DatumRow& row) override;
     DatumRow row() const override { return m_row; }
+    void showPlaceOf(const QString& text) override;
 
     /// Panel 1 of the status bar, the only record of the window's mode.
     QString modeText() const;
@@ -143,6 +145,8 @@ private:
     void mnuCategoryDelete_Click();
     void lsvLink_OLEDragDrop(const QString& text);
     void connectLists();
+    /// Ctrl+F opens the bar for searching in the content, F3 and Shift+F3 go on and back.
+    void connectFindBar();
     /// A menu of the window as the context menu of a list; only in display mode.
     void popUp(const QString& menuName, const QPoint& position);
     /// True when the key has been dealt with and must not reach the field.
@@ -157,6 +161,7 @@ private:
     CategoryRows m_categories;
     std::array<TextField*, 3> m_txtFields = {nullptr, nullptr, nullptr};
     QHBoxLayout* m_contentLabelRow = nullptr;
+    FindBar* m_findBar = nullptr;
 };
 
 } // namespace quillon

@@ -1,6 +1,7 @@
 #include "store/session.h"
 #include "ui/data/data_form.h"
 
+#include "ui/data/find_bar.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
@@ -72,6 +73,8 @@ void DataForm::arrange()
     m_contentLabelRow->addStretch(1);
     rows->addLayout(m_contentLabelRow);
     rows->addWidget(content, 3);
+    m_findBar = new FindBar(dynamic_cast<QPlainTextEdit&>(*content), middle);
+    rows->addWidget(m_findBar);
 
     auto* lists = new QHBoxLayout;
     const auto addList = [&](const QString& labelName, ReportList* list) {
@@ -87,7 +90,12 @@ void DataForm::arrange()
     setCentralWidget(middle);
     setTabOrder(name, identifier);
     setTabOrder(identifier, content);
-    setTabOrder(content, lsvLink);
+    QWidget* before = content;
+    for (QWidget* control : m_findBar->controls()) {
+        setTabOrder(before, control);
+        before = control;
+    }
+    setTabOrder(before, lsvLink);
     setTabOrder(lsvLink, lsvCategory);
     name->setFocus();
     // Large fonts ask for more than the usual size.

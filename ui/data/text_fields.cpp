@@ -8,6 +8,7 @@
 #include <QStyle>
 #include <QTextBlock>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -192,6 +193,25 @@ QSize TextArea::sizeOf(int characters, int lines) const
     return {characters * metrics.horizontalAdvance(u"国"_s) + margin +
                 style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this),
             lines * metrics.lineSpacing() + margin};
+}
+
+void TextArea::wheelEvent(QWheelEvent* event)
+{
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        QPlainTextEdit::wheelEvent(event);
+        return;
+    }
+    event->accept();
+    constexpr int Notch = 120;
+    constexpr double Smallest = 6; // points
+    constexpr double Largest = 72;
+    m_turned += event->angleDelta().y();
+    const int notches = m_turned / Notch;
+    m_turned -= notches * Notch;
+    QFont larger = font();
+    const double points = larger.pointSizeF() > 0 ? larger.pointSizeF() : QFontInfo(larger).pointSizeF();
+    larger.setPointSizeF(std::clamp(points + notches, Smallest, Largest));
+    setFont(larger);
 }
 
 void TextArea::keyPressEvent(QKeyEvent* event)

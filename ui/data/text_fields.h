@@ -88,6 +88,8 @@ public:
 protected:
     qsizetype countBytes() const override;
     void keyPressEvent(QKeyEvent* event) override;
+    /// Ctrl and the wheel make the text larger and smaller.
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     QString shown() const;
@@ -113,6 +115,7 @@ private:
         Arrival()}; // the loaded text, and those that replaced it and can be undone
     std::size_t m_current = 0;
     bool m_replacing = false;
+    int m_turned = 0; // of the wheel with Ctrl, less than a notch; in eighths of a degree
     std::shared_ptr<qsizetype> m_bytesOfLines = std::make_shared<qsizetype>(0);
 };
 

@@ -54,6 +54,9 @@ public:
     /// Replaces the rows of the category list.
     virtual void setCategoryRows(const std::vector<CategoryRow>& rows) = 0;
     virtual std::vector<CategoryRow> categoryRows() const = 0;
+    /// Shows where a text that was searched first stands in the content; nothing where it does not, or where the window
+    /// shows no content.
+    virtual void showPlaceOf(const QString& /*text*/) {}
 };
 
 } // namespace quillon

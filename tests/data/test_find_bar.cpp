@@ -1,0 +1,247 @@
+#include "tests/data/twin_fixture.h"
+#include "tests/support/held_key.h"
+#include "ui/data/find_bar.h"
+
+#include <QLabel>
+#include <QWheelEvent>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quillon;
+using namespace quillon::testing;
+
+/// Searching in the content of a definition or document, and the size of its letters.
+class TestFindBar : public TwinFixture
+{
+    Q_OBJECT
+
+private:
+    static FindBar& bar(DataForm& form) { return *form.findChild<FindBar*>(); }
+    static QLineEdit& wanted(DataForm& form) { return *form.findChild<QLineEdit*>(u"txtFindInText"_s); }
+    static QString count(DataForm& form) { return form.findChild<QLabel*>(u"lblFindCount"_s)->text(); }
+    static QString selected(DataForm& form)
+    {
+        return FormWorld::definition(form).textCursor().selectedText();
+    }
+    static int at(DataForm& form) { return FormWorld::definition(form).textCursor().selectionStart(); }
+    DataForm& showActive(const QString& content) const
+    {
+        DataForm& form = show(u"水"_s, content);
+        form.activateWindow();
+        return form;
+    }
+    static void press(DataForm& form, int key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(form.windowHandle(), static_cast<Qt::Key>(key), modifiers);
+        FormWorld::processEvents();
+    }
+    /// Opens the bar by its key and types.
+    void find(DataForm& form, const QString& text) const
+    {
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        press(form, Qt::Key_F, Qt::ControlModifier);
+        wanted(form).setText(text);
+    }
+
+private Q_SLOTS:
+    void init() { makeWorld(); }
+    void cleanup() { endWorld(); }
+
+    void barIsHiddenUntilItIsAskedFor_data() { bothKinds(); }
+
+    void barIsHiddenUntilItIsAskedFor()
+    {
+        DataForm& form = showActive(u"水は水"_s);
+        QVERIFY(bar(form).isHidden());
+        find(form, u"水"_s);
+        QVERIFY(bar(form).isVisible());
+        QVERIFY(wanted(form).hasFocus());
+    }
+
+    void placesAreShownOneAfterTheOther_data() { bothKinds(); }
+
+    void placesAreShownOneAfterTheOther()
+    {
+        DataForm& form = showActive(u"水は水、みず"_s);
+        find(form, u"水"_s);
+        QCOMPARE(count(form), u"1 / 2"_s);
+        QCOMPARE(at(form), 0);
+        QTest::keyClick(&wanted(form), Qt::Key_Return);
+        QCOMPARE(count(form), u"2 / 2"_s);
+        QCOMPARE(at(form), 2);
+        QTest::keyClick(&wanted(form), Qt::Key_Return); // from the beginning again
+        QCOMPARE(at(form), 0);
+        QTest::keyClick(&wanted(form), Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(at(form), 2);
+        QTest::keyClick(&wanted(form), Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(at(form), 0);
+        QCOMPARE(selected(form), u"水"_s);
+        QVERIFY(wanted(form).hasFocus());
+    }
+
+    void placesAreComparedAsInTheSearch_data() { bothKinds(); }
+
+    void placesAreComparedAsInTheSearch()
+    {
+        DataForm& form = showActive(u"ｶﾞｽとABC"_s);
+        find(form, u"がす"_s);
+        QCOMPARE(selected(form), u"ｶﾞｽ"_s);
+        wanted(form).setText(u"ａｂｃ"_s);
+        QCOMPARE(selected(form), u"ABC"_s);
+        wanted(form).setText(u"無い"_s);
+        QCOMPARE(count(form), u"見つかりません"_s);
+        wanted(form).clear();
+        QCOMPARE(count(form), QString());
+    }
+
+    void buttonsAndKeysGoOnFromTheCursor_data() { bothKinds(); }
+
+    void buttonsAndKeysGoOnFromTheCursor()
+    {
+        DataForm& form = showActive(u"水一水二水"_s);
+        find(form, u"水"_s);
+        form.findChild<QPushButton*>(u"cmdFindNext"_s)->click();
+        QCOMPARE(at(form), 2);
+        press(form, Qt::Key_F3);
+        QCOMPARE(at(form), 4);
+        press(form, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(at(form), 2);
+        form.findChild<QPushButton*>(u"cmdFindPrevious"_s)->click();
+        QCOMPARE(at(form), 0);
+        FormWorld::definition(form).moveCursor(QTextCursor::End);
+        press(form, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(at(form), 4);
+    }
+
+    void textThatChangesIsSearchedAnew_data() { bothKinds(); }
+
+    void textThatChangesIsSearchedAnew()
+    {
+        DataForm& form = showActive(u"水一"_s);
+        find(form, u"水"_s);
+        QCOMPARE(count(form), u"1 / 1"_s);
+        FormWorld::definition(form).moveCursor(QTextCursor::End);
+        FormWorld::definition(form).insertPlainText(u"水二水"_s);
+        QTRY_COMPARE(count(form), u"3 件"_s); // none of them is selected
+        press(form, Qt::Key_F3);
+        QCOMPARE(count(form), u"1 / 3"_s);
+        FormWorld::definition(form).document()->undo();
+        FormWorld::definition(form).document()->undo();
+        world->dialogs.expect({.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
+                              Answer::No);
+        FormWorld::enter(FormWorld::name(form), u"別"_s);
+        QVERIFY(FormWorld::closes(form));
+    }
+
+    void escapeClosesTheBarAndNotTheWindow_data() { bothKinds(); }
+
+    void escapeClosesTheBarAndNotTheWindow()
+    {
+        const QPointer<DataForm> form(&showActive(u"水"_s));
+        find(*form, u"水"_s);
+        QTest::keyClick(&wanted(*form), Qt::Key_Escape);
+        FormWorld::processEvents();
+        QVERIFY(!form.isNull() && form->isVisible());
+        QVERIFY(bar(*form).isHidden());
+        QVERIFY(FormWorld::definition(*form).hasFocus());
+        QVERIFY(FormWorld::definition(*form).extraSelections().isEmpty());
+    }
+
+    void selectedWordIsWhatIsSearched_data() { bothKinds(); }
+
+    void selectedWordIsWhatIsSearched()
+    {
+        DataForm& form = showActive(u"水は\n水"_s);
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        QTextCursor cursor = FormWorld::definition(form).textCursor();
+        cursor.setPosition(0);
+        cursor.setPosition(1, QTextCursor::KeepAnchor);
+        FormWorld::definition(form).setTextCursor(cursor);
+        press(form, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(wanted(form).text(), u"水"_s);
+        FormWorld::definition(form).selectAll(); // two lines are no word
+        press(form, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(wanted(form).text(), u"水"_s);
+    }
+
+    void searchingChangesNothing_data() { bothKinds(); }
+
+    void searchingChangesNothing()
+    {
+        DataForm& form = showActive(u"水は水"_s);
+        find(form, u"水"_s);
+        QTest::keyClick(&wanted(form), Qt::Key_Return);
+        QVERIFY(FormWorld::closes(form)); // without a question
+        QCOMPARE(data(), QStringList(firstDatum(u"水"_s, u"水は水"_s)));
+    }
+
+    void textThatWasSearchedElsewhereIsShown_data() { bothKinds(); }
+
+    void textThatWasSearchedElsewhereIsShown()
+    {
+        DataForm& form = showActive(u"火と水と水"_s);
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        QWidget* const before = form.focusWidget();
+        form.showPlaceOf(u"水"_s);
+        QVERIFY(bar(form).isVisible());
+        QCOMPARE(wanted(form).text(), u"水"_s);
+        QCOMPARE(at(form), 2);
+        QCOMPARE(count(form), u"1 / 2"_s);
+        QCOMPARE(form.focusWidget(), before);
+    }
+
+    void textThatIsNotThereOpensNoBar_data() { bothKinds(); }
+
+    void textThatIsNotThereOpensNoBar()
+    {
+        DataForm& form = showActive(u"火"_s);
+        form.showPlaceOf(u"水"_s);
+        QVERIFY(bar(form).isHidden());
+        form.showPlaceOf({});
+        QVERIFY(bar(form).isHidden());
+    }
+
+    void tabGoesThroughTheBarBelowTheText_data() { bothKinds(); }
+
+    void tabGoesThroughTheBarBelowTheText()
+    {
+        DataForm& form = showActive(u"水"_s);
+        find(form, u"水"_s);
+        FormWorld::definition(form).setFocus();
+        QStringList order;
+        for (int i = 0; i < 5; ++i) {
+            QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
+            order << form.focusWidget()->objectName();
+        }
+        QCOMPARE(order, QStringList({u"txtFindInText"_s, u"cmdFindPrevious"_s, u"cmdFindNext"_s,
+                                     u"cmdFindClose"_s, u"lsvLink"_s}));
+    }
+
+    void wheelWithControlMakesTheTextLarger_data() { bothKinds(); }
+
+    void wheelWithControlMakesTheTextLarger()
+    {
+        DataForm& form = showActive(u"水"_s);
+        QPlainTextEdit& text = FormWorld::definition(form);
+        const auto turn = [&](int delta, Qt::KeyboardModifiers modifiers) {
+            QWheelEvent event({5, 5}, text.viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, delta},
+                              Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(text.viewport(), &event);
+        };
+        const double before = QFontInfo(text.font()).pointSizeF();
+        turn(120, Qt::ControlModifier);
+        QCOMPARE(qRound(text.font().pointSizeF()), qRound(before + 1));
+        turn(60, Qt::ControlModifier); // half a notch
+        QCOMPARE(qRound(text.font().pointSizeF()), qRound(before + 1));
+        turn(60, Qt::ControlModifier);
+        QCOMPARE(qRound(text.font().pointSizeF()), qRound(before + 2));
+        turn(120, Qt::NoModifier);
+        QCOMPARE(qRound(text.font().pointSizeF()), qRound(before + 2));
+        turn(-120 * 200, Qt::ControlModifier);
+        QCOMPARE(qRound(text.font().pointSizeF()), 6);
+        turn(120 * 200, Qt::ControlModifier);
+        QCOMPARE(qRound(text.font().pointSizeF()), 72);
+    }
+};
+
+QTEST_MAIN(TestFindBar)
+#include "test_find_bar.moc"

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "store/text_places.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace quillon
+{
+
+/// A bar below a field of many lines in which a text is searched in the field, as the full-text search compares. It shows
+/// how many places there are and at which of them one is. Enter and Shift+Enter go on and back, Esc closes it.
+class FindBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `text`: the field that is searched; it outlives the bar.
+    FindBar(QPlainTextEdit& text, QWidget* parent);
+
+    /// What the Tab key goes through, in this order.
+    const QList<QWidget*>& controls() const { return m_controls; }
+
+    /// Shows the bar and goes into its field: with what is selected in the text, else with what was searched last.
+    void open();
+    /// Shows the first place of a text that was searched elsewhere, with the bar, if there is one; the keyboard stays
+    /// where it is.
+    void showFirst(const QString& wanted);
+    /// Selects the next place or the one before, beginning anew at the ends. With nothing to search the bar is opened.
+    void goOn(bool backwards);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    enum class From { Here, Behind, Before };
+
+    void close();
+    /// Looks for the places again when the text or what is searched has changed.
+    void refresh();
+    void select(From from);
+    void markPlaces();
+    void showCount();
+    void forgetPlaces();
+
+    QPlainTextEdit& m_text;
+    QLineEdit* m_field = nullptr;
+    QLabel* m_count = nullptr;
+    QList<QWidget*> m_controls;
+    std::vector<TextPlace> m_places;
+    std::size_t m_current = 0; // of the places; one behind them: none is selected
+    bool m_known = false;      // the places are those of the present text
+    QTimer m_later;            // until the text, or what is typed, has come to rest
+};
+
+} // namespace quillon
