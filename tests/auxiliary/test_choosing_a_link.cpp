@@ -1,4 +1,5 @@
 #include "core/close_all_form.h"
+#include "core/data_records.h"
 #include "core/data_selection.h"
 #include "store/record_set.h"
 #include "tests/support/failure_box.h"
@@ -190,6 +191,25 @@ private Q_SLOTS:
             QTest::keyClick(&list(form), Qt::Key_Escape);
         });
         QCOMPARE(world->rowsOf(session().RsLink).size(), 1);
+    }
+
+    void datumThatGotTheIdentifierOfTheSourceIsNotLinked()
+    {
+        ShowData(session(), u"R-991231-001"_s);
+        auto& document = *world->window<FormWindow>(u"frmRefDoc"_s);
+        modals->expect<frmDataSelect>(u"frmDataSelect"_s, [this](frmDataSelect& form) {
+            RecordSet& documents = *session().RsRefDoc;
+            documents.moveFirst();
+            documents.deleteRow();
+            world->addRow(session().RsRefDoc, {u"新聞"_s, u"R-991231-009"_s, u"別"_s});
+            world->addRow(session().RsRefDoc, {u"別の本"_s, u"R-991231-001"_s, u"別の内容"_s});
+            world->dialogs.expect(untrapped(3021)); // and no question
+            doubleClickRow(list(form), 1);
+            QVERIFY(form.isVisible());
+            form.unload();
+        });
+        QVERIFY(WindowWorld::choose(document, u"mnuLinkMain"_s));
+        QCOMPARE(world->rowsOf(session().RsLink), QStringList());
     }
 
     void emptyTableIsShownEmpty()

@@ -229,6 +229,23 @@ private Q_SLOTS:
         QVERIFY(FormWorld::closes(form));
     }
 
+    void remainingCountIsThatOfTheEmptiedField_data() { bothKinds(); }
+
+    void remainingCountIsThatOfTheEmptiedField()
+    {
+        DataForm& form = beginRegistration();
+        FormWorld::definition(form).setFocus();
+        FormWorld::enter(FormWorld::definition(form), u"五文字です"_s);
+        form.ShowInputCount(2); // as the focus tells it that comes back from the question
+        world->dialogs.expect(
+            MessageBox{.text = u"現在のデータを登録しますか。"_s, .buttons = Buttons::YesNoCancel},
+            Answer::No);
+        CreateRegisterForm(world->session, twin().kind);
+        QCOMPARE(FormWorld::panel(form, 2),
+                 twin().label + u"：残り全角%1文字"_s.arg(static_cast<int>(twin().room)));
+        QVERIFY(FormWorld::closes(form));
+    }
+
     void refusedSaveKeepsTheWindowFromANewRegistration_data() { bothKinds(); }
 
     void refusedSaveKeepsTheWindowFromANewRegistration()

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void everyKeyThatSelectsIsToldWhenItIsReleased();
     void aKeyThatIsHeldIsToldOnce();
     void textOfAnInputMethodIsToldAtOnce();
+    void aKeyWhoseShiftWasReleasedFirstIsUpAgain();
     void aChoiceIsToldWhenTheFocusLeaves();
     void closingABranchSelectsItInsteadOfWhatItHides_data();
     void closingABranchSelectsItInsteadOfWhatItHides();
@@ -116,6 +117,23 @@ void TestKeyedTreeSelection::aClickOnTheArrowOnlyOpens()
     QVERIFY(m_tree->isExpanded(m_tree->nodes().indexOf(4)));
     QCOMPARE(m_tree->selectedPosition(), 1);
     QCOMPARE(clicked.size(), 0);
+}
+
+void TestKeyedTreeSelection::aKeyWhoseShiftWasReleasedFirstIsUpAgain()
+{
+    const QSignalSpy chosen(m_tree.get(), &KeyedTree::nodeChosen);
+    m_tree->select(2);
+    m_tree->expandNode(2);
+    m_tree->select(3);
+    // The star above the 8: the same place on the keyboard, but another key by the time it comes up.
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Asterisk, Qt::ShiftModifier, 17, 0, 0, u"*"_s);
+    QCoreApplication::sendEvent(m_tree.get(), &press);
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_8, Qt::NoModifier, 17, 0, 0, u"8"_s);
+    QCoreApplication::sendEvent(m_tree.get(), &release);
+    m_tree->collapse(m_tree->nodes().indexOf(2));
+    QCOMPARE(m_tree->selectedPosition(), 2);
+    QCOMPARE(chosen.size(), 1); // told at once, as no key is down
+    QCOMPARE(chosen[0][0].toInt(), 2);
 }
 
 void TestKeyedTreeSelection::aDoubleClickOpensAndIsOneClick()

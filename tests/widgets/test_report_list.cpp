@@ -26,6 +26,7 @@ private Q_SLOTS:
     void theSelectedRowIsTheCurrentOneIfSelected();
     void aDoubleClickOnARowActivates();
     void aDoubleClickElsewhereDoesNot();
+    void aDoubleClickOnRowsThatCameMeanwhileDoesNot();
     void aDoubleClickBesideTheRowsIsTold();
     void theMenuSelectsTheRowUnderTheMouse();
     void theMenuKeepsASelectionOfSeveral();
@@ -102,6 +103,21 @@ void TestReportList::aDoubleClickOnARowActivates()
     QCOMPARE(doubleClicked.size(), 1);
     QCOMPARE(entered.size(), 0);
     QCOMPARE(m_list->selectedRow(), 2);
+}
+
+void TestReportList::aDoubleClickOnRowsThatCameMeanwhileDoesNot()
+{
+    const QSignalSpy activated(m_list, &ReportList::rowDoubleClicked);
+    const QSignalSpy doubleClicked(m_list, &ReportList::listDoubleClicked);
+    const QPoint place = m_list->visualRect(m_list->rows().index(1, 0)).center();
+    QTest::mouseClick(m_list->viewport(), Qt::LeftButton, {}, place);
+    m_list->rows().clear();
+    fill(*m_list, {u"他"_s, u"別"_s, u"第三"_s});
+    QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(activated.size() + doubleClicked.size(), 0);
+    QCOMPARE(selectedNames(*m_list), QStringList({u"別"_s})); // as by a click
+    QTest::mouseDClick(m_list->viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(activated.size(), 1);
 }
 
 void TestReportList::aDoubleClickElsewhereDoesNot()

@@ -4,7 +4,9 @@
 #include "app/base/ports/dialogs.h"
 #include "app/base/titles.h"
 #include "core/data_records.h"
+#include "core/datum_place.h"
 #include "core/links.h"
+#include "store/data_kinds.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
@@ -145,8 +147,21 @@ void frmDataSelect::cmdOK_Click()
     const QString identifier = lsvData->rows().text(row, IdentifierColumn).toString();
     if (!session().LinkSourceMode)
         showFound(identifier);
-    else if (LinkData(session(), identifier, session().LinkSourceID, 1))
+    else if (linkTo(identifier))
         unload();
+}
+
+bool frmDataSelect::linkTo(const QString& identifier)
+{
+    // The identifier of the datum for which the choice goes on may have been given to another one meanwhile.
+    const QString source = session().LinkSourceID;
+    if (const DataWindow* const window = session().LinkSourceForm;
+        window != nullptr && kindOf(source) != nullptr)
+        requireDatum(session(), {.kind = kindOf(source),
+                                 .databaseFile = window->row().databaseFile,
+                                 .identifier = source,
+                                 .row = window->row().number});
+    return LinkData(session(), identifier, source, 1);
 }
 
 void frmDataSelect::showFound(const QString& identifier)

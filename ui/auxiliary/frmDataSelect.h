@@ -31,6 +31,8 @@ private:
     /// The selected row; -1, after telling the person so, when none is selected.
     int rowToActOn();
     void cmdOK_Click();
+    /// Links a datum with the one for which the choice goes on. True when it was linked. Error 3021 when that one is gone.
+    bool linkTo(const QString& identifier);
     /// Shows a datum, and in its window where the text stands that was searched.
     void showFound(const QString& identifier);
     void mnuDelete_Click();

@@ -83,8 +83,14 @@ void DataForm::setMode(FormMode mode)
         action(name)->setEnabled(!registers);
     action(u"mnuDataEntry"_s)->setEnabled(registers);
     sbStatus->setText(1, registers ? titles::RegistrationMode : titles::DisplayMode);
-    if (registers)
-        setRow({});
+    if (!registers)
+        return;
+    setRow({});
+    // The field with the keyboard may have been emptied after it was told.
+    for (const qint16 index : {qint16(0), qint16(2)}) {
+        if (!sbStatus->text(2).isEmpty() && focusWidget() == &fieldWidget(index))
+            ShowInputCount(index);
+    }
 }
 
 void DataForm::setRow(const DatumRow& row)

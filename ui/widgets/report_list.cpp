@@ -89,7 +89,10 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
         handleEvent(m_reporting, objectName() + u"_ColumnClick"_s, [&] { sortBy(column); });
     });
     connect(header, &QHeaderView::sectionResized, this, &ReportList::noteResizedColumn);
-    connect(m_model, &QAbstractItemModel::modelReset, this, &ReportList::endSorting);
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        m_filledSincePress = m_pressed;
+        endSorting();
+    });
     connect(m_model, &QAbstractItemModel::rowsInserted, this, &ReportList::endSorting);
     connect(m_model, &ReportModel::scatteredRowsAboutToBeRemoved, this,
             [this] { m_currentBefore = currentIndex(); });
@@ -451,6 +454,8 @@ void ReportList::selectionChanged(const QItemSelection& selected, const QItemSel
 void ReportList::mousePressEvent(QMouseEvent* event)
 {
     m_typed.clear();
+    m_pressed = true;
+    m_filledSincePress = false;
     QTableView::mousePressEvent(event);
 }
 
@@ -462,8 +467,14 @@ void ReportList::mouseMoveEvent(QMouseEvent* event)
 
 void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    // The rows that were meant are gone: the first press has taken the keyboard from a pane that then filled the list.
+    if (m_filledSincePress) {
+        mousePressEvent(event);
+        return;
+    }
     const bool onRow = indexAt(event->position().toPoint()).isValid();
     QTableView::mouseDoubleClickEvent(event);
+    m_pressed = false; // what follows is no half of this one
     if (event->button() != Qt::LeftButton)
         return;
     Q_EMIT listDoubleClicked();

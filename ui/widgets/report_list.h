@@ -108,6 +108,8 @@ private:
     std::vector<int> m_leastWidths;  // by column, of its characters
     std::vector<int> m_roomyColumns; // that share the room, but for those that the person has resized
     bool m_isSettingWidths = false;
+    bool m_pressed = false;          // a mouse button; a double click may follow
+    bool m_filledSincePress = false; // and the rows are others by now
     QString m_typed;
     QElapsedTimer m_sinceTyped;
     QPersistentModelIndex m_currentBefore;
