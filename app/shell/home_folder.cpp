@@ -66,13 +66,13 @@ void goHome(Dialogs& dialogs, std::optional<QString>& file)
     const QString left = QDir::currentPath();
     const QString home = homeFolder(left);
     if (!makeHome(home) || !QDir::setCurrent(home)) {
-        tellAtStart(dialogs, {u"作業フォルダ「%1」を用意できませんでした。\r\n「%2」で起動します。"_s.arg(
-                                 QDir::toNativeSeparators(home), QDir::toNativeSeparators(left))});
+        tellAtStart(&dialogs, {u"作業フォルダ「%1」を用意できませんでした。\r\n「%2」で起動します。"_s.arg(
+                                  QDir::toNativeSeparators(home), QDir::toNativeSeparators(left))});
         return;
     }
     if (!platform::mayWriteIn(home))
-        tellAtStart(dialogs, {u"作業フォルダ「%1」に書き込めません。アクセス権を確認してください。"_s.arg(
-                                 QDir::toNativeSeparators(home))});
+        tellAtStart(&dialogs, {u"作業フォルダ「%1」に書き込めません。アクセス権を確認してください。"_s.arg(
+                                  QDir::toNativeSeparators(home))});
     if (file)
         file = absolutePath(left, QDir::fromNativeSeparators(*file));
 }

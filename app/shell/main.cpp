@@ -48,12 +48,14 @@ int main(int argc, char** argv)
     SystemClock clock;
     SystemDesktop desktop;
     SystemFiles files;
-    // First of all: it explains why nothing that follows can be read.
-    tellMissingParts(dialogs, missingParts(QApplication::font()));
+    // First of all: it explains why nothing that follows can be read. Who starts the program by its name may look at the
+    // error stream, and is not kept by boxes that come at every start.
+    Dialogs* const boxes = commandLine.atHome ? &dialogs : nullptr;
+    tellMissingParts(boxes, missingParts(QApplication::font()));
     if (commandLine.atHome)
         goHome(dialogs, commandLine.file);
     const std::optional<QString> keptFolder = kept::keptFolder();
-    tellUnwritableKeptFolder(dialogs, keptFolder);
+    tellUnwritableKeptFolder(boxes, keptFolder);
     // A run for taking things back leaves the copies as they are; the next one of the other kind makes the next.
     const std::optional<kept::CopyTimes> copies =
         commandLine.restores ? std::nullopt : std::optional(kept::CopyTimes());

@@ -94,7 +94,7 @@ bool hasInputMethod(const QString& name, const QStringList& pluginFolders)
     return false;
 }
 
-void tellMissingParts(Dialogs& dialogs, const MissingParts& missing)
+void tellMissingParts(Dialogs* dialogs, const MissingParts& missing)
 {
     QStringList texts;
     if (missing.japaneseFont) {
@@ -117,7 +117,7 @@ void tellMissingParts(Dialogs& dialogs, const MissingParts& missing)
         tellAtStart(dialogs, texts);
 }
 
-void tellUnwritableKeptFolder(Dialogs& dialogs, const std::optional<QString>& keptFolder)
+void tellUnwritableKeptFolder(Dialogs* dialogs, const std::optional<QString>& keptFolder)
 {
     if (!keptFolder || kept::mayKeepIn(*keptFolder))
         return;
@@ -128,11 +128,12 @@ void tellUnwritableKeptFolder(Dialogs& dialogs, const std::optional<QString>& ke
              .arg(QDir::toNativeSeparators(*keptFolder))});
 }
 
-void tellAtStart(Dialogs& dialogs, const QStringList& texts)
+void tellAtStart(Dialogs* dialogs, const QStringList& texts)
 {
     for (const QString& text : texts)
         printError(QString(text).replace(u"\r\n"_s, u" "_s));
-    dialogs.messageBox({.text = texts.join(u"\r\n\r\n"_s), .title = titles::SystemOperation});
+    if (dialogs != nullptr)
+        dialogs->messageBox({.text = texts.join(u"\r\n\r\n"_s), .title = titles::SystemOperation});
 }
 
 DisplayWatch::DisplayWatch()

@@ -27,14 +27,15 @@ MissingParts missingParts(const QFont& font);
 bool hasInputMethod(const QString& name, const QStringList& pluginFolders);
 
 /// Tells what is missing, if anything; in English, too, where no Japanese can be read.
-void tellMissingParts(Dialogs& dialogs, const MissingParts& missing);
+void tellMissingParts(Dialogs* dialogs, const MissingParts& missing);
 
 /// Tells, if so, that nothing can be written where what was overwritten or deleted is to be kept. `keptFolder`: nothing
 /// when nothing is to be kept.
-void tellUnwritableKeptFolder(Dialogs& dialogs, const std::optional<QString>& keptFolder);
+void tellUnwritableKeptFolder(Dialogs* dialogs, const std::optional<QString>& keptFolder);
 
-/// Tells something at the start: in a box and, for where no window can be read, on the standard error stream.
-void tellAtStart(Dialogs& dialogs, const QStringList& texts);
+/// Tells something at the start: on the standard error stream, for where no window can be read, and in a box.
+/// `dialogs`, here and above: null for no box, as in a run that nobody has started from a menu.
+void tellAtStart(Dialogs* dialogs, const QStringList& texts);
 
 /// While it lives, a toolkit that finds no display ends the program with a sentence and the status 1 instead of
 /// aborting it.

@@ -59,7 +59,7 @@ private Q_SLOTS:
         QFETCH(QString, text);
         ScriptedDialogs dialogs;
         dialogs.expect({.text = text, .title = u"Quillon システム運用部"_s});
-        tellMissingParts(dialogs, {.japaneseFont = japaneseFont, .inputMethod = inputMethod});
+        tellMissingParts(&dialogs, {.japaneseFont = japaneseFont, .inputMethod = inputMethod});
         QCOMPARE(dialogs.takeComplaints(), QStringList());
     }
 
@@ -71,7 +71,7 @@ private Q_SLOTS:
         qunsetenv("QT_IM_MODULE");
         QCOMPARE(missing, MissingParts());
         ScriptedDialogs dialogs;
-        tellMissingParts(dialogs, missing);
+        tellMissingParts(&dialogs, missing);
         QCOMPARE(dialogs.takeComplaints(), QStringList());
     }
 
@@ -88,10 +88,13 @@ private Q_SLOTS:
                  u"後で戻せません。アクセス権を確認するか、環境変数 QUILLON_COPIES で別の場所を指定してください。"_s
                      .arg(QDir::toNativeSeparators(kept)),
              .title = u"Quillon システム運用部"_s});
-        tellUnwritableKeptFolder(dialogs, kept);
+        tellUnwritableKeptFolder(&dialogs, kept);
         // Where it can be written, and where nothing is to be kept, there is nothing to tell.
-        tellUnwritableKeptFolder(dialogs, folder.filePath(u"a/b"_s));
-        tellUnwritableKeptFolder(dialogs, std::nullopt);
+        tellUnwritableKeptFolder(&dialogs, folder.filePath(u"a/b"_s));
+        tellUnwritableKeptFolder(&dialogs, std::nullopt);
+        // A run that nobody has started from a menu has no box.
+        tellUnwritableKeptFolder(nullptr, kept);
+        tellMissingParts(nullptr, {.japaneseFont = true, .inputMethod = u"nonexistent"_s});
         QCOMPARE(dialogs.takeComplaints(), QStringList());
     }
 
