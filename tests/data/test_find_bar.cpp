@@ -216,6 +216,41 @@ private Q_SLOTS:
                                      u"cmdFindClose"_s, u"lsvLink"_s}));
     }
 
+    void controlsSayWhatTheyDo_data() { bothKinds(); }
+
+    void controlsSayWhatTheyDo()
+    {
+        DataForm& form = showActive(u"水"_s);
+        find(form, u"水"_s);
+        auto* label = bar(form).findChild<QLabel*>();
+        QCOMPARE(label->text(), u"検索:"_s);
+        QCOMPARE(label->buddy(), &wanted(form));
+        QCOMPARE(wanted(form).toolTip(),
+                 u"本文から検索する文字列。Enter で次へ、Shift + Enter で前へ移ります。"_s);
+        const auto button = [&](const QString& name) { return form.findChild<QPushButton*>(name); };
+        QCOMPARE(button(u"cmdFindPrevious"_s)->text(), u"前へ"_s);
+        QCOMPARE(button(u"cmdFindPrevious"_s)->toolTip(), u"Shift + F3"_s);
+        QCOMPARE(button(u"cmdFindNext"_s)->text(), u"次へ"_s);
+        QCOMPARE(button(u"cmdFindNext"_s)->toolTip(), u"F3"_s);
+        QCOMPARE(button(u"cmdFindClose"_s)->text(), u"閉じる"_s);
+        button(u"cmdFindClose"_s)->click();
+        QVERIFY(bar(form).isHidden());
+    }
+
+    void placesBeyondAHundredThousandAreNotCounted_data() { bothKinds(); }
+
+    void placesBeyondAHundredThousandAreNotCounted()
+    {
+        DataForm& form = showActive(u"水"_s);
+        find(form, u"水"_s);
+        form.setFieldText(2, QString(100'001, u'水'));
+        press(form, Qt::Key_F3);
+        QCOMPARE(count(form), u"100000 件以上"_s);
+        world->dialogs.expect({.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel},
+                              Answer::No);
+        QVERIFY(FormWorld::closes(form));
+    }
+
     void wheelWithControlMakesTheTextLarger_data() { bothKinds(); }
 
     void wheelWithControlMakesTheTextLarger()

@@ -156,8 +156,8 @@ private:
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error, const QString& handler);
     /// Asks whether data are to be filed in the category at a position of the tree, and does it; told when none stands
-    /// there. `data`: asked for them when one does; none for nothing to be done.
-    void fileIn(int node, const std::function<std::vector<ListedDatum>()>& data);
+    /// there. `dataToFile`: asked for them when one does; none for nothing to be done.
+    void fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile);
     /// Files data in a category; those that are gone leave the list.
     void classify(const std::vector<ListedDatum>& listed, const CategoryRow& category);
     /// What these rows of the data list show.

@@ -47,22 +47,22 @@ void frmMainMenu::tvwCategory_Paste()
     if (!treeHasNodes() || copied.empty())
         return;
     fileIn(selectedNodeIndex(), [&] {
-        std::vector<ListedDatum> data;
-        data.reserve(copied.size());
+        std::vector<ListedDatum> listed;
+        listed.reserve(copied.size());
         for (const CopiedRow& row : copied)
-            data.push_back({.identifier = row.identifier, .name = row.name});
-        return data;
+            listed.push_back({.identifier = row.identifier, .name = row.name});
+        return listed;
     });
 }
 
-void frmMainMenu::fileIn(int node, const std::function<std::vector<ListedDatum>()>& data)
+void frmMainMenu::fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile)
 {
     if (node <= LastFixedNode) {
         session().dialogs.messageBox({.text = u"選択された項目はカテゴリではありません｡"_s});
         return;
     }
     const CategoryRow category = presentCategory(session(), nodeKey(node));
-    const std::vector<ListedDatum> listed = data();
+    const std::vector<ListedDatum> listed = dataToFile();
     if (listed.empty())
         return;
     const QString question =
