@@ -169,9 +169,9 @@ void frmDataSelect::showFound(const QString& identifier)
     ShowData(session(), identifier);
     const auto loaded = session().windows.loaded();
     for (LoadedWindow* window : loaded) {
-        DataWindow* const data = window->asDataWindow();
-        if (data != nullptr && data->row().number != 0 && data->fieldText(1) == identifier)
-            data->showPlaceOf(session().SearchedText);
+        DataWindow* const shown = window->asDataWindow();
+        if (shown != nullptr && shown->row().number != 0 && shown->fieldText(1) == identifier)
+            shown->showPlaceOf(session().SearchedText);
     }
 }
 
