@@ -39,12 +39,16 @@ bool looksForInputMethods(const QString& platform)
     return platform == u"xcb"_s || platform.startsWith(u"wayland"_s);
 }
 
-QtMessageHandler usualHandler = nullptr;
+QtMessageHandler& usualHandler()
+{
+    static QtMessageHandler handler = nullptr;
+    return handler;
+}
 
 void endWithoutDisplay(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type != QtFatalMsg) {
-        usualHandler(type, context, message);
+        usualHandler()(type, context, message);
         return;
     }
     printError(message.trimmed());
@@ -85,7 +89,7 @@ bool hasInputMethod(const QString& name, const QStringList& pluginFolders)
         for (const QString& file : plugins.entryList(QDir::Files)) {
             const QJsonObject about = QPluginLoader(plugins.filePath(file)).metaData();
             const QJsonArray keys = about.value(u"MetaData"_s).toObject().value(u"Keys"_s).toArray();
-            for (const QJsonValue& key : keys) {
+            for (const auto& key : keys) {
                 if (key.toString().compare(name, Qt::CaseInsensitive) == 0)
                     return true;
             }
@@ -138,12 +142,12 @@ void tellAtStart(Dialogs* dialogs, const QStringList& texts)
 
 DisplayWatch::DisplayWatch()
 {
-    usualHandler = qInstallMessageHandler(endWithoutDisplay);
+    usualHandler() = qInstallMessageHandler(endWithoutDisplay);
 }
 
 DisplayWatch::~DisplayWatch()
 {
-    qInstallMessageHandler(usualHandler);
+    qInstallMessageHandler(usualHandler());
 }
 
 } // namespace quillon

@@ -20,7 +20,7 @@ constexpr const char* NameToInspect = "quillon-inspect";
 sqlite3_vfs* systemFiles()
 {
     // On Windows the usual one takes no path of more than some 250 characters.
-    static sqlite3_vfs* const forLongPaths = sqlite3_vfs_find("win32-longpath");
+    sqlite3_vfs* const forLongPaths = sqlite3_vfs_find("win32-longpath");
     return forLongPaths != nullptr ? forLongPaths : sqlite3_vfs_find(nullptr);
 }
 

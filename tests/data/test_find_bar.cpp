@@ -3,6 +3,7 @@
 #include "ui/data/find_bar.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QWheelEvent>
 
 using namespace Qt::Literals::StringLiterals;
@@ -222,7 +223,7 @@ private Q_SLOTS:
     {
         DataForm& form = showActive(u"水"_s);
         find(form, u"水"_s);
-        auto* label = bar(form).findChild<QLabel*>();
+        auto* label = form.findChild<QLabel*>(u"lblFindInText"_s);
         QCOMPARE(label->text(), u"検索:"_s);
         QCOMPARE(label->buddy(), &wanted(form));
         QCOMPARE(wanted(form).toolTip(),

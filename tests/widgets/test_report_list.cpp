@@ -353,7 +353,7 @@ void TestReportList::mouseMovesAreTold()
     QMouseEvent move(QEvent::MouseMove, at(2), m_list->viewport()->mapToGlobal(at(2)), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(m_list->viewport(), &move);
-    QVERIFY(moved.size() >= 1);
+    QVERIFY(!moved.isEmpty());
     QVERIFY(m_list->viewport()->hasMouseTracking());
     QCOMPARE(m_list->selectedRow(), -1);
 }

@@ -27,14 +27,15 @@ constexpr int Rest = 200;               // milliseconds
 
 } // namespace
 
-FindBar::FindBar(QPlainTextEdit& text, QWidget* parent) : QWidget(parent), m_text(text)
+FindBar::FindBar(QPlainTextEdit& text, QWidget* parent)
+    : QWidget(parent), m_text(text), m_field(new QLineEdit(this)), m_count(new QLabel(this))
 {
     setObjectName(u"findBar"_s);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     auto* label = new QLabel(u"検索:"_s, this);
+    label->setObjectName(u"lblFindInText"_s);
     row->addWidget(label);
-    m_field = new QLineEdit(this);
     m_field->setObjectName(u"txtFindInText"_s);
     m_field->setToolTip(u"本文から検索する文字列。Enter で次へ、Shift + Enter で前へ移ります。"_s);
     keepInputOnOneLine(*m_field);
@@ -54,7 +55,6 @@ FindBar::FindBar(QPlainTextEdit& text, QWidget* parent) : QWidget(parent), m_tex
     };
     addButton(u"cmdFindPrevious"_s, u"前へ"_s, u"Shift + F3"_s, [this] { goOn(true); });
     addButton(u"cmdFindNext"_s, u"次へ"_s, u"F3"_s, [this] { goOn(false); });
-    m_count = new QLabel(this);
     m_count->setObjectName(u"lblFindCount"_s);
     m_count->setTextFormat(Qt::PlainText);
     m_count->setMinimumWidth(fontMetrics().horizontalAdvance(u"100000 件以上"_s));

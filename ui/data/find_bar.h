@@ -50,8 +50,8 @@ private:
     void forgetPlaces();
 
     QPlainTextEdit& m_text;
-    QLineEdit* m_field = nullptr;
-    QLabel* m_count = nullptr;
+    QLineEdit* m_field;
+    QLabel* m_count;
     QList<QWidget*> m_controls;
     std::vector<TextPlace> m_places;
     std::size_t m_current = 0; // of the places; one behind them: none is selected
