@@ -73,7 +73,7 @@ void DataForm::arrange()
     m_contentLabelRow->addStretch(1);
     rows->addLayout(m_contentLabelRow);
     rows->addWidget(content, 3);
-    m_findBar = new FindBar(dynamic_cast<QPlainTextEdit&>(*content), middle);
+    m_findBar = new FindBar(session().reporting, dynamic_cast<QPlainTextEdit&>(*content), middle);
     rows->addWidget(m_findBar);
 
     auto* lists = new QHBoxLayout;

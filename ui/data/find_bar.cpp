@@ -1,5 +1,7 @@
 #include "ui/data/find_bar.h"
 
+#include "app/base/reporting.h"
+#include "ui/widgets/event_edge.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/persons_input.h"
 #include "ui/widgets/wait_cursor.h"
@@ -27,8 +29,9 @@ constexpr int Rest = 200;               // milliseconds
 
 } // namespace
 
-FindBar::FindBar(QPlainTextEdit& text, QWidget* parent)
-    : QWidget(parent), m_text(text), m_field(new QLineEdit(this)), m_count(new QLabel(this))
+FindBar::FindBar(Reporting& reporting, QPlainTextEdit& text, QWidget* parent)
+    : QWidget(parent), m_reporting(reporting), m_text(text), m_field(new QLineEdit(this)),
+      m_count(new QLabel(this))
 {
     setObjectName(u"findBar"_s);
     auto* row = new QHBoxLayout(this);
@@ -49,7 +52,7 @@ FindBar::FindBar(QPlainTextEdit& text, QWidget* parent)
         button->setObjectName(name);
         button->setToolTip(toolTip);
         button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this, act);
+        connect(button, &QPushButton::clicked, this, eventSlot(m_reporting, name + u"_Click"_s, act));
         row->addWidget(button);
         m_controls << button;
     };
@@ -64,15 +67,15 @@ FindBar::FindBar(QPlainTextEdit& text, QWidget* parent)
 
     m_later.setSingleShot(true);
     m_later.setInterval(Rest);
-    connect(&m_later, &QTimer::timeout, this, [this] {
+    connect(&m_later, &QTimer::timeout, this, eventSlot(m_reporting, u"txtFindInText_Change"_s, [this] {
         refresh();
         markPlaces();
         showCount();
-    });
-    connect(m_field, &QLineEdit::textChanged, this, [this] {
-        forgetPlaces();
-        select(From::Here);
-    });
+    }));
+    connect(m_field, &QLineEdit::textChanged, this, eventSlot(m_reporting, u"txtFindInText_Change"_s, [this] {
+                forgetPlaces();
+                select(From::Here);
+            }));
     connect(&m_text, &QPlainTextEdit::textChanged, this, &FindBar::forgetPlaces);
 }
 
@@ -214,7 +217,8 @@ bool FindBar::eventFilter(QObject* watched, QEvent* event)
     switch (key.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        goOn(key.modifiers().testFlag(Qt::ShiftModifier));
+        handleEvent(m_reporting, u"txtFindInText_KeyPress"_s,
+                    [&] { goOn(key.modifiers().testFlag(Qt::ShiftModifier)); });
         return true;
     case Qt::Key_Escape:
         if (!key.isAutoRepeat())

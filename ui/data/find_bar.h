@@ -14,6 +14,8 @@ class QPlainTextEdit;
 namespace quillon
 {
 
+struct Reporting;
+
 /// A bar below a field of many lines in which a text is searched in the field, as the full-text search compares. It shows
 /// how many places there are and at which of them one is. Enter and Shift+Enter go on and back, Esc closes it.
 class FindBar : public QWidget
@@ -21,8 +23,8 @@ class FindBar : public QWidget
     Q_OBJECT
 
 public:
-    /// `text`: the field that is searched; it outlives the bar.
-    FindBar(QPlainTextEdit& text, QWidget* parent);
+    /// `text`: the field that is searched; it outlives the bar. A lack of memory in searching it is reported.
+    FindBar(Reporting& reporting, QPlainTextEdit& text, QWidget* parent);
 
     /// What the Tab key goes through, in this order.
     const QList<QWidget*>& controls() const { return m_controls; }
@@ -49,6 +51,7 @@ private:
     void showCount();
     void forgetPlaces();
 
+    Reporting& m_reporting;
     QPlainTextEdit& m_text;
     QLineEdit* m_field;
     QLabel* m_count;
