@@ -36,7 +36,10 @@ bool hasLongCharacter(QByteArrayView bytes)
 
 QString decodeUnicode(QByteArrayView bytes, QStringConverter::Encoding encoding)
 {
-    return QStringDecoder(encoding, QStringConverter::Flag::Stateless).decode(bytes);
+    // The mark at the front is cut off already: another one is text.
+    return QStringDecoder(encoding,
+                          QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom)
+        .decode(bytes);
 }
 
 } // namespace

@@ -39,13 +39,22 @@ bool HistoryFile::begin(const QDateTime& now)
 {
     if (!m_place.make(m_place.history()))
         return false;
-    const QString name =
-        u"%1/%2-%3-%4.log"_s.arg(m_place.history(), now.toUTC().toString(u"yyyyMMdd'T'HHmmsszzz"),
-                                 QString::number(QCoreApplication::applicationPid()),
-                                 QString::number(QRandomGenerator::global()->generate(), 16));
-    auto file = std::make_unique<QFile>(name);
-    if (!file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered,
-                    QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+    const QString beginning =
+        u"%1/%2-%3-"_s.arg(m_place.history(), now.toUTC().toString(u"yyyyMMdd'T'HHmmsszzz"),
+                           QString::number(QCoreApplication::applicationPid()));
+    auto file = std::make_unique<QFile>();
+    // Processes that were made of one another draw the same numbers, and a process may bear the number of a former one.
+    constexpr int MostNames = 16;
+    for (int i = 0; i < MostNames && !file->isOpen(); ++i) {
+        const QString name =
+            beginning + QString::number(QRandomGenerator::global()->generate(), 16) + u".log"_s;
+        file->setFileName(name);
+        if (!file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered,
+                        QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+            !QFile::exists(name))
+            return false;
+    }
+    if (!file->isOpen())
         return false;
     m_file = std::move(file);
     m_began = now;

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -83,6 +84,7 @@ private:
 
     QString m_path; // without links
     bool m_inspects = false;
+    std::chrono::steady_clock::time_point m_waitingSince; // for the lock of another program
 
     Handle m_handle;
     std::unique_ptr<RowWatch> m_watch; // if there is a listener

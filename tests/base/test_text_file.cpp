@@ -63,6 +63,11 @@ private Q_SLOTS:
         QTest::newRow("UTF-16 BE, pair") << "\xFE\xFF\xD8\x3D\xDE\x00"_ba << u"\U0001F600"_s;
         QTest::newRow("UTF-16 LE, nothing else") << "\xFF\xFE"_ba << QString();
         QTest::newRow("UTF-16 BE, nothing else") << "\xFE\xFF"_ba << QString();
+
+        // Only the first mark is one.
+        QTest::newRow("UTF-8, two marks") << "\xEF\xBB\xBF\xEF\xBB\xBF水"_ba << u"\uFEFF水"_s;
+        QTest::newRow("UTF-16 LE, two marks") << "\xFF\xFE\xFF\xFE\x34\x6C"_ba << u"\uFEFF水"_s;
+        QTest::newRow("UTF-16 BE, two marks") << "\xFE\xFF\xFE\xFF\x6C\x34"_ba << u"\uFEFF水"_s;
     }
 
     void bytesBecomeText()

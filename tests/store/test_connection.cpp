@@ -1,11 +1,16 @@
+#include "app/base/error.h"
 #include "store/sqlite/connection.h"
 #include "store/sqlite/statement.h"
+#include "tests/store/foreign_file.h"
 #include "tests/support/errors_of.h"
 
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <atomic>
 #include <optional>
+#include <thread>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -35,7 +40,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("setting");
         QTest::addColumn<int>("atLeast");
         QTest::addColumn<int>("atMost");
-        QTest::newRow("waits a moment for others") << u"busy_timeout"_s << 1000 << 3000; // milliseconds
         QTest::newRow("writes through to the disk") << u"synchronous"_s << 2 << 3;
         QTest::newRow("checks every page it reads") << u"cell_size_check"_s << 1 << 1;
         QTest::newRow("trusts no code of the file") << u"trusted_schema"_s << 0 << 0;
@@ -51,6 +55,36 @@ private Q_SLOTS:
             const qint64 number = numberOf(connection, u"PRAGMA "_s + setting);
             QVERIFY2(number >= atLeast && number <= atMost, qPrintable(QString::number(number)));
         }
+    }
+
+    void aWriteWaitsForAReaderThatSoonEnds()
+    {
+        Connection connection(path(), Connection::Mode::CreateNew);
+        connection.execute(u"CREATE TABLE t (x)"_s);
+        QSemaphore reading;
+        std::atomic<bool> ended = false;
+        std::thread reader([&] {
+            ForeignFile other(path());
+            other.run("BEGIN").ask("SELECT * FROM t");
+            reading.release();
+            // A writer that waits for readers to end lets no new one in.
+            ForeignFile third(path());
+            while (!ended &&
+                   sqlite3_exec(third.handle(), "SELECT * FROM t", nullptr, nullptr, nullptr) != SQLITE_BUSY)
+                std::this_thread::yield();
+            other.run("COMMIT");
+        });
+        reading.acquire();
+        std::optional<int> error;
+        try {
+            connection.execute(u"INSERT INTO t VALUES (1)"_s);
+        } catch (const Error& failure) {
+            error = failure.number;
+        }
+        ended = true;
+        reader.join();
+        QCOMPARE(error, std::optional<int>());
+        QCOMPARE(numberOf(connection, u"SELECT count(*) FROM t"_s), 1);
     }
 
     void aNewFileHoldsItsTextsInSixteenBits()
