@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a task needs, and only those that are missing.
 # Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display,
-# wayland, package, root, windows, wine
+# input-method, wayland, package, root, windows, wine
 set -eu
 
 packages=
@@ -9,7 +9,7 @@ for group in "$@"; do
     case $group in
         build) # what compiles the program: clang, because its precompiled headers make Qt sources cheap
             packages="$packages cmake clang lld ninja-build pkgconf qt6-base-dev qt6-translations-l10n
-                libsqlite3-dev libicu-dev libglib2.0-dev" ;;
+                libsqlite3-dev libicu-dev libglib2.0-dev python3" ;;
         test) # what the tests find on the computer: a small Japanese font, the types of files, the shells of completions
             packages="$packages fonts-ipafont-gothic shared-mime-info zsh fish" ;;
         check) # what reads the sources: their format, the usual mistakes, the scripts, and a second compiler
@@ -22,6 +22,8 @@ for group in "$@"; do
             packages="$packages fonts-noto-cjk shared-mime-info" ;;
         display) # a screen in memory with a window manager
             packages="$packages xvfb openbox" ;;
+        input-method) # how Japanese is typed, and what presses the keys for a test of it
+            packages="$packages ibus ibus-anthy xdotool dbus" ;;
         wayland) # the toolkit's way to a Wayland desktop without X
             packages="$packages qt6-wayland" ;;
         package) # what makes packages and reads them

@@ -83,6 +83,7 @@ person quillon-cli --version >/dev/null
 [ -n "$(person man -w quillon)" ] || fail "no manual page of quillon"
 [ -n "$(person man -w quillon-cli)" ] || fail "no manual page of quillon-cli"
 [ -n "$(person man -L ja -w quillon)" ] || fail "no Japanese manual page"
+[ -f /usr/share/quillon/manual/manual.html ] || fail "no page of the manual"
 
 Xvfb :7 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
 server=$!

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Makes what runs on Windows, by Debian's own cross compiler: a zip that works in any folder, and an installer.
 # Usage: packaging/windows/build.sh [FOLDER]    the files go to FOLDER, else to build/windows
+#        packaging/windows/build.sh --draft [FOLDER]    the same not optimised, to be tried only; else to build/windows/draft
 #        packaging/windows/build.sh --check     compiles everything, the tests as well, and makes nothing of it
 #        packaging/windows/build.sh --test      the same, and runs the tests under wine
 # The first time Qt and SQLite are made before, which takes half an hour (see prefix.sh). --check and --test do not do
@@ -9,7 +10,6 @@ set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/../.." && pwd)
 here=$root/packaging/windows
-programs=$root/build/windows/programs
 QUILLON_WINDOWS_PREFIX=${QUILLON_WINDOWS_PREFIX:-$root/build/windows/prefix}
 export QUILLON_WINDOWS_PREFIX
 jobs=${QUILLON_JOBS:-$(nproc)}
@@ -23,11 +23,16 @@ case ${1:-} in
             echo "build.sh: nothing is checked, for there is no Qt in $QUILLON_WINDOWS_PREFIX; prefix.sh makes it" >&2
             exit 1
         fi ;;
+    --draft)
+        purpose=draft
+        shift ;;
     -*)
         sed -n '2,/^set -eu$/s/^# \{0,1\}//p' "$0" | sed '$d' >&2
         exit 2 ;;
 esac
-folder=${1:-$root/build/windows}
+place=$root/build/windows
+[ "$purpose" != draft ] || place=$place/draft
+folder=${1:-$place}
 mkdir -p "$folder"
 folder=$(CDPATH='' cd -- "$folder" && pwd)
 sh "$root/packaging/install-packages.sh" windows
@@ -41,10 +46,19 @@ history()
 
 SOURCE_DATE_EPOCH=$(history log -1 --format=%ct)
 export SOURCE_DATE_EPOCH
-cmake -G Ninja -S "$root" -B "$programs" --log-level=WARNING -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_TOOLCHAIN_FILE="$here/mingw64-posix.cmake"
 
-if [ "$purpose" != packing ]; then
+# What is only tried is not optimised: it is there sooner.
+if [ "$purpose" = packing ]; then
+    programs=$root/build/windows/release
+    set -- -DQUILLON_TESTS=OFF -DQUILLON_TOUR=OFF
+else
+    programs=$root/build/windows/programs
+    set -- -DCMAKE_CXX_FLAGS_RELEASE=-O0
+fi
+cmake -G Ninja -S "$root" -B "$programs" --log-level=WARNING -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_TOOLCHAIN_FILE="$here/mingw64-posix.cmake" "$@"
+
+if [ "$purpose" = check ] || [ "$purpose" = test ]; then
     cmake --build "$programs" --parallel "$jobs"
     [ "$purpose" != test ] || ctest --test-dir "$programs" --parallel "$jobs" --timeout 300 --output-on-failure
     exit
@@ -64,6 +78,7 @@ mkdir -p "$content/licences"
 for program in quillon quillon-cli; do
     x86_64-w64-mingw32-strip -o "$content/$program.exe" "$programs/$program.exe"
 done
+cp -R "$programs/manual" "$content"
 cp "$root/packaging/texts/Readme.txt" "$root/packaging/texts/Quillon 機能仕様.txt" "$content"
 sed 's/$/\r/' "$root/LICENSE" >"$content/licences/quillon.txt"
 for licence in "$QUILLON_WINDOWS_PREFIX"/licences/*; do

@@ -82,9 +82,12 @@ echo "== the installation"
 wine "$setup" /S /CurrentUser
 settled
 person=$QUILLON_WINE/prefix/drive_c/users/$(id -un)
+# Wine takes for these a folder outside of its computer.
+rm -f "$person/Documents"
+mkdir -p "$person/Documents"
 place=$person/AppData/Local/Programs/Quillon
 menu="$person/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Quillon"
-for file in "$place/quillon.exe" "$place/quillon-cli.exe" "$place/Readme.txt" "$place/uninstall.exe" "$menu/Quillon.lnk"; do
+for file in "$place/quillon.exe" "$place/quillon-cli.exe" "$place/Readme.txt" "$place/manual/manual.html" "$place/uninstall.exe" "$menu/Quillon.lnk"; do
     [ -f "$file" ] || fail "$file is missing"
 done
 [ "$(find "$menu" -name '*.lnk' | wc -l)" = 2 ] || fail "the menu lacks an entry"
@@ -108,8 +111,8 @@ wine start /unix "$menu/Quillon.lnk"
 window '^Quillon' >"$trial/window" || fail "no window comes"
 sleep 5 # until the first picture of the program has made way for its main window
 ! command -v import >/dev/null || import -window root "$trial/main.png"
-home=$(find "$HOME" "$person" -type d -name Quillon -path '*Documents*' | head -n 1)
-[ -n "$home" ] || fail "the program has made no folder for its work"
+home=$person/Documents/Quillon
+[ -d "$home" ] || fail "the program has made no folder for its work"
 for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
     [ -e "$home/$name" ] || fail "$name is missing in $home"
 done
