@@ -3,26 +3,28 @@
 # Usage: ./check.sh [OPTION...] [STEP...]     all steps, or those named:
 #   format     every source is formatted as .clang-format says
 #   scripts    shellcheck finds nothing in the scripts
-#   gcc        everything is built by g++ without a warning, and without precompiled headers
+#   gcc        everything is built by g++ without a warning; what has changed also without precompiled headers
 #   tidy       clang-tidy finds nothing in app/base, store and core, and in what else has changed
 #   sanitize   the tests of app/base, store, core and exchange pass under the address and undefined behaviour sanitizers
 # Steps that are too long for every day, run when they are named or with --long:
 #   faults     failing disks, power failures, 10,000 kills and several programs at once, all that there is to try
 #              (QUILLON_KILLS, QUILLON_CRASH_DISKS, QUILLON_STEPS_AT_ONCE and QUILLON_SEED change it)
 #   fuzz       every fuzzer for ten minutes (QUILLON_FUZZ_SECONDS and QUILLON_SEED change it)
+#   input      Japanese is typed into the windows with a real input method, under a display in memory
 # Options:
 #   --base REVISION   what changed since this revision counts as changed; without it, what the last ten commits
-#                     changed, of which tidy reads the ten tests that changed last
-#   --all             tidy reads everything
+#                     changed, of which tidy reads the five tests that changed last, and gcc twenty sources
+#   --all             tidy reads everything, and gcc builds everything without precompiled headers, too
 #   --sanitize-all    sanitize runs all tests
-#   --long            adds the steps faults and fuzz
+#   --long            adds the steps faults, fuzz and input
 # Every step is run, whatever became of those before it. What a step said stays in build/check/STEP.log.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 cd "$root"
 logs=build/check
-most_tests=10
+most_tests=5
+most_sources=20
 
 usage()
 {
@@ -56,7 +58,7 @@ while [ $# -gt 0 ]; do
         --all) everything=yes ;;
         --sanitize-all) sanitize_all=yes ;;
         --long) long=yes ;;
-        format | scripts | gcc | tidy | sanitize | faults | fuzz) steps="$steps $1" ;;
+        format | scripts | gcc | tidy | sanitize | faults | fuzz | input) steps="$steps $1" ;;
         *)
             echo "check.sh: unknown word '$1'" >&2
             usage >&2
@@ -79,11 +81,6 @@ format()
 scripts()
 {
     find . -path ./build -prune -o -path ./workspace -prune -o -name '*.sh' -exec shellcheck .ci/run {} +
-}
-
-gcc()
-{
-    cmake --preset gcc && cmake --build --preset gcc
 }
 
 # Paths that changed, the newest first: what is not committed yet, then commit by commit.
@@ -112,6 +109,43 @@ tests_of()
         esac
         [ ! -f "$test" ] || echo "$test"
     done | awk '!/^tests\/(support|old_files)\// && !seen[$0]++'
+}
+
+# The source of each path on the input, less the tests. That of a header is the source of its name, or the first that
+# includes it.
+sources_of()
+{
+    while read -r path; do
+        case $path in
+            tests/*) continue ;;
+            *.cpp) source=$path ;;
+            *.h)
+                source=${path%.h}.cpp
+                [ -f "$source" ] || source=$(grep -rlF --include='*.cpp' "#include \"$path\"" \
+                    app bench core exchange store tools ui | head -n 1) ;;
+            *) continue ;;
+        esac
+        [ ! -f "$source" ] || echo "$source"
+    done | awk '!seen[$0]++'
+}
+
+# The tests are compiled without precompiled headers by tidy.
+gcc()
+{
+    cmake --preset gcc && cmake --build --preset gcc || return
+    if [ $everything = yes ]; then
+        tools/includes.sh
+        return
+    fi
+    history rev-parse --verify --quiet HEAD >/dev/null || return 0
+    changed_paths | sources_of >"$logs/sources"
+    changed=$(wc -l <"$logs/sources")
+    if [ -z "$base" ] && [ "$changed" -gt $most_sources ]; then
+        sed -i "$most_sources q" "$logs/sources"
+        echo "$most_sources of $changed changed sources without precompiled headers" >"$logs/note"
+    fi
+    # shellcheck disable=SC2046  # a list of words
+    [ "$changed" = 0 ] || tools/includes.sh $(cat "$logs/sources")
 }
 
 tidy()
@@ -185,6 +219,13 @@ fuzz()
     return $status
 }
 
+# What is missing and cannot be installed is named by both scripts.
+input()
+{
+    sh packaging/install-packages.sh display input-method || return
+    cmake --preset dev && cmake --build --preset dev --target test_input_method && tests/input-method/run.sh
+}
+
 # Adds up the processor time in what the shell's `times` wrote about the processes it has waited for.
 seconds_in()
 {
@@ -197,7 +238,7 @@ seconds_in()
     }' "$1"
 }
 
-[ $long = no ] || all_steps="$all_steps faults fuzz"
+[ $long = no ] || all_steps="$all_steps faults fuzz input"
 sh packaging/install-packages.sh build test bench asan check
 mkdir -p "$logs"
 

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what is missing, builds the program and starts it.
 # Usage: ./run.sh [--] [FILE]    opens FILE, a database, once the program stands
-#        ./run.sh --tour         plays the tour and writes its pictures to docs/images
+#        ./run.sh --tour         plays the tour and writes its pictures to docs/images: as they are, twice as large,
+#                                and both in dark colours
 #        ./run.sh --help
 # QUILLON_HOME names the folder to work in, instead of "workspace" beside this script.
 set -eu
@@ -76,10 +77,18 @@ targets="quillon quillon-cli quillon_pages"
 )
 
 if [ $tour = yes ]; then
-    mkdir -p "$root/docs/images"
     echo "Playing the tour; its pictures go to docs/images."
-    # The tour draws in memory, so that its pictures look the same everywhere.
-    QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} exec "$root/build/release/quillon-tour" "$root/docs/images"
+    # The tour draws in memory, on a screen with room for the large ones, so that its pictures look the same everywhere.
+    export QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-offscreen:configfile=$root/tools/screen.json}"
+    for look in . dark large large-dark; do
+        factor=1
+        dark=
+        case $look in large*) factor=2 ;; esac
+        case $look in *dark) dark=--dark ;; esac
+        mkdir -p "$root/docs/images/$look"
+        QT_SCALE_FACTOR=$factor "$root/build/release/quillon-tour" $dark "$root/docs/images/$look"
+    done
+    exit
 fi
 
 export QUILLON_HOME="$home"

@@ -13,6 +13,7 @@ class SilentDesktop : public Desktop
 {
 public:
     OpenOutcome open(const QString& /*path*/) override { return OpenOutcome::Opened; }
+    void noteRecent(const QString& /*path*/) override {}
 };
 
 /// A log that forgets.

@@ -1,5 +1,6 @@
 #include "tools/stage.h"
 
+#include "app/shell/manual_folder.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/keyed_tree.h"
@@ -32,7 +33,8 @@ Program::Ports Stage::ports()
             .desktop = desktop,
             .files = files,
             .keptFolder = keptFolder(),
-            .copies = std::nullopt};
+            .copies = std::nullopt,
+            .manualFolder = manualFolder(QCoreApplication::applicationDirPath())};
 }
 
 FormWindow* Stage::lastWindow(const QString& name)

@@ -3,7 +3,7 @@
 # Usage: tools/tidy.sh PATH...
 # A folder is read in one piece, which spares reading the toolkit's headers again for each of its files. A file is read
 # by itself, and so are the files of a folder that cannot be put together because they define the same names.
-# How a file is compiled is what the preset "gcc" says, without the precompiled headers that its tests have.
+# How a file is compiled is what the preset "gcc" says, without its precompiled headers.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)

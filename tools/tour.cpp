@@ -1,5 +1,6 @@
 // The tour: plays through the program's real windows on a sample database, prints each step and saves a picture of
-// every window. Usage: quillon-tour [FOLDER FOR THE PICTURES]
+// every window. Usage: quillon-tour [--dark] [FOLDER FOR THE PICTURES]
+// QT_SCALE_FACTOR=2 makes them twice as large, --dark shows the windows in dark colours.
 #include "app/shell/frmSplash.h"
 #include "app/shell/japanese_interface.h"
 #include "store/database.h"
@@ -7,6 +8,7 @@
 #include "tools/sample_database.h"
 #include "tools/stage.h"
 #include "ui/main/frmMainMenu.h"
+#include "ui/restore/frmKeptDatabases.h"
 #include "ui/restore/frmRestore.h"
 #include "ui/widgets/form_window.h"
 #include "ui/widgets/keyed_tree.h"
@@ -15,8 +17,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPalette>
 #include <QTabWidget>
 #include <QTemporaryDir>
 
@@ -48,6 +52,7 @@ public:
         playCategories(*this);
         playSearches(*this);
         showStatistics();
+        readManual();
         closeAll();
         takeBack();
         end();
@@ -61,7 +66,7 @@ private:
             // Pictured without its timer running out: the tour does not wait three seconds.
             frmSplash splash(program.session(), program.windows());
             splash.startTiming();
-            splash.show();
+            splash.showModeless();
             for (int tick = 0; tick < 20; ++tick)
                 splash.tmrSwitch_Timer();
             guide.picture(splash, u"splash"_s);
@@ -166,6 +171,14 @@ private:
             guide.picture(*statistics, u"statistics"_s);
     }
 
+    void readManual()
+    {
+        guide.say(u"F1 で機能仕様書を開く"_s);
+        QKeyEvent help(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+        QCoreApplication::sendEvent(&mainWindow(), &help);
+        picture(u"frmManual"_s, u"manual"_s);
+    }
+
     void closeAll()
     {
         guide.say(u"全画面を閉じる"_s);
@@ -200,6 +213,9 @@ private:
         guide.picture(window, u"restore"_s);
         window.findChild<QTabWidget*>(u"tabPages"_s)->setCurrentIndex(1);
         guide.picture(window, u"restore-copies"_s);
+        frmKeptDatabases chooser(restoring.session(), restoring.windows());
+        chooser.showModeless();
+        guide.picture(chooser, u"restore-databases"_s);
     }
 
     void end()
@@ -213,6 +229,28 @@ private:
             guide.complain(u"終了しませんでした。"_s);
     }
 };
+
+/// The colours of a dark desktop.
+QPalette darkPalette()
+{
+    const QColor ground(0x2B, 0x2B, 0x2E);
+    const QColor paper(0x1E, 0x1E, 0x20);
+    const QColor text(0xEE, 0xEE, 0xEE);
+    const QColor faint(0x8A, 0x8A, 0x8E);
+    QPalette palette(text, ground, ground.lighter(160), paper.darker(130), faint, text, paper);
+    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::Highlight, QColor(0x2A, 0x6F, 0xB5));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0x4A, 0x4A, 0x50));
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Link, QColor(0x6F, 0xB1, 0xF2));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint);
+    return palette;
+}
 
 } // namespace
 
@@ -230,8 +268,10 @@ int main(int argc, char** argv)
     QApplication::setStyle(u"Fusion"_s);
     setUpJapaneseInterface(application);
 
-    const QStringList arguments = QApplication::arguments();
-    tour::Guide guide(arguments.size() > 1 ? arguments[1] : u"docs/images"_s);
+    QStringList arguments = QApplication::arguments().sliced(1);
+    if (arguments.removeAll(u"--dark"_s) > 0)
+        QApplication::setPalette(tour::darkPalette());
+    tour::Guide guide(arguments.value(0, u"docs/images"_s));
     const QTemporaryDir folder;
     QDir(folder.path()).mkdir(u"RefFile"_s);
     tour::Tour(guide, folder.path()).play();

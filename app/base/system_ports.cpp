@@ -2,8 +2,12 @@
 
 #include "app/base/platform/desktop.h"
 #include "app/base/platform/event_log.h"
+#include "app/base/platform/recent_documents.h"
 
 #include <QLocale>
+#include <QThreadPool>
+
+#include <new>
 
 namespace quillon
 {
@@ -31,6 +35,19 @@ void SystemEventLog::write(const QString& line)
 OpenOutcome SystemDesktop::open(const QString& path)
 {
     return platform::openWithAssociatedApplication(path);
+}
+
+void SystemDesktop::noteRecent(const QString& path)
+{
+    QThreadPool::globalInstance()->start([path, programFolder = m_programFolder] {
+        try {
+            const QString failure = platform::noteRecentDocument(path);
+            if (!failure.isEmpty())
+                platform::writeEventLog(failure, programFolder);
+        } catch (const std::bad_alloc&) {
+            // The list of the desktop lacks a database; nothing worse has happened.
+        }
+    });
 }
 
 } // namespace quillon

@@ -32,7 +32,14 @@ private:
 class SystemDesktop : public Desktop
 {
 public:
+    /// `programFolder`: where the program file lies, and with it the log of what nobody waits for.
+    explicit SystemDesktop(QString programFolder) : m_programFolder(std::move(programFolder)) {}
     OpenOutcome open(const QString& path) override;
+    /// Done in a thread of its own, for which the end of the program waits.
+    void noteRecent(const QString& path) override;
+
+private:
+    QString m_programFolder;
 };
 
 } // namespace quillon

@@ -185,7 +185,7 @@ private:
     LineDialogs m_dialogs;
     LineLog m_log;
     SystemClock m_clock;
-    SystemDesktop m_desktop;
+    SystemDesktop m_desktop{{}}; // that logs nothing, for nothing is put into its list
     SystemFiles m_files;
     NoWindows m_windows;
     Session m_session;

@@ -3,6 +3,7 @@
 #include "app/base/titles.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/scrolled_area.h"
 
 #include <QFontInfo>
 #include <QFrame>
@@ -106,16 +107,21 @@ void frmSplash::setUp()
 
     // All distances follow the size of the text, so that nothing is cramped at a large scale.
     const int unit = fontMetrics().height();
+    auto* texts = new QWidget;
+    auto* lines = new QVBoxLayout(texts);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(unit / 2);
+    lines->addStretch();
+    lines->addWidget(lblProductName);
+    lines->addWidget(lblPlatform);
+    lines->addSpacing(unit);
+    lines->addWidget(lblCompanyProduct);
+    lines->addWidget(lblVersion);
+    lines->addStretch();
     auto* column = new QVBoxLayout(Frame1);
     column->setContentsMargins(2 * unit, 2 * unit, 2 * unit, unit);
     column->setSpacing(unit / 2);
-    column->addStretch();
-    column->addWidget(lblProductName);
-    column->addWidget(lblPlatform);
-    column->addSpacing(unit);
-    column->addWidget(lblCompanyProduct);
-    column->addWidget(lblVersion);
-    column->addStretch();
+    column->addWidget(new ScrolledArea(texts, ScrolledArea::Least::FewLines, Frame1), 1);
     column->addSpacing(unit);
     column->addWidget(pgbSplash);
     column->addLayout(closing);
@@ -124,7 +130,7 @@ void frmSplash::setUp()
     auto* margins = new QVBoxLayout(background);
     margins->setContentsMargins(unit / 2, unit / 2, unit / 2, unit / 2);
     margins->addWidget(Frame1);
-    setCentralWidget(background);
+    setContents(background);
 
     tmrSwitch = new QTimer(this);
     tmrSwitch->setObjectName(u"tmrSwitch"_s);
@@ -190,8 +196,7 @@ void frmSplash::showEvent(QShowEvent* event)
     FormWindow::showEvent(event);
     if (event->spontaneous())
         return;
-    adjustSize();
-    setFixedSize(size().expandedTo(minimumSizeHint()));
+    setFixedSize(sizeHint().boundedTo(roomOnScreen()));
     if (const QScreen* at = screen()) {
         QRect place = frameGeometry();
         place.moveCenter(at->availableGeometry().center());

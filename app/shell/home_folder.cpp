@@ -14,7 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 
 // The resource lies in a library, from which nothing else would draw it in. The macro wants to stand outside any
 // namespace.
-static void drawInResource()
+static void drawInTexts()
 {
     Q_INIT_RESOURCE(texts);
 }
@@ -48,7 +48,7 @@ QString homeFolder(const QString& currentFolder)
 
 bool makeHome(const QString& folder)
 {
-    drawInResource();
+    drawInTexts();
     QDir home(folder);
     if (!home.mkpath(u"."_s))
         return false;

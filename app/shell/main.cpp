@@ -5,6 +5,7 @@
 #include "app/shell/command_line.h"
 #include "app/shell/home_folder.h"
 #include "app/shell/japanese_interface.h"
+#include "app/shell/manual_folder.h"
 #include "app/shell/missing_parts.h"
 #include "app/shell/program.h"
 #include "app/shell/program_icon.h"
@@ -46,7 +47,7 @@ int main(int argc, char** argv)
     RealDialogs dialogs;
     SystemEventLog eventLog(QCoreApplication::applicationDirPath());
     SystemClock clock;
-    SystemDesktop desktop;
+    SystemDesktop desktop(QCoreApplication::applicationDirPath());
     SystemFiles files;
     // First of all: it explains why nothing that follows can be read. Who starts the program by its name may look at the
     // error stream, and is not kept by boxes that come at every start.
@@ -65,7 +66,8 @@ int main(int argc, char** argv)
                      .desktop = desktop,
                      .files = files,
                      .keptFolder = keptFolder,
-                     .copies = copies},
+                     .copies = copies,
+                     .manualFolder = manualFolder(QCoreApplication::applicationDirPath())},
                     currentFolderOfProcess());
 
     // Leaving all event loops, nested ones included, ends the program at once: no window is closed, so none asks

@@ -10,6 +10,7 @@
 #include "ui/auxiliary/frmEntryInfo.h"
 #include "ui/auxiliary/frmFind.h"
 #include "ui/auxiliary/frmLinkList.h"
+#include "ui/auxiliary/frmManual.h"
 #include "ui/data/frmMainData.h"
 #include "ui/data/frmRefDoc.h"
 #include "ui/data/frmRefFileEntry.h"
@@ -28,7 +29,8 @@ namespace quillon
 
 Program::Program(const Ports& ports, const QString& currentFolder)
     : m_session({ports.dialogs, ports.eventLog, ports.clock, ports.desktop, ports.files, m_windows},
-                currentFolder)
+                currentFolder),
+      m_helpKey(m_session.reporting, m_windows)
 {
     m_keeping = std::make_unique<kept::Keeping>(
         m_session.reporting,
@@ -37,7 +39,7 @@ Program::Program(const Ports& ports, const QString& currentFolder)
                            .copies = ports.copies,
                            .onDamage = [this](const kept::Damage& damage) { tellDamage(damage); }});
     m_session.keeper = m_keeping.get();
-    registerWindows();
+    registerWindows(ports.manualFolder);
 }
 
 Program::~Program()
@@ -51,7 +53,7 @@ Program::~Program()
     m_keeping->finish();
 }
 
-void Program::registerWindows()
+void Program::registerWindows(const QString& manualFolder)
 {
     m_windows.setFactory(u"frmMainData"_s, [this] { return new frmMainData(m_session, m_windows); });
     m_windows.setFactory(u"frmRefDoc"_s, [this] { return new frmRefDoc(m_session, m_windows); });
@@ -61,6 +63,8 @@ void Program::registerWindows()
     m_windows.setFactory(u"frmFind"_s, [this] { return new frmFind(m_session, m_windows); });
     m_windows.setFactory(u"frmLinkList"_s, [this] { return new frmLinkList(m_session, m_windows); });
     m_windows.setFactory(u"frmEntryInfo"_s, [this] { return new frmEntryInfo(m_session, m_windows); });
+    m_windows.setFactory(u"frmManual"_s,
+                         [this, manualFolder] { return new frmManual(m_session, m_windows, manualFolder); });
     // Opened by its name the splash window is the system information; start-up makes the timed one itself.
     m_windows.setFactory(u"frmSplash"_s, [this] {
         auto* window = new frmSplash(m_session, m_windows);

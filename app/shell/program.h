@@ -2,6 +2,7 @@
 
 #include "store/kept/keeping.h"
 #include "store/session.h"
+#include "ui/widgets/help_key.h"
 #include "ui/widgets/window_registry.h"
 
 #include <QPointer>
@@ -32,6 +33,8 @@ public:
         std::optional<QString> keptFolder = {};
         /// When copies are made there; nothing: never.
         std::optional<kept::CopyTimes> copies = kept::CopyTimes();
+        /// Where the page of the manual lies.
+        QString manualFolder = {};
     };
 
     /// `currentFolder`: the process's current folder, empty when there is none.
@@ -55,12 +58,13 @@ public:
     void setStart(std::function<bool(const QString&)> start) { m_start = std::move(start); }
 
 private:
-    void registerWindows();
+    void registerWindows(const QString& manualFolder);
     void tellDamage(const kept::Damage& damage);
 
     WindowRegistry m_windows;
     Session m_session;
     std::unique_ptr<kept::Keeping> m_keeping;
+    HelpKey m_helpKey;
     QPointer<frmMainMenu> m_mainWindow;
     QPointer<frmRestore> m_restoreWindow;
     std::function<void()> m_end;

@@ -7,7 +7,7 @@ using namespace Qt::Literals::StringLiterals;
 
 // The resource lies in a library, from which nothing else would draw it in. The macro wants to stand outside any
 // namespace.
-static void drawInResource()
+static void drawInIcons()
 {
     Q_INIT_RESOURCE(icons);
 }
@@ -17,7 +17,7 @@ namespace quillon
 
 QIcon programIcon()
 {
-    drawInResource();
+    drawInIcons();
     QIcon icon;
     for (const int size : {16, 24, 32, 48, 64, 128, 256})
         icon.addFile(u":/icons/quillon-%1.png"_s.arg(size), QSize(size, size));

@@ -1,8 +1,10 @@
 #include "app/shell/real_dialogs.h"
 
 #include "app/base/platform/any_names.h"
+#include "app/shell/dialogs_on_screen.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/persons_input.h"
+#include "ui/widgets/screen_room.h"
 #include "ui/widgets/title_width.h"
 
 #include <QApplication>
@@ -18,11 +20,11 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
-#include <QScrollArea>
 #include <QSettings>
 #include <QSpacerItem>
 #include <QTimer>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -80,43 +82,24 @@ QString withLineBreaks(QString text)
     return text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
 }
 
-/// Lets a text scroll that would make its box larger than the screen.
-void keepOnScreen(QMessageBox& box)
-{
-    auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
-    auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    const QScreen* screen = box.screen();
-    if (label == nullptr || grid == nullptr || screen == nullptr)
-        return;
-    // The toolkit never makes a box wider than this, whatever it holds.
-    const QSize room(qBound(300, screen->availableSize().width() / 2 - 80, 900),
-                     screen->availableSize().height() * 6 / 10);
-    const QRect needed =
-        label->fontMetrics().boundingRect(QRect(QPoint(0, 0), QSize(room.width(), QWIDGETSIZE_MAX)),
-                                          static_cast<int>(Qt::TextWordWrap), box.text());
-    if (needed.width() <= room.width() && needed.height() <= room.height())
-        return;
-    // A label of its own: the box changes how its own one breaks lines whenever it likes.
-    auto* text = new QLabel(box.text());
-    text->setTextFormat(Qt::PlainText);
-    text->setWordWrap(true);
-    text->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-    auto* area = new QScrollArea(&box);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setWidget(text);
-    const int line = label->fontMetrics().height();
-    area->setFixedSize(room.boundedTo(needed.size() + QSize(2 * line, 3 * line)));
-    delete grid->replaceWidget(label, area);
-    label->hide();
-}
-
 /// Makes a box wide enough for its title beside the buttons of the title bar.
 void makeRoomForTitle(QMessageBox& box)
 {
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
-        grid->addItem(new QSpacerItem(widthForTitle(box), 0), grid->rowCount(), 0, 1, grid->columnCount());
+        const QMargins margins = grid->contentsMargins();
+        const int width = std::min(widthForTitle(box), widestBox(box) - margins.left() - margins.right());
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
     }
+}
+
+/// Lets the prompt of an input box take several lines where it is wider than the screen.
+void breakLongLines(QLabel& prompt)
+{
+    const int room = roomInUsualFrame(prompt).width() - 2 * prompt.fontMetrics().height();
+    if (prompt.sizeHint().width() <= room)
+        return;
+    prompt.setWordWrap(true);
+    prompt.setMaximumWidth(room); // the box takes what the text would like to have for the least
 }
 
 QMessageBox::StandardButtons buttonsOf(Buttons buttons)
@@ -176,8 +159,9 @@ Answer RealDialogs::messageBox(const MessageBox& box)
     const bool asksYes = box.buttons == Buttons::YesNo || box.buttons == Buttons::YesNoCancel;
     shown->setDefaultButton(asksYes ? QMessageBox::Yes : QMessageBox::Ok);
     shown->setEscapeButton(escapeButtonOf(box.buttons));
-    keepOnScreen(*shown);
+    keepTextOnScreen(*shown);
     makeRoomForTitle(*shown);
+    keepOnScreen(*shown);
     const Answer closed = answerOf(escapeButtonOf(box.buttons));
     return run(shown, [&](const QMessageBox* asked, int result) {
         return asked == nullptr || result == 0 ? closed : answerOf(result);
@@ -191,13 +175,16 @@ std::optional<QString> RealDialogs::inputBox(const InputBox& box)
     shown->setLabelText(withLineBreaks(box.prompt));
     shown->setTextValue(box.content);
     shown->setWindowTitle(box.title);
-    if (auto* label = shown->findChild<QLabel*>())
+    if (auto* label = shown->findChild<QLabel*>()) {
         label->setTextFormat(Qt::PlainText);
+        breakLongLines(*label);
+    }
     auto* field = shown->findChild<QLineEdit*>();
     if (field != nullptr)
         keepInputOnOneLine(*field);
     // Room for the titles and names that are typed here.
     shown->resize(shown->sizeHint().expandedTo({shown->fontMetrics().averageCharWidth() * 60, 0}));
+    keepOnScreen(*shown);
     return run(shown, [field](const QInputDialog* asked, int result) -> std::optional<QString> {
         if (asked == nullptr || result != QDialog::Accepted)
             return std::nullopt;
@@ -321,6 +308,7 @@ std::optional<QString> RealDialogs::fileDialog(const FileDialog& dialog)
     QString unreadable;
     if (!saves && dialog.filter.isEmpty())
         offerUnreadableNames(*shown, unreadable);
+    keepOnScreen(*shown);
     return run(shown, [&unreadable](const QFileDialog* asked, int result) -> std::optional<QString> {
         if (!unreadable.isEmpty())
             return unreadable;

@@ -5,6 +5,7 @@
 #include "ui/auxiliary/frmEntryInfo.h"
 #include "ui/widgets/window_registry.h"
 
+#include <QAccessible>
 #include <QCoreApplication>
 #include <QFrame>
 #include <QLabel>
@@ -82,6 +83,29 @@ private Q_SLOTS:
         QVERIFY(compareText(caption(form, u"lblAll"_s), u"全データ 登録数        :"));
         for (const QLabel* label : form.findChildren<QLabel*>())
             QCOMPARE(label->textFormat(), Qt::PlainText);
+    }
+
+    void captionsAndCountsAreReadInPairs()
+    {
+        openDatabase();
+        fill(world->session.RsMain, u"M"_s, 3);
+        QAccessibleInterface* middle =
+            QAccessible::queryAccessibleInterface(open().findChild<QLabel*>(u"lblMain"_s)->parentWidget());
+        QStringList texts;
+        for (int child = 0; child < middle->childCount(); ++child) {
+            QAccessibleInterface* label = middle->child(child);
+            if (label->role() != QAccessible::StaticText)
+                continue;
+            texts << label->text(QAccessible::Name);
+            const auto captions = label->relations(QAccessible::Label);
+            if (texts.size() % 2 == 0) {
+                QCOMPARE(captions.size(), 1);
+                QCOMPARE(captions[0].first->text(QAccessible::Name), texts[texts.size() - 2]);
+            }
+        }
+        QCOMPARE(texts,
+                 QStringList({u"定義データ 登録数      :"_s, u"3"_s, u"文献データ 登録数      :"_s, u"0"_s,
+                              u"ファイルデータ 登録数 :"_s, u"0"_s, u"全データ 登録数        :"_s, u"3"_s}));
     }
 
     void lineStandsAboveTheTotal()

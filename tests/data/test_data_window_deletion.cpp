@@ -5,13 +5,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
-namespace
-{
-
-const MessageBox AskUpdate{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel};
-
-} // namespace
-
 /// What becomes of a data window when its datum or its database goes. Every test runs for both kinds of windows.
 class TestDataWindowDeletion : public TwinFixture
 {

@@ -10,8 +10,6 @@ using namespace quillon::testing;
 namespace
 {
 
-const MessageBox AskUpdate{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel};
-const MessageBox AskRegister{.text = u"現在のデータを登録しますか。"_s, .buttons = Buttons::YesNoCancel};
 const MessageBox Missing{.text = u"必須項目が入力されていません。"_s, .title = u"Quillon システム監査部"_s};
 const MessageBox NameTooLong{.text = u"名称が最大入力値を超えています。最大入力値は全角25文字です。"_s,
                              .title = u"Quillon システム監査部"_s};

@@ -77,6 +77,17 @@ private Q_SLOTS:
             QVERIFY2(FormWorld::entry(form, menu)->isEnabled(), qPrintable(menu));
     }
 
+    void buttonsForTheSizeSayWhatTheyDo()
+    {
+        frmRefDoc& form = newWindow();
+        QStringList descriptions;
+        for (int number = 0; number < 3; ++number)
+            descriptions << button(form, number).accessibleDescription();
+        QCOMPARE(descriptions, QStringList({u"内容の文字の大きさを12ポイントにします。"_s,
+                                            u"内容の文字の大きさを10ポイントにします。"_s,
+                                            u"内容の文字の大きさを9ポイントにします。"_s}));
+    }
+
     void textCanBeLoadedInEveryMode()
     {
         auto& form = world->beginRegistration<frmRefDoc>();

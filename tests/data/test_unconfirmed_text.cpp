@@ -9,13 +9,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
 
-namespace
-{
-
-const MessageBox AskUpdate{.text = u"現在のデータを更新しますか。"_s, .buttons = Buttons::YesNoCancel};
-
-} // namespace
-
 /// Text that an input method shows and has not confirmed: whatever the person does next takes it for typed.
 class TestUnconfirmedText : public TwinFixture
 {

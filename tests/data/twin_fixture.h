@@ -78,6 +78,12 @@ inline const Twin DocumentTwin{
                            QStringLiteral("定義が最大入力値を超えています。最大入力値は全角32000文字です。"),
                        .title = QStringLiteral("Quillon システム監査部")}};
 
+/// What a window that was edited asks before it closes.
+inline const MessageBox AskUpdate{.text = QStringLiteral("現在のデータを更新しますか。"),
+                                  .buttons = Buttons::YesNoCancel};
+inline const MessageBox AskRegister{.text = QStringLiteral("現在のデータを登録しますか。"),
+                                    .buttons = Buttons::YesNoCancel};
+
 /// What tests of the windows of definitions and of documents have in common. A test with the rows of `bothKinds` runs
 /// for each of them.
 class TwinFixture : public QObject

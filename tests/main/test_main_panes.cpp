@@ -2,6 +2,9 @@
 #include "app/base/twips.h"
 #include "tests/main/main_window_fixture.h"
 
+#include <QAccessible>
+#include <QWheelEvent>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 using namespace quillon::testing;
@@ -15,6 +18,9 @@ class TestMainPanes : public MainWindowFixture
         QTest::keyClick(window->windowHandle(), key, modifiers);
         WindowWorld::processEvents();
     }
+
+    QWidget* splitter() const { return WindowWorld::control<QWidget>(*window, u"imgSplitter"_s); }
+    int percentOfTree() const { return qRound(100.0 * tree->width() / window->centralWidget()->width()); }
 
 private Q_SLOTS:
     void init()
@@ -75,11 +81,83 @@ private Q_SLOTS:
 
     void splitterTellsWhereItStands()
     {
+        QAccessibleInterface* const handle = QAccessible::queryAccessibleInterface(splitter());
+        QVERIFY(handle != nullptr && handle->valueInterface() != nullptr);
+        QVERIFY(compareText(handle->text(QAccessible::Name), u"カテゴリツリーとデータ一覧の境界"));
+        QVERIFY(compareText(handle->text(QAccessible::Description),
+                            u"ドラッグ、または Ctrl + ←、→ で境界を移動します。"));
+        QCOMPARE(handle->valueInterface()->currentValue().toInt(), percentOfTree());
         tree->setFocus();
         pressInWindow(Qt::Key_Right, Qt::ControlModifier);
-        const QString told = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s)->text(1);
-        const int percent = qRound(100.0 * tree->width() / window->centralWidget()->width());
-        QCOMPARE(told, u"カテゴリツリーの幅：画面の %1 ％"_s.arg(percent));
+        QCOMPARE(handle->valueInterface()->currentValue().toInt(), percentOfTree());
+        handle->valueInterface()->setCurrentValue(50);
+        QCOMPARE(percentOfTree(), 50);
+        handle->valueInterface()->setCurrentValue(0);
+        QCOMPARE(tree->width(), pixelsFromTwips(1500));
+        QCOMPARE(handle->valueInterface()->currentValue().toInt(), percentOfTree());
+    }
+
+    void theStatusBarKeepsItsTextsWhenTheSplitterMoves()
+    {
+        const auto* status = WindowWorld::control<StatusPanels>(*window, u"sbStatus"_s);
+        const QString told = status->text(1);
+        tree->setFocus();
+        pressInWindow(Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(compareText(status->text(1), told));
+    }
+
+    void f8GoesToTheSplitterAndBack_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("F8") << Qt::Key_F8;
+        QTest::newRow("Enter") << Qt::Key_Return;
+        QTest::newRow("Esc") << Qt::Key_Escape;
+    }
+
+    void f8GoesToTheSplitterAndBack()
+    {
+        QFETCH(const Qt::Key, key);
+        for (QWidget* pane : {static_cast<QWidget*>(tree), static_cast<QWidget*>(list)}) {
+            pane->setFocus();
+            pressInWindow(Qt::Key_F8);
+            QVERIFY(splitter()->hasFocus());
+            pressInWindow(key);
+            QVERIFY(pane->hasFocus());
+        }
+    }
+
+    void arrowsMoveTheSplitterThatHasTheKeyboard()
+    {
+        tree->setFocus();
+        pressInWindow(Qt::Key_F8);
+        const int before = percentOfTree();
+        pressInWindow(Qt::Key_Right);
+        QCOMPARE(percentOfTree(), before + 2);
+        pressInWindow(Qt::Key_Left);
+        QCOMPARE(percentOfTree(), before);
+        pressInWindow(Qt::Key_Home);
+        QCOMPARE(tree->width(), pixelsFromTwips(1500));
+        pressInWindow(Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(tree->width() > pixelsFromTwips(1500));
+        QVERIFY(splitter()->hasFocus());
+    }
+
+    void tabPassesTheSplitterBy()
+    {
+        tree->setFocus();
+        pressInWindow(Qt::Key_Tab);
+        QVERIFY(list->hasFocus());
+        pressInWindow(Qt::Key_Tab);
+        QVERIFY(tree->hasFocus());
+    }
+
+    void theWheelLeavesTheSplitterAlone()
+    {
+        const int before = tree->width();
+        QWheelEvent turn(QPointF(1, 1), splitter()->mapToGlobal(QPointF(1, 1)), {}, {0, 120}, Qt::NoButton,
+                         Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(splitter(), &turn);
+        QCOMPARE(tree->width(), before);
     }
 
     void splitterKeysLeaveTheTreeAndItsListAlone()

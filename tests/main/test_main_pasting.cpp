@@ -50,6 +50,22 @@ private Q_SLOTS:
         QCOMPARE(names(), listed);
     }
 
+    void whatIsPastedOnTheListedCategoryIsListed()
+    {
+        selectRows({2});
+        press(list, Qt::Key_C);
+        chooseNode(u"B"_s);
+        const QStringList before = names();
+        QVERIFY(!before.contains(u"土"_s));
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Cancel);
+        press(tree, Qt::Key_V);
+        QCOMPARE(names(), before);
+        expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        press(tree, Qt::Key_V);
+        QCOMPARE(names().size(), before.size() + 1);
+        QVERIFY(names().contains(u"土"_s));
+    }
+
     void severalRowsAreFiledTogether()
     {
         selectRows({0, 2, 4});

@@ -9,6 +9,7 @@
 #include "ui/widgets/status_panels.h"
 
 #include <QComboBox>
+#include <QDebug>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -77,7 +78,7 @@ private Q_SLOTS:
         const QRect room = world->window().screen()->availableGeometry();
         QCOMPARE(room.width(), 800);
         const QRect withFrame = world->window().geometry().marginsAdded({20, 30, 20, 30});
-        QVERIFY2(room.contains(withFrame), QTest::toString(withFrame));
+        QVERIFY2(room.contains(withFrame), qPrintable(QDebug::toString(withFrame)));
     }
 
     void whatWasLostIsListedNewestFirst()

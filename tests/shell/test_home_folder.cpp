@@ -1,4 +1,5 @@
 #include "app/shell/home_folder.h"
+#include "app/shell/manual_folder.h"
 
 #include "app/shell/program_icon.h"
 #include "tests/support/scripted_dialogs.h"
@@ -184,6 +185,28 @@ private Q_SLOTS:
             QVERIFY2(ring.lightness() > middle.lightness() + 60,
                      qPrintable(ring.name() + u' ' + middle.name()));
         }
+    }
+
+    void manualIsFoundBesideTheProgramOrWhereItIsInstalled()
+    {
+        const QTemporaryDir place;
+        const QDir root(place.path());
+        QVERIFY(root.mkpath(u"bin"_s));
+        const QString program = root.filePath(u"bin"_s);
+        const auto bring = [&](const QString& folder) {
+            QVERIFY(root.mkpath(folder));
+            write(root.filePath(folder + u"/manual.html"_s), "page");
+        };
+        // Missing, it is expected where the package would have put it.
+#ifdef Q_OS_WIN
+        QCOMPARE(manualFolder(program), root.filePath(u"bin/manual"_s));
+#else
+        QCOMPARE(manualFolder(program), root.filePath(u"share/quillon/manual"_s));
+#endif
+        bring(u"share/quillon/manual"_s);
+        QCOMPARE(manualFolder(program), root.filePath(u"share/quillon/manual"_s));
+        bring(u"bin/manual"_s);
+        QCOMPARE(manualFolder(program), root.filePath(u"bin/manual"_s));
     }
 };
 

@@ -55,7 +55,7 @@ public:
     QString dateText; // what identifiers get instead of yy/mm/dd, when set
 };
 
-/// A desktop that only writes down what it was asked to open.
+/// A desktop that only writes down what it was asked to open, and what it was told of.
 class RecordingDesktop : public Desktop
 {
 public:
@@ -67,9 +67,11 @@ public:
         opened << path;
         return outcome;
     }
+    void noteRecent(const QString& path) override { recent << path; }
 
     CallLog calls;
     QStringList opened;
+    QStringList recent; // not among the calls: nothing depends on when it happens
     OpenOutcome outcome = OpenOutcome::Opened;
 };
 

@@ -15,7 +15,14 @@
 namespace quillon::testing
 {
 
-WindowWorld::WindowWorld() : program({dialogs, eventLog, clock, desktop, files}, folder.path())
+WindowWorld::WindowWorld(const QString& manualFolder)
+    : program({.dialogs = dialogs,
+               .eventLog = eventLog,
+               .clock = clock,
+               .desktop = desktop,
+               .files = files,
+               .manualFolder = manualFolder},
+              folder.path())
 {
     program.setEnd([this] { ++ends; });
     // No box may stand open in the middle of a pass over the file or of a write.

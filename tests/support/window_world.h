@@ -23,7 +23,8 @@ namespace quillon::testing
 class WindowWorld
 {
 public:
-    WindowWorld();
+    /// `manualFolder`: where the page of the manual lies, if anywhere.
+    explicit WindowWorld(const QString& manualFolder = {});
     /// Destroys all windows without asking them anything.
     ~WindowWorld();
     WindowWorld(const WindowWorld&) = delete;

@@ -36,11 +36,15 @@ public:
     using FormWindow::addMenu;
     using FormWindow::addSubmenu;
     using FormWindow::FormWindow;
+    using FormWindow::keepAtLeast;
     using FormWindow::openOverMainWindow;
+    using FormWindow::roomOnScreen;
+    using FormWindow::setContents;
 
     std::function<bool()> question = [] { return true; };
     int asked = 0;
     int clicked = 0;
+    // NOLINTNEXTLINE(readability-identifier-naming): as handlers are called in the windows
     void mnuCount_Click() { ++clicked; }
 
 protected:
@@ -149,6 +153,9 @@ private Q_SLOTS:
     void dataWindowsAreToldApart();
     void smallWindowOpensOverTheMainWindow();
     void smallWindowStaysOnTheScreen();
+    void windowIsNoLargerThanItsScreen();
+    void leastSizeIsNoLargerThanTheScreen();
+    void windowThatGrowsStaysOnTheScreen();
 
 private:
     std::unique_ptr<World> m_world;
@@ -567,6 +574,55 @@ void TestFormWindow::smallWindowStaysOnTheScreen()
     window->openOverMainWindow();
     window->showModeless();
     QVERIFY(window->screen()->availableGeometry().contains(window->geometry()));
+}
+
+void TestFormWindow::windowIsNoLargerThanItsScreen()
+{
+    PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
+    auto* body = new QWidget;
+    body->setMinimumSize(3000, 2000);
+    window->setContents(body);
+    window->resize(5000, 4000);
+    window->showModeless();
+    QCoreApplication::processEvents();
+    const QRect room = window->screen()->availableGeometry();
+    QVERIFY2(room.contains(window->frameGeometry()), QTest::toString(window->frameGeometry()));
+    QCOMPARE(body->size(), QSize(3000, 2000)); // it scrolls
+    // One that fits is as large as it was made.
+    PlainWindow* small = m_world->window(u"frmFind"_s);
+    small->resize(420, 310);
+    small->showModeless();
+    QCOMPARE(small->size(), QSize(420, 310));
+    // What the person makes larger stays as the person wants it.
+    small->resize(1500, 310);
+    QCoreApplication::processEvents();
+    QCOMPARE(small->width(), 1500);
+}
+
+void TestFormWindow::leastSizeIsNoLargerThanTheScreen()
+{
+    PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
+    window->keepAtLeast(90000, 6000); // twips
+    window->showModeless();
+    window->resize(100, 100);
+    QCoreApplication::processEvents();
+    QCOMPARE(window->width(), window->roomOnScreen().width());
+    QCOMPARE(window->frameSize().height(), 400);
+}
+
+void TestFormWindow::windowThatGrowsStaysOnTheScreen()
+{
+    PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
+    auto* body = new QWidget;
+    window->setContents(body);
+    window->resize(200, 200);
+    window->showModeless();
+    const QRect room = window->screen()->availableGeometry();
+    window->move(room.right() - 250, room.bottom() - 250);
+    body->setMinimumSize(500, 400);
+    QCoreApplication::processEvents();
+    QVERIFY(window->width() >= 500 && window->height() >= 400);
+    QVERIFY2(room.contains(window->frameGeometry()), QTest::toString(window->frameGeometry()));
 }
 
 QTEST_MAIN(TestFormWindow)

@@ -24,13 +24,19 @@ using quillon::ReportList;
 namespace
 {
 
-/// Lets the style draw the same texts.
+/// Lets the style draw the same texts; the views themselves frame the current row.
 class PlainDelegate : public QStyledItemDelegate
 {
 public:
     QString displayText(const QVariant& value, const QLocale& locale) const override
     {
         return OneLineDelegate().displayText(value, locale);
+    }
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyleOptionViewItem item = option;
+        item.state &= ~QStyle::State_HasFocus;
+        QStyledItemDelegate::paint(painter, item, index);
     }
 };
 

@@ -111,6 +111,17 @@ private Q_SLOTS:
         QCOMPARE(confirmed.size(), 1);
     }
 
+    void windowThatIsDestroyedOnTheScreenGetsNoReleaseThatWasKeptBack()
+    {
+        tellNatively(NativePress, EnterKey, 1000);
+        sendToWindow(*m_window, QEvent::KeyPress);
+        tellNatively(NativeRelease, EnterKey, 1100);
+        sendToWindow(*m_window, QEvent::KeyRelease);
+        QVERIFY(m_window->isVisible());
+        m_window.reset();
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+    }
+
     void lineBreaksAndCharactersRepeat()
     {
         holdKey(*m_window->text, Qt::Key_Return);

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/ports/dialogs.h"
 #include "store/session.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/keyed_tree.h"
 
@@ -44,8 +45,7 @@ void frmCategory::arrange()
     tvwCategory->setAcceptDrops(false);
     rows->addWidget(tvwCategory, 1);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    auto* buttons = new ButtonRow;
     QPushButton* cmdOK = addButton(middle, u"cmdOK"_s, u"OK(&O)"_s, &frmCategory::cmdOK_Click);
     QPushButton* cmdCancel =
         addButton(middle, u"cmdCancel"_s, u"Cancel(&C)"_s, &frmCategory::cmdCancel_Click);
@@ -53,8 +53,7 @@ void frmCategory::arrange()
     buttons->addWidget(cmdCancel);
     setTabOrder(tvwCategory, cmdOK);
     setTabOrder(cmdOK, cmdCancel);
-    rows->addLayout(buttons);
-    setCentralWidget(middle);
+    setContents(middle, buttons);
     tvwCategory->setFocus();
     resize(sizeHint().expandedTo({360, 420}));
     openOverMainWindow();

@@ -8,6 +8,7 @@
 #include "core/links.h"
 #include "store/data_kinds.h"
 #include "store/session.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
@@ -77,16 +78,14 @@ void frmDataSelect::arrange()
     lsvData->setSelectionMode(QAbstractItemView::SingleSelection);
     rows->addWidget(lsvData, 1);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    auto* buttons = new ButtonRow;
     QPushButton* cmdOK = addButton(middle, u"cmdOK"_s, u"OK"_s, &frmDataSelect::cmdOK_Click);
     QPushButton* cmdCancel = addButton(middle, u"cmdCancel"_s, u"Cancel"_s, &frmDataSelect::cmdCancel_Click);
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
     setTabOrder(lsvData, cmdOK);
     setTabOrder(cmdOK, cmdCancel);
-    rows->addLayout(buttons);
-    setCentralWidget(middle);
+    setContents(middle, buttons);
 
     const int modeWidth = fontMetrics().horizontalAdvance(u"リンクモード"_s) * 2;
     sbStatus = new StatusPanels({{.objectName = {},

@@ -88,32 +88,32 @@ void frmEntryInfo::arrange()
 {
     auto* middle = new QWidget(this);
     auto* grid = new QGridLayout(middle);
-    lblMainCount = countLabel(u"lblMainCount"_s, middle);
-    lblRefDocCount = countLabel(u"lblRefDocCount"_s, middle);
-    lblRefFileCount = countLabel(u"lblRefFileCount"_s, middle);
-    lblAllCount = countLabel(u"lblAllCount"_s, middle);
 
-    const auto addRow = [&](int row, const QString& name, const QString& caption, QLabel* count) {
+    // Assistive technology reads in the order of creation, and what belongs together by the buddy.
+    const auto addRow = [&](int row, const QString& name, const QString& caption) {
         auto* words = new CaptionWithColon(caption, middle);
         words->setObjectName(name);
         words->setTextFormat(Qt::PlainText);
+        QLabel* count = countLabel(name + u"Count"_s, middle);
+        words->setBuddy(count);
         grid->addWidget(words, row, 0);
         grid->addWidget(count, row, 1);
+        return count;
     };
-    addRow(0, u"lblMain"_s, u"定義データ 登録数      :"_s, lblMainCount);
-    addRow(1, u"lblRefDoc"_s, u"文献データ 登録数      :"_s, lblRefDocCount);
-    addRow(2, u"lblRefFile"_s, u"ファイルデータ 登録数 :"_s, lblRefFileCount);
+    lblMainCount = addRow(0, u"lblMain"_s, u"定義データ 登録数      :"_s);
+    lblRefDocCount = addRow(1, u"lblRefDoc"_s, u"文献データ 登録数      :"_s);
+    lblRefFileCount = addRow(2, u"lblRefFile"_s, u"ファイルデータ 登録数 :"_s);
     auto* line = new QFrame(middle);
     line->setObjectName(u"Line1"_s);
     line->setFrameShape(QFrame::HLine);
     line->setFrameShadow(QFrame::Sunken);
     grid->addWidget(line, 3, 0, 1, 2);
-    addRow(4, u"lblAll"_s, u"全データ 登録数        :"_s, lblAllCount);
+    lblAllCount = addRow(4, u"lblAll"_s, u"全データ 登録数        :"_s);
 
     grid->setColumnStretch(1, 1);
     grid->setColumnMinimumWidth(1, fontMetrics().horizontalAdvance(u"0000000000"_s));
     grid->setRowStretch(5, 1);
-    setCentralWidget(middle);
+    setContents(middle);
     openOverMainWindow();
 }
 

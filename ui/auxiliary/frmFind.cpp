@@ -9,6 +9,7 @@
 #include "store/data_kinds.h"
 #include "store/filter_result.h"
 #include "store/session.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/one_line_input.h"
@@ -67,15 +68,13 @@ void frmFind::arrange()
     kinds->addStretch(1);
     rows->addLayout(kinds);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    auto* buttons = new ButtonRow;
     QPushButton* cmdFind = addButton(middle, u"cmdFind"_s, u"検索(&S)"_s, &frmFind::cmdFind_Click);
     buttons->addWidget(cmdFind);
     setTabOrder(before, cmdFind);
-    rows->addLayout(buttons);
     rows->addStretch(1);
 
-    setCentralWidget(middle);
+    setContents(middle, buttons);
     txtFind->setFocus();
     resize(sizeHint().expandedTo({440, 0}));
     openOverMainWindow();

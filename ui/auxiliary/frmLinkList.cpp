@@ -5,6 +5,7 @@
 #include "core/links.h"
 #include "core/listed_datum.h"
 #include "store/session.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
@@ -81,15 +82,14 @@ void frmLinkList::arrange()
     lsvLink->giveRoomTo({0, 2});
     rows->addWidget(lsvLink, 1);
 
-    auto* bottom = new QHBoxLayout;
+    auto* bottom = new ButtonRow;
     lblCount = plainLabel(u"lblCount"_s, NoLinksCounted, nullptr, middle);
-    bottom->addWidget(lblCount, 1);
+    bottom->addLeading(lblCount);
     QPushButton* button =
         addButton(middle, u"cmdLinkDelete"_s, u"リンク削除(&D)"_s, &frmLinkList::cmdLinkDelete_Click);
     bottom->addWidget(button);
-    rows->addLayout(bottom);
 
-    setCentralWidget(middle);
+    setContents(middle, bottom);
     setTabOrder(lsvLink, button);
     // The window itself gets the keys when none of its controls has the focus.
     for (QWidget* control :

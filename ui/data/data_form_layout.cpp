@@ -87,7 +87,7 @@ void DataForm::arrange()
     addList(u"lblCategory"_s, lsvCategory);
     rows->addLayout(lists, 2);
 
-    setCentralWidget(middle);
+    setContents(middle);
     setTabOrder(name, identifier);
     setTabOrder(identifier, content);
     QWidget* before = content;
@@ -99,7 +99,7 @@ void DataForm::arrange()
     setTabOrder(lsvLink, lsvCategory);
     name->setFocus();
     // Large fonts ask for more than the usual size.
-    resize(sizeHint().expandedTo({640, 480}).boundedTo(screen()->availableSize() - QSize(20, 60)));
+    resize(sizeHint().expandedTo({640, 480}));
 }
 
 } // namespace quillon

@@ -87,6 +87,7 @@ void frmRefDoc::buildSizeButtons()
         QPushButton* button = addButton(this, u"cmdSize(%1)"_s.arg(index++), size.caption,
                                         [this, points = size.points] { cmdSize_Click(points); });
         button->setAutoDefault(false);
+        button->setAccessibleDescription(u"内容の文字の大きさを%1ポイントにします。"_s.arg(size.points));
         contentLabelRow().addWidget(button);
         setTabOrder(before, button);
         before = button;

@@ -5,6 +5,7 @@
 #include "app/base/titles.h"
 #include "core/file_registration.h"
 #include "store/session.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/cancellable_work.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
@@ -90,19 +91,20 @@ void frmRefFileEntry::arrange()
 
     m_progress = new QProgressBar(middle);
     m_progress->setObjectName(u"pgbCopy"_s);
+    m_progress->setAccessibleName(u"コピーの進み具合"_s);
     m_progress->setTextVisible(false);
     m_progress->hide();
-    rows->addWidget(m_progress);
+    auto* bottom = new QVBoxLayout;
+    bottom->addWidget(m_progress);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    auto* buttons = new ButtonRow;
     cmdEntry = addButton(middle, u"cmdEntry"_s, u"登録(&E)"_s, &frmRefFileEntry::mnuDataEntry_Click);
     cmdCancel = addButton(middle, u"cmdCancel"_s, u"ｷｬﾝｾﾙ(&C)"_s, &frmRefFileEntry::cmdCancel_Click);
     buttons->addWidget(cmdEntry);
     buttons->addWidget(cmdCancel);
-    rows->addLayout(buttons);
+    bottom->addLayout(buttons);
 
-    setCentralWidget(middle);
+    setContents(middle, bottom);
     setTabOrder(path, cmdPath);
     setTabOrder(cmdPath, identifier);
     setTabOrder(identifier, lsvCategory);
@@ -205,7 +207,7 @@ FileRegistration frmRefFileEntry::copyAndWrite()
         m_progress->setRange(0, Steps);
         m_progress->setValue(total > 0 ? static_cast<int>(done * Steps / total) : 0);
         m_progress->show();
-        centralWidget()->layout()->activate();
+        m_progress->parentWidget()->layout()->activate();
         m_progress->repaint();
         const bool goesOn = work.goesOn();
         cursor.emplace(); // it ends when events run

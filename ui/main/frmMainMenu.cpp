@@ -7,8 +7,11 @@
 #include "store/session.h"
 #include "ui/main/category_tree.h"
 #include "ui/main/main_window_metrics.h"
+#include "ui/main/pane_splitter.h"
 #include "ui/main/shown_list.h"
+#include "ui/widgets/described_controls.h"
 #include "ui/widgets/keyed_tree.h"
+#include "ui/widgets/pane_hint.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/status_panels.h"
 
@@ -72,7 +75,7 @@ frmMainMenu::frmMainMenu(Session& session, WindowRegistry& registry)
     keepAtLeast(metrics::LeastWidth, metrics::LeastHeight);
 
     const QSize wanted(pixelsFromTwips(metrics::DesignWidth), pixelsFromTwips(metrics::DesignHeight));
-    resize(wanted.boundedTo(screen()->availableSize() - QSize(40, 60)));
+    resize(wanted);
     setAcceptDrops(true);
     tvwCategory->setFocus();
 }
@@ -101,14 +104,24 @@ void frmMainMenu::buildControls()
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);
     lsvData->setColumnCharacters({36, 8, 18, 10});
-    lsvData->giveRoomTo({0});
+    lsvData->giveRoomTo({0, 3});
+
+    m_treeHint = std::make_unique<PaneHint>(
+        *tvwCategory, u"lblTreeHint"_s,
+        u"初めての方は、［ファイル(F)］→［新規データベース作成(N)］でデータベースを作成してください。"_s);
+    m_listHint = std::make_unique<PaneHint>(
+        *lsvData, u"lblListHint"_s,
+        u"データベースがあるときは、［ファイル(F)］→［既存データベース展開(O)］で展開してください。"_s);
 
     // The handle begins below the upper edge of the panes; what it leaves of the gap between them lies under it.
     m_splitterGap = new QWidget(surface);
     m_splitterGap->setCursor(Qt::SizeHorCursor);
     m_splitterGap->installEventFilter(this);
-    imgSplitter = new QWidget(surface);
+    imgSplitter = new PaneSplitter(surface);
     imgSplitter->setObjectName(u"imgSplitter"_s);
+    imgSplitter->setAccessibleName(u"カテゴリツリーとデータ一覧の境界"_s);
+    describe(imgSplitter, u"ドラッグ、または Ctrl + ←、→ で境界を移動します。"_s);
+    m_splitterGap->setToolTip(imgSplitter->toolTip());
     imgSplitter->setCursor(Qt::SizeHorCursor);
     imgSplitter->resize(pixelsFromTwips(metrics::SplitterWidth), pixelsFromTwips(metrics::SplitterHeight));
     imgSplitter->installEventFilter(this);

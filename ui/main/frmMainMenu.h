@@ -7,6 +7,7 @@
 #include "ui/main/fill_progress.h"
 #include "ui/widgets/form_window.h"
 
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 
@@ -31,6 +32,8 @@ namespace quillon
 struct Error;
 struct InputBox;
 class KeyedTree;
+class PaneHint;
+class PaneSplitter;
 class RecordSet;
 class ReportList;
 class StatusPanels;
@@ -138,9 +141,11 @@ private:
     /// Places the handle at a position in twips.
     void placeSplitter(double left, int top, int height);
     void splitterEvent(QEvent& event);
-    /// The keys of the frame: F6 goes to the other pane, Ctrl with Left or Right moves the splitter.
+    /// The keys of the frame: F6 goes to the other pane, F8 to the splitter and back; Ctrl with Left or Right moves it.
     void connectKeys();
     void goToOtherPane();
+    void goToSplitter();
+    void leaveSplitter();
     void moveSplitterBy(double twips);
     void connectTree();
     void connectList();
@@ -156,8 +161,8 @@ private:
     /// The answer of the data menu's own handlers to a failure.
     void showFailure(const Error& error, const QString& handler);
     /// Asks whether data are to be filed in the category at a position of the tree, and does it; told when none stands
-    /// there. `dataToFile`: asked for them when one does; none for nothing to be done.
-    void fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile);
+    /// there. `dataToFile`: asked for them when one does; none for nothing to be done. Whether the answer was yes.
+    bool fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile);
     /// Files data in a category; those that are gone leave the list.
     void classify(const std::vector<ListedDatum>& listed, const CategoryRow& category);
     /// What these rows of the data list show.
@@ -175,15 +180,18 @@ private:
 
     KeyedTree* tvwCategory = nullptr;
     ReportList* lsvData = nullptr;
-    QWidget* imgSplitter = nullptr;
+    PaneSplitter* imgSplitter = nullptr;
     QWidget* m_splitterGap = nullptr;
     QFrame* picSplitter = nullptr;
     QProgressBar* pgbMain = nullptr;
     StatusPanels* sbStatus = nullptr;
+    std::unique_ptr<PaneHint> m_treeHint; // until the first database is open
+    std::unique_ptr<PaneHint> m_listHint;
     bool Moving = false;
     bool m_takesDrag = false;  // of a file
     CategoryRow m_listed;      // the node whose data are listed; one that is no category has no number
     double m_splitterLeft = 0; // where the handle stands, in twips
+    QPointer<QWidget> m_beforeSplitter; // what had the keyboard before it
 
     /// What the file dialog of the File menu remembers between its showings.
     struct {

@@ -46,32 +46,38 @@ void frmMainMenu::tvwCategory_Paste()
     const std::vector<CopiedRow> copied = copiedRows();
     if (!treeHasNodes() || copied.empty())
         return;
-    fileIn(selectedNodeIndex(), [&] {
+    const int target = selectedNodeIndex();
+    const bool isFiled = fileIn(target, [&] {
         std::vector<ListedDatum> listed;
         listed.reserve(copied.size());
         for (const CopiedRow& row : copied)
             listed.push_back({.identifier = row.identifier, .name = row.name});
         return listed;
     });
+    // Who pastes looks at what comes; who drags has other data listed.
+    if (isFiled && target == listedNodeIndex())
+        ShowDataList(target);
 }
 
-void frmMainMenu::fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile)
+bool frmMainMenu::fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile)
 {
     if (node <= LastFixedNode) {
         session().dialogs.messageBox({.text = u"選択された項目はカテゴリではありません｡"_s});
-        return;
+        return false;
     }
     const CategoryRow category = presentCategory(session(), nodeKey(node));
     const std::vector<ListedDatum> listed = dataToFile();
     if (listed.empty())
-        return;
+        return false;
     const QString question =
         listed.size() > 1
             ? u"選択された複数のデータを [ "_s + category.name + u" ] に分類してもよろしいですか。"_s
             : u"[ "_s + listed.front().name + u" ] を[ "_s + category.name +
                   u" ]へ分類してもよろしいですか"_s; // sic: without a full stop
-    if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) == Answer::Ok)
-        classify(listed, category);
+    if (session().dialogs.messageBox({.text = question, .buttons = Buttons::OkCancel}) != Answer::Ok)
+        return false;
+    classify(listed, category);
+    return true;
 }
 
 void frmMainMenu::classify(const std::vector<ListedDatum>& listed, const CategoryRow& category)

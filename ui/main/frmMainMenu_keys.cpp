@@ -1,13 +1,13 @@
+#include "app/base/twips.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/main/main_window_metrics.h"
+#include "ui/main/pane_splitter.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
 #include <QShortcut>
-
-#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,6 +22,15 @@ void frmMainMenu::connectKeys()
     };
     onKey(Qt::Key_F6, [this] { goToOtherPane(); });
     onKey(Qt::SHIFT | Qt::Key_F6, [this] { goToOtherPane(); }); // backwards, which is the same with two
+    onKey(Qt::Key_F8, [this] { goToSplitter(); });
+    connect(imgSplitter, &PaneSplitter::left, this,
+            eventSlot(session().reporting, u"Form_KeyDown"_s, [this] { leaveSplitter(); }));
+    connect(imgSplitter, &PaneSplitter::moveWanted, this, [this](int percent) {
+        handleEvent(session().reporting, u"Form_KeyDown"_s, [&] {
+            auto position = static_cast<float>(twipsFromPixels(centralWidget()->width()) * percent / 100);
+            SizeControls(position);
+        });
+    });
     onKey(Qt::CTRL | Qt::Key_Left, [this] { moveSplitterBy(-metrics::SplitterStep); });
     onKey(Qt::CTRL | Qt::Key_Right, [this] { moveSplitterBy(metrics::SplitterStep); });
 }
@@ -32,13 +41,26 @@ void frmMainMenu::goToOtherPane()
     other->setFocus(Qt::ShortcutFocusReason);
 }
 
+void frmMainMenu::goToSplitter()
+{
+    if (imgSplitter->hasFocus()) {
+        leaveSplitter();
+        return;
+    }
+    m_beforeSplitter = focusWidget();
+    imgSplitter->setFocus(Qt::ShortcutFocusReason);
+}
+
+void frmMainMenu::leaveSplitter()
+{
+    QWidget* const before = m_beforeSplitter.isNull() ? tvwCategory : m_beforeSplitter.data();
+    before->setFocus(Qt::ShortcutFocusReason);
+}
+
 void frmMainMenu::moveSplitterBy(double twips)
 {
     auto position = static_cast<float>(m_splitterLeft + twips);
     SizeControls(position);
-    // A panel of the status bar is what assistive technology reads out.
-    const int percent = qRound(100.0 * tvwCategory->width() / std::max(1, centralWidget()->width()));
-    setStatus(1, u"カテゴリツリーの幅：画面の "_s + QString::number(percent) + u" ％"_s);
 }
 
 } // namespace quillon

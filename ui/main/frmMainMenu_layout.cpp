@@ -1,6 +1,7 @@
 #include "app/base/twips.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/main/main_window_metrics.h"
+#include "ui/main/pane_splitter.h"
 #include "ui/widgets/keyed_tree.h"
 #include "ui/widgets/report_list.h"
 
@@ -8,6 +9,7 @@
 #include <QFrame>
 #include <QMouseEvent>
 #include <QProgressBar>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -75,6 +77,13 @@ void frmMainMenu::placeSplitter(double left, int top, int height)
     const int to = lsvData->x() + lsvData->frameWidth();
     imgSplitter->setGeometry(from, top, to - from, height);
     m_splitterGap->setGeometry(from, tvwCategory->y(), to - from, tvwCategory->height());
+
+    // Its ends lie at the limits of the panes or beyond them, so that whoever goes to an end gets to the very limit.
+    const int width = std::max(1, centralWidget()->width());
+    const auto percent = [width](int pixels) { return 100.0 * pixels / width; };
+    const int least = pixelsFromTwips(metrics::PaneLimit);
+    imgSplitter->standAt(qRound(percent(tvwCategory->width())), qFloor(percent(least)),
+                         qCeil(percent(width - least)));
 }
 
 void frmMainMenu::imgSplitter_MouseDown()

@@ -10,6 +10,7 @@
 #include "store/opening.h"
 #include "store/session.h"
 #include "ui/main/frmMainMenu.h"
+#include "ui/widgets/pane_hint.h"
 
 #include <QAction>
 #include <QMenu>
@@ -86,6 +87,9 @@ void frmMainMenu::enableDatabaseMenus()
     mnuInfo->menuAction()->setEnabled(true);
     mnuInfoLink->setEnabled(true);
     mnuInfoEntry->setEnabled(true);
+    // From now on the panes may be empty because there is nothing in the database.
+    m_treeHint.reset();
+    m_listHint.reset();
 }
 
 void frmMainMenu::mnuFileNew_Click()
@@ -108,7 +112,10 @@ void frmMainMenu::mnuFileNew_Click()
                                       .title = titles::SystemAudit});
         return;
     }
-    if (CreateDbFile(session(), dlgDbOpen.fileName) == Opening::Declined)
+    const Opening outcome = CreateDbFile(session(), dlgDbOpen.fileName);
+    if (outcome == Opening::Opened)
+        session().desktop.noteRecent(dlgDbOpen.fileName);
+    else if (outcome == Opening::Declined)
         dlgDbOpen.fileName = before;
 }
 
@@ -142,9 +149,10 @@ void frmMainMenu::openChosenFile(const QString& path)
             return;
     }
     const Opening outcome = openDatabase(session(), dlgDbOpen.fileName);
-    if (outcome == Opening::Opened)
+    if (outcome == Opening::Opened) {
+        session().desktop.noteRecent(dlgDbOpen.fileName);
         ShowDataList(positionOf(FixedNode::AllData));
-    else if (outcome == Opening::Declined)
+    } else if (outcome == Opening::Declined)
         dlgDbOpen.fileName = before;
     if (converted)
         tellWhatIsLost(*converted);

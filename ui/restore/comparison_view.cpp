@@ -4,6 +4,7 @@
 #include "core/text_difference.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/read_only_text.h"
 #include "ui/widgets/report_list.h"
 
 #include <QBoxLayout>
@@ -55,9 +56,8 @@ QString numbersOf(const std::vector<int>& lines)
 QPlainTextEdit* addText(QBoxLayout& column, const QString& name, const QString& labelName,
                         const QString& label, QWidget* parent)
 {
-    auto* text = new QPlainTextEdit(parent);
+    auto* text = new ShownText(parent);
     text->setObjectName(name);
-    text->setReadOnly(true);
     text->setTabChangesFocus(true);
     // Without a cursor the keyboard could not reach what lies below.
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

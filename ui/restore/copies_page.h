@@ -23,6 +23,8 @@ class CopiesPage : public QWidget
 
 public:
     CopiesPage(Session& session, QWidget* parent);
+    CopiesPage(const CopiesPage&) = delete;
+    CopiesPage& operator=(const CopiesPage&) = delete;
     ~CopiesPage() override;
 
     void showDatabase(const QString& path);

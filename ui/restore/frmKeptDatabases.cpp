@@ -5,6 +5,7 @@
 #include "core/kept_copies.h"
 #include "store/session.h"
 #include "ui/restore/restore_texts.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/report_list.h"
@@ -53,18 +54,16 @@ void frmKeptDatabases::arrange()
     rows->addWidget(
         plainLabel(u"lblDatabase"_s, u"控えか履歴のあるデータベース(&L) ："_s, lsvDatabase, middle));
     rows->addWidget(lsvDatabase, 1);
-    auto* buttons = new QHBoxLayout;
+    auto* buttons = new ButtonRow;
     QPushButton* cmdFile =
         addButton(middle, u"cmdFile"_s, u"ファイルを指定(&F)"_s, &frmKeptDatabases::cmdFile_Click);
     cmdOK = addButton(middle, u"cmdOK"_s, u"OK"_s, &frmKeptDatabases::cmdOK_Click);
     QPushButton* cmdCancel =
         addButton(middle, u"cmdCancel"_s, u"Cancel"_s, &frmKeptDatabases::cmdCancel_Click);
-    buttons->addWidget(cmdFile);
-    buttons->addStretch(1);
+    buttons->addLeading(cmdFile);
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
-    rows->addLayout(buttons);
-    setCentralWidget(middle);
+    setContents(middle, buttons);
     setTabOrder(lsvDatabase, cmdFile);
     setTabOrder(cmdFile, cmdOK);
     setTabOrder(cmdOK, cmdCancel);

@@ -11,6 +11,7 @@
 #include "ui/restore/frmKeptDatabases.h"
 #include "ui/restore/lost_page.h"
 #include "ui/restore/restore_texts.h"
+#include "ui/widgets/button_row.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/status_panels.h"
@@ -72,11 +73,9 @@ void frmRestore::arrange()
     rows->addWidget(tabPages, 1);
     connect(m_copies, &CopiesPage::databaseWanted, this, &frmRestore::databaseWanted);
 
-    auto* bottom = new QHBoxLayout;
-    bottom->addStretch(1);
+    auto* bottom = new ButtonRow;
     bottom->addWidget(addButton(middle, u"cmdClose"_s, u"閉じる(&C)"_s, [this] { unload(); }));
-    rows->addLayout(bottom);
-    setCentralWidget(middle);
+    setContents(middle, bottom);
 
     sbStatus = new StatusPanels(
         {{.objectName = {}, .text = {}, .toolTip = u"データベースの状態を表示します。"_s, .stretches = true}},

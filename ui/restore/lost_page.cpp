@@ -44,9 +44,9 @@ bool isSame(const LostEntry& a, const LostEntry& b)
 
 } // namespace
 
-LostPage::LostPage(Session& session, QWidget* parent) : QWidget(parent), m_session(session)
+LostPage::LostPage(Session& session, QWidget* parent)
+    : QWidget(parent), m_session(session), m_reading(new QTimer(this))
 {
-    m_reading = new QTimer(this);
     m_reading->setObjectName(u"tmrReading"_s);
     m_reading->setInterval(0);
     arrange();

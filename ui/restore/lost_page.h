@@ -30,6 +30,8 @@ class LostPage : public QWidget
 
 public:
     LostPage(Session& session, QWidget* parent);
+    LostPage(const LostPage&) = delete;
+    LostPage& operator=(const LostPage&) = delete;
     ~LostPage() override;
 
     /// Lists what was lost in a database, up to now. `unreadable`: why it is not the open one, for the person, who then

@@ -3,9 +3,14 @@
 #include "app/base/twips.h"
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/focus_ring.h"
 #include "ui/widgets/menu_bar.h"
 #include "ui/widgets/persons_input.h"
+#include "ui/widgets/read_only_text.h"
+#include "ui/widgets/screen_room.h"
+#include "ui/widgets/scrolled_area.h"
 #include "ui/widgets/title_width.h"
+#include "ui/widgets/window_contents.h"
 #include "ui/widgets/window_registry.h"
 
 #include <QAction>
@@ -13,11 +18,13 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScreen>
+#include <QStyle>
 #include <QWindow>
 
 #include <algorithm>
@@ -47,6 +54,8 @@ FormWindow::FormWindow(Session& session, WindowRegistry& registry, const QString
     setObjectName(windowName);
     m_registry.add(this);
     PersonsInput::ofApplication(); // from the first window on
+    FocusRing::followFocus();
+    keepReadOnlyFieldsFromOutside();
 }
 
 FormWindow::~FormWindow()
@@ -104,17 +113,80 @@ void FormWindow::keepAtLeast(double width, double height)
     enforceLeastSize();
 }
 
+void FormWindow::setContents(QWidget* body, QLayout* bottom)
+{
+    if (bottom == nullptr)
+        setCentralWidget(new ScrolledArea(body, ScrolledArea::Least::Content, this));
+    else
+        setCentralWidget(new WindowContents(body, bottom, this));
+}
+
+QSize FormWindow::roomOnScreen() const
+{
+    const QSize frame = frameSize() - size();
+    const bool isKnown = !frame.isNull() || windowFlags().testFlag(Qt::FramelessWindowHint);
+    return isKnown ? screen()->availableSize() - frame : roomInUsualFrame(*this);
+}
+
 void FormWindow::enforceLeastSize()
 {
-    if (m_leastFrame.isEmpty() || isMinimized())
+    // A window that has one size has settled it with its screen itself.
+    if (isMinimized() || minimumSize() == maximumSize())
         return;
-    const QSize frame = frameSize() - size();
-    const QSize least =
-        QSize(pixelsFromTwips(m_leastFrame.width()), pixelsFromTwips(m_leastFrame.height())) - frame;
-    // A least size of its own keeps the window from asking its layout, which may need more with large fonts.
-    const QSize enforced = least.expandedTo(minimumSizeHint());
-    if (minimumSize() != enforced)
-        setMinimumSize(enforced);
+    QSize least(0, 0);
+    if (!m_leastFrame.isEmpty())
+        least = QSize(pixelsFromTwips(m_leastFrame.width()), pixelsFromTwips(m_leastFrame.height())) -
+                (frameSize() - size());
+    // A least size of its own keeps the window from asking its layout, which may need more with large fonts, and more
+    // than the screen has.
+    const QSize enforced = least.expandedTo(minimumSizeHint()).boundedTo(roomOnScreen());
+    if (minimumSize() == enforced)
+        return;
+    const QSize before = size();
+    setMinimumSize(enforced);
+    if (size() != before)
+        moveOntoScreen();
+}
+
+void FormWindow::fitScreen()
+{
+    if (isMinimized() || isMaximized() || isFullScreen() || minimumSize() == maximumSize())
+        return;
+    const QSize before = size();
+    resize(size().boundedTo(roomOnScreen()));
+    if (size() != before)
+        moveOntoScreen();
+}
+
+void FormWindow::moveOntoScreen()
+{
+    // One that nobody has placed yet is placed by the window manager.
+    if (!isVisible() && !testAttribute(Qt::WA_Moved))
+        return;
+    const QRect place = placeOnScreen(frameGeometry(), screen()->availableGeometry());
+    if (place.topLeft() != frameGeometry().topLeft())
+        move(place.topLeft());
+}
+
+void FormWindow::followScreen()
+{
+    if (m_followsScreen || windowHandle() == nullptr)
+        return;
+    m_followsScreen = true;
+    const auto fit = [this] {
+        enforceLeastSize();
+        fitScreen();
+    };
+    const auto watch = [this, fit](const QScreen* watched) {
+        disconnect(m_screenWatch);
+        if (watched != nullptr)
+            m_screenWatch = connect(watched, &QScreen::availableGeometryChanged, this, fit);
+    };
+    watch(screen());
+    connect(windowHandle(), &QWindow::screenChanged, this, [watch, fit](const QScreen* other) {
+        watch(other);
+        fit();
+    });
 }
 
 bool FormWindow::event(QEvent* event)
@@ -124,8 +196,13 @@ bool FormWindow::event(QEvent* event)
                          event->type() == QEvent::WindowActivate || event->type() == QEvent::Show ||
                          event->type() == QEvent::LayoutRequest;
     const bool handled = QMainWindow::event(event);
-    if (mayTell)
+    if (mayTell) {
         enforceLeastSize();
+        if (const QSize frame = frameSize() - size(); isVisible() && frame != m_fittedFrame) {
+            m_fittedFrame = frame;
+            fitScreen();
+        }
+    }
     return handled;
 }
 
@@ -148,11 +225,33 @@ void FormWindow::closeEvent(QCloseEvent* event)
     event->setAccepted(closed);
 }
 
+void FormWindow::prepareToAppear()
+{
+    // What a control has shown, hidden or changed since it was laid out, it tells by events that are still to come.
+    const auto controls = findChildren<QWidget*>();
+    for (QWidget* control : controls)
+        control->updateGeometry();
+    const auto layouts = findChildren<QLayout*>();
+    for (QLayout* stale : layouts)
+        stale->invalidate();
+    // A window whose size nobody has chosen would get it only in appearing.
+    QSize wanted = testAttribute(Qt::WA_Resized) ? size() : sizeHint();
+    if (m_opensOverMainWindow)
+        wanted = wanted.expandedTo({widthForTitle(*this), 0});
+    // A bar for scrolling across takes room from what is above it, and one for scrolling down from what is beside it.
+    const QSize room = roomOnScreen();
+    const QSize least = minimumSizeHint();
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    wanted += QSize(least.height() > room.height() ? bar : 0, least.width() > room.width() ? bar : 0);
+    enforceLeastSize();
+    if (minimumSize() != maximumSize())
+        resize(wanted.boundedTo(room));
+    if (m_opensOverMainWindow)
+        placeOverMainWindow();
+}
+
 void FormWindow::placeOverMainWindow()
 {
-    // A window whose size nobody has chosen would get it only in appearing.
-    const QSize wanted = testAttribute(Qt::WA_Resized) ? size() : sizeHint();
-    resize(wanted.expandedTo({widthForTitle(*this), 0}));
     const auto* mainWindow = dynamic_cast<const FormWindow*>(m_registry.loaded().front());
     if (mainWindow == nullptr || mainWindow == this || !mainWindow->isVisible())
         return;
@@ -160,19 +259,17 @@ void FormWindow::placeOverMainWindow()
     const QSize frame = mainWindow->frameSize() - mainWindow->size();
     QRect place(QPoint(0, 0), size() + frame);
     place.moveCenter(mainWindow->frameGeometry().center());
-    const QRect room = mainWindow->screen()->availableGeometry();
-    place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() + 1 - place.width())));
-    place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() + 1 - place.height())));
-    move(place.topLeft());
+    move(placeOnScreen(place, mainWindow->screen()->availableGeometry()).topLeft());
 }
 
 void FormWindow::bringToFront()
 {
-    if (m_opensOverMainWindow && !isVisible())
-        placeOverMainWindow();
+    if (!isVisible())
+        prepareToAppear();
     if (isMinimized())
         setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
+    followScreen();
     raise();
     activateWindow();
 }

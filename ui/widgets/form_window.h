@@ -10,6 +10,7 @@
 #include <functional>
 
 class QAction;
+class QLayout;
 class QMenu;
 class QPushButton;
 
@@ -52,12 +53,19 @@ protected:
     /// The window's own question before it closes; false keeps it open.
     virtual bool queryUnload() { return true; }
 
+    /// Takes the controls of the window, the parts of its central widget: what is in `body` scrolls where the screen has
+    /// no room for it, the row below, if there is one, stays in view.
+    void setContents(QWidget* body, QLayout* bottom = nullptr);
+
     /// Sets the least size of the window with its frame, in twips. The window manager hears of it as well, so that a
-    /// person who drags the border feels the limit.
+    /// person who drags the border feels the limit. On a screen with less room than that the room is the limit.
     void keepAtLeast(double width, double height);
 
     /// For a small window: it is wide enough for its title, and opens over the middle of the main window.
     void openOverMainWindow() { m_opensOverMainWindow = true; }
+
+    /// The room for the window on its screen, inside the window's frame.
+    QSize roomOnScreen() const;
 
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
@@ -96,6 +104,11 @@ private:
     }
     bool tryUnload();
     void enforceLeastSize();
+    /// Makes the window as small as its screen, when it is larger.
+    void fitScreen();
+    void moveOntoScreen();
+    void followScreen();
+    void prepareToAppear();
     void placeOverMainWindow();
 
     Session& m_session;
@@ -104,7 +117,10 @@ private:
     bool m_asking = false; // a closing question is on the screen
     bool m_unloaded = false;
     bool m_opensOverMainWindow = false;
+    bool m_followsScreen = false;
+    QMetaObject::Connection m_screenWatch;
     QSizeF m_leastFrame; // twips; empty for none
+    QSize m_fittedFrame; // the thickness of the frame with which the window was last made to fit its screen
 };
 
 } // namespace quillon

@@ -14,6 +14,12 @@ inline bool typesText(const QKeyEvent& event)
            !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
+/// Whether a key press asks for the context menu, where the system does not know that itself.
+inline bool asksForMenu(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_F10 && (event.modifiers() & ~Qt::KeypadModifier) == Qt::ShiftModifier;
+}
+
 /// Whether Shift is held without Ctrl and Alt; what else is held (a key of the number pad, for one) does not count.
 inline bool isShiftAlone(Qt::KeyboardModifiers modifiers)
 {

@@ -85,9 +85,9 @@ bool KeyRepeats::takes(QObject* receiver, QEvent* event)
     case QEvent::MouseButtonDblClick:
     case QEvent::TouchBegin:
     case QEvent::Wheel:
-    case QEvent::Close:
         deliverRelease();
         return false;
+    // No release before a window is closed: one that is destroyed on the screen is closed in the middle of it.
     default:
         return false;
     }

@@ -1,6 +1,7 @@
 #include "ui/widgets/keyed_tree.h"
 
 #include "ui/widgets/composition_field.h"
+#include "ui/widgets/focus_marks.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
 #include "ui/widgets/text_drops.h"
@@ -30,18 +31,17 @@ bool isAtOrBelow(QModelIndex index, const QModelIndex& top)
     return index.isValid();
 }
 
-/// Shows the node under something that is dragged as if it were selected, in the colours of the palette.
+/// Frames the node under something that is dragged.
 class NodeDelegate : public OneLineDelegate
 {
 public:
     explicit NodeDelegate(KeyedTree* tree) : OneLineDelegate(tree), m_tree(tree) {}
 
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
-        OneLineDelegate::initStyleOption(option, index);
+        OneLineDelegate::paint(painter, option, index);
         if (m_tree->dropHighlight() != 0 && m_tree->nodes().position(index) == m_tree->dropHighlight())
-            option->state |= QStyle::State_Selected | QStyle::State_Active;
+            frameDropTarget(*painter, option);
     }
 
 private:
@@ -53,6 +53,12 @@ private:
 KeyedTree::KeyedTree(QWidget* parent)
     : QTreeView(parent), m_model(new KeyedTreeModel(this)), m_composition(new CompositionField(*this))
 {
+    AccessibleView::install();
+    connect(m_model, &QAbstractItemModel::modelReset, this, &KeyedTree::forgetShownNodes);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &KeyedTree::forgetShownNodes);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, &KeyedTree::forgetShownNodes);
+    connect(this, &QTreeView::expanded, this, &KeyedTree::forgetShownNodes);
+    connect(this, &QTreeView::collapsed, this, &KeyedTree::forgetShownNodes);
     setModel(m_model);
     setItemDelegate(new NodeDelegate(this));
     setHeaderHidden(true);
@@ -76,6 +82,9 @@ KeyedTree::KeyedTree(QWidget* parent)
     connect(&m_scrollTimer, &QTimer::timeout, this, &KeyedTree::scrollWhileHovering);
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] { m_choiceToTell = false; });
     connect(this, &QTreeView::collapsed, this, &KeyedTree::selectInsteadOfHidden);
+    const auto tellOpened = [this](const QModelIndex& index) { AccessibleView::tellOpened(*this, index); };
+    connect(this, &QTreeView::expanded, this, tellOpened);
+    connect(this, &QTreeView::collapsed, this, tellOpened);
 }
 
 QModelIndex KeyedTree::selectedNode() const
@@ -183,6 +192,13 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event)
 void KeyedTree::keyPressEvent(QKeyEvent* event)
 {
     m_pressedKeys.press(*event);
+    if (asksForMenu(*event)) {
+        event->accept();
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {}, Qt::NoModifier);
+        if (!event->isAutoRepeat())
+            contextMenuEvent(&menu);
+        return;
+    }
     if (!event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (event->matches(QKeySequence::Paste)) {
@@ -245,11 +261,15 @@ void KeyedTree::focusInEvent(QFocusEvent* event)
 {
     QTreeView::focusInEvent(event);
     setAttribute(Qt::WA_InputMethodEnabled);
+    AccessibleView::tellCurrent(*this, currentIndex());
 }
 
 void KeyedTree::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
-    QTreeView::currentChanged(current, previous);
+    // The base class would count its nodes with the hidden header among them.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    QAbstractItemView::currentChanged(current, previous);
+    AccessibleView::tellCurrent(*this, current);
     // Names are Japanese: an input method must be able to type what is searched, although no node can be edited.
     setAttribute(Qt::WA_InputMethodEnabled);
 }
@@ -266,7 +286,8 @@ void KeyedTree::focusOutEvent(QFocusEvent* event)
 
 void KeyedTree::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
-    QTreeView::selectionChanged(selected, deselected);
+    QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
+    AccessibleView::tellSelection(*this, selected, deselected);
     if (m_byProgram)
         return;
     m_choiceToTell = true;
@@ -286,6 +307,18 @@ void KeyedTree::selectInsteadOfHidden(const QModelIndex& closed)
     const QModelIndex selected = selectedNode();
     if (selected != closed && isAtOrBelow(selected, closed))
         setCurrentIndex(closed);
+}
+
+void KeyedTree::initViewItemOption(QStyleOptionViewItem* option) const
+{
+    QTreeView::initViewItemOption(option);
+    showFocus(*option, *this);
+}
+
+void KeyedTree::paintEvent(QPaintEvent* event)
+{
+    QTreeView::paintEvent(event);
+    frameCurrentRow(*this, visualRect(currentIndex()));
 }
 
 void KeyedTree::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
@@ -317,6 +350,108 @@ void KeyedTree::contextMenuEvent(QContextMenuEvent* event)
         position = viewport()->mapToGlobal(inside);
     }
     Q_EMIT menuRequested(position);
+}
+
+const std::vector<QModelIndex>& KeyedTree::shownNodes() const
+{
+    if (!m_shownNodes.empty())
+        return m_shownNodes;
+    const auto addBelow = [this](const auto& self, const QModelIndex& parent) -> void {
+        const int count = m_model->rowCount(parent);
+        for (int row = 0; row < count; ++row) {
+            const QModelIndex node = m_model->index(row, 0, parent);
+            m_shownRows.insert(node, static_cast<int>(m_shownNodes.size()));
+            m_shownNodes.push_back(node);
+            if (isOpen(node))
+                self(self, node);
+        }
+    };
+    addBelow(addBelow, {});
+    return m_shownNodes;
+}
+
+void KeyedTree::forgetShownNodes()
+{
+    m_shownNodes.clear();
+    m_shownRows.clear();
+}
+
+QModelIndex KeyedTree::shownIndex(int row, int column) const
+{
+    const std::vector<QModelIndex>& shown = shownNodes();
+    const bool isThere = row >= 0 && static_cast<std::size_t>(row) < shown.size() && column == 0;
+    return isThere ? shown[static_cast<std::size_t>(row)] : QModelIndex();
+}
+
+int KeyedTree::shownRow(const QModelIndex& index) const
+{
+    shownNodes();
+    return m_shownRows.value(index, -1);
+}
+
+bool KeyedTree::isOpen(const QModelIndex& index) const
+{
+    // The view remembers of a node that it is to be open, even when there is nothing below it.
+    return m_model->hasChildren(index) && isExpanded(index);
+}
+
+bool KeyedTree::chooseRow(int row)
+{
+    const QModelIndex node = shownIndex(row, 0);
+    if (!node.isValid())
+        return false;
+    if (selectionModel()->isSelected(node))
+        return true;
+    {
+        const QScopedValueRollback byProgram(m_byProgram, true);
+        setCurrentIndex(node);
+    }
+    // What is told may fill a list or show a box, for which nobody outside should wait.
+    m_choiceToTell = true;
+    QMetaObject::invokeMethod(this, &KeyedTree::tellChoice, Qt::QueuedConnection);
+    return true;
+}
+
+void KeyedTree::goToRow(int row)
+{
+    if (!shownIndex(row, 0).isValid())
+        return;
+    activateWindow();
+    setFocus(Qt::OtherFocusReason);
+    chooseRow(row);
+}
+
+void KeyedTree::pressRow(int row)
+{
+    goToRow(row);
+    const auto press = [this, pressed = QPersistentModelIndex(shownIndex(row, 0))] {
+        if (!pressed.isValid() || !selectionModel()->isSelected(pressed))
+            return;
+        m_choiceToTell = false;
+        Q_EMIT nodeClicked(m_model->position(pressed));
+    };
+    // Before the choice is told: a click on a node is not both.
+    m_choiceToTell = false;
+    QMetaObject::invokeMethod(this, press, Qt::QueuedConnection);
+}
+
+void KeyedTree::turnBranch(int row)
+{
+    const auto turn = [this, node = QPersistentModelIndex(shownIndex(row, 0))] {
+        if (node.isValid())
+            setExpanded(node, !isExpanded(node));
+    };
+    QMetaObject::invokeMethod(this, turn, Qt::QueuedConnection);
+}
+
+void KeyedTree::openMenuOf(int row)
+{
+    goToRow(row);
+    const auto open = [this] {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {}, Qt::NoModifier);
+        contextMenuEvent(&event);
+    };
+    QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }
 
 void KeyedTree::hoverAt(const QPoint& position)

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "ui/widgets/accessible_view.h"
 #include "ui/widgets/keyed_tree_model.h"
 #include "ui/widgets/pressed_keys.h"
 
+#include <QHash>
 #include <QPersistentModelIndex>
 #include <QTimer>
 #include <QTreeView>
+
+#include <vector>
 
 namespace quillon
 {
@@ -15,7 +19,7 @@ class CompositionField;
 /// A tree view over keyed nodes. What the person selects is told apart from a change of the selection by the program.
 /// The selected node is never hidden: a branch that is closed over it is selected in its place. When the selected
 /// node is removed, no other one is selected for it.
-class KeyedTree : public QTreeView
+class KeyedTree : public QTreeView, public AccessibleRows
 {
     Q_OBJECT
 
@@ -32,6 +36,22 @@ public:
     /// The node marked while something is dragged over the tree, 0 for none.
     int dropHighlight() const { return m_model->position(m_dropHighlight); }
     void setDropHighlight(int position);
+
+    QAbstractItemView& viewOfRows() override { return *this; }
+    QHeaderView* shownHeader() const override { return nullptr; }
+    int shownColumnCount() const override { return 1; }
+    int modelColumn(int shownColumn) const override { return shownColumn; }
+    int shownRowCount() const override { return static_cast<int>(shownNodes().size()); }
+    QModelIndex shownIndex(int row, int column) const override;
+    int shownRow(const QModelIndex& index) const override;
+    bool isOpen(const QModelIndex& index) const override;
+    bool canOpen(const QModelIndex& index) const override { return m_model->hasChildren(index); }
+    bool chooseRow(int row) override;
+    bool releaseRow(int /*row*/) override { return false; } // there is always a selected node
+    void goToRow(int row) override;
+    void pressRow(int row) override;
+    void turnBranch(int row) override;
+    void openMenuOf(int row) override;
 
 Q_SIGNALS:
     /// A node was clicked with the left mouse button, the selected one or another.
@@ -68,12 +88,16 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void initViewItemOption(QStyleOptionViewItem* option) const override;
+    void paintEvent(QPaintEvent* event) override;
     void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
 
 private:
     QModelIndex selectedNode() const;
+    const std::vector<QModelIndex>& shownNodes() const;
+    void forgetShownNodes();
     bool selectsCurrentNode(const QKeyEvent& event) const;
     void selectInsteadOfHidden(const QModelIndex& closed);
     void tellChoice();
@@ -91,6 +115,9 @@ private:
     bool m_byProgram = false;    // whether it is the program that changes the selection now
     bool m_choiceToTell = false; // the person has selected another node and that has not been told yet
     QPersistentModelIndex m_dropHighlight;
+    // The nodes that no closed branch hides, from top to bottom, and their rows; empty until somebody asks.
+    mutable std::vector<QModelIndex> m_shownNodes;
+    mutable QHash<QModelIndex, int> m_shownRows;
     QPoint m_hoverPosition;
     QTimer m_expandTimer;
     QTimer m_scrollTimer;

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-QT_FORWARD_DECLARE_CLASS(QTextLayout)
+class QTextLayout;
 
 namespace quillon
 {

@@ -91,14 +91,15 @@ void OneLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                             const QModelIndex& index) const
 {
     const QStyle& style = option.widget != nullptr ? *option.widget->style() : *QApplication::style();
-    // Other styles draw texts in ways of their own, and the mark of the focus covers its text.
-    const bool plainly = style.inherits("QFusionStyle") && option.direction == Qt::LeftToRight &&
-                         (option.state & QStyle::State_HasFocus) == 0;
+    QStyleOptionViewItem item = option;
+    // The views frame the current row themselves; the mark of many a style is a veil over its text.
+    item.state &= ~QStyle::State_HasFocus;
+    // Other styles draw texts in ways of their own.
+    const bool plainly = style.inherits("QFusionStyle") && option.direction == Qt::LeftToRight;
     if (!plainly) {
-        QStyledItemDelegate::paint(painter, option, index);
+        QStyledItemDelegate::paint(painter, item, index);
         return;
     }
-    QStyleOptionViewItem item = option;
     initStyleOption(&item, index);
     const QString text = std::exchange(item.text, {});
     // The style lays every text out three times to draw it; it draws the rest, where there is any.

@@ -1,21 +1,26 @@
 #include "ui/widgets/report_list.h"
 
+#include "ui/widgets/column_widths.h"
 #include "ui/widgets/composition_field.h"
 #include "ui/widgets/copied_rows.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/fitted_columns.h"
+#include "ui/widgets/focus_marks.h"
 #include "ui/widgets/key_kinds.h"
 #include "ui/widgets/one_line_delegate.h"
+#include "ui/widgets/sort_menu.h"
 #include "ui/widgets/text_drops.h"
 #include "ui/widgets/wait_cursor.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
-#include <QScopedValueRollback>
+#include <QMetaMethod>
 #include <QScrollBar>
 #include <QStyle>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -57,6 +62,7 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
     : QTableView(parent), m_reporting(reporting), m_model(new ReportModel(columns, this)),
       m_composition(new CompositionField(*this))
 {
+    AccessibleView::install();
     setModel(m_model);
     delete selectionModel();
     setSelectionModel(new RowSelectionModel(m_model, this));
@@ -85,10 +91,11 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
     header->setSectionsClickable(true);
     header->setSectionResizeMode(QHeaderView::Interactive);
     header->setStretchLastSection(false);
-    connect(header, &QHeaderView::sectionClicked, this, [this](int column) {
-        handleEvent(m_reporting, objectName() + u"_ColumnClick"_s, [&] { sortBy(column); });
-    });
-    connect(header, &QHeaderView::sectionResized, this, &ReportList::noteResizedColumn);
+    connect(header, &QHeaderView::sectionClicked, this, &ReportList::columnClick);
+    header->setToolTip(u"クリックするか、Ctrl + Shift + F10 で並べ替えます。"_s);
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, this,
+            [this, header](const QPoint& position) { showSortMenu(header->mapToGlobal(position)); });
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         m_filledSincePress = m_pressed;
         endSorting();
@@ -103,6 +110,8 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
                                               QItemSelectionModel::NoUpdate);
         m_currentBefore = QModelIndex();
     });
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): it looks at the finished list
+    m_columns = new FittedColumns(*this, *m_model);
     adaptToFont();
 }
 
@@ -118,59 +127,23 @@ void ReportList::adaptToFont()
     const int text = std::max(metrics.height(), metrics.boundingRect(u"漢gｇ|"_s).height());
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameVMargin, nullptr, this) + 1;
     verticalHeader()->setDefaultSectionSize(text + 2 * margin);
-    const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-    const QScopedValueRollback setting(m_isSettingWidths, true);
-    m_leastWidths.resize(m_characters.size());
-    for (std::size_t i = 0; i < m_characters.size(); ++i) {
-        const int column = static_cast<int>(i);
-        // No header may be cut off, whatever the column holds.
-        m_leastWidths[i] = std::max(m_characters[i] * metrics.horizontalAdvance(u'0') + 2 * side,
-                                    horizontalHeader()->sectionSizeHint(column));
-        setColumnWidth(column, m_leastWidths[i]);
-    }
-    shareRoom();
+    m_columns->adaptToFont();
 }
 
-void ReportList::shareRoom()
+void ReportList::setColumnCharacters(const std::vector<int>& characters)
 {
-    if (m_roomyColumns.empty())
-        return;
-    int left = viewport()->width() - horizontalHeader()->length();
-    for (const int column : m_roomyColumns)
-        left += columnWidth(column) - m_leastWidths.at(static_cast<std::size_t>(column));
-    left = std::max(left, 0);
-    const QScopedValueRollback setting(m_isSettingWidths, true);
-    auto sharers = static_cast<int>(m_roomyColumns.size());
-    for (const int column : m_roomyColumns) {
-        const int share = left / sharers--;
-        left -= share;
-        setColumnWidth(column, m_leastWidths.at(static_cast<std::size_t>(column)) + share);
-    }
-}
-
-void ReportList::noteResizedColumn(int column)
-{
-    if (!m_isSettingWidths)
-        m_roomyColumns.erase(std::remove(m_roomyColumns.begin(), m_roomyColumns.end(), column),
-                             m_roomyColumns.end());
+    m_columns->setCharacters(characters);
 }
 
 void ReportList::giveRoomTo(const std::vector<int>& columns)
 {
-    m_roomyColumns = columns;
-    shareRoom();
+    m_columns->giveRoomTo(columns);
 }
 
 void ReportList::resizeEvent(QResizeEvent* event)
 {
     QTableView::resizeEvent(event);
-    shareRoom();
-}
-
-void ReportList::setColumnCharacters(const std::vector<int>& characters)
-{
-    m_characters = characters;
-    adaptToFont();
+    m_columns->shareRoom();
 }
 
 void ReportList::changeEvent(QEvent* event)
@@ -178,6 +151,43 @@ void ReportList::changeEvent(QEvent* event)
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         adaptToFont();
+}
+
+std::vector<int> ReportList::shownColumns() const
+{
+    std::vector<int> columns;
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        if (!isColumnHidden(column))
+            columns.push_back(column);
+    }
+    return columns;
+}
+
+int ReportList::sortedColumn() const
+{
+    const QHeaderView* header = horizontalHeader();
+    return header->isSortIndicatorShown() ? header->sortIndicatorSection() : -1;
+}
+
+void ReportList::columnClick(int column)
+{
+    handleEvent(m_reporting, objectName() + u"_ColumnClick"_s, [&] { sortBy(column); });
+}
+
+void ReportList::fitColumns()
+{
+    handleEvent(m_reporting, objectName() + u"_KeyDown"_s, [this] {
+        const WaitCursor cursor;
+        for (const int column : shownColumns())
+            resizeColumnToContents(column);
+    });
+}
+
+int ReportList::sizeHintForColumn(int column) const
+{
+    const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    constexpr int Rounding = 1;
+    return widthOfTexts(*m_model, column, QFontMetrics(font())) + 2 * side + Rounding;
 }
 
 void ReportList::sortBy(int column)
@@ -251,6 +261,10 @@ void ReportList::keyPressEvent(QKeyEvent* event)
             Q_EMIT enterPressed();
         return;
     }
+    if (takesKeyOfColumns(*event)) {
+        event->accept();
+        return;
+    }
     if (!typesText(*event) && !event->isAutoRepeat())
         Q_EMIT keyPressed(event->key(), event->modifiers());
     if (m_model->dragColumn() >= 0 &&
@@ -278,6 +292,25 @@ void ReportList::keyPressEvent(QKeyEvent* event)
         return;
     }
     QTableView::keyPressEvent(event);
+}
+
+bool ReportList::takesKeyOfColumns(const QKeyEvent& event)
+{
+    const Qt::KeyboardModifiers held = event.modifiers() & ~Qt::KeypadModifier;
+    std::function<void()> act;
+    if (asksForMenu(event))
+        act = [this] {
+            QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {}, Qt::NoModifier);
+            contextMenuEvent(&menu);
+        };
+    else if (event.key() == Qt::Key_F10 && held == (Qt::ControlModifier | Qt::ShiftModifier))
+        act = [this] { showSortMenu(placeOfMenu()); };
+    // On the number pad and, with Shift or without, where the keyboard has none.
+    else if (event.key() == Qt::Key_Plus && (held & ~Qt::ShiftModifier) == Qt::ControlModifier)
+        act = [this] { fitColumns(); };
+    if (act && !event.isAutoRepeat())
+        act();
+    return static_cast<bool>(act);
 }
 
 void ReportList::copySelection()
@@ -331,6 +364,7 @@ void ReportList::focusInEvent(QFocusEvent* event)
 {
     QTableView::focusInEvent(event);
     setAttribute(Qt::WA_InputMethodEnabled);
+    AccessibleView::tellCurrent(*this, currentIndex());
 }
 
 void ReportList::focusOutEvent(QFocusEvent* event)
@@ -430,25 +464,118 @@ QModelIndexList ReportList::selectedIndexes() const
 
 void ReportList::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
-    QTableView::currentChanged(current, previous);
+    // The base class would count its cells with the hidden header of the rows among them.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
+    QAbstractItemView::currentChanged(current, previous);
+    AccessibleView::tellCurrent(*this, current);
     // Names are Japanese: an input method must be able to type what is searched, although no cell can be edited.
     setAttribute(Qt::WA_InputMethodEnabled);
+    // The frame goes round all columns.
+    viewport()->update(placeOfRow(previous));
+    viewport()->update(placeOfRow(current));
+}
+
+void ReportList::initViewItemOption(QStyleOptionViewItem* option) const
+{
+    QTableView::initViewItemOption(option);
+    showFocus(*option, *this);
+}
+
+void ReportList::paintEvent(QPaintEvent* event)
+{
+    QTableView::paintEvent(event);
+    frameCurrentRow(*this, placeOfRow(currentIndex()));
+}
+
+QRect ReportList::placeOfRow(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return {};
+    return {-horizontalHeader()->offset(), rowViewportPosition(index.row()), horizontalHeader()->length(),
+            heightOfRows()};
 }
 
 void ReportList::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     constexpr int manyRows = 1000;
-    if (rowsIn(selected) + rowsIn(deselected) < manyRows) {
-        QTableView::selectionChanged(selected, deselected);
+    // The base class would list every cell for assistive technology.
+    if (rowsIn(selected) + rowsIn(deselected) < manyRows)
+        QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
+    else
+        viewport()->update();
+    AccessibleView::tellSelection(*this, selected, deselected);
+}
+
+QHeaderView* ReportList::shownHeader() const
+{
+    return horizontalHeader();
+}
+
+int ReportList::shownColumnCount() const
+{
+    const QHeaderView* header = horizontalHeader();
+    return header->count() - header->hiddenSectionCount();
+}
+
+int ReportList::modelColumn(int shownColumn) const
+{
+    const QHeaderView* header = horizontalHeader();
+    int column = 0;
+    while (column < header->count() && (header->isSectionHidden(column) || shownColumn-- > 0))
+        ++column;
+    return column;
+}
+
+bool ReportList::chooseRow(int row)
+{
+    const QModelIndex index = m_model->index(row, 0);
+    if (!index.isValid())
+        return false;
+    const auto kept = selectionMode() == ExtendedSelection ? QItemSelectionModel::Select
+                                                           : QItemSelectionModel::ClearAndSelect;
+    selectionModel()->setCurrentIndex(index, kept | QItemSelectionModel::Rows);
+    return true;
+}
+
+bool ReportList::releaseRow(int row)
+{
+    const QModelIndex index = m_model->index(row, 0);
+    if (!index.isValid() || selectionMode() != ExtendedSelection)
+        return false;
+    selectionModel()->select(index, QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    return true;
+}
+
+void ReportList::goToRow(int row)
+{
+    const QModelIndex index = m_model->index(row, 0);
+    if (!index.isValid())
         return;
-    }
-    // Assistive technology hears of one row; the base class would list every cell for it.
-    const QModelIndex current = currentIndex();
-    QItemSelection one;
-    if (current.isValid() && selected.contains(current))
-        one.select(current, current.siblingAtColumn(m_model->columnCount() - 1));
-    QTableView::selectionChanged(one, {});
-    viewport()->update();
+    activateWindow();
+    setFocus(Qt::OtherFocusReason);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void ReportList::pressRow(int row)
+{
+    goToRow(row);
+    const auto press = [this, pressed = QPersistentModelIndex(m_model->index(row, 0))] {
+        if (!pressed.isValid() || selectedRow() != pressed.row())
+            return;
+        Q_EMIT listDoubleClicked();
+        Q_EMIT rowDoubleClicked();
+    };
+    QMetaObject::invokeMethod(this, press, Qt::QueuedConnection);
+}
+
+void ReportList::openMenuOf(int row)
+{
+    goToRow(row);
+    const auto open = [this] {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {}, Qt::NoModifier);
+        contextMenuEvent(&event);
+    };
+    QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }
 
 void ReportList::mousePressEvent(QMouseEvent* event)
@@ -485,21 +612,47 @@ void ReportList::mouseDoubleClickEvent(QMouseEvent* event)
 void ReportList::contextMenuEvent(QContextMenuEvent* event)
 {
     event->accept();
-    QPoint position = event->globalPos();
     if (event->reason() == QContextMenuEvent::Mouse) {
         const QModelIndex index = indexAt(event->pos());
         if (index.isValid() && !selectionModel()->isSelected(index))
             selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
                                                          QItemSelectionModel::Rows);
+        Q_EMIT menuRequested(event->globalPos());
+    } else if (event->modifiers().testFlag(Qt::ControlModifier) || !hasMenuOfItsOwn()) {
+        showSortMenu(placeOfMenu());
     } else {
-        QPoint inside(0, 0);
-        if (currentIndex().isValid()) {
-            scrollTo(currentIndex());
-            inside = QPoint(heightOfRows(), visualRect(currentIndex()).bottom());
-        }
-        position = viewport()->mapToGlobal(inside);
+        Q_EMIT menuRequested(placeOfMenu());
     }
-    Q_EMIT menuRequested(position);
+}
+
+void ReportList::showSortMenu(const QPoint& position)
+{
+    handleEvent(m_reporting, objectName() + u"_MouseDown"_s, [&] {
+        HeaderActs acts{.columns = {},
+                        .sortedColumn = sortedColumn(),
+                        .sortBy = [this](int column) { columnClick(column); },
+                        .fitColumns = [this] { fitColumns(); }};
+        for (const int column : shownColumns())
+            acts.columns.push_back(
+                {column, m_model->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString()});
+        openSortMenu(*this, position, acts);
+    });
+}
+
+QPoint ReportList::placeOfMenu()
+{
+    QPoint inside(0, 0);
+    if (currentIndex().isValid()) {
+        scrollTo(currentIndex());
+        inside = QPoint(heightOfRows(), visualRect(currentIndex()).bottom());
+    }
+    return viewport()->mapToGlobal(inside);
+}
+
+bool ReportList::hasMenuOfItsOwn() const
+{
+    static const QMetaMethod Requested = QMetaMethod::fromSignal(&ReportList::menuRequested);
+    return isSignalConnected(Requested);
 }
 
 void ReportList::acceptTextDrops()

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/ports/clock.h"
 #include "ui/widgets/plain_tool_tip.h"
+#include "ui/widgets/screen_room.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -10,6 +11,8 @@
 #include <QPainter>
 #include <QStyle>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace quillon
 {
@@ -108,6 +111,12 @@ StatusPanels::StatusPanels(const std::vector<Panel>& panels, QWidget* parent) : 
         addWidget(panelLabel, panel.stretches ? 1 : 0);
         m_labels.push_back(panelLabel);
     }
+}
+
+QSize StatusPanels::minimumSizeHint() const
+{
+    const QSize least = QStatusBar::minimumSizeHint();
+    return {std::min(least.width(), roomInUsualFrame(*this).width()), least.height()};
 }
 
 QLabel* StatusPanels::label(int panel) const

@@ -29,6 +29,9 @@ public:
 
     explicit StatusPanels(const std::vector<Panel>& panels, QWidget* parent = nullptr);
 
+    /// On a screen with too little room for all panels they share what there is.
+    QSize minimumSizeHint() const override;
+
     void setText(int panel, const QString& text);
     QString text(int panel) const;
     /// Lets two panels show the current date and time by themselves.
