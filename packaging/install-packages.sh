@@ -10,8 +10,9 @@ for group in "$@"; do
         build) # what compiles the program: clang, because its precompiled headers make Qt sources cheap
             packages="$packages cmake clang lld ninja-build pkgconf qt6-base-dev qt6-translations-l10n
                 libsqlite3-dev libicu-dev libglib2.0-dev python3" ;;
-        test) # what the tests find on the computer: a small Japanese font, the types of files, the shells of completions
-            packages="$packages fonts-ipafont-gothic shared-mime-info zsh fish" ;;
+        test) # what the tests find on the computer: a small Japanese font, one with Chinese forms beside the Japanese
+            # ones, the types of files, the shells of completions
+            packages="$packages fonts-ipafont-gothic fonts-noto-cjk shared-mime-info zsh fish" ;;
         check) # what reads the sources: their format, the usual mistakes, the scripts, and a second compiler
             packages="$packages clang-format clang-tidy shellcheck g++ git" ;;
         asan) # what the sanitizers and the fuzzers link

@@ -197,6 +197,7 @@ void frmSplash::showEvent(QShowEvent* event)
     if (event->spontaneous())
         return;
     setFixedSize(sizeHint().boundedTo(roomOnScreen()));
+    growWhereItScrolls();
     if (const QScreen* at = screen()) {
         QRect place = frameGeometry();
         place.moveCenter(at->availableGeometry().center());

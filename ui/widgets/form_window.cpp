@@ -24,7 +24,6 @@
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScreen>
-#include <QStyle>
 #include <QWindow>
 
 #include <algorithm>
@@ -238,16 +237,32 @@ void FormWindow::prepareToAppear()
     QSize wanted = testAttribute(Qt::WA_Resized) ? size() : sizeHint();
     if (m_opensOverMainWindow)
         wanted = wanted.expandedTo({widthForTitle(*this), 0});
-    // A bar for scrolling across takes room from what is above it, and one for scrolling down from what is beside it.
-    const QSize room = roomOnScreen();
-    const QSize least = minimumSizeHint();
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    wanted += QSize(least.height() > room.height() ? bar : 0, least.width() > room.width() ? bar : 0);
     enforceLeastSize();
     if (minimumSize() != maximumSize())
-        resize(wanted.boundedTo(room));
+        resize(wanted.boundedTo(roomOnScreen()));
     if (m_opensOverMainWindow)
         placeOverMainWindow();
+}
+
+void FormWindow::growWhereItScrolls()
+{
+    const QSize room = roomOnScreen();
+    const auto areas = findChildren<ScrolledArea*>();
+    // A bar, or a row of buttons that breaks, takes room that no hint tells before; and with the window the rest changes.
+    for (int pass = 0; pass < 3; ++pass) {
+        QSize lacking(0, 0);
+        for (const ScrolledArea* area : areas) {
+            if (area->isVisible())
+                lacking = lacking.expandedTo(area->widget()->size() - area->viewport()->size());
+        }
+        const QSize grown = (size() + lacking).boundedTo(room.expandedTo(size()));
+        if (grown == size())
+            return;
+        if (minimumSize() == maximumSize())
+            setFixedSize(grown);
+        else
+            resize(grown);
+    }
 }
 
 void FormWindow::placeOverMainWindow()
@@ -264,11 +279,16 @@ void FormWindow::placeOverMainWindow()
 
 void FormWindow::bringToFront()
 {
-    if (!isVisible())
+    const bool appears = !isVisible();
+    if (appears)
         prepareToAppear();
     if (isMinimized())
         setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
+    if (appears && !isMaximized()) {
+        growWhereItScrolls();
+        moveOntoScreen();
+    }
     followScreen();
     raise();
     activateWindow();

@@ -67,6 +67,9 @@ protected:
     /// The room for the window on its screen, inside the window's frame.
     QSize roomOnScreen() const;
 
+    /// Makes a window that appears so much larger as what scrolls in it lacks room, where the screen has it.
+    void growWhereItScrolls();
+
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
     /// Enter presses the button that has the focus, as it does in dialogs.
