@@ -223,7 +223,7 @@ private Q_SLOTS:
     {
         world->add(u"氷"_s, twin().second, u"固体"_s);
         DataForm& form = show();
-        DataForm& unchanged = world->show<DataForm>(twin().second);
+        auto& unchanged = world->show<DataForm>(twin().second);
         fill(form, u"湯"_s, u"熱い"_s);
         const ForeignLock other(*world->session.OpenDb, ForeignLock::Kind::Exclusive);
         QVERIFY(FormWorld::closes(unchanged));
