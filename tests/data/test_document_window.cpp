@@ -237,7 +237,7 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         QFETCH(int, key);
-        frmRefDoc& form = world->beginRegistration<frmRefDoc>();
+        auto& form = world->beginRegistration<frmRefDoc>();
         auto* field = form.findChild<QWidget*>(u"txtFields(%1)"_s.arg(index));
         const QString text(32768, u'内');
         form.setFieldText(index, text.chopped(1));
@@ -250,7 +250,7 @@ private Q_SLOTS:
 
     void warningTakesNoKeyAway()
     {
-        frmRefDoc& form = world->beginRegistration<frmRefDoc>();
+        auto& form = world->beginRegistration<frmRefDoc>();
         const QString text(32768, u'内');
         form.setFieldText(2, text);
         world->dialogs.expect(Warning);

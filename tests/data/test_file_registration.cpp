@@ -242,7 +242,7 @@ private Q_SLOTS:
             QVERIFY(bar->isHidden());
             QVERIFY(QApplication::overrideCursor() == nullptr);
         });
-        registerPath(write(u"a.bin"_s, QByteArray(4 * Piece, 'a')));
+        registerPath(write(u"a.bin"_s, QByteArray(qsizetype{4} * Piece, 'a')));
         QCOMPARE(seen, QStringList({u"hidden -1 of 100 waiting"_s, u"hidden -1 of 100 waiting"_s,
                                     u"shown 750 of 1000 waiting"_s, u"shown 1000 of 1000 waiting"_s}));
         QVERIFY(form.isNull());

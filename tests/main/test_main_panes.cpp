@@ -82,7 +82,8 @@ private Q_SLOTS:
     void splitterTellsWhereItStands()
     {
         QAccessibleInterface* const handle = QAccessible::queryAccessibleInterface(splitter());
-        QVERIFY(handle != nullptr && handle->valueInterface() != nullptr);
+        if (handle == nullptr || handle->valueInterface() == nullptr)
+            QFAIL("the splitter cannot be asked");
         QVERIFY(compareText(handle->text(QAccessible::Name), u"カテゴリツリーとデータ一覧の境界"));
         QVERIFY(compareText(handle->text(QAccessible::Description),
                             u"ドラッグ、または Ctrl + ←、→ で境界を移動します。"));

@@ -65,8 +65,8 @@ private Q_SLOTS:
         QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
         makeList();
         m_tree = new KeyedTree;
-        m_tree->nodes().add(0, u"A"_s, u"甲"_s);
-        m_tree->nodes().add(0, u"B"_s, u"乙"_s);
+        m_tree->nodes().add({}, u"A"_s, u"甲"_s);
+        m_tree->nodes().add({}, u"B"_s, u"乙"_s);
         static_cast<QVBoxLayout*>(m_window->layout())->insertWidget(0, m_tree);
         FocusRing::followFocus();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));

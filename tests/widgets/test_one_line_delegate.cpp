@@ -16,10 +16,8 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon::testing;
 using quillon::KeyedTree;
-using quillon::LaidOutLine;
 using quillon::LaidOutLines;
 using quillon::OneLineDelegate;
-using quillon::ReportList;
 
 namespace
 {
@@ -155,7 +153,7 @@ void TestOneLineDelegate::treesDoToo()
     tree.resize(200, 400);
     QRandomGenerator random(8);
     for (int i = 0; i < 40; ++i)
-        tree.nodes().add(0, u"K%1"_s.arg(i), randomName(random));
+        tree.nodes().add({}, u"K%1"_s.arg(i), randomName(random));
     tree.show();
     tree.select(3);
     PlainDelegate plain;
