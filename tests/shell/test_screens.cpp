@@ -208,8 +208,8 @@ private:
         // Buttons beside a field scroll with it where the screen is small.
         const QRect screen(QPoint(0, 0), m_window.screen()->availableSize());
         const bool answers = widget.objectName().startsWith(u"cmd"_s) ? isInBottomRow(widget) : true;
-        const bool isSmall =
-            screen.width() < 640 || screen.height() < 400 || m_window.fontMetrics().height() > 22;
+        const int line = m_window.fontMetrics().height();
+        const bool isSmall = screen.width() < 640 || screen.height() < std::max(400, 22 * line) || line > 22;
         if (!answers && isSmall)
             return;
         if (widget.visibleRegion().boundingRect() != widget.rect())

@@ -40,6 +40,14 @@ public:
     void showAgain() override {}
 };
 
+/// A text in a page breaks lines; the toolkit would then take the height that the page would like to have for its least.
+class Pages : public QTabWidget
+{
+public:
+    using QTabWidget::QTabWidget;
+    bool hasHeightForWidth() const override { return false; }
+};
+
 } // namespace
 
 frmRestore::frmRestore(Session& session, WindowRegistry& registry)
@@ -64,7 +72,7 @@ void frmRestore::arrange()
     top->addWidget(cmdChoose);
     rows->addLayout(top);
 
-    tabPages = new QTabWidget(middle);
+    tabPages = new Pages(middle);
     tabPages->setObjectName(u"tabPages"_s);
     m_lost = new LostPage(session(), tabPages);
     m_copies = new CopiesPage(session(), tabPages);
