@@ -167,6 +167,21 @@ private Q_SLOTS:
         QVERIFY(open);
     }
 
+    void accessKeyInABoxOpensNoMenuBehindIt()
+    {
+        QMessageBox box(m_window.get());
+        bool open = false;
+        QTimer::singleShot(0, &box, [&] {
+            QTest::keyClick(box.focusWidget(), Qt::Key_F, Qt::AltModifier);
+            open = m_window->closeMenu() != nullptr;
+            box.done(QMessageBox::Cancel);
+        });
+        box.exec();
+        QVERIFY(!open);
+        QTest::keyClick(m_window->line, Qt::Key_F, Qt::AltModifier);
+        QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
+    }
+
     void repetitionWithoutItsMarkIsOne()
     {
         const QSignalSpy confirmed(m_window->line, &QLineEdit::returnPressed);

@@ -112,6 +112,9 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
         return false;
     const auto& key = static_cast<const QKeyEvent&>(*event);
     QWidget* window = owningWindow(&widget);
+    // The menus of a window that waits for an answer wait with it.
+    if (const QWidget* modal = QApplication::activeModalWidget(); modal != nullptr && modal != window)
+        window = nullptr;
     if (window != nullptr && key.key() == Qt::Key_Alt && event->type() != QEvent::ShortcutOverride)
         followAlt(*window, key);
     if (released)
