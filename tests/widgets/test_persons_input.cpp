@@ -182,6 +182,23 @@ private Q_SLOTS:
         QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
     }
 
+    void accessKeyThatNothingHasTypesNothing()
+    {
+        for (QWidget* field :
+             {static_cast<QWidget*>(m_window->line), static_cast<QWidget*>(m_window->text)}) {
+            for (const Qt::KeyboardModifiers held :
+                 {Qt::KeyboardModifiers(Qt::AltModifier), Qt::AltModifier | Qt::ShiftModifier}) {
+                QKeyEvent key(QEvent::KeyPress, Qt::Key_Q, held, u"q"_s);
+                QCoreApplication::sendEvent(field, &key);
+            }
+        }
+        QCOMPARE(m_window->line->text(), QString());
+        QCOMPARE(m_window->text->toPlainText(), QString());
+        QKeyEvent third(QEvent::KeyPress, Qt::Key_E, Qt::GroupSwitchModifier, u"€"_s);
+        QCoreApplication::sendEvent(m_window->line, &third);
+        QCOMPARE(m_window->line->text(), u"€"_s);
+    }
+
     void repetitionWithoutItsMarkIsOne()
     {
         const QSignalSpy confirmed(m_window->line, &QLineEdit::returnPressed);

@@ -65,6 +65,14 @@ bool isCommand(const QWidget& receiver, const QKeyEvent& key)
     return typesCharacter && (inBox || key.modifiers().testFlag(Qt::AltModifier));
 }
 
+/// Whether a key press is that of an access key which nothing has taken. The toolkit would type its character.
+bool isUnusedAccessKey(const QWidget& receiver, const QKeyEvent& key)
+{
+    const auto held = key.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier | Qt::ShiftModifier);
+    return held == Qt::AltModifier && !key.text().isEmpty() && key.text().front().isPrint() &&
+           receiver.testAttribute(Qt::WA_InputMethodEnabled);
+}
+
 } // namespace
 
 PersonsInput& PersonsInput::ofApplication()
@@ -123,8 +131,12 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
         event->accept();
         return true;
     }
-    if (window == nullptr || !isAccessKeyOfMenus(*window, key))
-        return false;
+    if (window == nullptr || !isAccessKeyOfMenus(*window, key)) {
+        if (event->type() != QEvent::KeyPress || !isUnusedAccessKey(widget, key))
+            return false;
+        event->accept();
+        return true;
+    }
     // Taken in its first form, the key comes as a key press; else the toolkit would share it out by turns.
     if (event->type() == QEvent::KeyPress) {
         m_composition.confirm();
