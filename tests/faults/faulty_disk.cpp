@@ -11,6 +11,19 @@ namespace quillon::testing
 namespace
 {
 
+// What the system says of a failure, by its own number.
+#ifdef Q_OS_WIN
+constexpr int NoRoom = 112;      // ERROR_DISK_FULL
+constexpr int OverQuota = 1295;  // ERROR_DISK_QUOTA_EXCEEDED
+constexpr int BrokenDisk = 1117; // ERROR_IO_DEVICE
+constexpr int BrokenOff = 995;   // ERROR_OPERATION_ABORTED
+#else
+constexpr int NoRoom = ENOSPC;
+constexpr int OverQuota = EDQUOT;
+constexpr int BrokenDisk = EIO;
+constexpr int BrokenOff = EINTR;
+#endif
+
 sqlite3_vfs* systemDisk()
 {
     // Once there is a faulty one, the question would name that. The engine wants it without const.
@@ -61,13 +74,13 @@ int systemErrorOf(DiskFailure failure)
     switch (failure) {
     case DiskFailure::Full:
     case DiskFailure::ShortWrite:
-        return ENOSPC;
+        return NoRoom;
     case DiskFailure::Quota:
-        return EDQUOT;
+        return OverQuota;
     case DiskFailure::Interrupted:
-        return EINTR;
+        return BrokenOff;
     default:
-        return EIO;
+        return BrokenDisk;
     }
 }
 
@@ -112,17 +125,17 @@ int writeFile(sqlite3_file* file, const void* source, int count, sqlite3_int64 t
         return writeNow(file, source, count, to);
     switch (failure) {
     case DiskFailure::Full:
-        return failing(SQLITE_FULL, ENOSPC);
+        return failing(SQLITE_FULL, NoRoom);
     case DiskFailure::ShortWrite:
         writeNow(file, source, count / 2, to);
-        return failing(SQLITE_FULL, ENOSPC);
+        return failing(SQLITE_FULL, NoRoom);
     case DiskFailure::DoneAndBroken:
         writeNow(file, source, count, to);
-        return failing(SQLITE_IOERR_WRITE, EIO);
+        return failing(SQLITE_IOERR_WRITE, BrokenDisk);
     case DiskFailure::Quota:
-        return failing(SQLITE_IOERR_WRITE, EDQUOT);
+        return failing(SQLITE_IOERR_WRITE, OverQuota);
     default:
-        return failing(SQLITE_IOERR_WRITE, EIO);
+        return failing(SQLITE_IOERR_WRITE, BrokenDisk);
     }
 }
 
@@ -252,7 +265,7 @@ int removeFile(sqlite3_vfs*, const char* name, int syncFolder)
     if (failure != DiskFailure::DoneAndBroken)
         return failing(SQLITE_IOERR_DELETE, systemErrorOf(failure));
     removal();
-    return failing(SQLITE_IOERR_DIR_FSYNC, EIO);
+    return failing(SQLITE_IOERR_DIR_FSYNC, BrokenDisk);
 }
 
 int askForFile(sqlite3_vfs*, const char* name, int question, int* answer)

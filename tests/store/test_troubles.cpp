@@ -35,10 +35,12 @@ template <class Operation> QString failureOf(Operation&& operation)
     return u"nothing"_s;
 }
 
+#ifdef Q_OS_UNIX
 QString standard(qint32 number)
 {
     return QString::number(number) + u' ' + standardDescription(number);
 }
+#endif
 
 } // namespace
 
