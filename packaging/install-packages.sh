@@ -33,7 +33,7 @@ for group in "$@"; do
             packages="$packages debootstrap" ;;
         windows) # what makes programs for Windows: the compiler, what Qt and SQLite are built with, the installer
             packages="$packages g++-mingw-w64-x86-64-posix mingw-w64-tools cmake ninja-build perl python3 dpkg-dev patch tcl
-                git qt6-base-dev qt6-base-dev-tools qt6-translations-l10n nsis zip" ;;
+                git qt6-base-dev qt6-base-dev-tools qt6-translations-l10n nsis" ;;
         wine) # what runs them here, with Japanese texts and fonts
             packages="$packages wine wine64 xvfb xauth openbox xdotool unzip locales fonts-noto-cjk fonts-ipafont-gothic" ;;
         *)

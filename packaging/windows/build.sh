@@ -78,6 +78,17 @@ mkdir -p "$content/licences"
 for program in quillon quillon-cli; do
     x86_64-w64-mingw32-strip -o "$content/$program.exe" "$programs/$program.exe"
 done
+# What the system asks the program for before it starts it, and that it needs nothing which is not the system's own.
+for program in "$content"/*.exe; do
+    for word in longPathAware PerMonitorV2 '>UTF-8</activeCodePage>'; do
+        grep -aqF -e "$word" "$program" || { echo "build.sh: $program does not say $word" >&2; exit 1; }
+    done
+    x86_64-w64-mingw32-objdump -p "$program" | sed -n 's/^.*DLL Name: //p' | while read -r library; do
+        [ -f "$(x86_64-w64-mingw32-gcc-posix -print-file-name="lib$(echo "${library%.*}" | tr '[:upper:]' '[:lower:]').a")" ] &&
+            case $library in libgcc* | libstdc* | libwinpthread* | Qt6* | libsqlite*) false ;; esac ||
+            { echo "build.sh: $program needs $library" >&2; exit 1; }
+    done
+done
 cp -R "$programs/manual" "$content"
 cp "$root/packaging/texts/Readme.txt" "$root/packaging/texts/Quillon 機能仕様.txt" "$content"
 sed 's/$/\r/' "$root/LICENSE" >"$content/licences/quillon.txt"
@@ -88,8 +99,8 @@ sed 's/$/\r/' "$here/licences.txt" >"$content/licences/Readme.txt"
 find "$content" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 
 rm -f "$folder/$name.zip" "$folder/$name-setup.exe"
-# -X keeps out what only this computer knows about the files; the time in a zip is that of no place.
-(cd "$scratch" && find "$name" | LC_ALL=C sort | TZ=UTC zip -q -X -9 "$folder/$name.zip" -@)
+# The time in a zip is that of no place.
+(cd "$scratch" && find "$name" | LC_ALL=C sort | TZ=UTC python3 -X utf8 "$here/make_zip.py" "$folder/$name.zip")
 LC_ALL=C.UTF-8 makensis -V2 -WX -INPUTCHARSET UTF8 "-DVersion=$version" "-DContent=$content" \
     "-DIcon=$root/packaging/icons/quillon.ico" "-DResult=$folder/$name-setup.exe" "$here/installer.nsi"
 touch --date="@$SOURCE_DATE_EPOCH" "$folder/$name.zip" "$folder/$name-setup.exe"

@@ -63,7 +63,7 @@ LangString Running ${LANG_ENGLISH} "Quillon is running. Close it and try again."
 
 ; A program that runs cannot be written to.
 !macro StopWhereItRuns
-  IfFileExists "$INSTDIR\quillon.exe" 0 +6
+  IfFileExists "$INSTDIR\quillon.exe" 0 +7
   ClearErrors
   FileOpen $0 "$INSTDIR\quillon.exe" a
   IfErrors 0 +3

@@ -28,14 +28,15 @@ fi
 
 make_computer()
 {
-    mkdir -p "$LOCPATH" "$WINEPREFIX"
-    [ -d "$LOCPATH/ja_JP.UTF-8" ] || localedef -i ja_JP -f UTF-8 "$LOCPATH/ja_JP.UTF-8"
+    # Whoever asks whether this went well takes from the shell to stop at the first failure.
     # No display yet: its first programs would only tell about themselves in windows.
-    DISPLAY='' "$wine" wineboot --init
-    DISPLAY='' "$wine" regedit /S "$(printf 'Z:%s/wine.reg' "$here" | tr / '\134')"
-    DISPLAY='' "$wine" winecfg /v win10
-    /usr/lib/wine/wineserver64 --wait
-    touch "$computer/made"
+    mkdir -p "$LOCPATH" "$WINEPREFIX" &&
+        { [ -d "$LOCPATH/ja_JP.UTF-8" ] || localedef -i ja_JP -f UTF-8 "$LOCPATH/ja_JP.UTF-8"; } &&
+        DISPLAY='' "$wine" wineboot --init &&
+        DISPLAY='' "$wine" regedit /S "$(printf 'Z:%s/wine.reg' "$here" | tr / '\134')" &&
+        DISPLAY='' "$wine" winecfg /v win10 &&
+        /usr/lib/wine/wineserver64 --wait &&
+        touch "$computer/made"
 }
 
 if [ ! -f "$computer/made" ]; then

@@ -15,6 +15,10 @@
 #include <csignal>
 #endif
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 #ifdef Q_OS_LINUX
 #include <sys/file.h>
 #include <sys/syscall.h>
@@ -270,6 +274,38 @@ private Q_SLOTS:
         QCOMPARE(entries(), QStringList(u"a"_s));
         QCOMPARE(contentOf(inFolder(u"a/inner"_s)), "inner"_ba);
     }
+
+    void copyOfWhatIsReadOnlyMayBeWrittenAndReplacesWhatIsReadOnly()
+    {
+        constexpr QFileDevice::Permissions ReadOnly = QFileDevice::ReadOwner | QFileDevice::ReadUser;
+        QVERIFY(QFile::setPermissions(source(), ReadOnly));
+        copy(source(), u"a"_s);
+        QVERIFY(QFile::permissions(inFolder(u"a"_s)).testFlag(QFileDevice::WriteOwner));
+        QVERIFY(QFile::setPermissions(inFolder(u"a"_s), ReadOnly));
+        copy(source(), u"a"_s);
+        QVERIFY(QFile::permissions(inFolder(u"a"_s)).testFlag(QFileDevice::WriteOwner));
+        QCOMPARE(entries(), QStringList(u"a"_s));
+    }
+
+#ifdef Q_OS_WIN
+    void fileThatAnotherProgramHasForItselfIsToldAsThat()
+    {
+        const QString path = QDir::toNativeSeparators(source());
+        const HANDLE held = CreateFileW(reinterpret_cast<const wchar_t*>(path.utf16()), GENERIC_READ, 0,
+                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        QVERIFY(held != INVALID_HANDLE_VALUE);
+        QString told;
+        try {
+            copy(source(), u"a"_s);
+        } catch (const Error& error) {
+            told = error.description;
+        }
+        CloseHandle(held);
+        QCOMPARE(told,
+                 u"ファイルは他のプログラムが使用中です。そのプログラムを終了してからやり直してください。"_s);
+        QCOMPARE(entries(), QStringList());
+    }
+#endif
 
     void nameThatIsTooLongLeavesNothing()
     {

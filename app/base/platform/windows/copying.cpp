@@ -117,6 +117,8 @@ public:
     }
     void letGo()
     {
+        // The system does not remove what is read-only.
+        SetFileAttributesW(wide(nativePath(m_aside)), FILE_ATTRIBUTE_NORMAL);
         DeleteFileW(wide(nativePath(m_aside)));
         removeFolder();
     }

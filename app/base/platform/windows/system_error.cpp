@@ -59,9 +59,11 @@ Error errorOfSystem(int failure, qint32 whenMissing)
         return Error(errors::PermissionDenied,
                      u"ディスクが読み取り専用のため書き込めません。別のディスクを使用してください。"_s);
     case ERROR_ACCESS_DENIED:
+        return Error(errors::PermissionDenied);
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
-        return Error(errors::PermissionDenied);
+        return Error(errors::PermissionDenied,
+                     u"ファイルは他のプログラムが使用中です。そのプログラムを終了してからやり直してください。"_s);
     default:
         return Error(errors::PathFileAccess);
     }
