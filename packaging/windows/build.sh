@@ -84,9 +84,14 @@ for program in "$content"/*.exe; do
         grep -aqF -e "$word" "$program" || { echo "build.sh: $program does not say $word" >&2; exit 1; }
     done
     x86_64-w64-mingw32-objdump -p "$program" | sed -n 's/^.*DLL Name: //p' | while read -r library; do
-        [ -f "$(x86_64-w64-mingw32-gcc-posix -print-file-name="lib$(echo "${library%.*}" | tr '[:upper:]' '[:lower:]').a")" ] &&
-            case $library in libgcc* | libstdc* | libwinpthread* | Qt6* | libsqlite*) false ;; esac ||
-            { echo "build.sh: $program needs $library" >&2; exit 1; }
+        # Of the system's own the compiler has a library to link with, and gives back its whole path.
+        known=$(x86_64-w64-mingw32-gcc-posix \
+            -print-file-name="lib$(echo "${library%.*}" | tr '[:upper:]' '[:lower:]').a")
+        case $library:$known in
+            Qt6*:* | lib*:* | *:lib*)
+                echo "build.sh: $program needs $library" >&2
+                exit 1 ;;
+        esac
     done
 done
 cp -R "$programs/manual" "$content"

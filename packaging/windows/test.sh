@@ -42,7 +42,7 @@ fail()
     exit 1
 }
 
-# A whole line of what the command writes, which ends its lines as that system does.
+# What the command writes has a line of that pattern; that system ends its lines in its own way.
 says()
 {
     wanted=$1
@@ -51,7 +51,7 @@ says()
         cat "$trial/said" "$trial/complained" >&2
         fail "$* has failed"
     }
-    tr -d '\r' <"$trial/said" | grep -qF -- "$wanted" || {
+    tr -d '\r' <"$trial/said" | grep -q -- "$wanted" || {
         cat "$trial/said" >&2
         fail "$* does not say '$wanted'"
     }
@@ -67,13 +67,20 @@ trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
 echo "== the zip"
+python3 -X utf8 -c '
+import sys, zipfile
+sys.exit(not any(name.endswith("/Quillon 機能仕様.txt") for name in zipfile.ZipFile(sys.argv[1]).namelist()))' "$archive" ||
+    fail "the zip does not say what its names are written in"
 unzip -q "$archive" -d "$trial/箱 1"
 box="$trial/箱 1/quillon-$version-windows-x64"
-says "Quillon" wine "$box/quillon.exe" --version
-says "$version" wine "$box/quillon-cli.exe" --version
+for program in quillon quillon-cli; do
+    for line in "^[Qq]uillon.* System Ver\.$version " '^コミット: [0-9a-f]\{12\}$' '^Qt: [0-9]' '^SQLite: [0-9]'; do
+        says "$line" wine "$box/$program.exe" --version
+    done
+done
 cd "$trial/箱 1"
 wine "$box/quillon-cli.exe" --database 知識.mdb create
-says - wine "$box/quillon-cli.exe" --database 知識.mdb add definition 水 --text 無色透明の液体
+says '^M-' wine "$box/quillon-cli.exe" --database 知識.mdb add definition 水 --text 無色透明の液体
 says "水" wine "$box/quillon-cli.exe" --database 知識.mdb search 液体
 wine "$box/quillon-cli.exe" --database 知識.mdb check >/dev/null || fail "the database is damaged"
 settled
@@ -87,7 +94,8 @@ rm -f "$person/Documents"
 mkdir -p "$person/Documents"
 place=$person/AppData/Local/Programs/Quillon
 menu="$person/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Quillon"
-for file in "$place/quillon.exe" "$place/quillon-cli.exe" "$place/Readme.txt" "$place/manual/manual.html" "$place/uninstall.exe" "$menu/Quillon.lnk"; do
+for file in "$place/quillon.exe" "$place/quillon-cli.exe" "$place/Readme.txt" "$place/manual/manual.html" \
+    "$place/manual/manual.css" "$place/manual/images/main.png" "$place/uninstall.exe" "$menu/Quillon.lnk"; do
     [ -f "$file" ] || fail "$file is missing"
 done
 [ "$(find "$menu" -name '*.lnk' | wc -l)" = 2 ] || fail "the menu lacks an entry"
@@ -95,11 +103,13 @@ says "--home" wine reg query 'HKCU\Software\Classes\Quillon.Database\shell\open\
 says "Quillon.Database" wine reg query 'HKCU\Software\Classes\.mdb\OpenWithProgids'
 says "DisplayName" wine reg query 'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'
 
-# The number of the window whose title begins so, as soon as it is there.
+# Waits for the window whose title begins so.
 window()
 {
     waited=0
-    while ! xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1 | grep .; do
+    until for number in $(xdotool search --onlyvisible --name '' 2>/dev/null); do
+        xdotool getwindowname "$number" 2>/dev/null || :
+    done | grep -q "^$1"; do
         waited=$((waited + 1))
         [ $waited -lt 60 ] || return 1
         sleep 1
@@ -108,8 +118,7 @@ window()
 
 echo "== the start from the menu"
 wine start /unix "$menu/Quillon.lnk"
-window '^Quillon' >"$trial/window" || fail "no window comes"
-sleep 5 # until the first picture of the program has made way for its main window
+window 'Quillon メイン画面' || fail "no window comes"
 ! command -v import >/dev/null || import -window root "$trial/main.png"
 home=$person/Documents/Quillon
 [ -d "$home" ] || fail "the program has made no folder for its work"
@@ -123,14 +132,14 @@ echo "== registering and searching"
 cd "$home"
 printf 'of the person\r\n' >水の本.txt
 wine "$place/quillon-cli.exe" --database 知識.mdb create
-says - wine "$place/quillon-cli.exe" --database 知識.mdb add definition 氷 --text 固体の水
-says - wine "$place/quillon-cli.exe" --database 知識.mdb attach 水の本.txt
+says '^M-' wine "$place/quillon-cli.exe" --database 知識.mdb add definition 氷 --text 固体の水
+says '^F-' wine "$place/quillon-cli.exe" --database 知識.mdb attach 水の本.txt
 says "氷" wine "$place/quillon-cli.exe" --database 知識.mdb search 固体
 [ -n "$(find RefFile -type f)" ] || fail "the registered file was not copied"
 
 echo "== a double click"
-wine start /unix "$place/quillon.exe" --home -- "$(printf 'Z:%s' "$home/知識.mdb" | tr / '\134')"
-window '^Quillon' >"$trial/window" || fail "no window comes"
+wine start /ProgIDOpen Quillon.Database "$(printf 'Z:%s' "$home/知識.mdb" | tr / '\134')"
+window 'Quillon メイン画面' || fail "no window comes"
 waited=0
 until find /proc/[0-9]*/fd -lname "$home/知識.mdb" 2>/dev/null | grep -q .; do
     waited=$((waited + 1))
@@ -148,7 +157,23 @@ settled
 [ ! -e "$place" ] || fail "left in $place: $(ls "$place")"
 [ ! -e "$menu" ] || fail "the menu has kept its entries"
 for key in 'HKCU\Software\Quillon' 'HKCU\Software\Classes\Quillon.Database' \
+    'HKCU\Software\Classes\Applications\quillon.exe' 'HKCU\Software\Classes\.mdb\OpenWithProgids' \
     'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'; do
+    ! wine reg query "$key" >/dev/null 2>&1 || fail "$key is left"
+done
+find "$home" -type f -exec md5sum {} + | LC_ALL=C sort | cmp "$trial/before" - || fail "the person's files have changed"
+
+echo "== for everybody"
+wine "$setup" /S /AllUsers
+settled
+place="$QUILLON_WINE/prefix/drive_c/Program Files/Quillon"
+says '^コミット' wine "$place/quillon.exe" --version
+says "DisplayName" wine reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'
+wine "$place/uninstall.exe" /AllUsers /S
+settled
+[ ! -e "$place" ] || fail "left in $place: $(ls "$place")"
+for key in 'HKLM\Software\Quillon' 'HKLM\Software\Classes\Quillon.Database' \
+    'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'; do
     ! wine reg query "$key" >/dev/null 2>&1 || fail "$key is left"
 done
 find "$home" -type f -exec md5sum {} + | LC_ALL=C sort | cmp "$trial/before" - || fail "the person's files have changed"
