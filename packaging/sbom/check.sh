@@ -61,7 +61,18 @@ wrong=$(jq -r '
   ([.relationships[]? | .relatedSpdxElement] as $related | $ids - $related | .[] | "nothing leads to \(.)"),
   ([.relationships[]? | select(.relationshipType == "DESCRIBES") | .relatedSpdxElement] as $described
     | .packages[]? | select((.SPDXID as $id | $described | index($id) | not) == has("packageFileName"))
-    | "\(.SPDXID): is an artefact or is not")
+    | "\(.SPDXID): is an artefact or is not"),
+  # A list that has lost what the artefacts are made of is as well-formed as any.
+  (.relationships as $all | .packages[]? | select(.packageFileName | text) | .SPDXID as $id | .packageFileName as $file
+    | ([$all[]? | select(.spdxElementId == $id and .relationshipType != "DESCRIBES") | .relatedSpdxElement]) as $held
+    | (if $file | test("-windows-") then
+         ["windows-qt6-base", "windows-sqlite3", "windows-gcc", "windows-mingw-w64", "qt-zlib", "qt-libpng",
+          "qt-libjpeg", "qt-freetype", "qt-harfbuzz-ng", "qt-pcre2", "inside-qt6-translations-l10n"]
+         + (if $file | endswith("-setup.exe") then ["windows-nsis"] else [] end)
+       elif $file | test("^quillon_.*[.]deb$") then
+         ["debian-qt6-base", "debian-sqlite3", "debian-icu", "debian-glib2.0", "inside-qt6-translations-l10n"]
+       else [] end)
+    | .[] | "SPDXRef-\(.)" | select(. as $part | $held | index($part) | not) | "\($file): holds no \(.)")
 ' "$list") || wrong="$list is no list of this kind"
 
 # Against what lies beside it.
