@@ -14,7 +14,7 @@ wrong=$(jq -r '
 ["MIT", "blessing", "Unicode-DFS-2016", "LGPL-2.1-or-later", "LGPL-3.0-only", "GPL-2.0-only", "GPL-3.0-only",
  "GPL-3.0-or-later", "ZPL-2.1", "BSD-2-Clause", "BSD-3-Clause", "Zlib", "Libpng", "libpng-2.0", "IJG", "FTL",
  "MIT-open-group", "CC0-1.0", "Apache-2.0", "Imlib2", "X11", "HPND", "CPL-1.0"] as $licences
-| ["GCC-exception-3.1", "LZMA-exception"] as $exceptions
+| ["GCC-exception-3.1", "LZMA-exception", "Qt-GPL-exception-1.0"] as $exceptions
 | ["DESCRIBES", "CONTAINS", "DYNAMIC_LINK", "STATIC_LINK"] as $kinds
 | ["APPLICATION", "INSTALL", "SOURCE", "LIBRARY", "OTHER"] as $purposes
 | def text: type == "string" and . != "";
