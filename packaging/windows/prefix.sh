@@ -8,7 +8,27 @@ root=$(CDPATH='' cd -- "$(dirname -- "$0")/../.." && pwd)
 prefix=${QUILLON_WINDOWS_PREFIX:-$root/build/windows/prefix}
 work=$root/build/windows/sources
 jobs=${QUILLON_JOBS:-$(nproc)}
+
+# What has to be given along with the programs, as far as it comes from installed packages. Debian's own papers do not
+# repeat the usual licences but name them where a Windows computer has nothing: these lie beside, under the same names
+# in small letters.
+installed_licences()
+{
+    cp /usr/share/doc/gcc-mingw-w64-base/copyright "$prefix/licences/gcc.txt"
+    cp /usr/share/doc/mingw-w64-x86-64-dev/copyright "$prefix/licences/mingw-w64.txt"
+    cp /usr/share/doc/qt6-translations-l10n/copyright "$prefix/licences/qt6-translations.txt"
+    cp /usr/share/doc/nsis/copyright "$prefix/licences/nsis.txt"
+    cp /usr/share/common-licenses/LGPL-3 "$prefix/licences/lgpl-3.txt"
+    cp /usr/share/common-licenses/GPL-3 "$prefix/licences/gpl-3.txt"
+    grep -oh '/usr/share/common-licenses/[A-Za-z0-9.-]*[A-Za-z0-9]' "$prefix"/licences/*.txt | sort -u |
+        while read -r licence; do
+            cp "$licence" "$prefix/licences/$(basename "$licence" | tr '[:upper:]' '[:lower:]').txt"
+        done
+}
+
 if [ -f "$prefix/complete" ]; then
+    # One that was made before lacks some of them, and need not be made again for that.
+    [ -f "$prefix/licences/nsis.txt" ] || (installed_licences)
     exit 0
 fi
 sh "$root/packaging/install-packages.sh" windows
@@ -77,16 +97,13 @@ qt()
     rm -rf "$work/qt"
 }
 
-# What has to be given along with the programs.
+# What has to be given along with the programs: that of the sources, and the rest.
 licences()
 {
     mkdir -p "$prefix/licences"
     cp "$(echo "$work"/qt6-base-*/debian/copyright)" "$prefix/licences/qt6-base.txt"
     cp "$(echo "$work"/sqlite3-*/debian/copyright)" "$prefix/licences/sqlite3.txt"
-    cp /usr/share/doc/gcc-mingw-w64-base/copyright "$prefix/licences/gcc.txt"
-    cp /usr/share/doc/mingw-w64-x86-64-dev/copyright "$prefix/licences/mingw-w64.txt"
-    cp /usr/share/common-licenses/LGPL-3 "$prefix/licences/lgpl-3.txt"
-    cp /usr/share/common-licenses/GPL-3 "$prefix/licences/gpl-3.txt"
+    installed_licences
 }
 
 (source_packages)
