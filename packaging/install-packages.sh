@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that a task needs, and only those that are missing.
 # Usage: install-packages.sh GROUP...   with the groups build, test, check, asan, bench, run, display,
-# input-method, wayland, package, root, windows, wine
+# input-method, wayland, package, icons, root, windows, wine
 set -eu
 
 packages=
@@ -29,6 +29,8 @@ for group in "$@"; do
             packages="$packages qt6-wayland" ;;
         package) # what makes packages and reads them
             packages="$packages g++ git dpkg-dev debhelper lintian desktop-file-utils appstream jq" ;;
+        icons) # what makes the sizes of the icon out of its drawing
+            packages="$packages librsvg2-bin icoutils" ;;
         root) # a Debian system inside this one
             packages="$packages debootstrap" ;;
         windows) # what makes programs for Windows: the compiler, what Qt and SQLite are built with, the installer
