@@ -40,6 +40,11 @@ trap 'rm -rf "$scratch"' EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
+# The pictures that go into the package, before the long work.
+mkdir "$scratch/drawing"
+history archive HEAD packaging/icons packaging/install-packages.sh | tar -x -C "$scratch/drawing"
+sh "$scratch/drawing/packaging/icons/build.sh" --check
+
 # Builds in FOLDER, which is made. What is said stays in LOG.
 # Usage: build FOLDER LOG
 build()
@@ -99,8 +104,37 @@ fi
 
 installed=$scratch/installed
 dpkg-deb --extract "$(find "$folder" -name 'quillon_*.deb')" "$installed"
-desktop-file-validate "$installed/usr/share/applications/quillon.desktop"
+wrong=
+# It ends well with mere warnings.
+said=$(desktop-file-validate "$installed/usr/share/applications/quillon.desktop" 2>&1) || wrong=yes
+if [ -n "$said" ]; then
+    echo "$said" >&2
+    wrong=yes
+fi
 # The addresses in it are looked at only where there is a network.
-appstreamcli validate --no-net "$installed"/usr/share/metainfo/*.metainfo.xml
-lintian --fail-on error,warning "$folder"/*.changes
+appstreamcli validate --strict --no-net "$installed"/usr/share/metainfo/*.metainfo.xml || wrong=yes
+lintian --fail-on error,warning "$folder"/*.changes || wrong=yes
+
+# What lintian takes for a matter of taste, or does not see.
+complain()
+{
+    echo "build.sh: $*" >&2
+    wrong=yes
+}
+
+for program in quillon quillon-cli; do
+    file=$installed/usr/bin/$program
+    LC_ALL=C readelf -W --file-header --program-headers --dynamic --dyn-syms "$file" >"$scratch/elf"
+    grep -q '^ *Type: *DYN ' "$scratch/elf" || complain "$program always lies at the same address"
+    grep -q '^ *GNU_RELRO ' "$scratch/elf" || complain "$program can be given other functions: no RELRO"
+    grep -q -e '(BIND_NOW)' -e '(FLAGS).* BIND_NOW' -e '(FLAGS_1).* NOW' "$scratch/elf" ||
+        complain "$program can be given other functions: not bound at its start"
+    grep -q ' __stack_chk_fail' "$scratch/elf" || complain "$program does not guard its stack"
+done
+windows=$(objdump -p "$installed/usr/bin/quillon-cli" | sed -n 's/^ *NEEDED *\(libQt6.*\)/\1/p' |
+    grep -v '^libQt6Core\.') || :
+# shellcheck disable=SC2086  # a list of words
+[ -z "$windows" ] || complain "quillon-cli has no use for" $windows
+[ -n "$(find "$folder" -name 'quillon-dbgsym_*.deb')" ] || complain "there is no package with what a debugger reads"
+[ -z "$wrong" ] || exit 1
 find "$folder" -name '*.deb'
