@@ -78,12 +78,17 @@ mkdir -m 700 /tmp/person
 chown person /tmp/person
 bus=
 display=:7
-person quillon --version
-person quillon-cli --version >/dev/null
+# Whoever reports something has to be able to tell what it was built from.
+for program in quillon quillon-cli; do
+    person $program --version >/tmp/version
+    cat /tmp/version
+    grep -q '^コミット: [0-9a-f]\{12\}$' /tmp/version || fail "$program does not tell its commit"
+done
 [ -n "$(person man -w quillon)" ] || fail "no manual page of quillon"
 [ -n "$(person man -w quillon-cli)" ] || fail "no manual page of quillon-cli"
 [ -n "$(person man -L ja -w quillon)" ] || fail "no Japanese manual page"
 [ -f /usr/share/quillon/manual/manual.html ] || fail "no page of the manual"
+[ -s /usr/share/quillon/manual/images/main.png ] || fail "no pictures of the manual"
 
 Xvfb :7 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
 server=$!
@@ -98,7 +103,8 @@ person openbox >/dev/null 2>&1 &
 say "starting from the menu's entry"
 cd /home/person
 person gio launch /usr/share/applications/quillon.desktop &
-main=$(window '^Quillon') || fail "no window came"
+# The boxes that complain have titles of the program, too.
+main=$(window '^Quillon メイン画面') || fail "no window came"
 home=/home/person/Documents/Quillon
 for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
     [ -e "$home/$name" ] || fail "$home/$name was not made"
@@ -112,7 +118,18 @@ gone || fail "the program does not end"
 
 say "opening a database"
 person quillon-cli --database "/home/person/知識.mdb" create >/dev/null
-person quillon-cli --database "/home/person/知識.mdb" add definition 水 --text 無色透明の液体 >/dev/null
+person quillon-cli --database "/home/person/知識.mdb" add definition 水 --text 無色透明の液体 >/tmp/identifier
+found=$(person quillon-cli --database "/home/person/知識.mdb" search 透明の --identifiers) ||
+    fail "what was added is not found"
+[ "$found" = "$(cat /tmp/identifier)" ] || fail "the search finds another datum: $found"
+if person quillon-cli --database "/home/person/知識.mdb" search 不透明 >/dev/null 2>&1; then
+    fail "the search finds what is not there"
+fi
+printf '覚え書き\n' >/home/person/覚え書き.txt
+person quillon-cli --database "/home/person/知識.mdb" --home "$home" attach "/home/person/覚え書き.txt" >/dev/null
+cmp -s /home/person/覚え書き.txt "$home/RefFile/覚え書き.txt" || fail "the registered file was not copied"
+person quillon-cli --database "/home/person/知識.mdb" list --kind file | grep -q '^F-.*FILE *覚え書き\.txt$' ||
+    fail "the registered file is not in the list"
 type=$(person gio info -a standard::content-type "/home/person/知識.mdb" | sed -n 's/.*content-type: //p')
 [ "$type" = application/x-quillon ] || fail "the database is taken for $type"
 printf 'Standard Jet DB of somebody else' >/home/person/other.mdb
@@ -120,7 +137,7 @@ type=$(person gio info -a standard::content-type /home/person/other.mdb | sed -n
 [ "$type" != application/x-quillon ] || fail "the file of another program is taken for ours"
 person gio mime application/x-quillon | grep -q 'quillon.desktop' || fail "nothing opens our files"
 person gio open "/home/person/知識.mdb" &
-window '^Quillon' >/dev/null || fail "opening a database showed no window"
+window '^Quillon メイン画面' >/dev/null || fail "opening a database showed no window"
 opened=no
 for _ in $(seq 1 150); do
     if find /proc/"$(pgrep -u person -x quillon)"/fd -lname '*知識.mdb' 2>/dev/null | grep -q .; then
