@@ -521,6 +521,7 @@ private Q_SLOTS:
                  answer(0, contentOf(folder + u"/fish/vendor_completions.d/quillon-cli.fish"_s)));
     }
 
+#ifndef Q_OS_WIN // there the installer does that
     void theProgramIsInstalledWithItsPagesAndCompletions()
     {
         const QTemporaryDir prefix;
@@ -543,6 +544,7 @@ private Q_SLOTS:
         program.start(prefix.filePath(u"bin/quillon-cli"_s), {u"--version"_s});
         QCOMPARE(CliWorld::answerOf(program), m_world.run({u"--version"_s}));
     }
+#endif
 
     void thePagesTellOfTheSurroundings()
     {

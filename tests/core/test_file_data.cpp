@@ -91,13 +91,17 @@ private Q_SLOTS:
         QTest::newRow("ordinary") << u"water.txt"_s;
         QTest::newRow("Japanese") << u"水の資料（表示）.pdf"_s;
         QTest::newRow("blanks") << u" 水 の 資料 .txt"_s;
-        QTest::newRow("quotes") << u"'水' \"氷\" `ls` $(ls).txt"_s;
+        QTest::newRow("quotes") << u"'水' `ls` $(ls).txt"_s;
         QTest::newRow("leading dot") << u".profile"_s;
         QTest::newRow("leading dash") << u"--help"_s;
         QTest::newRow("two dots inside") << u"a..b"_s;
+#ifndef Q_OS_WIN // no such names there
+        QTest::newRow("double quotes") << u"\"氷\".txt"_s;
         QTest::newRow("three dots") << u"..."_s;
+        QTest::newRow("question mark") << u"1?.txt"_s;
+#endif
         QTest::newRow("no extension") << u"README"_s;
-        QTest::newRow("percent signs and hash") << u"100%20#1?.txt"_s;
+        QTest::newRow("percent signs and hash") << u"100%20#1.txt"_s;
         QTest::newRow("as long as a column") << QString(50, u'水');
     }
 

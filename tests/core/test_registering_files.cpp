@@ -480,7 +480,11 @@ private Q_SLOTS:
         QFETCH(QString, before);
         QFETCH(QString, after);
         QFETCH(bool, encoded);
+#ifdef Q_OS_WIN
+        const QString name = u"図 100%20#1.txt"_s;
+#else
         const QString name = u"図 100%20#1?.txt"_s;
+#endif
         QString path = write(name, "content");
         if (encoded)
             path = QString::fromLatin1(QUrl::toPercentEncoding(path, "/"));

@@ -78,8 +78,9 @@ private Q_SLOTS:
 #ifdef Q_OS_LINUX
         QCOMPARE(kept::keptFolder(), u"/somewhere/data/quillon"_s);
 #endif
-        qputenv("QUILLON_COPIES", "/elsewhere");
-        QCOMPARE(kept::keptFolder(), u"/elsewhere"_s);
+        const QString elsewhere = QDir::rootPath() + u"elsewhere"_s;
+        qputenv("QUILLON_COPIES", elsewhere.toLocal8Bit());
+        QCOMPARE(kept::keptFolder(), elsewhere);
         qputenv("QUILLON_COPIES", "here");
         QCOMPARE(kept::keptFolder(), QDir::currentPath() + u"/here"_s);
     }
@@ -109,6 +110,7 @@ private Q_SLOTS:
         QVERIFY(one.folder() != other.folder());
     }
 
+#ifndef Q_OS_WIN // what the toolkit makes for a link is a file there
     void aLinkLeadsToThePlaceOfItsFile()
     {
         const QString database = fileIn(u"a.mdb"_s);
@@ -116,6 +118,7 @@ private Q_SLOTS:
         QVERIFY(QFile::link(database, link));
         QCOMPARE(Place(kept(), link).folder(), Place(kept(), database).folder());
     }
+#endif
 
     void aLongNameOrOneOfOddCharactersMakesAFolderAllTheSame()
     {
@@ -125,6 +128,7 @@ private Q_SLOTS:
         }
     }
 
+#ifndef Q_OS_WIN // the folders of a person are closed to others there
     void everythingIsForTheUserAlone()
     {
         const Place place(kept(), fileIn(u"a.mdb"_s));
@@ -138,6 +142,7 @@ private Q_SLOTS:
                      qPrintable(path));
         }
     }
+#endif
 
     void whatADiskWithoutRoomLeftOfItsNameIsWrittenAnew_data()
     {

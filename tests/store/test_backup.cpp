@@ -173,11 +173,13 @@ private Q_SLOTS:
         QCOMPARE(file.readAll(), QByteArray("mine"));
     }
 
+#ifndef Q_OS_WIN // the folders of a person are closed to others there
     void theCopyIsForTheUserAlone()
     {
         const Backup backup(source(), target());
         QVERIFY(!QFile::permissions(target()).testAnyFlags(QFileDevice::ReadGroup | QFileDevice::ReadOther));
     }
+#endif
 };
 
 QTEST_GUILESS_MAIN(TestBackup)

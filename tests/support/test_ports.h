@@ -12,6 +12,7 @@
 #include "app/base/system_files.h"
 #include "tests/support/call_log.h"
 
+#include <QDir>
 #include <QStringList>
 
 #include <array>
@@ -64,7 +65,7 @@ public:
     OpenOutcome open(const QString& path) override
     {
         calls.note(QStringLiteral("open ") + path);
-        opened << path;
+        opened << QDir::fromNativeSeparators(path); // as the tests write them
         return outcome;
     }
     void noteRecent(const QString& path) override { recent << path; }
