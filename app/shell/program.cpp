@@ -99,6 +99,7 @@ frmMainMenu& Program::mainWindow()
 {
     if (m_mainWindow == nullptr) {
         m_mainWindow = new frmMainMenu(m_session, m_windows);
+        m_windows.setMainWindow(*m_mainWindow);
         m_session.setMainWindow(m_mainWindow);
         QObject::connect(m_mainWindow, &frmMainMenu::endProgram, m_mainWindow, [this] {
             if (m_end)
@@ -112,6 +113,7 @@ frmRestore& Program::restoreWindow()
 {
     if (m_restoreWindow == nullptr) {
         m_restoreWindow = new frmRestore(m_session, m_windows);
+        m_windows.setMainWindow(*m_restoreWindow);
         m_session.setMainWindow(m_restoreWindow);
         QObject::connect(m_restoreWindow, &FormWindow::unloaded, m_restoreWindow, [this] {
             m_session.setMainWindow(nullptr);

@@ -3,6 +3,7 @@
 #include "app/base/system_files.h"
 #include "app/shell/frmSplash.h"
 #include "app/shell/program.h"
+#include "core/close_all_form.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "tests/old_files/old_file_writer.h"
@@ -15,9 +16,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
@@ -101,10 +105,16 @@ class TestStartUp : public QObject
     AskedFiles askedFiles{calls};
     std::unique_ptr<Program> program;
     QStringList duringSplash; // the loaded windows while the splash window is on the screen
+    std::function<void(QWidget& splash)> actInSplash; // what the person does there
 
     void makeProgram(const QString& currentFolder, Files& fileSystem)
     {
-        program = std::make_unique<Program>(Program::Ports{dialogs, eventLog, clock, desktop, fileSystem},
+        program = std::make_unique<Program>(Program::Ports{.dialogs = dialogs,
+                                                           .eventLog = eventLog,
+                                                           .clock = clock,
+                                                           .desktop = desktop,
+                                                           .files = fileSystem,
+                                                           .manualFolder = currentFolder},
                                             currentFolder);
     }
 
@@ -121,9 +131,11 @@ class TestStartUp : public QObject
     {
         QTimer::singleShot(0, this, [this] {
             duringSplash = loadedNames();
-            auto* splash = dynamic_cast<frmSplash*>(program->windows().loaded().front());
+            auto* splash = dynamic_cast<frmSplash*>(program->windows().loaded().back());
             if (splash == nullptr || splash->windowModality() != Qt::ApplicationModal || !splash->isVisible())
                 duringSplash << u"no modal splash window"_s;
+            if (splash != nullptr && actInSplash)
+                actInSplash(*splash);
             for (int tick = 1; splash != nullptr && tick <= 30; ++tick)
                 splash->tmrSwitch_Timer();
         });
@@ -145,6 +157,7 @@ private Q_SLOTS:
         folder = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir(folder->path()).mkdir(u"RefFile"_s));
         duringSplash.clear();
+        actInSplash = {};
         eventLog.lines.clear();
         askedFiles.hasEverything = true;
         calls.take();
@@ -264,6 +277,39 @@ private Q_SLOTS:
 #else
         QSKIP("Such names are not allowed here.");
 #endif
+    }
+
+    void helpReadBeforeTheMainWindowIsClosedLikeAllOthers_data()
+    {
+        QTest::addColumn<bool>("inSplash");
+        QTest::newRow("asked for in the splash window") << true;
+        QTest::newRow("asked for in the box before it") << false;
+    }
+
+    void helpReadBeforeTheMainWindowIsClosedLikeAllOthers()
+    {
+        QFile page(folder->filePath(u"manual.html"_s));
+        QVERIFY(page.open(QIODevice::WriteOnly));
+        page.write("<h2 id=\"a\">a</h2>");
+        page.close();
+        const auto askForHelp = [](QWidget& window) { QTest::keyClick(&window, Qt::Key_F1); };
+        QFETCH(const bool, inSplash);
+        if (inSplash) {
+            actInSplash = askForHelp;
+        } else {
+            QVERIFY(QDir(folder->path()).rmdir(u"RefFile"_s));
+            dialogs.expect(missingFolder());
+            dialogs.meanwhile([&] {
+                QMessageBox box;
+                box.open();
+                askForHelp(box);
+            });
+        }
+        makeProgram(folder->path(), files);
+        QVERIFY(start());
+        QCOMPARE(loadedNames(), QStringList({u"frmMainMenu"_s, u"frmManual"_s}));
+        CloseAllForm(program->session());
+        QCOMPARE(loadedNames(), QStringList{u"frmMainMenu"_s});
     }
 
     void aFileIsOpenedOnceTheMainWindowStands()

@@ -123,6 +123,7 @@ private Q_SLOTS:
     }
 
     void windowsStandInTheOrderOfLoading();
+    void mainWindowStandsFirst();
     void unloadingTellsAndDeletes();
     void aWindowThatWasNeverShownCanBeUnloaded();
     void theCloseBoxAsksToo();
@@ -172,6 +173,20 @@ void TestFormWindow::windowsStandInTheOrderOfLoading()
     QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainMenu"_s, u"b"_s, u"a"_s}));
     QVERIFY(second->unload());
     QCOMPARE(m_world->loadedNames(), QStringList({u"frmMainMenu"_s, u"a"_s}));
+}
+
+void TestFormWindow::mainWindowStandsFirst()
+{
+    for (const QString& name : {u"frmManual"_s, u"frmSplash"_s})
+        m_world->window(name);
+    QCOMPARE(m_world->registry.mainWindow(), nullptr);
+    PlainWindow* mainWindow = m_world->window(u"frmMainMenu"_s);
+    m_world->registry.setMainWindow(*mainWindow);
+    m_world->window(u"frmMainData"_s);
+    QCOMPARE(m_world->loadedNames(),
+             QStringList({u"frmMainMenu"_s, u"frmManual"_s, u"frmSplash"_s, u"frmMainData"_s}));
+    mainWindow->unload();
+    QCOMPARE(m_world->registry.mainWindow(), nullptr);
 }
 
 void TestFormWindow::unloadingTellsAndDeletes()
@@ -547,7 +562,9 @@ void TestFormWindow::dataWindowsAreToldApart()
 
 void TestFormWindow::smallWindowOpensOverTheMainWindow()
 {
+    m_world->window(u"frmManual"_s)->showModeless();
     PlainWindow* mainWindow = m_world->window(u"frmMainMenu"_s);
+    m_world->registry.setMainWindow(*mainWindow);
     mainWindow->setGeometry(100, 80, 500, 400);
     mainWindow->show();
     PlainWindow* window = m_world->window(u"frmEntryInfo"_s);
@@ -567,6 +584,7 @@ void TestFormWindow::smallWindowOpensOverTheMainWindow()
 void TestFormWindow::smallWindowStaysOnTheScreen()
 {
     PlainWindow* mainWindow = m_world->window(u"frmMainMenu"_s);
+    m_world->registry.setMainWindow(*mainWindow);
     mainWindow->setGeometry(-300, -200, 320, 220);
     mainWindow->show();
     PlainWindow* window = m_world->window(u"frmEntryInfo"_s);

@@ -267,7 +267,7 @@ void FormWindow::growWhereItScrolls()
 
 void FormWindow::placeOverMainWindow()
 {
-    const auto* mainWindow = dynamic_cast<const FormWindow*>(m_registry.loaded().front());
+    const auto* mainWindow = dynamic_cast<const FormWindow*>(m_registry.mainWindow());
     if (mainWindow == nullptr || mainWindow == this || !mainWindow->isVisible())
         return;
     // The thickness of its own frame is not known yet; that of the main window is as good.

@@ -111,6 +111,13 @@ LoadedWindow* WindowRegistry::loadedSharedWindow(const QString& windowName) cons
     return m_shared.value(windowName, nullptr);
 }
 
+void WindowRegistry::setMainWindow(LoadedWindow& window)
+{
+    m_mainWindow = &window;
+    std::stable_partition(m_windows.begin(), m_windows.end(),
+                          [&](const LoadedWindow* loaded) { return loaded == &window; });
+}
+
 void WindowRegistry::add(LoadedWindow* window)
 {
     m_windows.push_back(window);
@@ -119,6 +126,8 @@ void WindowRegistry::add(LoadedWindow* window)
 void WindowRegistry::remove(LoadedWindow* window)
 {
     std::erase(m_windows, window);
+    if (m_mainWindow == window)
+        m_mainWindow = nullptr;
     m_shared.removeIf([window](const auto& entry) { return entry.value() == window; });
 }
 

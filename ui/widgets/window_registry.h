@@ -11,7 +11,7 @@
 namespace quillon
 {
 
-/// The loaded windows in the order of loading, and the factories of further ones.
+/// The loaded windows in the order of loading, the main window before all, and the factories of further ones.
 /// Qt's own list of windows has no dependable order.
 class WindowRegistry : public Windows
 {
@@ -36,6 +36,12 @@ public:
     /// The shared instance as far as it is loaded, else null.
     LoadedWindow* loadedSharedWindow(const QString& windowName) const;
 
+    /// Makes a loaded window the main one. It stands first from now on: help may have been asked for before there was
+    /// any, so that the manual is older.
+    void setMainWindow(LoadedWindow& window);
+    /// Null as long as there is none.
+    LoadedWindow* mainWindow() const { return m_mainWindow; }
+
     /// Called by windows themselves.
     void add(LoadedWindow* window);
     void remove(LoadedWindow* window);
@@ -46,6 +52,7 @@ private:
     const QString& registrationWindowName(const QString& kind) const;
 
     std::vector<LoadedWindow*> m_windows;
+    LoadedWindow* m_mainWindow = nullptr;
     QHash<QString, LoadedWindow*> m_shared;
     QHash<QString, Factory> m_factories;
 };
