@@ -1,6 +1,7 @@
 #include "tests/data/twin_fixture.h"
 #include "ui/data/frmRefFileEntry.h"
 
+#include <QContextMenuEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
@@ -38,6 +39,13 @@ private:
             FormWorld::definition(form).moveCursor(QTextCursor::End);
             compose(FormWorld::definition(form), text);
         }
+    }
+    static QMenu& openFirstMenuByMouse(const DataForm& form)
+    {
+        auto* menu = form.menuBar()->actions().front()->menu();
+        QTest::mouseClick(form.menuBar(), Qt::LeftButton, {},
+                          form.menuBar()->actionGeometry(menu->menuAction()).center());
+        return *menu;
     }
     /// The first datum with the text behind what stood in the field.
     static QString changed(const QString& text)
@@ -101,6 +109,56 @@ private Q_SLOTS:
         QApplication::activePopupWidget()->close();
         world->dialogs.expect(AskUpdate, Answer::No);
         QVERIFY(FormWorld::closes(form));
+    }
+
+    void entryChosenByMouseWritesIt_data() { everyField(); }
+
+    void entryChosenByMouseWritesIt()
+    {
+        DataForm& form = show();
+        composeIn(form, u"です"_s);
+        QTRY_VERIFY(form.focusWidget()->hasFocus());
+        QMenu& menu = openFirstMenuByMouse(form);
+        QTRY_VERIFY(menu.isVisible());
+        world->dialogs.expect(twin().updated);
+        auto* update = form.findChild<QAction*>(u"mnuDataUpdate"_s);
+        QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(update).center());
+        QCOMPARE(data(), QStringList(changed(u"です"_s)));
+        QVERIFY(FormWorld::closes(form));
+    }
+
+    void menuThatIsOnlyLookedAtConfirmsIt_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<bool>("inName");
+        QTest::addColumn<bool>("ofBar");
+        for (const QString& identifier : {Water, Book}) {
+            QTest::newRow(tag(identifier, u"name, a menu of the bar"_s)) << identifier << true << true;
+            QTest::newRow(tag(identifier, u"content, a menu of the bar"_s)) << identifier << false << true;
+            // That of a field of one line does not open meanwhile.
+            QTest::newRow(tag(identifier, u"content, its own menu"_s)) << identifier << false << false;
+        }
+    }
+
+    void menuThatIsOnlyLookedAtConfirmsIt()
+    {
+        DataForm& form = show();
+        composeIn(form, u"です"_s);
+        QTRY_VERIFY(form.focusWidget()->hasFocus());
+        QFETCH(const bool, ofBar);
+        if (ofBar) {
+            openFirstMenuByMouse(form);
+        } else {
+            QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, {}, form.mapToGlobal(QPoint(20, 20)));
+            QCoreApplication::sendEvent(form.focusWidget(), &menuKey);
+        }
+        QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+        QVERIFY(QApplication::activePopupWidget() == nullptr);
+        world->dialogs.expect(AskUpdate, Answer::Yes);
+        world->dialogs.expect(twin().updated);
+        QVERIFY(FormWorld::closes(form));
+        QCOMPARE(data(), QStringList(changed(u"です"_s)));
     }
 
     void leavingTheFieldConfirmsIt_data() { everyField(); }

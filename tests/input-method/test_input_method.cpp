@@ -10,6 +10,7 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QProcess>
 #include <QTimer>
 
@@ -38,6 +39,13 @@ private:
         xdotool(QStringList{u"key"_s, u"--delay"_s, u"40"_s} + keys);
     }
     static void type(const QString& letters) { xdotool({u"type"_s, u"--delay"_s, u"40"_s, letters}); }
+
+    /// Clicks into the middle of a part of a widget.
+    static void click(const QWidget& widget, const QRect& part)
+    {
+        const QPoint place = widget.mapToGlobal(part.center());
+        xdotool({u"mousemove"_s, QString::number(place.x()), QString::number(place.y()), u"click"_s, u"1"_s});
+    }
 
     /// What the input method shows at present.
     class Shown : public QObject
@@ -156,6 +164,21 @@ private Q_SLOTS:
         QVERIFY(FormWorld::closes(form)); // nothing is left of it
     }
 
+    void menuByMouseWritesIt_data() { everyField(); }
+
+    void menuByMouseWritesIt()
+    {
+        DataForm& form = show();
+        composeIn(form, u"desu"_s, u"です"_s);
+        auto* menu = form.menuBar()->actions().front()->menu();
+        click(*form.menuBar(), form.menuBar()->actionGeometry(menu->menuAction()));
+        QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), PatienceInMs);
+        world->dialogs.expect(twin().updated);
+        click(*menu, menu->actionGeometry(form.findChild<QAction*>(u"mnuDataUpdate"_s)));
+        QTRY_COMPARE_WITH_TIMEOUT(data(), QStringList(changed(u"です"_s)), PatienceInMs);
+        QVERIFY(FormWorld::closes(form));
+    }
+
     void whatIsConvertedIsWrittenAsItIsShown_data() { everyField(); }
 
     void whatIsConvertedIsWrittenAsItIsShown()
@@ -212,8 +235,7 @@ private Q_SLOTS:
         QFETCH(bool, inName);
         const QWidget& other =
             inName ? static_cast<QWidget&>(FormWorld::definition(form)) : FormWorld::name(form);
-        const QPoint place = other.mapToGlobal(other.rect().center());
-        xdotool({u"mousemove"_s, QString::number(place.x()), QString::number(place.y()), u"click"_s, u"1"_s});
+        click(other, other.rect());
         QTRY_VERIFY_WITH_TIMEOUT(other.hasFocus(), PatienceInMs);
         QTRY_VERIFY(textOf(form).endsWith(u"です"_s));
         QCOMPARE(form.fieldText(inName ? 2 : 0), inName ? u"液体"_s : u"水"_s);

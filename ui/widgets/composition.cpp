@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QCoreApplication>
+#include <QFocusEvent>
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QInputMethodEvent>
@@ -22,8 +23,13 @@ void Composition::follow(QWidget& widget, const QEvent& event)
             confirm();
         break;
     case QEvent::FocusOut:
-        // Too late to confirm anything: the input method speaks to another field already.
-        if (m_field == &widget)
+        if (m_field != &widget)
+            break;
+        // A menu leaves the field to the input method. Else it is too late to confirm anything: the input method speaks
+        // to another field already.
+        if (static_cast<const QFocusEvent&>(event).reason() == Qt::PopupFocusReason)
+            confirm();
+        else
             m_field = nullptr;
         break;
     default:
