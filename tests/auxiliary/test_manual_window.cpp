@@ -217,6 +217,12 @@ private Q_SLOTS:
             QCOMPARE(manual()->windowHandle()->transientParent(), find.windowHandle());
             QTest::keyClick(&contents(*manual()), Qt::Key_Home);
             QCOMPARE(chapter(), u"概要"_s);
+            // From outside as well.
+            QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&contents(*manual()));
+            if (told == nullptr || told->tableInterface() == nullptr)
+                QFAIL("the contents cannot be asked");
+            QVERIFY(told->tableInterface()->selectRow(1));
+            QTRY_VERIFY(chapter() != u"概要"_s);
             find.unload();
         });
         world->program.windows().sharedWindow(u"frmFind"_s).showModal();

@@ -254,6 +254,7 @@ private Q_SLOTS:
         QTest::newRow("Esc") << u"Esc"_s;
         QTest::newRow("the Cancel button") << u"button"_s;
         QTest::newRow("the Cancel button by its key") << u"key"_s;
+        QTest::newRow("the Cancel button from outside") << u"outside"_s;
         QTest::newRow("the close box") << u"close box"_s;
     }
 
@@ -276,6 +277,8 @@ private Q_SLOTS:
                     QTest::mouseClick(&cancel, Qt::LeftButton);
                 else if (way == u"key"_s)
                     QTest::keyClick(&cancel, Qt::Key_Space);
+                else if (way == u"outside"_s)
+                    cancel.click(); // by assistive technology, as which no event comes
                 else
                     form->close();
             });
@@ -304,6 +307,10 @@ private Q_SLOTS:
                 QTimer::singleShot(0, &other, [&] {
                     QTest::keyClick(&FormWorld::name(other), Qt::Key_A);
                     other.close();
+                    // Assistive technology acts without such events.
+                    other.findChild<QAction*>(u"mnuDataClose"_s)->trigger();
+                    form->findChild<QPushButton*>(u"cmdPath"_s)->click();
+                    form->findChild<QAction*>(u"mnuDataEntry"_s)->trigger();
                 });
         };
         world->dialogs.expect(Registered);

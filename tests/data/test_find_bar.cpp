@@ -1,8 +1,10 @@
 #include "tests/data/twin_fixture.h"
 #include "tests/support/held_key.h"
+#include "tests/support/outside_press.h"
 #include "ui/data/find_bar.h"
 
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QWheelEvent>
 
@@ -56,6 +58,24 @@ private Q_SLOTS:
         find(form, u"水"_s);
         QVERIFY(bar(form).isVisible());
         QVERIFY(wanted(form).hasFocus());
+    }
+
+    void buttonsBehindABoxDoNothing_data() { bothKinds(); }
+
+    void buttonsBehindABoxDoNothing()
+    {
+        DataForm& form = showActive(u"水は水"_s);
+        find(form, u"水"_s);
+        QMessageBox box;
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        pressFromOutside(*form.findChild<QPushButton*>(u"cmdFindNext"_s));
+        QCOMPARE(at(form), 0);
+        pressFromOutside(*form.findChild<QPushButton*>(u"cmdFindClose"_s));
+        QVERIFY(bar(form).isVisible());
+        box.hide();
+        pressFromOutside(*form.findChild<QPushButton*>(u"cmdFindNext"_s));
+        QCOMPARE(at(form), 2);
     }
 
     void placesAreShownOneAfterTheOther_data() { bothKinds(); }

@@ -3,6 +3,7 @@
 #include "tests/main/main_window_fixture.h"
 
 #include <QAccessible>
+#include <QMessageBox>
 #include <QWheelEvent>
 
 using namespace Qt::Literals::StringLiterals;
@@ -96,6 +97,23 @@ private Q_SLOTS:
         handle->valueInterface()->setCurrentValue(0);
         QCOMPARE(tree->width(), pixelsFromTwips(1500));
         QCOMPARE(handle->valueInterface()->currentValue().toInt(), percentOfTree());
+    }
+
+    void splitterBehindABoxStaysWhereItIs()
+    {
+        QAccessibleInterface* const handle = QAccessible::queryAccessibleInterface(splitter());
+        if (handle == nullptr || handle->valueInterface() == nullptr)
+            QFAIL("the splitter cannot be asked");
+        const int width = tree->width();
+        QMessageBox box(window);
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        handle->valueInterface()->setCurrentValue(percentOfTree() + 20);
+        QCOMPARE(tree->width(), width);
+        QCOMPARE(handle->valueInterface()->currentValue().toInt(), percentOfTree());
+        box.hide();
+        handle->valueInterface()->setCurrentValue(percentOfTree() + 20);
+        QVERIFY(tree->width() > width);
     }
 
     void theStatusBarKeepsItsTextsWhenTheSplitterMoves()

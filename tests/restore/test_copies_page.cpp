@@ -2,9 +2,11 @@
 #include "store/identifiers.h"
 #include "tests/restore/restore_world.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/outside_press.h"
 #include "tests/support/window_probe.h"
 
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
 
@@ -105,6 +107,17 @@ private Q_SLOTS:
         for (const QString& row : rowsOf(world->list(u"lsvCopy"_s).rows()))
             states << row.section(u'|', 1, 1);
         QCOMPARE(states, QStringList({u"件数が急減"_s, u"正常"_s}));
+    }
+
+    void nothingIsTakenOutBehindABox()
+    {
+        world->makeCopy();
+        world->show();
+        world->control<QTabWidget>(u"tabPages"_s)->setCurrentIndex(1);
+        QMessageBox box;
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        pressFromOutside(*world->control<QPushButton>(u"cmdTakeOut"_s)); // asks for no name
     }
 
     void aCopyIsTakenOutAndOpenedInTheProgram()

@@ -5,6 +5,7 @@
 #include "store/sqlite/transaction.h"
 #include "tests/restore/restore_world.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/outside_press.h"
 #include "tests/support/window_probe.h"
 #include "ui/widgets/status_panels.h"
 
@@ -12,6 +13,7 @@
 #include <QDebug>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -234,6 +236,18 @@ private Q_SLOTS:
         QCOMPARE(lost().selectedRow(), 1);
         world->dialogs.expect(restoredBox(u"現在も同じ内容です。戻すものはありません。"_s));
         QTest::mouseClick(&putBack(), Qt::LeftButton);
+    }
+
+    void nothingIsPutBackBehindABox()
+    {
+        QVERIFY(DeleteData(session(), RestoreWorld::Water, 0));
+        world->show();
+        lost().selectRow(0);
+        QVERIFY(putBack().isEnabled());
+        QMessageBox box;
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        pressFromOutside(putBack());
     }
 
     void ofADeletedItemAFormerChangeCannotComeBackAlone()

@@ -4,6 +4,7 @@
 #include "tests/support/errors_of.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/held_key.h"
+#include "tests/support/outside_press.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/test_ports.h"
 #include "ui/widgets/form_window.h"
@@ -12,6 +13,7 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -136,6 +138,8 @@ private Q_SLOTS:
     void deletingAWindowTakesItOutOfTheRegistry();
     void aModalShowingEndsWithTheUnloading();
     void theWindowBeforeActsAgainAfterAModalShowing();
+    void commandsOfAWindowThatWaitsForAnotherDoNothing();
+    void commandsOfAWindowThatAllOthersWaitForAct();
     void aModalShowingOutlastsARefusal();
     void aModalShowingEndsWhenTheWindowIsDeleted();
     void aVisibleWindowBecomesModal();
@@ -339,6 +343,48 @@ void TestFormWindow::theWindowBeforeActsAgainAfterAModalShowing()
     window->showModal();
     QCOMPARE(acting, window);
     QCOMPARE(input.actingWindow(), before); // what its action goes on to ask is asked in front of it
+}
+
+void TestFormWindow::commandsOfAWindowThatWaitsForAnotherDoNothing()
+{
+    PlainWindow* window = m_world->window(u"frmMainMenu"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ(&D)"_s);
+    const QAction* entry =
+        window->addEntry(menu, u"mnuCount"_s, u"数える(&C)"_s, &PlainWindow::mnuCount_Click);
+    QPushButton* button =
+        window->addButton(window, u"cmdCount"_s, u"数える(&C)"_s, &PlainWindow::mnuCount_Click);
+    window->showModeless();
+    // A box of the window itself, and another one's.
+    for (QWidget* const owner : {static_cast<QWidget*>(window), static_cast<QWidget*>(nullptr)}) {
+        QMessageBox box(owner);
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        chooseFromOutside(*menu, *entry);
+        pressFromOutside(*button);
+        QCOMPARE(window->clicked, 0);
+    }
+    chooseFromOutside(*menu, *entry);
+    pressFromOutside(*button);
+    QCOMPARE(window->clicked, 2);
+}
+
+void TestFormWindow::commandsOfAWindowThatAllOthersWaitForAct()
+{
+    m_world->window(u"frmMainMenu"_s)->showModeless();
+    PlainWindow* window = m_world->window(u"a"_s);
+    QMenu* menu = window->addMenu(u"mnuData"_s, u"データ(&D)"_s);
+    QMenu* submenu = window->addSubmenu(menu, u"mnuMore"_s, u"その他(&M)"_s);
+    const QAction* entry =
+        window->addEntry(submenu, u"mnuCount"_s, u"数える(&C)"_s, &PlainWindow::mnuCount_Click);
+    QPushButton* button =
+        window->addButton(window, u"cmdCount"_s, u"数える(&C)"_s, &PlainWindow::mnuCount_Click);
+    QTimer::singleShot(0, window, [&] {
+        chooseFromOutside(*submenu, *entry);
+        pressFromOutside(*button);
+        QCOMPARE(window->clicked, 2);
+        window->close();
+    });
+    window->showModal();
 }
 
 void TestFormWindow::aModalShowingOutlastsARefusal()

@@ -2,6 +2,7 @@
 
 #include "app/base/reporting.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/may_act.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/persons_input.h"
 #include "ui/widgets/wait_cursor.h"
@@ -52,7 +53,11 @@ FindBar::FindBar(Reporting& reporting, QPlainTextEdit& text, QWidget* parent)
         button->setObjectName(name);
         button->setToolTip(toolTip);
         button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this, eventSlot(m_reporting, name + u"_Click"_s, act));
+        connect(button, &QPushButton::clicked, this,
+                eventSlot(m_reporting, name + u"_Click"_s, [button, act] {
+                    if (mayActOn(*button))
+                        act();
+                }));
         row->addWidget(button);
         m_controls << button;
     };

@@ -1,5 +1,7 @@
 #include "ui/main/pane_splitter.h"
 
+#include "ui/widgets/may_act.h"
+
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QWheelEvent>
@@ -15,7 +17,12 @@ PaneSplitter::PaneSplitter(QWidget* parent) : QAbstractSlider(parent)
     setRange(0, 100);
     setSingleStep(Step);
     setPageStep(Page);
-    connect(this, &QAbstractSlider::valueChanged, this, &PaneSplitter::moveWanted);
+    connect(this, &QAbstractSlider::valueChanged, this, [this](int percent) {
+        if (mayActOn(*this))
+            Q_EMIT moveWanted(percent);
+        else
+            standAt(m_percent, minimum(), maximum());
+    });
 }
 
 void PaneSplitter::standAt(int percent, int least, int most)
@@ -23,6 +30,7 @@ void PaneSplitter::standAt(int percent, int least, int most)
     const QSignalBlocker noWish(this);
     setRange(least, most);
     setValue(percent);
+    m_percent = value();
 }
 
 void PaneSplitter::keyPressEvent(QKeyEvent* event)

@@ -26,6 +26,9 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+
+private:
+    int m_percent = 0; // where it was told to stand
 };
 
 } // namespace quillon

@@ -8,6 +8,7 @@
 #include "ui/restore/restore_texts.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/may_act.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/wait_cursor.h"
 
@@ -73,8 +74,10 @@ void CopiesPage::arrange()
     rows->addLayout(bottom);
 
     Reporting& reporting = m_session.reporting;
-    connect(cmdTakeOut, &QPushButton::clicked, this,
-            eventSlot(reporting, u"cmdTakeOut_Click"_s, [this] { cmdTakeOut_Click(); }));
+    connect(cmdTakeOut, &QPushButton::clicked, this, eventSlot(reporting, u"cmdTakeOut_Click"_s, [this] {
+                if (mayActOn(*cmdTakeOut))
+                    cmdTakeOut_Click();
+            }));
     connect(lsvCopy, &ReportList::rowDoubleClicked, this,
             eventSlot(reporting, u"lsvCopy_DblClick"_s, [this] { cmdTakeOut_Click(); }));
     connect(lsvCopy->selectionModel(), &QItemSelectionModel::selectionChanged, this,

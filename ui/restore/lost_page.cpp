@@ -8,6 +8,7 @@
 #include "ui/restore/restore_texts.h"
 #include "ui/widgets/described_controls.h"
 #include "ui/widgets/event_edge.h"
+#include "ui/widgets/may_act.h"
 #include "ui/widgets/one_line_input.h"
 #include "ui/widgets/report_list.h"
 #include "ui/widgets/wait_cursor.h"
@@ -135,8 +136,10 @@ void LostPage::connectControls()
             eventSlot(reporting, u"lsvLost_ItemClick"_s, [this] { showSelected(); }));
     connect(lsvLost, &ReportList::rowDoubleClicked, this,
             eventSlot(reporting, u"lsvLost_DblClick"_s, [this] { cmdPutBack_Click(); }));
-    connect(cmdPutBack, &QPushButton::clicked, this,
-            eventSlot(reporting, u"cmdPutBack_Click"_s, [this] { cmdPutBack_Click(); }));
+    connect(cmdPutBack, &QPushButton::clicked, this, eventSlot(reporting, u"cmdPutBack_Click"_s, [this] {
+                if (mayActOn(*cmdPutBack))
+                    cmdPutBack_Click();
+            }));
 }
 
 void LostPage::showNothing()

@@ -1,7 +1,8 @@
 #include "ui/widgets/accessible_rows.h"
 
+#include "ui/widgets/may_act.h"
+
 #include <QAbstractItemView>
-#include <QApplication>
 
 namespace quillon
 {
@@ -17,9 +18,8 @@ int AccessibleRows::shownColumn(int modelColumn) const
 
 bool AccessibleRows::canBeActedOn()
 {
-    const QWidget* answeredFirst = QApplication::activeModalWidget();
     const QAbstractItemView& view = viewOfRows();
-    return view.isEnabled() && (answeredFirst == nullptr || answeredFirst->isAncestorOf(&view));
+    return view.isEnabled() && mayActOn(view);
 }
 
 } // namespace quillon

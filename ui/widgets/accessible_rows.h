@@ -46,7 +46,7 @@ public:
 
     /// Which of the shown columns one of the model's is, -1 for a hidden one.
     int shownColumn(int modelColumn) const;
-    /// Whether a person could act on the view now: it is enabled, and no other window has to be answered first.
+    /// Whether a person could act on the view now: it is enabled, and `mayActOn` lets them.
     bool canBeActedOn();
 };
 

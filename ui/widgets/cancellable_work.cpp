@@ -6,9 +6,27 @@
 namespace quillon
 {
 
+namespace
+{
+
+/// The work in which the person's events arrive at present; null for none.
+QPointer<const CancellableWork>& workThatLetsEventsArrive()
+{
+    static QPointer<const CancellableWork> work;
+    return work;
+}
+
+} // namespace
+
 CancellableWork::CancellableWork(QWidget& window, QWidget& cancelButton)
     : m_window(&window), m_cancelButton(&cancelButton)
 {
+}
+
+bool CancellableWork::keepsFromActing(const QWidget& control)
+{
+    const QPointer<const CancellableWork>& work = workThatLetsEventsArrive();
+    return !work.isNull() && &control != work->m_cancelButton;
 }
 
 bool CancellableWork::goesOn()
@@ -16,9 +34,11 @@ bool CancellableWork::goesOn()
     if (m_cancelled)
         return false;
     // Only meanwhile, so that a box of the work can be answered. The filter that came last is asked first.
+    workThatLetsEventsArrive() = this;
     QCoreApplication::instance()->installEventFilter(this);
     QCoreApplication::processEvents();
     QCoreApplication::instance()->removeEventFilter(this);
+    workThatLetsEventsArrive() = nullptr;
     return !m_cancelled;
 }
 

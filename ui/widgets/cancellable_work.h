@@ -14,6 +14,9 @@ class CancellableWork : public QObject
 public:
     CancellableWork(QWidget& window, QWidget& cancelButton);
 
+    /// Whether work goes on in which the person can do nothing with a control.
+    static bool keepsFromActing(const QWidget& control);
+
     void cancel() { m_cancelled = true; }
     /// Lets the person's events arrive. False when the work is to end.
     bool goesOn();

@@ -4,6 +4,7 @@
 #include "store/session.h"
 #include "ui/widgets/event_edge.h"
 #include "ui/widgets/focus_ring.h"
+#include "ui/widgets/may_act.h"
 #include "ui/widgets/menu_bar.h"
 #include "ui/widgets/persons_input.h"
 #include "ui/widgets/read_only_text.h"
@@ -36,10 +37,12 @@ namespace quillon
 namespace
 {
 
-/// A command acts on what the person believes to have typed.
-std::function<void()> afterConfirming(const std::function<void()>& command)
+/// A command acts on what the person believes to have typed, and not where the person could not act.
+std::function<void()> afterConfirming(const QWidget& control, const std::function<void()>& command)
 {
-    return [command] {
+    return [&control, command] {
+        if (!mayActOn(control))
+            return;
         PersonsInput::ofApplication().composition().confirm();
         command();
     };
@@ -340,7 +343,7 @@ QAction* FormWindow::addEntry(QMenu* menu, const QString& name, const QString& c
     m_actions.insert(name, entry);
     if (handler)
         connect(entry, &QAction::triggered, this,
-                eventSlot(m_session.reporting, name + u"_Click"_s, afterConfirming(handler)));
+                eventSlot(m_session.reporting, name + u"_Click"_s, afterConfirming(*this, handler)));
     return entry;
 }
 
@@ -350,7 +353,8 @@ QPushButton* FormWindow::addButton(QWidget* parent, const QString& name, const Q
     auto* button = new QPushButton(caption, parent);
     button->setObjectName(name);
     connect(button, &QPushButton::clicked, this,
-            eventSlot(m_session.reporting, name.section(u'(', 0, 0) + u"_Click"_s, afterConfirming(handler)));
+            eventSlot(m_session.reporting, name.section(u'(', 0, 0) + u"_Click"_s,
+                      afterConfirming(*button, handler)));
     return button;
 }
 

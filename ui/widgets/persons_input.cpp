@@ -1,6 +1,7 @@
 #include "ui/widgets/persons_input.h"
 
 #include "ui/widgets/access_key.h"
+#include "ui/widgets/may_act.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -121,7 +122,7 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
     const auto& key = static_cast<const QKeyEvent&>(*event);
     QWidget* window = owningWindow(&widget);
     // The menus of a window that waits for an answer wait with it.
-    if (const QWidget* modal = QApplication::activeModalWidget(); modal != nullptr && modal != window)
+    if (window != nullptr && !mayActOn(*window))
         window = nullptr;
     if (window != nullptr && key.key() == Qt::Key_Alt && event->type() != QEvent::ShortcutOverride)
         followAlt(*window, key);
