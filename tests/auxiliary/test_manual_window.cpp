@@ -1,5 +1,6 @@
 #include "tests/repository/source_tree.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/held_key.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/window_world.h"
 #include "ui/auxiliary/frmManual.h"
@@ -348,6 +349,10 @@ private Q_SLOTS:
         QCOMPARE(manual()->focusWidget(), &contents(*manual()));
         QTest::keyClick(manual(), Qt::Key_F6, Qt::ShiftModifier);
         QCOMPARE(manual()->focusWidget(), &page);
+        for (int time = 0; time < 3; ++time) {
+            repeatKeyInWindow(*manual(), Qt::Key_F6);
+            QCOMPARE(manual()->focusWidget(), &page);
+        }
 
         const double before = page.font().pointSizeF();
         QTest::keyClick(&page, Qt::Key_Plus, Qt::ControlModifier);

@@ -1,6 +1,7 @@
 // The panes of the main window by keyboard.
 #include "app/base/twips.h"
 #include "tests/main/main_window_fixture.h"
+#include "tests/support/held_key.h"
 
 #include <QAccessible>
 #include <QMessageBox>
@@ -49,6 +50,38 @@ private Q_SLOTS:
         QVERIFY(list->hasFocus());
         pressInWindow(Qt::Key_F6, modifiers);
         QVERIFY(tree->hasFocus());
+    }
+
+    void keyThatGoesToAndFroGoesOnceWhenItIsHeldDown_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::newRow("F6") << Qt::Key_F6 << Qt::KeyboardModifiers(Qt::NoModifier);
+        QTest::newRow("Shift+F6") << Qt::Key_F6 << Qt::KeyboardModifiers(Qt::ShiftModifier);
+        QTest::newRow("F8") << Qt::Key_F8 << Qt::KeyboardModifiers(Qt::NoModifier);
+    }
+
+    void keyThatGoesToAndFroGoesOnceWhenItIsHeldDown()
+    {
+        QFETCH(const Qt::Key, key);
+        QFETCH(const Qt::KeyboardModifiers, modifiers);
+        tree->setFocus();
+        pressInWindow(key, modifiers);
+        const QWidget* const there = window->focusWidget();
+        QVERIFY(there != tree);
+        for (int time = 0; time < 3; ++time) {
+            repeatKeyInWindow(*window, key, modifiers);
+            QCOMPARE(window->focusWidget(), there);
+        }
+    }
+
+    void controlWithAnArrowMovesOnWhileItIsHeldDown()
+    {
+        tree->setFocus();
+        pressInWindow(Qt::Key_Right, Qt::ControlModifier);
+        const int width = tree->width();
+        repeatKeyInWindow(*window, Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(tree->width() > width);
     }
 
     void controlWithAnArrowMovesTheSplitterFromEitherPane()

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QTest>
 #include <QWidget>
 
 namespace quillon::testing
@@ -25,6 +26,12 @@ inline void holdKey(QWidget& control, int key)
         repeatKey(control, key);
     QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
     QCoreApplication::sendEvent(&control, &release);
+}
+
+/// A key that repeats in a window, where shortcuts see it first.
+inline void repeatKeyInWindow(QWidget& window, int key, Qt::KeyboardModifiers modifiers = {})
+{
+    QTest::simulateEvent(window.windowHandle(), true, key, modifiers, {}, true);
 }
 
 } // namespace quillon::testing

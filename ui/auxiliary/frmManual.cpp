@@ -72,7 +72,9 @@ void frmManual::arrange()
 void frmManual::connectKeys()
 {
     const auto onKey = [this](const QKeySequence& key, const std::function<void()>& act) {
-        connect(new QShortcut(key, this), &QShortcut::activated, this,
+        auto* shortcut = new QShortcut(key, this);
+        shortcut->setAutoRepeat(false); // held down, it would end in either pane by chance
+        connect(shortcut, &QShortcut::activated, this,
                 eventSlot(session().reporting, u"Form_KeyDown"_s, act));
     };
     onKey(Qt::Key_F6, [this] { goToOtherPane(); });

@@ -17,12 +17,16 @@ namespace quillon
 void frmMainMenu::connectKeys()
 {
     const auto onKey = [this](const QKeySequence& key, const std::function<void()>& act) {
-        connect(new QShortcut(key, this), &QShortcut::activated, this,
+        auto* shortcut = new QShortcut(key, this);
+        connect(shortcut, &QShortcut::activated, this,
                 eventSlot(session().reporting, u"Form_KeyDown"_s, act));
+        return shortcut;
     };
-    onKey(Qt::Key_F6, [this] { goToOtherPane(); });
-    onKey(Qt::SHIFT | Qt::Key_F6, [this] { goToOtherPane(); }); // backwards, which is the same with two
-    onKey(Qt::Key_F8, [this] { goToSplitter(); });
+    // Held down, a key that goes to and fro would end in the one or the other by chance.
+    onKey(Qt::Key_F6, [this] { goToOtherPane(); })->setAutoRepeat(false);
+    onKey(Qt::SHIFT | Qt::Key_F6, [this] { goToOtherPane(); }) // backwards, which is the same with two
+        ->setAutoRepeat(false);
+    onKey(Qt::Key_F8, [this] { goToSplitter(); })->setAutoRepeat(false);
     connect(imgSplitter, &PaneSplitter::left, this,
             eventSlot(session().reporting, u"Form_KeyDown"_s, [this] { leaveSplitter(); }));
     connect(imgSplitter, &PaneSplitter::moveWanted, this, [this](int percent) {
