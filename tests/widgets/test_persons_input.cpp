@@ -187,7 +187,9 @@ private Q_SLOTS:
         for (QWidget* field :
              {static_cast<QWidget*>(m_window->line), static_cast<QWidget*>(m_window->text)}) {
             for (const Qt::KeyboardModifiers held :
-                 {Qt::KeyboardModifiers(Qt::AltModifier), Qt::AltModifier | Qt::ShiftModifier}) {
+                 {Qt::KeyboardModifiers(Qt::AltModifier), Qt::AltModifier | Qt::ShiftModifier,
+                  Qt::KeyboardModifiers(Qt::MetaModifier), Qt::MetaModifier | Qt::ShiftModifier,
+                  Qt::MetaModifier | Qt::AltModifier}) {
                 QKeyEvent key(QEvent::KeyPress, Qt::Key_Q, held, u"q"_s);
                 QCoreApplication::sendEvent(field, &key);
             }
@@ -197,6 +199,9 @@ private Q_SLOTS:
         QKeyEvent third(QEvent::KeyPress, Qt::Key_E, Qt::GroupSwitchModifier, u"€"_s);
         QCoreApplication::sendEvent(m_window->line, &third);
         QCOMPARE(m_window->line->text(), u"€"_s);
+        QKeyEvent thirdElsewhere(QEvent::KeyPress, Qt::Key_E, Qt::ControlModifier | Qt::AltModifier, u"€"_s);
+        QCoreApplication::sendEvent(m_window->line, &thirdElsewhere);
+        QCOMPARE(m_window->line->text(), u"€€"_s);
     }
 
     void repetitionWithoutItsMarkIsOne()

@@ -66,11 +66,15 @@ bool isCommand(const QWidget& receiver, const QKeyEvent& key)
     return typesCharacter && (inBox || key.modifiers().testFlag(Qt::AltModifier));
 }
 
-/// Whether a key press is that of an access key which nothing has taken. The toolkit would type its character.
+/// Whether a key press is that of an access key, or of a key of the desktop, which nothing has taken. The toolkit would
+/// type its character.
 bool isUnusedAccessKey(const QWidget& receiver, const QKeyEvent& key)
 {
-    const auto held = key.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier | Qt::ShiftModifier);
-    return held == Qt::AltModifier && !key.text().isEmpty() && key.text().front().isPrint() &&
+    const Qt::KeyboardModifiers held = key.modifiers();
+    // With Ctrl and Alt the characters of a third level are typed on some systems.
+    const bool isCommand = held.testFlag(Qt::MetaModifier) ||
+                           (held.testFlag(Qt::AltModifier) && !held.testFlag(Qt::ControlModifier));
+    return isCommand && !key.text().isEmpty() && key.text().front().isPrint() &&
            receiver.testAttribute(Qt::WA_InputMethodEnabled);
 }
 
