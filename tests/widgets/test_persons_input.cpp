@@ -182,6 +182,46 @@ private Q_SLOTS:
         QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
     }
 
+    void accessKeyInAWindowThatAllOthersWaitForOpensItsMenu()
+    {
+        Window modal;
+        modal.hide();
+        modal.setWindowModality(Qt::ApplicationModal);
+        modal.show();
+        QCOMPARE(QApplication::activeModalWidget(), &modal);
+        QTest::keyClick(modal.line, Qt::Key_F, Qt::AltModifier);
+        QCOMPARE(modal.closeMenu(), modal.file->menuAction());
+        QVERIFY(m_window->closeMenu() == nullptr);
+    }
+
+    void altPressedInABoxLeavesTheFirstMenuTheFirst()
+    {
+        QTest::keyClick(m_window->line, Qt::Key_F, Qt::AltModifier);
+        QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
+        QMessageBox box(m_window.get());
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        QTest::keyClick(&box, Qt::Key_Alt, Qt::AltModifier);
+        box.hide();
+        QTest::keyClick(m_window->line, Qt::Key_F, Qt::AltModifier);
+        QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
+    }
+
+    void altThatIsReleasedInABoxIsReleased()
+    {
+        QTest::keyClick(m_window->line, Qt::Key_F, Qt::AltModifier);
+        // The toolkit closes the menu as soon as Alt is pressed again; what it begins may end in a box.
+        QTest::keyPress(QApplication::activePopupWidget(), Qt::Key_Alt, Qt::AltModifier);
+        m_window->closeMenu();
+        QMessageBox box(m_window.get());
+        box.setWindowModality(Qt::ApplicationModal);
+        box.show();
+        QTest::keyRelease(&box, Qt::Key_Alt);
+        box.hide();
+        QTest::keyClick(m_window->line, Qt::Key_F, Qt::AltModifier);
+        QCOMPARE(m_window->closeMenu(), m_window->file->menuAction());
+    }
+
     void accessKeyThatNothingHasTypesNothing()
     {
         for (QWidget* field :

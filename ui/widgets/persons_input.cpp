@@ -3,7 +3,7 @@
 #include "ui/widgets/access_key.h"
 #include "ui/widgets/may_act.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
@@ -125,11 +125,12 @@ bool PersonsInput::eventFilter(QObject* receiver, QEvent* event)
         return false;
     const auto& key = static_cast<const QKeyEvent&>(*event);
     QWidget* window = owningWindow(&widget);
+    // Also in a box: Alt may have been pressed before it came, and is released there.
+    if (window != nullptr && key.key() == Qt::Key_Alt && event->type() != QEvent::ShortcutOverride)
+        followAlt(*window, key);
     // The menus of a window that waits for an answer wait with it.
     if (window != nullptr && !mayActOn(*window))
         window = nullptr;
-    if (window != nullptr && key.key() == Qt::Key_Alt && event->type() != QEvent::ShortcutOverride)
-        followAlt(*window, key);
     if (released)
         return false;
     if (m_repeats.isRepeat(key) && isCommand(widget, key)) {
