@@ -167,6 +167,53 @@ private Q_SLOTS:
         QVERIFY(FormWorld::definition(*form).extraSelections().isEmpty());
     }
 
+    void escapeOnAButtonOfTheBarClosesTheBarAlone_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<QString>("button");
+        for (const QString& identifier : {Water, Book}) {
+            for (const QString& button : {u"cmdFindPrevious"_s, u"cmdFindNext"_s, u"cmdFindClose"_s})
+                QTest::newRow(tag(identifier, button).constData()) << identifier << button;
+        }
+    }
+
+    void escapeOnAButtonOfTheBarClosesTheBarAlone()
+    {
+        QFETCH(const QString, button);
+        const QPointer<DataForm> form(&showActive(u"水"_s));
+        find(*form, u"水"_s);
+        auto* asked = form->findChild<QPushButton*>(button);
+        asked->setFocus(Qt::TabFocusReason);
+        QVERIFY(asked->hasFocus());
+        press(*form, Qt::Key_Escape);
+        QVERIFY(!form.isNull() && form->isVisible());
+        QVERIFY(bar(*form).isHidden());
+        QVERIFY(FormWorld::definition(*form).hasFocus());
+    }
+
+    void escapeThatIsHeldClosesTheBarAlone_data() { bothKinds(); }
+
+    void escapeThatIsHeldClosesTheBarAlone()
+    {
+        const QPointer<DataForm> form(&showActive(u"水"_s));
+        find(*form, u"水"_s);
+        form->findChild<QPushButton*>(u"cmdFindNext"_s)->setFocus(Qt::TabFocusReason);
+        QTest::keyPress(form->windowHandle(), Qt::Key_Escape);
+        for (int time = 0; time < 3; ++time) {
+            FormWorld::processEvents();
+            QVERIFY(!form.isNull() && form->isVisible());
+            repeatKey(*form->focusWidget(), Qt::Key_Escape);
+        }
+        FormWorld::processEvents();
+        QVERIFY(!form.isNull() && form->isVisible());
+        QVERIFY(bar(*form).isHidden());
+        // One that was held before the bar got the keyboard leaves it open.
+        QTest::keyRelease(form->windowHandle(), Qt::Key_Escape);
+        find(*form, u"水"_s);
+        repeatKey(*form->findChild<QPushButton*>(u"cmdFindNext"_s), Qt::Key_Escape);
+        QVERIFY(bar(*form).isVisible());
+    }
+
     void selectedWordIsWhatIsSearched_data() { bothKinds(); }
 
     void selectedWordIsWhatIsSearched()

@@ -225,13 +225,21 @@ bool FindBar::eventFilter(QObject* watched, QEvent* event)
         handleEvent(m_reporting, u"txtFindInText_KeyPress"_s,
                     [&] { goOn(key.modifiers().testFlag(Qt::ShiftModifier)); });
         return true;
-    case Qt::Key_Escape:
-        if (!key.isAutoRepeat())
-            close();
-        return true;
     default:
         return QWidget::eventFilter(watched, event);
     }
+}
+
+void FindBar::keyPressEvent(QKeyEvent* event)
+{
+    // It comes from whatever in the bar has the keyboard, and goes no further: the window would close too.
+    if (event->key() != Qt::Key_Escape) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    if (!event->isAutoRepeat())
+        close();
 }
 
 } // namespace quillon

@@ -17,7 +17,8 @@ namespace quillon
 struct Reporting;
 
 /// A bar below a field of many lines in which a text is searched in the field, as the full-text search compares. It shows
-/// how many places there are and at which of them one is. Enter and Shift+Enter go on and back, Esc closes it.
+/// how many places there are and at which of them one is. Enter and Shift+Enter in its field go on and back, Esc anywhere
+/// in it closes it.
 class FindBar : public QWidget
 {
     Q_OBJECT
@@ -39,6 +40,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum class From { Here, Behind, Before };
