@@ -91,7 +91,7 @@ void listHits(benchmark::State& state)
                              result.rows().text(row, 2).toString()});
         const auto listPlain = [&] {
             {
-                const auto rows = result.window().fillRows();
+                const auto rows = result.window().fillRows({});
                 for (const PlainRow& row : plain)
                     rows->append(row.name, row.kind, row.identifier);
                 rows->finish();

@@ -51,7 +51,7 @@ private:
 } // namespace
 
 qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& recordSet, SelectionUse use,
-                      ListFill fill)
+                      ListFill fill, const QString& searched)
 {
     guarded(session.reporting, u"CreateDataList"_s, [&] {
         // Otherwise choosing a datum that was only to be shown would link it.
@@ -62,7 +62,7 @@ qint16 CreateDataList(Session& session, const std::shared_ptr<RecordSet>& record
             window.clearRows();
         RecordSet& data = required(recordSet);
         if (data.recordCount() > 0) {
-            const auto rows = window.fillRows();
+            const auto rows = window.fillRows(searched);
             const OwnNames ownNames(session, data);
             DataNameLookup names(session);
             data.forEachName([&](QStringView name, QStringView identifier) {

@@ -74,8 +74,6 @@ public:
     QString LinkSourceName;
     DataWindow* LinkSourceForm = nullptr;
 
-    QString SearchedText; // of the last full-text search
-
     QString RegisteredFolder; // where the file lay that was registered last
 
     /// A file that is being registered to be linked with a datum.

@@ -35,6 +35,20 @@ private:
         world->dialogs.expect(failureBox(u"GetFilterResult"_s, number));
         world->dialogs.expect(failureBox(u"CreateDataList"_s, errors::ObjectNotSet));
     }
+    /// Opens the first result of this name; returns what is selected in the content of its window.
+    QString openedAt(const QString& name) const
+    {
+        const auto row = static_cast<int>(world->names().indexOf(name));
+        world->resultList().setCurrentIndex(world->resultList().rows().index(row, 0));
+        WindowWorld::control<QPushButton>(*world->results(), u"cmdOK"_s)->click();
+        WindowWorld::processEvents();
+        auto& document = *world->window<FormWindow>(u"frmRefDoc"_s);
+        auto* content = WindowWorld::control<QPlainTextEdit>(document, u"txtFields(2)"_s);
+        const QString selected = content->textCursor().selectedText();
+        document.unload();
+        WindowWorld::processEvents();
+        return selected;
+    }
     template <class Form> Form& opened(const QString& designName) const
     {
         WindowWorld::processEvents();
@@ -319,6 +333,25 @@ private Q_SLOTS:
         auto* content = WindowWorld::control<QPlainTextEdit>(*document, u"txtFields(2)"_s);
         QCOMPARE(content->textCursor().selectedText(), u"ヤマ"_s);
         QVERIFY(WindowWorld::control<QLabel>(*document, u"lblFindCount"_s)->isVisible());
+    }
+
+    void everyResultShowsTheTextItWasFoundBy()
+    {
+        world->addDocument(u"随筆"_s, u"R-991231-001"_s, u"山と川"_s);
+        world->addDocument(u"紀行"_s, u"R-991231-002"_s, u"川と山"_s);
+        world->addDocument(u"歌集"_s, u"R-991231-003"_s, u"川と雲"_s);
+        world->addDocument(u"暦"_s, u"R-991231-004"_s, u"月と雲"_s);
+        world->search(u"山"_s, u"R"_s);
+        world->search(u"雲"_s, u"R"_s);
+        world->enter(u"川"_s, u"R"_s); // it is not searched
+        QCOMPARE(world->names(), QStringList({u"随筆"_s, u"紀行"_s, u"歌集"_s, u"暦"_s}));
+        QCOMPARE(openedAt(u"随筆"_s), u"山"_s);
+        QCOMPARE(openedAt(u"歌集"_s), u"雲"_s);
+        // Wherever the rows have moved to.
+        world->resultList().rows().sortByColumn(0);
+        world->resultList().rows().removeRowsAt({static_cast<int>(world->names().indexOf(u"随筆"_s))});
+        QCOMPARE(openedAt(u"紀行"_s), u"山"_s);
+        QCOMPARE(openedAt(u"暦"_s), u"雲"_s);
     }
 
     void deletedDataAreNotFound()

@@ -268,6 +268,20 @@ private Q_SLOTS:
         QVERIFY(bar(form).isHidden());
     }
 
+    void openBarTellsThatTheTextIsNotThere_data() { bothKinds(); }
+
+    void openBarTellsThatTheTextIsNotThere()
+    {
+        DataForm& form = showActive(u"水と水と水"_s);
+        find(form, u"水"_s);
+        QCOMPARE(count(form), u"1 / 3"_s);
+        form.showPlaceOf(u"やま"_s);
+        QVERIFY(bar(form).isVisible());
+        QCOMPARE(wanted(form).text(), u"やま"_s);
+        QCOMPARE(count(form), u"見つかりません"_s);
+        QVERIFY(FormWorld::definition(form).extraSelections().isEmpty());
+    }
+
     void tabGoesThroughTheBarBelowTheText_data() { bothKinds(); }
 
     void tabGoesThroughTheBarBelowTheText()

@@ -171,7 +171,7 @@ void FakeDataSelection::clearRows()
     rows.clear();
 }
 
-std::unique_ptr<DataRowFill> FakeDataSelection::fillRows()
+std::unique_ptr<DataRowFill> FakeDataSelection::fillRows(const QString& /*searched*/)
 {
     class Fill : public DataRowFill
     {

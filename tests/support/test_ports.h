@@ -180,7 +180,7 @@ public:
     void showModeless() override { note(QStringLiteral("showModeless")); }
     void showModal() override;
     void clearRows() override;
-    std::unique_ptr<DataRowFill> fillRows() override;
+    std::unique_ptr<DataRowFill> fillRows(const QString& searched) override;
     QString caption() const override { return title; }
     void setCaption(const QString& text) override;
     void setStatus(int panel, const QString& text) override;

@@ -144,6 +144,7 @@ private Q_SLOTS:
     void theFirstDraggedRowGivesItsText();
     void withoutADragColumnNothingIsDragged();
     void headersAreTheGivenOnes();
+    void columnThatIsNotShownStaysWithItsRows();
     void memoryStaysNearTheTexts();
     void tooManyWordsLeaveNoHalfRow();
 };
@@ -444,6 +445,23 @@ void TestReportModel::headersAreTheGivenOnes()
     QCOMPARE(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), u"名称"_s);
     QCOMPARE(model.headerData(2, Qt::Horizontal, Qt::DisplayRole).toString(), u"ＩＤ"_s);
     QVERIFY(!model.headerData(3, Qt::Horizontal, Qt::DisplayRole).isValid());
+}
+
+void TestReportModel::columnThatIsNotShownStaysWithItsRows()
+{
+    ReportModel model({{u"名称"_s, ReportModel::Storage::Text},
+                       {.header = {}, .storage = ReportModel::Storage::Dictionary, .isShown = false}});
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    ReportModel::Fill fill(model);
+    for (const QStringView name : {u"う", u"い", u"あ"})
+        fill.append({name, name});
+    fill.finish();
+    model.sortByColumn(0);
+    model.removeRowsAt({1});
+    QCOMPARE(rowsOf(model), Rows({{u"あ"_s}, {u"う"_s}}));
+    QVERIFY(!model.headerData(1, Qt::Horizontal, Qt::DisplayRole).isValid());
+    QCOMPARE(model.text(0, 1), u"あ"_s);
+    QCOMPARE(model.text(1, 1), u"う"_s);
 }
 
 void TestReportModel::memoryStaysNearTheTexts()

@@ -26,19 +26,21 @@ namespace
 {
 
 constexpr int IdentifierColumn = 2;
+constexpr int SearchedColumn = 4;
 
 class DataRows : public DataRowFill
 {
 public:
-    explicit DataRows(ReportModel& rows) : m_fill(rows) {}
+    DataRows(ReportModel& rows, const QString& searched) : m_fill(rows), m_searched(searched) {}
     void append(QStringView name, QStringView kind, QStringView identifier) override
     {
-        m_fill.append({name, kind, identifier});
+        m_fill.append({name, kind, identifier, {}, m_searched});
     }
     void finish() override { m_fill.finish(); }
 
 private:
     ReportModel::Fill m_fill;
+    QString m_searched;
 };
 
 } // namespace
@@ -69,7 +71,9 @@ void frmDataSelect::arrange()
                              {{.header = u"名称"_s},
                               {.header = u"種別"_s, .storage = ReportModel::Storage::Dictionary},
                               {.header = u"ＩＤ"_s},
-                              {.header = u"下位分類"_s, .storage = ReportModel::Storage::Dictionary}},
+                              {.header = u"下位分類"_s, .storage = ReportModel::Storage::Dictionary},
+                              // The results of one search stand below those of another.
+                              {.header = {}, .storage = ReportModel::Storage::Dictionary, .isShown = false}},
                              middle);
     lsvData->setObjectName(u"lsvData"_s);
     lsvData->setAccessibleName(u"データ一覧"_s);
@@ -119,9 +123,9 @@ void frmDataSelect::clearRows()
     lsvData->rows().clear();
 }
 
-std::unique_ptr<DataRowFill> frmDataSelect::fillRows()
+std::unique_ptr<DataRowFill> frmDataSelect::fillRows(const QString& searched)
 {
-    return std::make_unique<DataRows>(lsvData->rows());
+    return std::make_unique<DataRows>(lsvData->rows(), searched);
 }
 
 void frmDataSelect::setStatus(int panel, const QString& text)
@@ -145,7 +149,7 @@ void frmDataSelect::cmdOK_Click()
         return;
     const QString identifier = lsvData->rows().text(row, IdentifierColumn).toString();
     if (!session().LinkSourceMode)
-        showFound(identifier);
+        showFound(identifier, lsvData->rows().text(row, SearchedColumn).toString());
     else if (linkTo(identifier))
         unload();
 }
@@ -163,14 +167,16 @@ bool frmDataSelect::linkTo(const QString& identifier)
     return LinkData(session(), identifier, source, 1);
 }
 
-void frmDataSelect::showFound(const QString& identifier)
+void frmDataSelect::showFound(const QString& identifier, const QString& searched)
 {
     ShowData(session(), identifier);
+    if (searched.isEmpty())
+        return;
     const auto loaded = session().windows.loaded();
     for (LoadedWindow* window : loaded) {
         DataWindow* const shown = window->asDataWindow();
         if (shown != nullptr && shown->row().number != 0 && shown->fieldText(1) == identifier)
-            shown->showPlaceOf(session().SearchedText);
+            shown->showPlaceOf(searched);
     }
 }
 

@@ -19,7 +19,7 @@ public:
     frmDataSelect(Session& session, WindowRegistry& registry);
 
     void clearRows() override;
-    std::unique_ptr<DataRowFill> fillRows() override;
+    std::unique_ptr<DataRowFill> fillRows(const QString& searched) override;
     QString caption() const override { return windowTitle(); }
     void setCaption(const QString& caption) override { setWindowTitle(caption); }
     void setStatus(int panel, const QString& text) override;
@@ -33,8 +33,8 @@ private:
     void cmdOK_Click();
     /// Links a datum with the one for which the choice goes on. True when it was linked. Error 3021 when that one is gone.
     bool linkTo(const QString& identifier);
-    /// Shows a datum, and in its window where the text stands that was searched.
-    void showFound(const QString& identifier);
+    /// Shows a datum, and in its window where the text stands that it was found by.
+    void showFound(const QString& identifier, const QString& searched);
     void mnuDelete_Click();
     void cmdCancel_Click();
     void lsvData_KeyUp(int key);

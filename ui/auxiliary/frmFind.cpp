@@ -95,7 +95,6 @@ void frmFind::cmdFind_Click()
         refuse(u"検索する文字列が入力されていません。"_s);
         return;
     }
-    session().SearchedText = text;
     const WaitCursor cursor;
     using Choice = std::pair<const QCheckBox*, const DataKind&>;
     const std::array choices = {Choice(chkMain, data_kinds::definition()),
@@ -103,15 +102,15 @@ void frmFind::cmdFind_Click()
                                 Choice(chkRefFile, data_kinds::file())};
     for (const auto& [box, kind] : choices) {
         if (box->isChecked())
-            listMatches(kind, criteria);
+            listMatches(kind, criteria, text);
     }
     session().windows.dataSelection().setCaption(u"検索結果"_s);
 }
 
-void frmFind::listMatches(const DataKind& kind, const QString& criteria)
+void frmFind::listMatches(const DataKind& kind, const QString& criteria, const QString& searched)
 {
     const auto matches = GetFilterResult(session().reporting, session().*kind.recordSet, criteria);
-    const qint16 result = CreateDataList(session(), matches, SelectionUse::Show, ListFill::Append);
+    const qint16 result = CreateDataList(session(), matches, SelectionUse::Show, ListFill::Append, searched);
     // sic: the list builder never answers this; a kind without matches adds no rows, and nobody says so.
     if (result == errors::NoCurrentRecord)
         session().dialogs.messageBox(

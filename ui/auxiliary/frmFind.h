@@ -29,7 +29,7 @@ private:
     void cmdFind_Click();
     /// True when the key is not the text box's own.
     bool txtFind_KeyPress(const QKeyEvent& key);
-    void listMatches(const DataKind& kind, const QString& criteria);
+    void listMatches(const DataKind& kind, const QString& criteria, const QString& searched);
 
     QLineEdit* txtFind = nullptr;
     QCheckBox* chkMain = nullptr;

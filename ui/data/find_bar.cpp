@@ -106,8 +106,12 @@ void FindBar::showFirst(const QString& wanted)
     }
     forgetPlaces();
     refresh();
-    if (m_places.empty())
+    if (m_places.empty()) {
+        // A bar that is open already must not go on telling of what it searched before.
+        markPlaces();
+        showCount();
         return;
+    }
     show();
     m_text.moveCursor(QTextCursor::Start);
     select(From::Here);

@@ -32,8 +32,8 @@ public:
 
     /// Shows the bar and goes into its field: with what is selected in the text, else with what was searched last.
     void open();
-    /// Shows the first place of a text that was searched elsewhere, with the bar, if there is one; the keyboard stays
-    /// where it is.
+    /// Shows the first place of a text that was searched elsewhere, with the bar, if there is one; else a bar that is
+    /// open says so. The keyboard stays where it is.
     void showFirst(const QString& wanted);
     /// Selects the next place or the one before, beginning anew at the ends. With nothing to search the bar is opened.
     void goOn(bool backwards);

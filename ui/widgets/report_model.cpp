@@ -43,7 +43,8 @@ ReportModel::ReportModel(const std::vector<Column>& columns, QObject* parent)
     : QAbstractTableModel(parent), m_ranks(columns.size())
 {
     for (const Column& column : columns) {
-        m_headers.push_back(column.header);
+        if (column.isShown)
+            m_headers.push_back(column.header);
         if (column.storage == Storage::Dictionary)
             m_columns.emplace_back(DictionaryColumn());
         else
@@ -60,7 +61,7 @@ int ReportModel::rowCount(const QModelIndex& parent) const
 
 int ReportModel::columnCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_headers.size());
 }
 
 QStringView ReportModel::sourceText(int row, int column) const

@@ -29,6 +29,7 @@ public:
     struct Column {
         QString header;
         Storage storage = Storage::Text;
+        bool isShown = true; // else it is kept with the rows and no view knows of it; such ones stand last
     };
 
     explicit ReportModel(const std::vector<Column>& columns, QObject* parent = nullptr);
@@ -44,7 +45,7 @@ public:
     QStringList mimeTypes() const override;
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
 
-    /// The text of a cell; row numbers are those on the screen.
+    /// The text of a cell, also of a column that is not shown; row numbers are those on the screen.
     QStringView text(int row, int column) const;
     /// The column whose text is dragged as plain text (of the first dragged row); -1: rows cannot be dragged.
     void setDragColumn(int column) { m_dragColumn = column; }

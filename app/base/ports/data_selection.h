@@ -25,7 +25,8 @@ class DataSelection : public virtual LoadedWindow
 {
 public:
     virtual void clearRows() = 0;
-    virtual std::unique_ptr<DataRowFill> fillRows() = 0;
+    /// `searched`: the text that a full-text search found them by; empty when none did.
+    virtual std::unique_ptr<DataRowFill> fillRows(const QString& searched) = 0;
     virtual QString caption() const = 0;
     virtual void setCaption(const QString& caption) = 0;
     /// Sets the text of a status bar panel; panels count from 1.
