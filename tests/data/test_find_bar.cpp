@@ -37,6 +37,12 @@ private:
         QTest::keyClick(form.windowHandle(), static_cast<Qt::Key>(key), modifiers);
         FormWorld::processEvents();
     }
+    static void turnWheel(QPlainTextEdit& text, int delta, Qt::KeyboardModifiers modifiers)
+    {
+        QWheelEvent event({5, 5}, text.viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, delta}, Qt::NoButton,
+                          modifiers, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(text.viewport(), &event);
+    }
     /// Opens the bar by its key and types.
     void find(DataForm& form, const QString& text) const
     {
@@ -340,9 +346,7 @@ private Q_SLOTS:
         DataForm& form = showActive(u"水"_s);
         QPlainTextEdit& text = FormWorld::definition(form);
         const auto turn = [&](int delta, Qt::KeyboardModifiers modifiers) {
-            QWheelEvent event({5, 5}, text.viewport()->mapToGlobal(QPointF(5, 5)), {}, {0, delta},
-                              Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
-            QCoreApplication::sendEvent(text.viewport(), &event);
+            turnWheel(text, delta, modifiers);
         };
         const double before = QFontInfo(text.font()).pointSizeF();
         turn(120, Qt::ControlModifier);
@@ -357,6 +361,56 @@ private Q_SLOTS:
         QCOMPARE(qRound(text.font().pointSizeF()), 6);
         turn(120 * 200, Qt::ControlModifier);
         QCOMPARE(qRound(text.font().pointSizeF()), 72);
+    }
+
+    void keysWithControlMakeTheTextLarger_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<int>("points");
+        const auto row = [](const QString& name, int key, Qt::KeyboardModifiers modifiers, int points) {
+            for (const QString& identifier : {Water, Book})
+                QTest::newRow(tag(identifier, name).constData()) << identifier << key << modifiers << points;
+        };
+        const Qt::KeyboardModifiers control = Qt::ControlModifier;
+        row(u"plus"_s, Qt::Key_Plus, control, 1);
+        row(u"plus with Shift"_s, Qt::Key_Plus, control | Qt::ShiftModifier, 1);
+        row(u"plus of the number pad"_s, Qt::Key_Plus, control | Qt::KeypadModifier, 1);
+        row(u"plus of a Japanese keyboard"_s, Qt::Key_Semicolon, control, 1);
+        row(u"plus of an English keyboard"_s, Qt::Key_Equal, control, 1);
+        row(u"minus"_s, Qt::Key_Minus, control, -1);
+        row(u"minus of the number pad"_s, Qt::Key_Minus, control | Qt::KeypadModifier, -1);
+        row(u"AltGr"_s, Qt::Key_Plus, control | Qt::AltModifier, 0);
+        row(u"plus alone"_s, Qt::Key_Plus, Qt::ShiftModifier, 0);
+    }
+
+    void keysWithControlMakeTheTextLarger()
+    {
+        QFETCH(const int, key);
+        QFETCH(const Qt::KeyboardModifiers, modifiers);
+        QFETCH(const int, points);
+        DataForm& form = showActive(u"水"_s);
+        QPlainTextEdit& text = FormWorld::definition(form);
+        const double before = QFontInfo(text.font()).pointSizeF();
+        QKeyEvent press(QEvent::KeyPress, key, modifiers);
+        QCoreApplication::sendEvent(&text, &press);
+        QCOMPARE(qRound(QFontInfo(text.font()).pointSizeF() - before), points);
+        QCOMPARE(form.fieldText(2), u"水"_s);
+    }
+
+    void largerTextLeavesTheWindowAsItIs_data() { bothKinds(); }
+
+    void largerTextLeavesTheWindowAsItIs()
+    {
+        DataForm& form = showActive(u"水"_s);
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        const QSize size = form.size();
+        const QSize least = form.minimumSize();
+        turnWheel(FormWorld::definition(form), 120 * 200, Qt::ControlModifier);
+        FormWorld::processEvents();
+        QCOMPARE(form.size(), size);
+        QCOMPARE(form.minimumSize(), least);
     }
 };
 

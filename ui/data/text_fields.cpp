@@ -3,6 +3,7 @@
 #include "app/base/platform/code_page.h"
 #include "ui/widgets/one_line_input.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QStyle>
@@ -18,6 +19,26 @@ namespace quillon
 
 namespace
 {
+
+/// By how many points a key makes the text larger. The key of the plus is held with Shift or without, as on any keyboard
+/// the character is typed; other keys with Shift, and AltGr, type other characters.
+int pointsOfKey(const QKeyEvent& event)
+{
+    const Qt::KeyboardModifiers held = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_Plus && (held & ~Qt::ShiftModifier) == Qt::ControlModifier)
+        return 1;
+    if (held != Qt::ControlModifier)
+        return 0;
+    switch (event.key()) {
+    case Qt::Key_Semicolon: // where the plus lies on a Japanese keyboard
+    case Qt::Key_Equal:     // and on an English one
+        return 1;
+    case Qt::Key_Minus:
+        return -1;
+    default:
+        return 0;
+    }
+}
 
 /// How many bytes a line takes, as a part of a sum that forgets the line when the document does. The sum is shared,
 /// because a document may outlive its field by a moment.
@@ -188,7 +209,8 @@ QSize TextArea::minimumSizeHint() const
 
 QSize TextArea::sizeOf(int characters, int lines) const
 {
-    const QFontMetrics metrics = fontMetrics();
+    // Not the font that the person has chosen for the text: the window would grow with it, where the text can scroll.
+    const QFontMetrics metrics(parentWidget() != nullptr ? parentWidget()->font() : QApplication::font(this));
     const int margin = 2 * (frameWidth() + qRound(document()->documentMargin()));
     return {characters * metrics.horizontalAdvance(u"国"_s) + margin +
                 style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this),
@@ -203,14 +225,19 @@ void TextArea::wheelEvent(QWheelEvent* event)
     }
     event->accept();
     constexpr int Notch = 120;
-    constexpr double Smallest = 6; // points
-    constexpr double Largest = 72;
     m_turned += event->angleDelta().y();
     const int notches = m_turned / Notch;
     m_turned -= notches * Notch;
+    zoom(notches);
+}
+
+void TextArea::zoom(int points)
+{
+    constexpr double Smallest = 6;
+    constexpr double Largest = 72;
     QFont larger = font();
-    const double points = larger.pointSizeF() > 0 ? larger.pointSizeF() : QFontInfo(larger).pointSizeF();
-    larger.setPointSizeF(std::clamp(points + notches, Smallest, Largest));
+    const double present = larger.pointSizeF() > 0 ? larger.pointSizeF() : QFontInfo(larger).pointSizeF();
+    larger.setPointSizeF(std::clamp(present + points, Smallest, Largest));
     setFont(larger);
 }
 
@@ -220,6 +247,11 @@ void TextArea::keyPressEvent(QKeyEvent* event)
     if (event->matches(QKeySequence::InsertLineSeparator) && !isReadOnly()) {
         textCursor().insertBlock();
         ensureCursorVisible();
+        event->accept();
+        return;
+    }
+    if (const int points = pointsOfKey(*event); points != 0) {
+        zoom(points);
         event->accept();
         return;
     }

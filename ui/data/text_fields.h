@@ -88,12 +88,13 @@ public:
 protected:
     qsizetype countBytes() const override;
     void keyPressEvent(QKeyEvent* event) override;
-    /// Ctrl and the wheel make the text larger and smaller.
+    /// Ctrl and the wheel make the text larger and smaller, as Ctrl with plus and minus.
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     QString shown() const;
     QSize sizeOf(int characters, int lines) const;
+    void zoom(int points);
     /// Counts the bytes of the lines of `added` characters from `from` on.
     void countLines(int from, int added);
     qsizetype bytesShown(bool carriageReturns) const;
