@@ -43,6 +43,18 @@ private:
         QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(edge + by, 5));
     }
 
+    ReportList& listIn(QMainWindow& window)
+    {
+        auto* list = new ReportList(m_reporting, ReportColumns);
+        list->setObjectName(u"lsvSome"_s);
+        list->setColumnCharacters({20, 10, 14});
+        list->giveRoomTo({0});
+        window.setCentralWidget(list);
+        window.resize(700, 300);
+        window.show();
+        return *list;
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -146,19 +158,13 @@ private Q_SLOTS:
         for (const bool isFirst : {true, false}) {
             QMainWindow window;
             window.setObjectName(u"frmSome"_s);
-            auto* list = new ReportList(m_reporting, ReportColumns);
-            list->setObjectName(u"lsvSome"_s);
-            list->setColumnCharacters({20, 10, 14});
-            list->giveRoomTo({0});
-            window.setCentralWidget(list);
-            window.resize(700, 300);
-            window.show();
+            ReportList& list = listIn(window);
             if (isFirst) {
-                drag(*list, 1, 37);
-                chosen = list->columnWidth(1);
+                drag(list, 1, 37);
+                chosen = list.columnWidth(1);
             }
-            QCOMPARE(list->columnWidth(1), chosen);
-            QCOMPARE(list->horizontalHeader()->length() >= list->viewport()->width(), true);
+            QCOMPARE(list.columnWidth(1), chosen);
+            QCOMPARE(list.horizontalHeader()->length() >= list.viewport()->width(), true);
         }
         // A list of another name has its own.
         QMainWindow window;
@@ -169,6 +175,65 @@ private Q_SLOTS:
         window.setCentralWidget(list);
         window.show();
         QVERIFY(list->columnWidth(1) < chosen);
+    }
+
+    void fittingAnEmptyListLeavesItsLaterTextsWhole()
+    {
+        const QString wide(40, u'W');
+        const auto identifiersAreWhole = [&](ReportList& list) {
+            ReportModel::Fill fill(list.rows());
+            fill.append({u"名", u"定義", wide});
+            fill.finish();
+            QCoreApplication::processEvents();
+            return list.columnWidth(2) >= needOf(wide);
+        };
+        for (const bool isFirst : {true, false}) {
+            QMainWindow window;
+            window.setObjectName(u"frmEmpty"_s);
+            ReportList& list = listIn(window);
+            if (isFirst)
+                list.fitColumns();
+            QVERIFY(identifiersAreWhole(list));
+        }
+    }
+
+    void fittingForgetsTheWidthThatThePersonChose()
+    {
+        const QString wide(40, u'W');
+        for (const bool isFirst : {true, false}) {
+            QMainWindow window;
+            window.setObjectName(u"frmDragged"_s);
+            ReportList& list = listIn(window);
+            fill(list, {u"水"_s});
+            const int usual = list.columnWidth(2);
+            if (isFirst) {
+                drag(list, 2, -30);
+                QCOMPARE(list.columnWidth(2), usual - 30);
+                list.fitColumns();
+            }
+            QCOMPARE(list.columnWidth(2), usual);
+            list.rows().clear();
+            ReportModel::Fill fill(list.rows());
+            fill.append({u"名", u"定義", wide});
+            fill.finish();
+            QVERIFY(list.columnWidth(2) >= needOf(wide));
+        }
+    }
+
+    void aDoubleClickOnAnEdgeFitsTheColumn()
+    {
+        const int usual = m_list->columnWidth(2);
+        drag(*m_list, 2, -30);
+        drag(*m_list, 1, 30);
+        const int chosen = m_list->columnWidth(1);
+        const QHeaderView* header = m_list->horizontalHeader();
+        const int edge = header->sectionViewportPosition(2) + m_list->columnWidth(2) - 1;
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, QPoint(edge, 5));
+        QCOMPARE(m_list->columnWidth(2), usual);
+        QCOMPARE(m_list->columnWidth(1), chosen);
+        const QString wide(40, u'W');
+        fillWithIdentifiers(3, wide, -1, {});
+        QVERIFY(roomIn(2) >= needOf(wide));
     }
 
     void aHeaderThatIsCutTellsItsText()

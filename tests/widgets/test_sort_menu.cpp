@@ -43,7 +43,7 @@ private Q_SLOTS:
     void columnsAreFittedToTheirTexts_data();
     void columnsAreFittedToTheirTexts();
     void columnsAreFittedFromTheMenu();
-    void fittedColumnsStayAsTheyAre();
+    void fittedNamesAreWholeAndGetTheRoomThatIsLeft();
     void theWidestOfManyRowsCounts();
     void headersAreNeverCutOff();
     void aPlusThatIsTypedIsSearched();
@@ -284,14 +284,23 @@ void TestSortMenu::columnsAreFittedFromTheMenu()
     QVERIFY(m_list->columnWidth(1) < 500);
 }
 
-void TestSortMenu::fittedColumnsStayAsTheyAre()
+void TestSortMenu::fittedNamesAreWholeAndGetTheRoomThatIsLeft()
 {
+    const QString name = u"とても長い名称のデータ"_s.repeated(6);
+    refill({u"短"_s, name});
     m_list->giveRoomTo({0});
+    QVERIFY(m_list->columnWidth(0) < widthOf(name));
     m_list->fitColumns();
-    const int width = m_list->columnWidth(0);
-    m_window->resize(1200, 400);
+    QVERIFY(m_list->columnWidth(0) >= widthOf(name));
+    m_window->resize(2000, 400);
     QCoreApplication::processEvents();
-    QCOMPARE(m_list->columnWidth(0), width);
+    QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width());
+    m_window->resize(600, 400);
+    QCoreApplication::processEvents();
+    QVERIFY(m_list->columnWidth(0) >= widthOf(name));
+    refill({u"短"_s}); // other data, which fill the list as ever
+    QCoreApplication::processEvents();
+    QCOMPARE(m_list->horizontalHeader()->length(), m_list->viewport()->width());
 }
 
 void TestSortMenu::theWidestOfManyRowsCounts()

@@ -1,5 +1,6 @@
 #include "ui/widgets/fitted_columns.h"
 
+#include "ui/widgets/column_widths.h"
 #include "ui/widgets/one_line_delegate.h"
 #include "ui/widgets/plain_tool_tip.h"
 #include "ui/widgets/report_model.h"
@@ -82,6 +83,21 @@ void FittedColumns::giveRoomTo(const std::vector<int>& columns)
     shareRoom();
 }
 
+void FittedColumns::fit(const std::vector<int>& columns)
+{
+    constexpr int Rounding = 1;
+    for (const int column : columns) {
+        forgetChosen(column);
+        Column& fitted = m_columns[static_cast<std::size_t>(column)];
+        const int texts = widthOfTexts(m_rows, column, QFontMetrics(m_list.font()));
+        fitted.text = texts > 0 ? texts + sideMargins() + Rounding : 0;
+        fitted.isWhole = m_rows.rowCount() > 0;
+        if (fitted.characters == 0)
+            setWidth(column, std::max(fitted.text, m_list.horizontalHeader()->sectionSizeHint(column)));
+    }
+    shareRoom();
+}
+
 int FittedColumns::sideMargins() const
 {
     return 2 * (m_list.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &m_list) + 1);
@@ -106,8 +122,10 @@ void FittedColumns::adaptToFont()
 
 void FittedColumns::startAnew()
 {
-    for (Column& column : m_columns)
+    for (Column& column : m_columns) {
         column.text = 0;
+        column.isWhole = false;
+    }
     lookAtSome();
     m_looking.start(0);
 }
@@ -184,7 +202,7 @@ void FittedColumns::shareRoom()
             widths[i] = m_list.columnWidth(static_cast<int>(i)); // nobody has said anything about it
         else if (column.chosen)
             widths[i] = qRound(*column.chosen * m_advances[u'0'].pixels);
-        else if (column.sharesRoom)
+        else if (column.sharesRoom && !column.isWhole)
             widths[i] = column.least;
         else
             widths[i] = std::max(column.least, column.text);
@@ -203,7 +221,7 @@ void FittedColumns::shareRoom()
             left -= portion;
         }
     };
-    share([&](std::size_t i) { return std::max(m_columns[i].text - m_columns[i].least, 0); });
+    share([&](std::size_t i) { return std::max(m_columns[i].text - widths[i], 0); });
     // What nobody needs goes to all that hold something.
     if (std::any_of(sharers.begin(), sharers.end(), [&](std::size_t i) { return m_columns[i].text > 0; }))
         std::erase_if(sharers, [&](std::size_t i) { return m_columns[i].text == 0; });
@@ -223,6 +241,14 @@ void FittedColumns::noteResized(int column)
     m_columns[place].chosen = double(m_list.columnWidth(column)) / m_advances[u'0'].pixels;
     if (const QString name = nameOfList(); !name.isEmpty())
         ChosenWidths::ofApplication().byList[name][column] = *m_columns[place].chosen;
+}
+
+void FittedColumns::forgetChosen(int column)
+{
+    m_columns[static_cast<std::size_t>(column)].chosen.reset();
+    const auto list = ChosenWidths::ofApplication().byList.find(nameOfList());
+    if (list != ChosenWidths::ofApplication().byList.end())
+        list->remove(column);
 }
 
 QString FittedColumns::nameOfList() const

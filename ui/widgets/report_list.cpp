@@ -1,6 +1,5 @@
 #include "ui/widgets/report_list.h"
 
-#include "ui/widgets/column_widths.h"
 #include "ui/widgets/composition_field.h"
 #include "ui/widgets/copied_rows.h"
 #include "ui/widgets/event_edge.h"
@@ -92,6 +91,11 @@ ReportList::ReportList(Reporting& reporting, const std::vector<ReportModel::Colu
     header->setSectionResizeMode(QHeaderView::Interactive);
     header->setStretchLastSection(false);
     connect(header, &QHeaderView::sectionClicked, this, &ReportList::columnClick);
+    // The view's own fitting would count as a width that the person has chosen.
+    disconnect(header, &QHeaderView::sectionHandleDoubleClicked, this, nullptr);
+    connect(header, &QHeaderView::sectionHandleDoubleClicked, this, [this](int column) {
+        handleEvent(m_reporting, objectName() + u"_MouseDown"_s, [&] { fit({column}); });
+    });
     header->setToolTip(u"クリックするか、Ctrl + Shift + F10 で並べ替えます。"_s);
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(header, &QWidget::customContextMenuRequested, this,
@@ -176,18 +180,13 @@ void ReportList::columnClick(int column)
 
 void ReportList::fitColumns()
 {
-    handleEvent(m_reporting, objectName() + u"_KeyDown"_s, [this] {
-        const WaitCursor cursor;
-        for (const int column : shownColumns())
-            resizeColumnToContents(column);
-    });
+    handleEvent(m_reporting, objectName() + u"_KeyDown"_s, [this] { fit(shownColumns()); });
 }
 
-int ReportList::sizeHintForColumn(int column) const
+void ReportList::fit(const std::vector<int>& columns)
 {
-    const int side = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-    constexpr int Rounding = 1;
-    return widthOfTexts(*m_model, column, QFontMetrics(font())) + 2 * side + Rounding;
+    const WaitCursor cursor;
+    m_columns->fit(columns);
 }
 
 void ReportList::sortBy(int column)

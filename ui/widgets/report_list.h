@@ -51,7 +51,7 @@ public:
     int sortedColumn() const;
     /// Sorts by a column, as the event of a click on its header.
     void columnClick(int column);
-    /// Makes every column as wide as what it holds; so it stays, as if the person had moved the borders.
+    /// Makes every column as wide as what it holds, whatever the person had chosen; names get what room is left besides.
     void fitColumns();
 
     /// Lets text be dropped anywhere on the list.
@@ -114,7 +114,6 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
     QModelIndexList selectedIndexes() const override;
-    int sizeHintForColumn(int column) const override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void initViewItemOption(QStyleOptionViewItem* option) const override;
@@ -123,6 +122,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void fit(const std::vector<int>& columns);
     void copySelection();
     bool selectsCurrentRow(const QKeyEvent& event);
     /// Acts on a key that opens a menu or does something with the columns.
