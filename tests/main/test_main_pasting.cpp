@@ -13,6 +13,17 @@ class TestMainPasting : public MainWindowFixture
 {
     Q_OBJECT
 
+    const QString NotFound = u"指定されたデータが見つかりませんでした。"_s;
+    const QString DataResearch = u"Quillon データ調査分析部"_s;
+
+    void rename(const QString& from, const QString& to)
+    {
+        RecordSet& rows = *session().RsMain;
+        rows.findFirst(u"Name = '%1'"_s.arg(from));
+        rows.edit();
+        rows.setField(0, to);
+        rows.update();
+    }
     void press(QWidget* view, Qt::Key key) const { QTest::keyClick(view, key, Qt::ControlModifier); }
     /// Selects a node as the arrow keys do, and pastes.
     void pasteOn(const QString& key) const
@@ -108,21 +119,81 @@ private Q_SLOTS:
         QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
     }
 
-    void datumThatIsAnotherByNowIsNotFiled()
+    void questionReadsTheNameWhenItAsks()
+    {
+        selectRows({2});
+        press(list, Qt::Key_C);
+        rename(u"土"_s, u"砂"_s);
+        chooseNode(u"M_DIV"_s);
+        const QStringList listed = names();
+        QVERIFY(listed.contains(u"砂"_s));
+        expectQuestion(u"[ 砂 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        pasteOn(u"B"_s);
+        QCOMPARE(memberships().last(), u"B|M-991231-003"_s);
+        QCOMPARE(names(), listed);
+    }
+
+    void datumThatIsAnotherByNowIsNotFiledUnasked()
     {
         const QStringList before = memberships();
         selectRows({2});
         press(list, Qt::Key_C);
-        RecordSet& rows = *world->session().RsMain;
-        rows.findFirst(u"Object_ID = 'M-991231-003'"_s);
-        rows.edit();
-        rows.setField(0, u"砂"_s);
-        rows.update();
+        database().connection().execute(u"DELETE FROM Main WHERE Name = '土'"_s);
+        database().connection().execute(u"INSERT INTO Main VALUES ('別', 'M-991231-003', '')"_s);
+        expectQuestion(u"[ 別 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Cancel);
+        pasteOn(u"B"_s);
+        QCOMPARE(memberships(), before);
+    }
+
+    void datumThatIsAnotherByTheAnswerIsNotFiled()
+    {
+        const QStringList before = memberships();
+        selectRows({2});
+        press(list, Qt::Key_C);
         expectQuestion(u"[ 土 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
-        expectNotice(u"指定されたデータが見つかりませんでした。"_s, u"Quillon データ調査分析部"_s);
+        world->dialogs.meanwhile([&] { rename(u"土"_s, u"砂"_s); });
+        expectNotice(NotFound, DataResearch);
         pasteOn(u"B"_s);
         QCOMPARE(memberships(), before);
         QVERIFY(!names().contains(u"土"_s)); // the row does not say so any longer
+    }
+
+    void datumThatIsGoneIsNotFiled()
+    {
+        const QStringList before = memberships();
+        selectRows({2});
+        press(list, Qt::Key_C);
+        database().connection().execute(u"DELETE FROM Main WHERE Name = '土'"_s);
+        expectQuestion(u"[ 不明 ] を[ 乙 ]へ分類してもよろしいですか"_s, Answer::Ok);
+        expectNotice(NotFound, DataResearch);
+        pasteOn(u"B"_s);
+        QCOMPARE(memberships(), before);
+        QVERIFY(!names().contains(u"土"_s));
+    }
+
+    void ofSeveralRowsThoseThatAreOthersByNowArePassedOver_data()
+    {
+        QTest::addColumn<bool>("isListedAnew");
+        QTest::newRow("the list shows what they were") << false;
+        QTest::newRow("the list shows what they are") << true;
+    }
+
+    void ofSeveralRowsThoseThatAreOthersByNowArePassedOver()
+    {
+        QFETCH(const bool, isListedAnew);
+        const qsizetype before = memberships().size();
+        selectRows({2, 4});
+        press(list, Qt::Key_C);
+        rename(u"土"_s, u"砂"_s);
+        if (isListedAnew)
+            chooseNode(u"M_DIV"_s);
+        QStringList listed = names();
+        expectQuestion(u"選択された複数のデータを [ 乙 ] に分類してもよろしいですか。"_s, Answer::Ok);
+        expectNotice(NotFound, DataResearch);
+        pasteOn(u"B"_s);
+        QCOMPARE(memberships().mid(before), QStringList(u"B|M-991231-005"_s));
+        listed.removeAll(u"土"_s);
+        QCOMPARE(names(), listed);
     }
 
     void otherProgramsGetTheRowsAsText()

@@ -163,10 +163,13 @@ private:
     /// Asks whether data are to be filed in the category at a position of the tree, and does it; told when none stands
     /// there. `dataToFile`: asked for them when one does; none for nothing to be done. Whether the answer was yes.
     bool fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile);
-    /// Files data in a category; those that are gone leave the list.
+    /// Files data in a category. Those that are gone, or others by now, are not filed; rows that still show them leave
+    /// the list.
     void classify(const std::vector<ListedDatum>& listed, const CategoryRow& category);
     /// What these rows of the data list show.
     std::vector<ListedDatum> dataIn(const std::vector<int>& rows) const;
+    /// One datum under the name that it has now; none when that cannot be read.
+    std::vector<ListedDatum> datumToAskAbout(const QString& identifier);
     /// Asks for a name until `store` has taken it or none is typed, which is answered with `nameMissing`. A failure of
     /// `store` is told and the box comes back with what was typed; not trapped: error 3021.
     std::optional<QString> storeTypedName(InputBox box, const QString& nameMissing,

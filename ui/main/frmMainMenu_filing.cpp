@@ -34,8 +34,7 @@ void frmMainMenu::tvwCategory_OLEDragDrop(const QString& text)
             });
             if (isSelected && rows.size() > 1)
                 return dataIn(rows);
-            const auto present = presentDatum(session(), text);
-            return present ? std::vector<ListedDatum>{*present} : std::vector<ListedDatum>();
+            return datumToAskAbout(text);
         });
     });
     tvwCategory->setDropHighlight(0);
@@ -48,6 +47,8 @@ void frmMainMenu::tvwCategory_Paste()
         return;
     const int target = selectedNodeIndex();
     const bool isFiled = fileIn(target, [&] {
+        if (copied.size() == 1)
+            return datumToAskAbout(copied.front().identifier);
         std::vector<ListedDatum> listed;
         listed.reserve(copied.size());
         for (const CopiedRow& row : copied)
@@ -57,6 +58,12 @@ void frmMainMenu::tvwCategory_Paste()
     // Who pastes looks at what comes; who drags has other data listed.
     if (isFiled && target == listedNodeIndex())
         ShowDataList(target);
+}
+
+std::vector<ListedDatum> frmMainMenu::datumToAskAbout(const QString& identifier)
+{
+    const auto present = presentDatum(session(), identifier);
+    return present ? std::vector<ListedDatum>{*present} : std::vector<ListedDatum>();
 }
 
 bool frmMainMenu::fileIn(int node, const std::function<std::vector<ListedDatum>()>& dataToFile)
@@ -97,7 +104,14 @@ void frmMainMenu::classify(const std::vector<ListedDatum>& listed, const Categor
         if (gone.contains(list.text(row, IdentifierColumn).toString()))
             rows.push_back(row);
     }
-    lsvData->rows().removeRowsAt(std::move(rows));
+    // What was passed over may have been copied before the list was filled; then the row shows what is there.
+    const std::vector<ListedDatum> shown = dataIn(rows);
+    std::vector<int> outdated;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!isStillThere(session(), shown[i]))
+            outdated.push_back(rows[i]);
+    }
+    lsvData->rows().removeRowsAt(std::move(outdated));
 }
 
 } // namespace quillon
