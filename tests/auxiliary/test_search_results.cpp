@@ -44,7 +44,7 @@ private:
         WindowWorld::processEvents();
         auto& document = *world->window<FormWindow>(u"frmRefDoc"_s);
         auto* content = WindowWorld::control<QPlainTextEdit>(document, u"txtFields(2)"_s);
-        const QString selected = content->textCursor().selectedText();
+        QString selected = content->textCursor().selectedText();
         document.unload();
         WindowWorld::processEvents();
         return selected;

@@ -17,6 +17,8 @@
 #include <QMenu>
 #include <QPushButton>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon
@@ -31,7 +33,7 @@ constexpr int SearchedColumn = 4;
 class DataRows : public DataRowFill
 {
 public:
-    DataRows(ReportModel& rows, const QString& searched) : m_fill(rows), m_searched(searched) {}
+    DataRows(ReportModel& rows, QString searched) : m_fill(rows), m_searched(std::move(searched)) {}
     void append(QStringView name, QStringView kind, QStringView identifier) override
     {
         m_fill.append({name, kind, identifier, {}, m_searched});
