@@ -32,7 +32,9 @@ fi
 sh "$root/packaging/install-packages.sh" build package
 
 version=$(sed -n 's/^project(Quillon VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
-SOURCE_DATE_EPOCH=$(history log -1 --format=%ct)
+# That of now, whatever is committed meanwhile.
+commit=$(history rev-parse HEAD)
+SOURCE_DATE_EPOCH=$(history log -1 --format=%ct "$commit")
 export SOURCE_DATE_EPOCH
 
 scratch=$(mktemp -d)
@@ -42,7 +44,7 @@ trap 'exit 143' TERM HUP
 
 # The pictures that go into the package, before the long work.
 mkdir "$scratch/drawing"
-history archive HEAD packaging/icons packaging/install-packages.sh | tar -x -C "$scratch/drawing"
+history archive "$commit" packaging/icons packaging/install-packages.sh | tar -x -C "$scratch/drawing"
 sh "$scratch/drawing/packaging/icons/build.sh" --check
 
 # Builds in FOLDER, which is made. What is said stays in LOG.
@@ -51,12 +53,12 @@ build()
 {
     source=$1/quillon-$version
     mkdir -p "$source"
-    history archive HEAD | tar -x -C "$source"
+    history archive "$commit" | tar -x -C "$source"
     cp -R "$source/packaging/debian/debian" "$source/debian"
     cat >"$source/debian/changelog" <<END
 quillon ($version) unstable; urgency=medium
 
-  * Built from commit $(history rev-parse --short=12 HEAD). What changed stands in CHANGELOG.md.
+  * Built from commit $(history rev-parse --short=12 "$commit"). What changed stands in CHANGELOG.md.
 
  -- The Quillon authors <authors@quillon.example>  $(LC_ALL=C date -u -R -d "@$SOURCE_DATE_EPOCH")
 END

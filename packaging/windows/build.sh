@@ -88,6 +88,7 @@ for program in "$content"/*.exe; do
         known=$(x86_64-w64-mingw32-gcc-posix \
             -print-file-name="lib$(echo "${library%.*}" | tr '[:upper:]' '[:lower:]').a")
         case $library:$known in
+            api-ms-win-*:*) ;;
             Qt6*:* | lib*:* | *:lib*)
                 echo "build.sh: $program needs $library" >&2
                 exit 1 ;;
