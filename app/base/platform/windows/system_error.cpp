@@ -62,8 +62,9 @@ Error errorOfSystem(int failure, qint32 whenMissing)
         return Error(errors::PermissionDenied);
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
-        return Error(errors::PermissionDenied,
-                     u"ファイルは他のプログラムが使用中です。そのプログラムを終了してからやり直してください。"_s);
+        return Error(
+            errors::PermissionDenied,
+            u"ファイルは他のプログラムが使用中です。そのプログラムを終了してからやり直してください。"_s);
     default:
         return Error(errors::PathFileAccess);
     }
