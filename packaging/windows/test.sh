@@ -139,10 +139,12 @@ says "氷" wine "$place/quillon-cli.exe" --database 知識.mdb search 固体
 
 echo "== a double click"
 # Wine does not look among the classes of one person; so the registered command is taken apart here.
-registered=$(wine reg query 'HKCU\Software\Classes\Quillon.Database\shell\open\command' /ve | tr -d '\r' |
-    sed -n 's/^.*REG_SZ  *//p')
+registered=$(wine reg query 'HKCU\Software\Classes\Quillon.Database\shell\open\command' | tr -d '\r' |
+    LC_ALL=C sed -n 's/^.*REG_SZ  *//p')
 eval "set -- $(printf '%s' "$registered" | sed 's/\\/\\\\/g')"
-[ $# = 4 ] && [ "$4" = %1 ] || fail "what is registered is $registered"
+if [ $# != 4 ] || [ "$4" != %1 ]; then
+    fail "what is registered is $registered"
+fi
 wine "$1" "$2" "$3" "$(printf 'Z:%s' "$home/知識.mdb" | tr / '\134')" &
 window 'Quillon メイン画面' || fail "no window comes"
 waited=0
