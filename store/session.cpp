@@ -31,6 +31,21 @@ QString Session::inCurrentFolder(const QString& name) const
     return CurrentFolder + QDir::separator() + name;
 }
 
+const std::array<Session::Set, 7>& Session::recordSets()
+{
+    static constexpr std::array<Set, 7> All = {
+        &Session::RsMain, &Session::RsOpenApp,    &Session::RsRefFile, &Session::RsRefDoc,
+        &Session::RsLink, &Session::RsCategoryID, &Session::RsCategory};
+    return All;
+}
+
+void Session::closeDatabase()
+{
+    for (const Set set : recordSets())
+        (this->*set).reset();
+    OpenDb.reset();
+}
+
 RecordSet& required(const std::shared_ptr<RecordSet>& recordSet)
 {
     if (!recordSet)

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -67,6 +68,13 @@ public:
     std::shared_ptr<RecordSet> RsLink;
     std::shared_ptr<RecordSet> RsCategoryID;
     std::shared_ptr<RecordSet> RsCategory;
+
+    using Set = std::shared_ptr<RecordSet> Session::*;
+    /// The sets of the open database, one for each table.
+    static const std::array<Set, 7>& recordSets();
+    /// Lets go of the open database and of its sets; its file is free unless somebody else holds one of them.
+    void closeDatabase();
+
     qint16 MainLastFieldIndex = 0;
 
     bool LinkSourceMode = false;

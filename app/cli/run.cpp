@@ -19,7 +19,6 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <new>
 
@@ -101,7 +100,7 @@ private:
         guardedBy(refuse, [&] { createDatabaseFile(run.database); });
         bool isFilled = false;
         const auto remove = qScopeGuard([&] {
-            close();
+            m_session.closeDatabase();
             if (!isFilled)
                 QFile::remove(run.database);
         });
@@ -117,25 +116,9 @@ private:
     /// Whether anything has come into the open database.
     bool holdsRows() const
     {
-        const auto& all = tables();
+        const auto& all = Session::recordSets();
         return std::any_of(all.begin(), all.end(),
-                           [this](auto table) { return required(m_session.*table).hasRows(); });
-    }
-
-    void close()
-    {
-        for (const auto table : tables())
-            (m_session.*table).reset();
-        m_session.OpenDb.reset();
-    }
-
-    using Table = std::shared_ptr<RecordSet> Session::*;
-    static const std::array<Table, 7>& tables()
-    {
-        static constexpr std::array<Table, 7> All = {
-            &Session::RsMain, &Session::RsOpenApp,    &Session::RsRefFile, &Session::RsRefDoc,
-            &Session::RsLink, &Session::RsCategoryID, &Session::RsCategory};
-        return All;
+                           [this](Session::Set set) { return required(m_session.*set).hasRows(); });
     }
 
     static QString folder(const Arguments& arguments)

@@ -224,6 +224,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, words);
         QCOMPARE(m_world->run({u"export"_s, u"csv"_s, u"rows.csv"_s}).status, 0);
         QCOMPARE(m_world->run({u"delete"_s, u"M-991231-001"_s, u"--yes"_s}).status, 0);
+        m_world->session.closeDatabase();
         QVERIFY(QFile::rename(m_world->path(u"QUILLON.mdb"_s), m_world->path(u"旧.mdb"_s)));
         const Answered made = m_world->run(words);
         QVERIFY2(made.status == 0, qPrintable(made.errors));

@@ -63,7 +63,7 @@ private Q_SLOTS:
 
     void theCopiesOfADatabaseThatIsGoneAreListed()
     {
-        session().OpenDb.reset();
+        session().closeDatabase();
         QVERIFY(QFile::remove(path));
         QCOMPARE(ListCopies(session(), path).size(), std::size_t{1});
         QVERIFY(TakeOutCopy(session(), copy(), path));

@@ -166,10 +166,7 @@ class TestRestoring : public QObject
     {
         later();
         const QString file = path();
-        for (auto* rows : {&session().RsMain, &session().RsOpenApp, &session().RsRefFile, &session().RsRefDoc,
-                           &session().RsLink, &session().RsCategoryID, &session().RsCategory})
-            rows->reset();
-        session().OpenDb.reset();
+        session().closeDatabase();
         QVERIFY(QFile::remove(file));
         QVERIFY(TakeOutCopy(session(), ListCopies(session(), file).at(number), file));
         world->openDatabase(file);

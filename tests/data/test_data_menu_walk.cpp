@@ -70,15 +70,6 @@ class TestDataMenuWalk : public QObject
         world->open(session().OpenDb->path());
     }
 
-    /// Leaves the session without a database, under the windows that are open.
-    void closeDatabase() const
-    {
-        session().OpenDb.reset();
-        for (auto* table : {&session().RsMain, &session().RsRefDoc, &session().RsRefFile, &session().RsLink,
-                            &session().RsCategoryID, &session().RsCategory})
-            table->reset();
-    }
-
     /// Brings a definition's or document's window ("M", "R") into a state.
     void arrange(const QString& kind, const QString& state)
     {
@@ -108,7 +99,7 @@ class TestDataMenuWalk : public QObject
         data().setFieldText(0, u"雲"_s);
         data().setFieldText(2, u"水滴"_s);
         if (state == NoDatabase) {
-            closeDatabase();
+            session().closeDatabase(); // under the windows that are open
             return;
         }
         if (kind == u"M")
@@ -344,7 +335,7 @@ private Q_SLOTS:
         world->open(world->createDatabase());
         CreateRegisterForm(session(), u"F"_s);
         if (!withDatabase)
-            closeDatabase();
+            session().closeDatabase(); // under the windows that are open
         WindowWorld::processEvents();
         form = world->window<FormWindow>(u"frmRefFileEntry"_s);
         const Walk walked{

@@ -36,10 +36,6 @@ QByteArray contentOf(const QString& name)
     return (name + u"の内容。"_s).toUtf8().repeated(50);
 }
 
-/// The record sets of the tables, each for its table.
-constexpr std::array Sets{&Session::RsMain, &Session::RsRefDoc,     &Session::RsRefFile, &Session::RsOpenApp,
-                          &Session::RsLink, &Session::RsCategoryID, &Session::RsCategory};
-
 CategoryRow categoryRow(Session& session, const QString& identifier)
 {
     return presentCategory(session, identifier);
@@ -120,9 +116,7 @@ FaultWorld::Outcome FaultWorld::create(const QString& name)
 
 void FaultWorld::close()
 {
-    for (const auto set : Sets)
-        (session.*set).reset();
-    session.OpenDb.reset();
+    session.closeDatabase();
 }
 
 FaultWorld::Outcome FaultWorld::perform(const Step& step)
@@ -259,7 +253,8 @@ Model FaultWorld::seen()
 
 bool FaultWorld::isOfOnePiece() const
 {
-    return std::all_of(Sets.begin(), Sets.end(), [this](const auto set) {
+    const auto& sets = Session::recordSets();
+    return std::all_of(sets.begin(), sets.end(), [this](const Session::Set set) {
         return session.OpenDb ? session.*set && &(session.*set)->database() == session.OpenDb.get()
                               : !(session.*set);
     });

@@ -31,13 +31,6 @@ class TestMovedDatabase : public QObject
 
     Session& session() { return world->session; }
     QString fileIn(const QString& name) const { return world->folder.filePath(name); }
-    void close()
-    {
-        for (auto* rows : {&session().RsMain, &session().RsOpenApp, &session().RsRefFile, &session().RsRefDoc,
-                           &session().RsLink, &session().RsCategoryID, &session().RsCategory})
-            rows->reset();
-        session().OpenDb.reset();
-    }
     /// A database that was written a while ago.
     void makeOlder(const QString& database)
     {
@@ -105,7 +98,7 @@ private Q_SLOTS:
 
     void aRenamedDatabaseKeepsItsHistory()
     {
-        close();
+        session().closeDatabase();
         QVERIFY(QFile::rename(path, fileIn(u"後.mdb"_s)));
         world->openDatabase(fileIn(u"後.mdb"_s));
         QCOMPARE(lost(), QStringList(u"水"_s));
@@ -120,10 +113,10 @@ private Q_SLOTS:
     void soDoesOneWhoseFolderWasRenamedAsOftenAsOneLikes()
     {
         QDir(world->folder.path()).mkdir(u"研究"_s);
-        close();
+        session().closeDatabase();
         QVERIFY(QFile::rename(path, fileIn(u"研究/前.mdb"_s)));
         world->openDatabase(fileIn(u"研究/前.mdb"_s));
-        close();
+        session().closeDatabase();
         QVERIFY(QDir(world->folder.path()).rename(u"研究"_s, u"完了"_s));
         world->openDatabase(fileIn(u"完了/前.mdb"_s));
         QCOMPARE(lost(), QStringList(u"水"_s));
@@ -138,7 +131,7 @@ private Q_SLOTS:
         picture.write("picture");
         picture.close();
         TestWorld::addRow(session().RsRefFile, {u"図.txt"_s, u"F-991231-001"_s, u"図.txt"_s});
-        close();
+        session().closeDatabase();
         kept::makeCopy({.place = {*session().keeper->keptFolder(), path},
                         .fileFolder = fileIn(u"RefFile"_s),
                         .now = [] { return QDateTime(QDate(2026, 1, 31), QTime(12, 0)); },
@@ -155,7 +148,7 @@ private Q_SLOTS:
 
     void oneThatWasCarriedToAnotherDiskIsKnownByItsNewestCopy()
     {
-        close();
+        session().closeDatabase();
         makeOlder(path);
         makeCopy();
         carry(path, fileIn(u"後.mdb"_s));
@@ -166,7 +159,7 @@ private Q_SLOTS:
 
     void aDuplicateOfADatabaseThatIsStillThereBeginsItsOwnHistory()
     {
-        close();
+        session().closeDatabase();
         makeOlder(path);
         makeCopy();
         carry(path, fileIn(u"写し.mdb"_s));
@@ -179,11 +172,11 @@ private Q_SLOTS:
     void aDatabaseOnADiskThatIsNotThereLosesNothingToItsDuplicate()
     {
         QDir(world->folder.path()).mkdir(u"disk"_s);
-        close();
+        session().closeDatabase();
         const QString outside = fileIn(u"disk/前.mdb"_s);
         QVERIFY(QFile::rename(path, outside));
         world->openDatabase(outside);
-        close();
+        session().closeDatabase();
         path = outside;
         makeOlder(path);
         makeCopy();
@@ -198,7 +191,7 @@ private Q_SLOTS:
 
     void anotherDatabaseGetsNothingOfOneThatIsGone()
     {
-        close();
+        session().closeDatabase();
         makeOlder(path);
         makeCopy();
         QVERIFY(QFile::remove(path));
@@ -209,7 +202,7 @@ private Q_SLOTS:
 
     void aNewDatabaseUnderAFormerNameBeginsItsOwnHistory()
     {
-        close();
+        session().closeDatabase();
         makeCopy();
         QVERIFY(QFile::remove(path));
         create(path);
@@ -234,7 +227,7 @@ private Q_SLOTS:
     void soDoesOneThatIsTheThirdOfItsName()
     {
         for (const QString& name : {u"火"_s, u"風"_s}) {
-            close();
+            session().closeDatabase();
             QVERIFY(QFile::remove(path));
             create(path);
             TestWorld::addRow(session().RsMain, {name, Water, u""_s});
@@ -247,7 +240,7 @@ private Q_SLOTS:
 
     void theFormerOneTakesItsHistoryAlongWhenItWasRenamed()
     {
-        close();
+        session().closeDatabase();
         QVERIFY(QFile::rename(path, fileIn(u"後.mdb"_s)));
         create(path);
         world->openDatabase(fileIn(u"後.mdb"_s));
@@ -257,13 +250,13 @@ private Q_SLOTS:
 
     void aCopyThatIsTakenOutUnderTheNameOfAnotherDatabaseDoesNotInherit()
     {
-        close();
+        session().closeDatabase();
         makeCopy();
         const QString other = world->createDatabase(u"後.mdb"_s);
         world->openDatabase(other);
         TestWorld::addRow(session().RsMain, {u"火"_s, Water, u""_s});
         QVERIFY(DeleteData(session(), Water, 0));
-        close();
+        session().closeDatabase();
         QVERIFY(QFile::remove(other));
         QVERIFY(TakeOutCopy(session(), ListCopies(session(), path).front(), other));
         world->openDatabase(other);
@@ -277,7 +270,7 @@ private Q_SLOTS:
         world->openDatabase(other);
         TestWorld::addRow(session().RsMain, {u"火"_s, Water, u""_s});
         QVERIFY(DeleteData(session(), Water, 0));
-        close();
+        session().closeDatabase();
         QVERIFY(QFile::remove(other));
         QVERIFY(QFile::rename(path, other));
         world->openDatabase(other);

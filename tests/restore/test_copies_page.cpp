@@ -173,7 +173,7 @@ private Q_SLOTS:
     {
         registerFile("picture");
         world->makeCopy();
-        world->session().OpenDb.reset();
+        world->session().closeDatabase();
         QVERIFY(QFile::remove(world->path));
         QVERIFY(QFile::remove(world->registered(u"図.txt"_s)));
         world->dialogs.expect(restoreBox(u"データベース「知識.mdb」が見つかりません。\r\n"

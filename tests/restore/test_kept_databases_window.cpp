@@ -66,7 +66,7 @@ private Q_SLOTS:
     void oneThatIsGoneOrWasRenamedIsOfferedUnderItsFormerName()
     {
         QVERIFY(DeleteData(world->session(), RestoreWorld::Water, 0));
-        world->session().OpenDb.reset();
+        world->session().closeDatabase();
         QVERIFY(QFile::remove(world->path));
         modal->expect<frmKeptDatabases>(u"frmKeptDatabases"_s, [&](frmKeptDatabases& window) {
             QCOMPARE(list(window).rows().rowCount(), 1);

@@ -410,7 +410,7 @@ private Q_SLOTS:
     void aMissingDatabaseIsToldWithWhatCanBeDone()
     {
         world->makeCopy();
-        session().OpenDb.reset();
+        session().closeDatabase();
         world->path = world->folder.filePath(u"無い.mdb"_s);
         world->dialogs.expect(restoreBox(u"データベース「無い.mdb」が見つかりません。\r\n"
                                          u"このデータベースの控えは残されていません。"_s));
@@ -422,7 +422,7 @@ private Q_SLOTS:
     void ofADatabaseThatIsGoneTheHistoryIsShownAndNothingIsPutBack()
     {
         world->change(RestoreWorld::Fire, u"炎"_s, u"新しい"_s);
-        session().OpenDb.reset();
+        session().closeDatabase();
         QVERIFY(QFile::remove(world->path));
         world->dialogs.expect(
             restoreBox(u"データベース「知識.mdb」が見つかりません。\r\n"

@@ -106,7 +106,7 @@ private Q_SLOTS:
             if (QFile::exists(m_path)) {
                 QVERIFY2(isWhole(m_path), qPrintable(QString::number(last)));
                 m_world->openDatabase(m_path);
-                m_world->session.OpenDb.reset();
+                m_world->session.closeDatabase();
                 QVERIFY(QFile::remove(m_path));
             }
             ++ended;
