@@ -7,6 +7,7 @@
 #include "store/schema.h"
 #include "tests/support/failure_box.h"
 #include "tests/support/modal_script.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_world.h"
 #include "tests/support/window_probe.h"
 #include "ui/auxiliary/frmCategory.h"
@@ -245,7 +246,7 @@ public:
         QCoreApplication::processEvents();
     }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     CallLog calls; // what all of the following are asked to do, in order
     ScriptedDialogs dialogs{calls};
     MemoryEventLog eventLog{calls};

@@ -253,11 +253,13 @@ private Q_SLOTS:
         write(u"C.md"_s, u"大"_s);
         write(u"c.md"_s, u"小"_s);
         write(u"x.md"_s, u"[[水]] [[sub/b]] [[C]] [[c]]"_s);
+        // Where the case of a name tells nothing, there is one file less.
+        const qsizetype led = QDir(notes()).entryList({u"?.md"_s}, QDir::Files).contains(u"c.md"_s) ? 4 : 3;
         const ImportReport report = importIt();
         QStringList linked = TestWorld::rowsOf(world->session.RsLink);
-        QCOMPARE(linked.size(), 4);
+        QCOMPARE(linked.size(), led);
         linked.removeDuplicates();
-        QCOMPARE(linked.size(), 4);
+        QCOMPARE(linked.size(), led);
         QString first;
         for (const QString& row : documents()) {
             if (row.endsWith(u"|一"))

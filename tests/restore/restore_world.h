@@ -8,6 +8,7 @@
 #include "store/opening.h"
 #include "store/record_set.h"
 #include "store/schema.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_ports.h"
 #include "tests/support/test_world.h"
 #include "tests/support/window_world.h"
@@ -16,7 +17,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 namespace quillon::testing
 {
@@ -108,7 +108,7 @@ public:
     static inline const QString Water = QStringLiteral("M-991231-001");
     static inline const QString Fire = QStringLiteral("M-991231-002");
 
-    QTemporaryDir folder;
+    TestFolder folder;
     QString path;
     CallLog calls;
     ScriptedDialogs dialogs{calls};

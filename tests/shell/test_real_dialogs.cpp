@@ -1,6 +1,7 @@
 #include "app/shell/real_dialogs.h"
 
 #include "app/shell/japanese_interface.h"
+#include "tests/support/test_folder.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -15,7 +16,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -28,6 +28,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
+using quillon::testing::TestFolder;
 
 class TestRealDialogs : public QObject
 {
@@ -388,11 +389,11 @@ private Q_SLOTS:
 
     void aFileDialogOpensAsAsked()
     {
-        const QTemporaryDir folder;
+        const TestFolder folder;
         whenShown<QFileDialog>([&](QFileDialog& dialog) {
             QCOMPARE(dialog.acceptMode(), QFileDialog::AcceptOpen);
             QCOMPARE(dialog.nameFilters(), QStringList{u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)"_s});
-            QCOMPARE(dialog.directory().path(), folder.path());
+            QCOMPARE(QDir::toNativeSeparators(dialog.directory().path()), folder.path());
             dialog.reject();
         });
         const auto answer =
@@ -403,7 +404,7 @@ private Q_SLOTS:
 
     void onlyAFileThatIsThereIsOpened()
     {
-        const QTemporaryDir folder;
+        const TestFolder folder;
         int told = 0;
         whenShown<QFileDialog>([&](QFileDialog& dialog) {
             // The toolkit's own box waits inside "accept".
@@ -442,7 +443,7 @@ private Q_SLOTS:
     void aFileWhoseNameIsNoTextCanBeChosen()
     {
 #ifdef Q_OS_UNIX
-        const QTemporaryDir folder;
+        const TestFolder folder;
         makeFile(folder.filePath(u"水.txt"_s));
         const QByteArray path = QFile::encodeName(folder.path() + u"/"_s) + "\x83\x65\x83\x58\x83\x67.txt";
         const int file = open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
@@ -479,7 +480,7 @@ private Q_SLOTS:
 
     void whereEveryNameIsTextNothingElseIsOffered()
     {
-        const QTemporaryDir folder;
+        const TestFolder folder;
         makeFile(folder.filePath(u"水.txt"_s));
         whenShown<QFileDialog>([](QFileDialog& dialog) {
             QVERIFY(dialog.findChild<QComboBox*>(u"unreadableNames"_s)->isHidden());
@@ -491,7 +492,7 @@ private Q_SLOTS:
 
     void aNewDatabaseGetsItsSuffix()
     {
-        const QTemporaryDir folder;
+        const TestFolder folder;
         whenShown<QFileDialog>([](QFileDialog& dialog) {
             QCOMPARE(dialog.acceptMode(), QFileDialog::AcceptSave);
             QVERIFY(!dialog.testOption(QFileDialog::DontConfirmOverwrite));
@@ -517,10 +518,10 @@ private Q_SLOTS:
     void aFileDialogProposesTheFormerNameInItsFolder()
     {
         QFETCH(bool, folderIsGiven);
-        const QTemporaryDir folder;
+        const TestFolder folder;
         const QString former = makeFile(folder.filePath(u"前.mdb"_s));
         whenShown<QFileDialog>([&](QFileDialog& dialog) {
-            QCOMPARE(dialog.directory().path(), folder.path());
+            QCOMPARE(QDir::toNativeSeparators(dialog.directory().path()), folder.path());
             QCOMPARE(dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(), u"前.mdb"_s);
             QMetaObject::invokeMethod(&dialog, "accept");
         });
@@ -540,22 +541,21 @@ private Q_SLOTS:
     void aFileDialogStartsInItsFolderWhereverTheFormerFileLies()
     {
         QFETCH(bool, twinIsThere);
-        const QTemporaryDir folder;
-        const QTemporaryDir other;
+        const TestFolder folder;
+        const TestFolder other;
         const QString former = other.filePath(u"前 の.mdb"_s);
         makeFile(former);
         if (twinIsThere)
             makeFile(folder.filePath(u"前 の.mdb"_s));
         whenShown<QFileDialog>([&](QFileDialog& dialog) {
-            QCOMPARE(dialog.directory().path(), folder.path());
-            QCOMPARE(dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(),
-                     QDir::toNativeSeparators(former));
+            QCOMPARE(QDir::toNativeSeparators(dialog.directory().path()), folder.path());
+            QCOMPARE(dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(), former);
             QMetaObject::invokeMethod(&dialog, "accept");
         });
         const auto answer = dialogs.fileDialog(
             {.filter = u"ﾃﾞｰﾀﾍﾞｰｽﾌｧｲﾙ (*.mdb)|*.mdb"_s, .fileName = former, .folder = folder.path()});
         QCOMPARE(m_shown, 1);
-        QCOMPARE(answer.value_or(u"cancelled"_s), QDir::toNativeSeparators(former));
+        QCOMPARE(answer.value_or(u"cancelled"_s), former);
     }
 };
 

@@ -20,6 +20,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -425,12 +426,14 @@ public:
         m_file.write(QJsonDocument(QJsonObject{{u"screens"_s, QJsonArray{one}}}).toJson());
         m_file.close();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen:configfile="_s + m_file.fileName());
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen:configfile="_s + QFileInfo(m_file).fileName());
         environment.insert(u"QT_SCALE_FACTOR"_s, QString::number(screen.percent / 100.0));
         // The fonts alone: else the toolkit would scale everything by them.
         environment.insert(u"QT_ENABLE_HIGHDPI_SCALING"_s, u"0"_s);
         environment.insert(u"QT_FONT_DPI"_s, QString::number(screen.dpi));
         m_process.setProcessEnvironment(environment);
+        // A whole path could hold a colon, which ends the name there.
+        m_process.setWorkingDirectory(QFileInfo(m_file).absolutePath());
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(AsRun), what});
     }

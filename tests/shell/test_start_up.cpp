@@ -8,6 +8,7 @@
 #include "store/schema.h"
 #include "tests/old_files/old_file_writer.h"
 #include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_ports.h"
 #include "tests/support/window_world.h"
 #include "ui/main/frmMainMenu.h"
@@ -17,7 +18,6 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMessageBox>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -95,7 +95,7 @@ class TestStartUp : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<TestFolder> folder;
     CallLog calls;
     ScriptedDialogs dialogs{calls};
     MemoryEventLog eventLog{calls};
@@ -154,7 +154,7 @@ class TestStartUp : public QObject
 private Q_SLOTS:
     void init()
     {
-        folder = std::make_unique<QTemporaryDir>();
+        folder = std::make_unique<TestFolder>();
         QVERIFY(QDir(folder->path()).mkdir(u"RefFile"_s));
         duringSplash.clear();
         actInSplash = {};

@@ -3,9 +3,8 @@
 #include "store/kept/keeping.h"
 #include "store/session.h"
 #include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_ports.h"
-
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -33,7 +32,7 @@ public:
     /// All rows of a record set, each as its fields joined by "|".
     static QStringList rowsOf(const std::shared_ptr<RecordSet>& recordSet);
 
-    QTemporaryDir folder;
+    TestFolder folder;
     CallLog calls; // what all of the following are asked to do, in order
     ScriptedDialogs dialogs{calls};
     MemoryEventLog eventLog{calls};

@@ -2,9 +2,9 @@
 
 #include "app/shell/program.h"
 #include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_ports.h"
 
-#include <QTemporaryDir>
 #include <QWidget>
 
 class QAction;
@@ -65,7 +65,7 @@ public:
     /// Lets posted events, deferred deletions included, run.
     static void processEvents();
 
-    QTemporaryDir folder;
+    TestFolder folder;
     CallLog calls; // what all of the following are asked to do, in order
     ScriptedDialogs dialogs{calls};
     MemoryEventLog eventLog{calls};
