@@ -1,6 +1,7 @@
 #include "core/typed_path.h"
 
 #include "app/base/platform/any_names.h"
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 
 #include <QDir>
@@ -54,6 +55,14 @@ QString withoutScheme(QStringView path)
     return QDir::toNativeSeparators(address);
 }
 
+/// Whether a file can be named so. What ends in a separator names a folder, also where the system would take a file for
+/// it; and some systems pass over blanks behind a name.
+bool endsInAName(const QString& path)
+{
+    const QString native = QDir::toNativeSeparators(path);
+    return platform::isBareName(native.sliced(native.lastIndexOf(QDir::separator()) + 1));
+}
+
 } // namespace
 
 std::optional<QString> fileMeantBy(const Files& files, const QString& typed)
@@ -61,8 +70,7 @@ std::optional<QString> fileMeantBy(const Files& files, const QString& typed)
     const QStringView trimmed = withoutBlanksAtEnd(typed);
     const QStringView bare = withoutQuotes(trimmed);
     for (const QString& path : {typed, trimmed.toString(), bare.toString(), withoutScheme(bare)}) {
-        // What ends in a separator names a folder, also where the system would take a file for it.
-        if (!path.isEmpty() && !path.endsWith(QDir::separator()) && files.fileExists(path))
+        if (endsInAName(path) && files.fileExists(path))
             return path;
     }
     return std::nullopt;

@@ -486,8 +486,10 @@ private Q_SLOTS:
         const QString name = u"図 100%20#1?.txt"_s;
 #endif
         QString path = write(name, "content");
-        if (encoded)
-            path = QString::fromLatin1(QUrl::toPercentEncoding(path, "/"));
+        if (encoded) {
+            const QString root = path.startsWith(u'/') ? QString() : u"/"_s; // before the letter of a drive
+            path = root + QString::fromLatin1(QUrl::toPercentEncoding(path, "/"));
+        }
         QCOMPARE(registerPath(before + path + after), FileRegistration::Registered);
         QCOMPARE(fileRows(), QStringList({name + u"|F-991231-001|未入力"_s}));
     }
