@@ -311,7 +311,7 @@ QString copyBefore(const Session& session)
     const auto copies = kept::listCopies(*place);
     if (copies.empty())
         throw Error(errors::PathFileAccess);
-    return copies.front().path;
+    return QDir::toNativeSeparators(copies.front().path);
 }
 
 bool hasDangling(const RecordSet& links, const RecordSet& memberships, const Present& present)

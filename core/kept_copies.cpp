@@ -146,9 +146,9 @@ std::optional<TakenOutFiles> TakeOutCopy(Session& session, const kept::Copy& cop
             throw Error(errors::DatabaseExists);
         requireNothingBeside(session, target.absoluteFilePath());
         if (!kept::isUnharmed(copy))
-            throw Error(
-                errors::NotADatabase,
-                u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(copy.path));
+            throw Error(errors::NotADatabase,
+                        u"控え「%1」は失われているか、壊れています。別の控えを指定してください。"_s.arg(
+                            QDir::toNativeSeparators(copy.path)));
         const auto written = session.files.stageCopy(copy.path, target.absolutePath(), target.fileName(), {});
         written->place({});
         written->keep();

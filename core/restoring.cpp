@@ -89,7 +89,7 @@ kept::History& historyOfOpen(Session& session, const LostThings& things)
         throw Error(errors::ObjectNotSet);
     if (!things.isOfOpenDatabase())
         throw Error(errors::ObjectNotSet, u"データベース「%1」が展開されていないため、戻せません。"_s.arg(
-                                              things.place().database()));
+                                              QDir::toNativeSeparators(things.place().database())));
     return things.history();
 }
 

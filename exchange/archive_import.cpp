@@ -159,7 +159,8 @@ public:
     {
         const QString manifest = m_folder + u'/' + archive::ManifestName;
         if (!QFileInfo(m_folder).isDir() || !QFileInfo::exists(manifest))
-            throw Refused(u"「%1」は Quillon の書庫ではありません。"_s.arg(m_folder));
+            throw Refused(
+                u"「%1」は Quillon の書庫ではありません。"_s.arg(QDir::toNativeSeparators(m_folder)));
         m_manifest = archive::readManifest(contentOf(manifest));
         checkFiles();
         ArchivedRows rows(m_folder, m_manifest, m_progress);
@@ -257,8 +258,8 @@ private:
             return;
         if (!m_session.files.folderExists(m_fileFolder)) {
             if (!QDir().mkdir(m_fileFolder))
-                throw Error(errors::PathFileAccess,
-                            u"ファイルデータのフォルダ「%1」を作成できません。"_s.arg(m_fileFolder));
+                throw Error(errors::PathFileAccess, u"ファイルデータのフォルダ「%1」を作成できません。"_s.arg(
+                                                        QDir::toNativeSeparators(m_fileFolder)));
             placed.madeFolder(m_fileFolder);
         }
         for (const Placing& placing : m_toPlace) {

@@ -4,6 +4,8 @@
 #include "app/base/platform/files.h"
 #include "app/base/platform/system_error.h"
 
+#include <QDir>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quillon::exchange
@@ -16,7 +18,8 @@ constexpr qint64 BlockSize = qint64{1} << 18;
 
 [[noreturn]] void cannotRead(const QString& path, const Error& reason)
 {
-    throw Error(reason.number, u"「%1」を読み取れません。%2"_s.arg(path, reason.description));
+    throw Error(reason.number,
+                u"「%1」を読み取れません。%2"_s.arg(QDir::toNativeSeparators(path), reason.description));
 }
 
 } // namespace

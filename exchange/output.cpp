@@ -22,12 +22,14 @@ namespace
 [[noreturn]] void cannotWrite(const QString& path, int failure)
 {
     const Error reason = platform::errorOfSystem(failure, errors::PathNotFound);
-    throw Error(reason.number, u"「%1」に書き込めません。%2"_s.arg(path, reason.description));
+    throw Error(reason.number,
+                u"「%1」に書き込めません。%2"_s.arg(QDir::toNativeSeparators(path), reason.description));
 }
 
 [[noreturn]] void isThere(const QString& path)
 {
-    throw Refused(u"「%1」は既に存在します。別の名前を指定してください。"_s.arg(path));
+    throw Refused(
+        u"「%1」は既に存在します。別の名前を指定してください。"_s.arg(QDir::toNativeSeparators(path)));
 }
 
 bool stands(const QString& path)

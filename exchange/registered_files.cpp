@@ -24,7 +24,8 @@ RegisteredFiles::RegisteredFiles(Session& session)
         if (rows.hasRows())
             throw Refused(
                 u"ファイルデータがありますが、フォルダ「%1」がありません。フォルダの場所を確かめてください。"
-                u"ファイルなしで書き出すには、空のフォルダを作成してください。"_s.arg(path));
+                u"ファイルなしで書き出すには、空のフォルダを作成してください。"_s.arg(
+                    QDir::toNativeSeparators(path)));
         return;
     }
     const QStringList entries = QDir(path).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);

@@ -82,7 +82,7 @@ QString shortened(const QString& name, qsizetype most)
 QStringList filesBelow(const QString& folder, const QStringList& endings)
 {
     if (!QFileInfo(folder).isDir())
-        throw Refused(u"フォルダ「%1」が見つかりません。"_s.arg(folder));
+        throw Refused(u"フォルダ「%1」が見つかりません。"_s.arg(QDir::toNativeSeparators(folder)));
     QStringList paths;
     QDirIterator entries(folder, QDir::Files, QDirIterator::Subdirectories);
     while (entries.hasNext()) {
@@ -104,7 +104,8 @@ SourceText textOf(const QString& path)
     InputFile file(path);
     const QByteArray bytes = file.read(Most);
     if (file.size() > bytes.size())
-        throw Error(errors::Overflow, u"「%1」は大きすぎて取り込めません。"_s.arg(path));
+        throw Error(errors::Overflow,
+                    u"「%1」は大きすぎて取り込めません。"_s.arg(QDir::toNativeSeparators(path)));
     if (isNoText(bytes))
         return {.text = {}, .whyNot = u"テキストファイルではないため、取り込みませんでした。"_s};
     const ReadableText look =

@@ -200,7 +200,8 @@ public:
             whileLooking.emplace(QDir::tempPath() + u"/quillon-XXXXXX"_s);
         const QString folder = whileLooking ? whileLooking->path() : m_order.place.copies();
         if (whileLooking ? !whileLooking->isValid() : !m_order.place.make(folder))
-            throw Error(errors::PathFileAccess, u"控えのフォルダ「%1」を作成できません。"_s.arg(folder));
+            throw Error(errors::PathFileAccess,
+                        u"控えのフォルダ「%1」を作成できません。"_s.arg(QDir::toNativeSeparators(folder)));
         const QString beside = nameForTheTimeBeing(folder);
         sqlite::Backup backup(m_order.place.database(), beside);
         if (!copyPages(backup))

@@ -5,6 +5,7 @@
 #include "store/kept/pruning.h"
 
 #include <QDateTime>
+#include <QDir>
 
 #include <algorithm>
 #include <exception>
@@ -143,7 +144,7 @@ void CopyWorker::copyOnce()
         const std::lock_guard lock(m_mutex);
         const QString text = m_times ? u"データベース「%1」の控えを作成できませんでした。%2"_s
                                      : u"データベース「%1」を検査できませんでした。%2"_s;
-        m_failure = text.arg(m_place.database(), *failure);
+        m_failure = text.arg(QDir::toNativeSeparators(m_place.database()), *failure);
     }
     if (m_onFailure)
         m_onFailure();

@@ -10,6 +10,7 @@
 #include "store/kept/moved_database.h"
 #include "store/sqlite/damage_watch.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <exception>
@@ -35,7 +36,8 @@ public:
         if (!m_hash)
             m_history->tellOnce(errors::PathFileAccess,
                                 u"上書きされるファイル「%1」の内容は残せませんでした。"
-                                u"大きすぎるか、空き領域またはアクセス権がありません。"_s.arg(m_path));
+                                u"大きすぎるか、空き領域またはアクセス権がありません。"_s.arg(
+                                    QDir::toNativeSeparators(m_path)));
     }
 
     bool isKept() const override { return m_hash.has_value(); }

@@ -153,12 +153,13 @@ private Q_SLOTS:
     {
         QVERIFY(m_world->write(u"RefFile/山.txt"_s, "mountain"));
         const QString file = m_world->path(u"RefFile/山.txt"_s);
+        const QString inJson = QString(file).replace(u'\\', u"\\\\"_s);
         const QString text = u"このファイルを登録したファイルデータはありません。"_s;
         QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫"_s}),
                  answer(0, u"書き出したデータ            4\n作成したファイル           10\n"_s + file +
                                u": "_s + text + u'\n'));
         QCOMPARE(m_world->run({u"export"_s, u"archive"_s, u"書庫2"_s, u"--json"_s}),
-                 answer(0, u"{\"written\":4,\"files\":10,\"notes\":[{\"where\":\""_s + file +
+                 answer(0, u"{\"written\":4,\"files\":10,\"notes\":[{\"where\":\""_s + inJson +
                                u"\",\"text\":\""_s + text + u"\"}]}\n"_s));
     }
 

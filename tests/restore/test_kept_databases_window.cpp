@@ -55,8 +55,9 @@ private Q_SLOTS:
             QCOMPARE(list(window).accessibleName(), u"データベース一覧"_s);
             QCOMPARE(labelsOf(list(window)), QStringList(u"控えか履歴のあるデータベース(&L) ："_s));
             QCOMPARE(window.findChild<QPushButton*>(u"cmdFile"_s)->text(), u"ファイルを指定(&F)"_s);
-            QCOMPARE(rowsOf(list(window).rows()), QStringList(u"知識.mdb|2026/01/31 12:00:00|なし|"_s +
-                                                              QFileInfo(world->path).canonicalFilePath()));
+            QCOMPARE(rowsOf(list(window).rows()),
+                     QStringList(u"知識.mdb|2026/01/31 12:00:00|なし|"_s +
+                                 QDir::toNativeSeparators(QFileInfo(world->path).canonicalFilePath())));
             press(window, u"cmdOK"_s);
         });
         QVERIFY(Restore(world->program));

@@ -11,6 +11,7 @@
 #include "ui/widgets/report_list.h"
 
 #include <QBoxLayout>
+#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
@@ -92,7 +93,8 @@ void frmKeptDatabases::fill()
         QString name = QFileInfo(database.path).fileName();
         if (!session().files.fileExists(database.path))
             name += u" (見つかりません)"_s;
-        rows.append({name, text(database.copied), text(database.changed), database.path});
+        rows.append(
+            {name, text(database.copied), text(database.changed), QDir::toNativeSeparators(database.path)});
     }
     rows.finish();
     if (lsvDatabase->rows().rowCount() > 0)
