@@ -37,7 +37,8 @@ for group in "$@"; do
             packages="$packages g++-mingw-w64-x86-64-posix mingw-w64-tools cmake ninja-build perl python3 dpkg-dev patch tcl
                 git qt6-base-dev qt6-base-dev-tools qt6-translations-l10n nsis" ;;
         wine) # what runs them here, with Japanese texts and fonts
-            packages="$packages wine wine64 xvfb xauth openbox xdotool unzip locales fonts-noto-cjk fonts-ipafont-gothic" ;;
+            packages="$packages wine wine64 xvfb xauth openbox xdotool imagemagick unzip locales
+                fonts-noto-cjk fonts-ipafont-gothic" ;;
         *)
             echo "install-packages.sh: unknown group '$group'" >&2
             exit 2 ;;

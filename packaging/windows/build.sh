@@ -19,8 +19,9 @@ case ${1:-} in
     --check | --test)
         purpose=${1#--}
         shift
-        if [ ! -f "$QUILLON_WINDOWS_PREFIX/complete" ]; then
-            echo "build.sh: nothing is checked, for there is no Qt in $QUILLON_WINDOWS_PREFIX; prefix.sh makes it" >&2
+        if ! "$here/prefix.sh" --is-there; then
+            echo "build.sh: nothing is checked, for there is no Qt of this edition in $QUILLON_WINDOWS_PREFIX;" \
+                "prefix.sh makes it" >&2
             exit 1
         fi ;;
     --draft)

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Makes what the programs for Windows are linked with: SQLite and a small static Qt, from Debian's own sources.
 # Usage: packaging/windows/prefix.sh    needed once; it takes half an hour of two processors and 4 GB while it runs
+#        packaging/windows/prefix.sh --is-there    ends with an error when there is none, or one of an earlier edition
 # The result goes to the folder QUILLON_WINDOWS_PREFIX, else to build/windows/prefix. What is there is not made again.
 set -eu
 
@@ -8,6 +9,13 @@ root=$(CDPATH='' cd -- "$(dirname -- "$0")/../.." && pwd)
 prefix=${QUILLON_WINDOWS_PREFIX:-$root/build/windows/prefix}
 work=$root/build/windows/sources
 jobs=${QUILLON_JOBS:-$(nproc)}
+edition=2 # of what is made here: a greater one is made anew
+made=$(cat "$prefix/complete" 2>/dev/null || :)
+
+if [ "${1:-}" = --is-there ]; then
+    [ "$made" = "$edition" ]
+    exit
+fi
 
 # What has to be given along with the programs, as far as it comes from installed packages. Debian's own papers do not
 # repeat the usual licences but name them where a Windows computer has nothing: these lie beside, under the same names
@@ -26,11 +34,7 @@ installed_licences()
         done
 }
 
-if [ -f "$prefix/complete" ]; then
-    # One that was made before lacks some of them, and need not be made again for that.
-    [ -f "$prefix/licences/nsis.txt" ] || (installed_licences)
-    exit 0
-fi
+[ "$made" != "$edition" ] || exit 0
 sh "$root/packaging/install-packages.sh" windows
 mkdir -p "$prefix/include" "$prefix/lib" "$work"
 prefix=$(CDPATH='' cd -- "$prefix" && pwd)
@@ -75,13 +79,24 @@ sqlite()
     cp sqlite3.h sqlite3ext.h "$prefix/include"
 }
 
+# Debian's source with what is mended here.
+qt_source()
+{
+    source=$(echo "$work"/qt6-base-*[0-9a-z])
+    if ! grep -q 'HIGHCONTRAST highContrast' "$source/src/plugins/platforms/windows/qwindowstheme.cpp"; then
+        patch -d "$source" -p1 <"$root/packaging/windows/qt-high-contrast.patch" >&2
+    fi
+    echo "$source"
+}
+
 # Only what has a window needs. Without direct2d the whole DirectWrite font engine would be left out; without
 # direct2d1_1 only a second way to the screen is. Debian's source lacks what tabletevent compiles. Regular expressions
 # without their compiler: it keeps a stack for each thread, which this runtime frees before the thread lets go of it.
 qt()
 {
     mkdir -p "$work/qt"
-    cmake -G Ninja -S "$(echo "$work"/qt6-base-*[0-9a-z])" -B "$work/qt" \
+    source=$(qt_source)
+    cmake -G Ninja -S "$source" -B "$work/qt" \
         -DCMAKE_TOOLCHAIN_FILE="$root/packaging/windows/mingw64-posix.cmake" -DCMAKE_INSTALL_PREFIX="$prefix" \
         -DCMAKE_C_FLAGS=-DPCRE2_DISABLE_JIT -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DQT_QMAKE_TARGET_MKSPEC=win32-g++ \
         -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DFEATURE_pkg_config=OFF \
@@ -110,4 +125,4 @@ licences()
 [ -f "$prefix/lib/libsqlite3.a" ] || (sqlite)
 (qt)
 (licences)
-touch "$prefix/complete"
+echo "$edition" >"$prefix/complete"

@@ -1,9 +1,9 @@
 #!/bin/sh
 # Tries under wine what build.sh has made: the zip from a folder of any name, then the installer. Installs for one person,
-# starts the program on a virtual display, registers, searches, opens a database as a double click does, uninstalls, and
-# sees that nothing but the person's own data is left.
+# starts the program on a virtual display, registers, searches, opens a database as a double click does, sees that it is
+# dark on a dark system, uninstalls, and sees that nothing but the person's own data is left.
 # Usage: packaging/windows/test.sh [FOLDER]    else build/windows; what is tried lies in build/windows/trial
-# A picture of the started program stays there as main.png where imagemagick is installed.
+# Pictures of the started program stay there: main.png, opened.png, dark.png.
 set -eu
 
 here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
@@ -119,7 +119,7 @@ window()
 echo "== the start from the menu"
 wine start /unix "$menu/Quillon.lnk"
 window 'Quillon メイン画面' || fail "no window comes"
-! command -v import >/dev/null || import -window root "$trial/main.png"
+import -window root "$trial/main.png"
 home=$person/Documents/Quillon
 [ -d "$home" ] || fail "the program has made no folder for its work"
 for name in RefFile Readme.txt "Quillon 機能仕様.txt"; do
@@ -153,7 +153,21 @@ until find /proc/[0-9]*/fd -lname "$home/知識.mdb" 2>/dev/null | grep -q .; do
     [ $waited -lt 30 ] || fail "the database is not opened"
     sleep 1
 done
-! command -v import >/dev/null || import -window root "$trial/opened.png"
+import -window root "$trial/opened.png"
+WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill
+settled
+
+echo "== a dark system"
+wine reg add 'HKCU\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize' \
+    /v AppsUseLightTheme /t REG_DWORD /d 0 /f >/dev/null
+settled
+wine start /unix "$menu/Quillon.lnk"
+window 'Quillon メイン画面' || fail "no window comes"
+sleep 2 # for it to be drawn
+import -window root "$trial/dark.png"
+# Title bars are drawn by the display here; the system's own follow the window, which is most of the picture.
+light=$(convert "$trial/dark.png" -colorspace Gray -format '%[fx:int(100*mean)]' info:)
+[ "$light" -lt 40 ] || fail "the window is light on a dark system: $light of 100"
 WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill
 settled
 

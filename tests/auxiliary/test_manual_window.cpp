@@ -7,6 +7,7 @@
 #include "ui/auxiliary/manual_text.h"
 #include "ui/main/frmMainMenu.h"
 #include "ui/restore/frmRestore.h"
+#include "ui/widgets/focus_colours.h"
 #include "ui/widgets/help_key.h"
 #include "ui/widgets/keyed_tree.h"
 
@@ -414,13 +415,20 @@ private Q_SLOTS:
         QCOMPARE(fixedColours(), QStringList());
         QPalette dark = page.palette();
         dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::AlternateBase, Qt::black);
         dark.setColor(QPalette::Text, Qt::white);
+        const auto colourOfLinks = [&] {
+            page.setPalette(dark);
+            const QTextCursor link = page.document()->find(u"起動と終了"_s);
+            return link.charFormat().isAnchor() ? link.charFormat().foreground().color() : QColor();
+        };
         dark.setColor(QPalette::Link, Qt::yellow);
-        page.setPalette(dark);
+        QCOMPARE(colourOfLinks(), QColor(Qt::yellow));
         QCOMPARE(fixedColours(), QStringList());
-        QTextCursor link = page.document()->find(u"起動と終了"_s);
-        QVERIFY(link.charFormat().isAnchor());
-        QCOMPARE(link.charFormat().foreground().color(), QColor(Qt::yellow));
+        // What can be read on white paper alone does not stay.
+        dark.setColor(QPalette::Link, Qt::blue);
+        QVERIFY2(contrast(colourOfLinks(), Qt::black) >= 4.5, qPrintable(colourOfLinks().name()));
+        QVERIFY(colourOfLinks() != QColor(Qt::white));
     }
 };
 

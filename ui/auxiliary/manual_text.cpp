@@ -1,5 +1,7 @@
 #include "ui/auxiliary/manual_text.h"
 
+#include "ui/widgets/focus_colours.h"
+
 #include <QEvent>
 #include <QImage>
 #include <QKeyEvent>
@@ -118,7 +120,7 @@ QByteArray ManualText::styleSheet() const
 {
     const QString line = palette().color(QPalette::Mid).name();
     const QString shade = palette().color(QPalette::AlternateBase).name();
-    const QString link = palette().color(QPalette::Link).name();
+    const QString link = linkColour(palette()).name();
     return (u"table { border-collapse: collapse; margin-top: 6px; margin-bottom: 6px; }"
             u"td, th { border: 1px solid "_s +
             line +

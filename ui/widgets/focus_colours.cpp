@@ -115,4 +115,14 @@ QColor frameColour(const QPalette& palette, const QColor& background)
                        {background}, VisibleMark);
 }
 
+QColor linkColour(const QPalette& palette)
+{
+    const QColor link = palette.color(QPalette::Active, QPalette::Link);
+    const QColor text = palette.color(QPalette::Active, QPalette::Text);
+    return standingOut({link, mixed(link, text, 30), mixed(link, text, 60), text},
+                       {palette.color(QPalette::Active, QPalette::Base),
+                        palette.color(QPalette::Active, QPalette::AlternateBase)},
+                       ReadableText);
+}
+
 } // namespace quillon

@@ -28,4 +28,8 @@ QColor focusColour(const QPalette& palette);
 /// that does.
 QColor frameColour(const QPalette& palette, const QColor& background);
 
+/// Of links in a text: the palette's colour where it can be read, else one that is nearer to that of the text. Some dark
+/// palettes leave links the blue that is meant for white paper.
+QColor linkColour(const QPalette& palette);
+
 } // namespace quillon
