@@ -212,13 +212,14 @@ private Q_SLOTS:
     void showOpensFilesWithTheirApplication()
     {
         QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
-        QFile file(world->folder.filePath(u"RefFile/図.png"_s));
+        const QString path = world->folder.filePath(u"RefFile/図.png"_s);
+        QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         showThreeLinks();
         selectRow(list(), 1);
         QVERIFY(WindowWorld::choose(*form, u"mnuLinkShow"_s));
         QCOMPARE(world->windowCount(u"frmMainData"_s), 1);
-        QCOMPARE(world->desktop.opened, QStringList({file.fileName()}));
+        QCOMPARE(world->desktop.opened, QStringList(path));
     }
 
     void showTellsOfEachEndThatIsGone()

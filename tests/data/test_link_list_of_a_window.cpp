@@ -110,11 +110,12 @@ private Q_SLOTS:
     {
         openWithLinks();
         QVERIFY(QDir(world->folder.path()).mkdir(u"RefFile"_s));
-        QFile file(world->folder.filePath(u"RefFile/絵.png"_s));
+        const QString path = world->folder.filePath(u"RefFile/絵.png"_s);
+        QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         selectRow(linkList(), 1);
         QVERIFY(FormWorld::choose(*form, u"mnuLinkView"_s));
-        QCOMPARE(world->desktop.opened, QStringList({file.fileName()}));
+        QCOMPARE(world->desktop.opened, QStringList(path));
         QCOMPARE(world->windowCount(), 1);
     }
 

@@ -24,11 +24,17 @@ constexpr int BrokenDisk = EIO;
 constexpr int BrokenOff = EINTR;
 #endif
 
+constexpr const char* ForLongPaths = "win32-longpath";
+
+/// The system's disk that the program uses.
 sqlite3_vfs* systemDisk()
 {
     // Once there is a faulty one, the question would name that. The engine wants it without const.
     // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-    static sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
+    static sqlite3_vfs* const system = [] {
+        sqlite3_vfs* const forLongPaths = sqlite3_vfs_find(ForLongPaths);
+        return forLongPaths != nullptr ? forLongPaths : sqlite3_vfs_find(nullptr);
+    }();
     return system;
 }
 
@@ -314,6 +320,11 @@ FaultyDisk::FaultyDisk()
     static sqlite3_vfs faulty = *systemDisk();
     faulty.pNext = nullptr;
     faulty.zName = "faulty";
+    if (sqlite3_vfs_find(ForLongPaths) != nullptr) {
+        // The program asks for it by its name.
+        faulty.zName = ForLongPaths;
+        sqlite3_vfs_unregister(systemDisk());
+    }
     faulty.szOsFile = static_cast<int>(PlaceOfSystemPart) + systemDisk()->szOsFile;
     faulty.xOpen = openFile;
     faulty.xDelete = removeFile;

@@ -442,7 +442,8 @@ public:
     {
         if (!m_process.waitForFinished(300'000))
             return u"the run does not end"_s;
-        const QString output = QString::fromUtf8(m_process.readAllStandardOutput());
+        // Without what one system puts before the end of a line.
+        const QString output = QString::fromUtf8(m_process.readAllStandardOutput()).remove(u'\r');
         return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0
                    ? output
                    : output + u"\nit failed"_s;
