@@ -18,10 +18,7 @@ public:
     QString path() const { return QDir::toNativeSeparators(QTemporaryDir::path()); }
 
     /** The path of what is called @p name in it; folders in @p name are divided by /. */
-    QString filePath(const QString& name) const
-    {
-        return QDir::toNativeSeparators(QTemporaryDir::filePath(name));
-    }
+    QString filePath(const QString& name) const { return QDir::toNativeSeparators(path() + u'/' + name); }
 };
 
 } // namespace quillon::testing
