@@ -25,22 +25,38 @@
 
 #include <cerrno>
 
-// The program's own calls arrive here first.
-static bool unlinkFails = false;
-static bool syncFails = false;
+namespace
+{
 
+/// Which calls fail.
+struct Failing {
+    bool unlink = false;
+    bool sync = false;
+};
+
+Failing& failing()
+{
+    static Failing calls;
+    return calls;
+}
+
+} // namespace
+
+// The program's own calls arrive here first.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the system's is none to be used
 extern "C" int unlink(const char* path) noexcept
 {
-    if (unlinkFails) {
+    if (failing().unlink) {
         errno = EIO;
         return -1;
     }
     return static_cast<int>(syscall(SYS_unlink, path));
 }
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): as above
 extern "C" int fsync(int file)
 {
-    if (syncFails) {
+    if (failing().sync) {
         errno = EDQUOT;
         return -1;
     }
@@ -457,9 +473,9 @@ private Q_SLOTS:
     void copyingEndsWhenNothingCanBeUnlinkedAnyMore()
     {
         makeFile(inFolder(u"a"_s), "old");
-        unlinkFails = true;
+        failing().unlink = true;
         copy(source(), u"a"_s);
-        unlinkFails = false;
+        failing().unlink = false;
         QCOMPARE(contentOf(inFolder(u"a"_s)), contentOf(source()));
         // What could not be removed is by the next.
         files.settleReplacements(folder(),
@@ -493,9 +509,9 @@ private Q_SLOTS:
     {
         makeFile(inFolder(u"a"_s), "old");
         const auto staged = files.stageCopy(source(), folder(), u"a"_s, {});
-        syncFails = true;
+        failing().sync = true;
         QCOMPARE(errorOf([&] { staged->place({}); }), errors::DiskFull);
-        syncFails = false;
+        failing().sync = false;
         QCOMPARE(contentOf(inFolder(u"a"_s)), "old"_ba);
         QCOMPARE(entries(), QStringList(u"a"_s));
     }
