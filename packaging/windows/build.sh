@@ -46,7 +46,8 @@ history()
 }
 
 # Programs of the system start with the first of ours, and keep open what that writes to as long as any of ours runs: a
-# test would not seem to end. So one that nobody waits for comes before all tests and stays.
+# test would not seem to end. So one that nobody waits for comes before all tests and stays, and all are there when the
+# next one has ended.
 run_tests()
 {
     scratch=$(mktemp -d)
@@ -54,6 +55,7 @@ run_tests()
     exec 8<>"$scratch/words"
     QT_QPA_PLATFORM=minimal "$here/wine.sh" cmd <&8 8>&- >/dev/null 2>&1 &
     first=$!
+    QT_QPA_PLATFORM=minimal "$here/wine.sh" cmd /c exit >/dev/null 2>&1 || :
     trap 'kill $first 2>/dev/null || :; rm -rf "$scratch"' EXIT
     ctest --test-dir "$programs" --parallel "$jobs" --timeout 300 --output-on-failure 8>&-
 }

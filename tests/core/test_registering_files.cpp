@@ -496,6 +496,9 @@ private Q_SLOTS:
 
     void pathAsItStandsGoesBeforeWhatItMayMean()
     {
+#ifdef Q_OS_WIN
+        QSKIP("No name ends in a blank here.");
+#endif
         write(u"a.txt"_s, "without");
         const QString path = write(u"a.txt "_s, "with a blank");
         QCOMPARE(registerPath(path), FileRegistration::Registered);

@@ -341,6 +341,7 @@ void lookAtWindows(QStringList& found)
     }
     auto* splash = new frmSplash(world.session(), world.program.windows());
     splash->startTiming();
+    splash->findChild<QTimer*>()->stop(); // on a slow computer it would go while it is looked at
     look(*splash, u"splash"_s);
     auto* information = new frmSplash(world.session(), world.program.windows());
     information->showInformation();
