@@ -40,8 +40,8 @@ VIAddVersionKey /LANG=1041 "LegalCopyright" "The Quillon authors"
 !define MUI_LANGDLL_REGISTRY_ROOT SHCTX
 !define MUI_LANGDLL_REGISTRY_KEY "${Settings}"
 !define MUI_LANGDLL_REGISTRY_VALUENAME "Language"
-!define MUI_FINISHPAGE_RUN "$INSTDIR\quillon.exe"
-!define MUI_FINISHPAGE_RUN_PARAMETERS "--home"
+!define MUI_FINISHPAGE_RUN
+!define MUI_FINISHPAGE_RUN_FUNCTION StartByDesktop
 
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
 !insertmacro MUI_PAGE_DIRECTORY
@@ -61,6 +61,8 @@ LangString Type ${LANG_ENGLISH} "Quillon database"
 LangString Running ${LANG_JAPANESE} "Quillon が動いています。終了してからやり直してください。"
 LangString Running ${LANG_ENGLISH} "Quillon is running. Close it and try again."
 
+Var Asked
+
 ; A program that runs cannot be written to.
 !macro StopWhereItRuns
   IfFileExists "$INSTDIR\quillon.exe" 0 +7
@@ -72,8 +74,17 @@ LangString Running ${LANG_ENGLISH} "Quillon is running. Close it and try again."
   FileClose $0
 !macroend
 
+Function StartByDesktop
+  ; The installer may be the administrator's; the desktop is the person's.
+  Exec '"$WINDIR\explorer.exe" "$SMPROGRAMS\${Name}\${Name}.lnk"'
+FunctionEnd
+
 Function .onInit
+  ; What /D has named, before the answer for whom gives it its usual name.
+  StrCpy $Asked $INSTDIR
   !insertmacro MULTIUSER_INIT
+  StrCmp $Asked "" +2
+  StrCpy $INSTDIR $Asked
   !insertmacro MUI_LANGDLL_DISPLAY
 FunctionEnd
 

@@ -184,6 +184,15 @@ for key in 'HKCU\Software\Quillon' 'HKCU\Software\Classes\Quillon.Database' \
 done
 find "$home" -type f -exec md5sum {} + | LC_ALL=C sort | cmp "$trial/before" - || fail "the person's files have changed"
 
+echo "== where it is told to"
+wine "$setup" /S /CurrentUser '/D=C:\別の場所'
+settled
+place=$QUILLON_WINE/prefix/drive_c/別の場所
+[ -f "$place/quillon.exe" ] || fail "it was not installed in the folder of /D"
+wine "$place/uninstall.exe" /CurrentUser /S
+settled
+[ ! -e "$place" ] || fail "left in $place: $(ls "$place")"
+
 echo "== for everybody"
 wine "$setup" /S /AllUsers
 settled
