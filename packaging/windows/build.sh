@@ -45,21 +45,6 @@ history()
     git -c safe.directory='*' -C "$root" "$@"
 }
 
-# Programs of the system start with the first of ours, and keep open what that writes to as long as any of ours runs: a
-# test would not seem to end. So one that nobody waits for comes before all tests and stays, and all are there when the
-# next one has ended.
-run_tests()
-{
-    scratch=$(mktemp -d)
-    mkfifo "$scratch/words"
-    exec 8<>"$scratch/words"
-    QT_QPA_PLATFORM=minimal "$here/wine.sh" cmd <&8 8>&- >/dev/null 2>&1 &
-    first=$!
-    QT_QPA_PLATFORM=minimal "$here/wine.sh" cmd /c exit >/dev/null 2>&1 || :
-    trap 'kill $first 2>/dev/null || :; rm -rf "$scratch"' EXIT
-    ctest --test-dir "$programs" --parallel "$jobs" --timeout 300 --output-on-failure 8>&-
-}
-
 SOURCE_DATE_EPOCH=$(history log -1 --format=%ct)
 export SOURCE_DATE_EPOCH
 
@@ -76,7 +61,8 @@ cmake -G Ninja -S "$root" -B "$programs" --log-level=WARNING -DCMAKE_BUILD_TYPE=
 
 if [ "$purpose" = check ] || [ "$purpose" = test ]; then
     cmake --build "$programs" --parallel "$jobs"
-    [ "$purpose" != test ] || run_tests
+    [ "$purpose" != test ] ||
+        QUILLON_WINE_ASIDE=yes ctest --test-dir "$programs" --parallel "$jobs" --timeout 300 --output-on-failure
     exit
 fi
 cmake --build "$programs" --parallel "$jobs" --target quillon quillon-cli

@@ -3,6 +3,8 @@
 # Usage: packaging/windows/wine.sh PROGRAM.exe [ARGUMENT...]
 # QUILLON_WINE is the folder with what wine takes for its computer, else build/windows/wine; it is made at the first use.
 # Without a display the program gets one in memory, unless QT_QPA_PLATFORM tells it to do without.
+# With QUILLON_WINE_ASIDE what the program says comes when it has ended: else whoever waits for the end of what is said
+# waits for programs of the system as well, which start with ours, get its output and stay.
 set -eu
 
 here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
@@ -50,6 +52,14 @@ if [ ! -f "$computer/made" ]; then
     exec 9>&-
 fi
 
+if [ -n "${QUILLON_WINE_ASIDE:-}" ]; then
+    said=$(mktemp)
+    code=0
+    "$wine" "$@" >"$said" 2>&1 </dev/null || code=$?
+    cat "$said"
+    rm "$said"
+    exit "$code"
+fi
 case ${WINEQT_QPA_PLATFORM:-} in
     offscreen | minimal) exec "$wine" "$@" ;;
 esac
