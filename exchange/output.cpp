@@ -2,6 +2,7 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/renaming.h"
 #include "app/base/platform/system_error.h"
 #include "exchange/refused.h"
 
@@ -154,8 +155,8 @@ void StagedOutput::place()
     if (info.isDir())
         platform::syncFolder(m_path);
     // What has come meanwhile is not replaced.
-    const bool placed =
-        info.isDir() ? !stands(m_target) && QDir().rename(m_path, m_target) : QFile::rename(m_path, m_target);
+    const bool placed = info.isDir() ? !stands(m_target) && platform::renameFolder(m_path, m_target)
+                                     : QFile::rename(m_path, m_target);
     if (!placed) {
         const int failure = platform::lastSystemError();
         if (stands(m_target))

@@ -2,6 +2,7 @@
 
 #include "app/base/absolute_path.h"
 #include "app/base/error.h"
+#include "app/base/platform/file_identity.h"
 #include "app/base/platform/files.h"
 #include "store/criteria_sql.h"
 #include "store/memo_type.h"
@@ -43,7 +44,7 @@ void checkFile(const QString& path)
         throw reason.number == errors::PermissionDenied ? Error(errors::CannotOpen) : reason;
     }
     // The journal stands beside the file itself, wherever a link to it stands.
-    const QString file = info.canonicalFilePath();
+    const QString file = platform::canonicalPath(path);
     if (!platform::mayReadAndWrite(file) || !platform::mayWriteIn(QFileInfo(file).path()))
         throw Error(errors::CannotOpen);
     // SQLite takes an empty file, and one of a single byte, for a new database.

@@ -102,8 +102,13 @@ History::History(const Place& place)
         LogFile file;
         file.path = info.filePath();
         file.begin = beginOf(info.fileName());
-        file.end = std::max(file.begin, info.lastModified().toMSecsSinceEpoch());
-        file.size = info.size();
+        // A folder may tell of a file that somebody writes what it was when it was closed last.
+        QFile opened(file.path);
+        const bool isOpen = opened.open(QIODevice::ReadOnly);
+        file.size = isOpen ? opened.size() : info.size();
+        const QDateTime written =
+            isOpen ? opened.fileTime(QFileDevice::FileModificationTime) : info.lastModified();
+        file.end = std::max(file.begin, written.toMSecsSinceEpoch());
         m_files.push_back(std::move(file));
     }
     m_isRead.resize(m_files.size());

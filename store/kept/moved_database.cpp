@@ -1,6 +1,7 @@
 #include "store/kept/moved_database.h"
 
 #include "app/base/platform/file_identity.h"
+#include "app/base/platform/renaming.h"
 #include "store/kept/copies.h"
 
 #include <QDateTime>
@@ -61,7 +62,7 @@ void findAgain(const QString& keptFolder, const Place& place)
 {
     if (!QDir(place.folder()).exists()) {
         if (const std::optional<Place> left = leftPlace(keptFolder, place))
-            QDir().rename(left->folder(), place.folder());
+            platform::renameFolder(left->folder(), place.folder());
     }
     place.note();
 }
@@ -79,7 +80,7 @@ void setAside(const QString& keptFolder, const Place& place)
         if (QFileInfo::exists(aside.database()) || QDir(aside.folder()).exists())
             continue;
         // By what the former one is known again goes with it.
-        if (QDir().rename(place.folder(), aside.folder()))
+        if (platform::renameFolder(place.folder(), aside.folder()))
             aside.note();
         return;
     }

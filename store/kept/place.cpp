@@ -30,10 +30,10 @@ constexpr QFileDevice::Permissions ForTheUserAlone =
 QString withoutLinks(const QString& path)
 {
     const QFileInfo info(path);
-    QString canonical = info.canonicalFilePath();
+    QString canonical = platform::canonicalPath(path);
     if (!canonical.isEmpty())
         return canonical;
-    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    const QString folder = platform::canonicalPath(info.absolutePath());
     return folder.isEmpty() ? info.absoluteFilePath() : folder + u'/' + info.fileName();
 }
 
@@ -110,7 +110,8 @@ bool mayKeepIn(const QString& keptFolder)
 Place::Place(const QString& keptFolder, const QString& database)
     : m_keptFolder(keptFolder), m_database(withoutLinks(database))
 {
-    const QByteArray hash = QCryptographicHash::hash(m_database.toUtf8(), QCryptographicHash::Sha256).toHex();
+    const QByteArray hash =
+        QCryptographicHash::hash(platform::pathKey(m_database).toUtf8(), QCryptographicHash::Sha256).toHex();
     constexpr qsizetype Digits = 8;
     m_folder = keptFolder + u'/' + readableName(m_database) + u'-' + QString::fromLatin1(hash.first(Digits));
 }
@@ -168,7 +169,8 @@ QStringList databasesIn(const QString& keptFolder)
     for (const QFileInfo& folder : folders) {
         const QString path = notedIn(folder.filePath()).path;
         // Elsewhere nothing of it would be found again.
-        if (!path.isEmpty() && Place(keptFolder, path).folder() == keptFolder + u'/' + folder.fileName())
+        if (!path.isEmpty() && platform::pathKey(Place(keptFolder, path).folder()) ==
+                                   platform::pathKey(keptFolder + u'/' + folder.fileName()))
             databases << path;
     }
     return databases;

@@ -2,14 +2,12 @@
 
 #include "app/base/error.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/renaming.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-
-#include <filesystem>
-#include <system_error>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -44,9 +42,7 @@ bool writeWhole(const QString& path, QByteArrayView bytes)
     try {
         if (writeNew(beside, bytes)) {
             platform::syncFile(beside);
-            std::error_code error;
-            std::filesystem::rename(beside.toStdU16String(), path.toStdU16String(), error);
-            if (!error) {
+            if (platform::renameOver(beside, path)) {
                 platform::syncFolder(folder);
                 return true;
             }

@@ -1,6 +1,7 @@
 #include "store/sqlite/backup.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/file_identity.h"
 #include "store/sqlite/errors.h"
 #include "store/sqlite/statement.h"
 
@@ -23,7 +24,7 @@ namespace
 
 QString canonical(const QString& path)
 {
-    QString full = QFileInfo(path).canonicalFilePath();
+    QString full = platform::canonicalPath(path);
     if (full.isEmpty())
         throw Error(errors::DatabaseNotFound);
     return full;

@@ -1,6 +1,7 @@
 #include "store/sqlite/connection.h"
 
 #include "app/base/error.h"
+#include "app/base/platform/file_identity.h"
 #include "app/base/platform/files.h"
 #include "store/sqlite/errors.h"
 #include "store/sqlite/half_characters.h"
@@ -85,7 +86,7 @@ Connection::Connection(const QString& path, Mode mode)
 {
     if (mode == Mode::CreateNew)
         createEmptyFile(path);
-    m_path = QFileInfo(path).canonicalFilePath();
+    m_path = platform::canonicalPath(path);
     if (m_path.isEmpty()) // SQLite would take it for a database in memory
         throw Error(errors::DatabaseNotFound);
     if (!platform::fitsAsName(QFileInfo(m_path).path(), QFileInfo(m_path).fileName() + u"-journal"_s))

@@ -1,6 +1,6 @@
 #include "store/sqlite/damage_watch.h"
 
-#include <QFileInfo>
+#include "app/base/platform/file_identity.h"
 
 #include <sqlite3.h>
 
@@ -45,7 +45,7 @@ void damageMet(sqlite3* connection)
     if (name == nullptr)
         return;
     // A long name is opened under a shorter one.
-    const QString file = QFileInfo(QString::fromUtf8(name)).canonicalFilePath();
+    const QString file = platform::canonicalPath(QString::fromUtf8(name));
     const std::lock_guard lock(watches().mutex);
     for (const DamageWatch* watch : watches().all) {
         if (watch->m_file == file)

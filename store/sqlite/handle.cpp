@@ -38,9 +38,8 @@ QByteArray Handle::shortEnough(const QString& path)
 {
     constexpr qsizetype Journal = 8; // "-journal"
     const sqlite3_vfs* const files = sqlite3_vfs_find(fileSystem(Access::ToUse));
-    QByteArray name = path.toUtf8();
-    if (files == nullptr || name.size() + Journal < files->mxPathname)
-        return name;
+    if (files == nullptr || !platform::ShortPath::isNeeded(path, Journal, files->mxPathname))
+        return path.toUtf8();
     m_shortPath.emplace(path);
     if (auto shortName = m_shortPath->name())
         return *std::move(shortName);

@@ -2,10 +2,14 @@
 #include "app/base/platform/cloning.h"
 #include "app/base/platform/command_line.h"
 #include "app/base/platform/event_log.h"
+#include "app/base/platform/file_identity.h"
 #include "app/base/platform/files.h"
+#include "app/base/platform/renaming.h"
 #include "app/base/platform/system_error.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QtTest>
@@ -41,6 +45,54 @@ class TestPlatformFiles : public QObject
     }
 
 private Q_SLOTS:
+    void aFolderIsRenamedWithAllThatIsInIt()
+    {
+        const QTemporaryDir folder;
+        const QString from = folder.filePath(u"前"_s);
+        const QString to = folder.filePath(u"後"_s);
+        QVERIFY(QDir().mkdir(from));
+        makeFile(from + u"/資料"_s);
+        QVERIFY(platform::renameFolder(from, to));
+        QVERIFY(QFile::exists(to + u"/資料"_s));
+        QVERIFY(!QFile::exists(from));
+        // What stands there stays, also when there is nothing in it; nor does anything come of nothing.
+        QVERIFY(QDir().mkdir(from));
+        QVERIFY(!platform::renameFolder(to, from));
+        QVERIFY(QFile::exists(to + u"/資料"_s));
+        QVERIFY(!platform::renameFolder(folder.filePath(u"無"_s), folder.filePath(u"新"_s)));
+    }
+
+    void aFileTakesThePlaceOfAnother()
+    {
+        const QTemporaryDir folder;
+        const QString from = folder.filePath(u"新"_s);
+        const QString to = folder.filePath(u"旧"_s);
+        const auto write = [](const QString& path, const QByteArray& content) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        };
+        write(to, "old");
+        write(from, "new");
+        QVERIFY(platform::renameOver(from, to));
+        QCOMPARE(contentOf(to), QByteArray("new"));
+        QVERIFY(!QFile::exists(from));
+        QVERIFY(!platform::renameOver(from, to));
+        QCOMPARE(contentOf(to), QByteArray("new"));
+    }
+
+    void everyWayToAFileEndsInOnePath()
+    {
+        const QTemporaryDir folder;
+        const QString root = QFileInfo(folder.path()).canonicalFilePath();
+        makeFile(folder.filePath(u"資料"_s));
+        QVERIFY(QDir(folder.path()).mkdir(u"中"_s));
+        QCOMPARE(platform::canonicalPath(folder.filePath(u"資料"_s)), root + u"/資料"_s);
+        QCOMPARE(platform::canonicalPath(folder.filePath(u"中/../資料"_s)), root + u"/資料"_s);
+        QCOMPARE(platform::canonicalPath(folder.filePath(u"中"_s)), root + u"/中"_s);
+        QCOMPARE(platform::canonicalPath(folder.filePath(u"無"_s)), QString());
+    }
+
     void ordinaryFilesAreToldFromEverythingElse()
     {
         const QTemporaryDir folder;

@@ -132,7 +132,7 @@ private Q_SLOTS:
         QVERIFY(harmed.open(QIODevice::ReadWrite));
         harmed.putChar('?');
         harmed.close();
-        world->dialogs.expect(refusal(u"控え「"_s + copy().path +
+        world->dialogs.expect(refusal(u"控え「"_s + QDir::toNativeSeparators(copy().path) +
                                       u"」は失われているか、壊れています。別の控えを指定してください。"_s));
         QVERIFY(!TakeOutCopy(session(), copy(), newFile()));
         QVERIFY(!QFile::exists(newFile()));

@@ -6,8 +6,8 @@
 #include "exchange/spooled_texts.h"
 #include "tests/exchange/folder_content.h"
 #include "tests/support/compare_text.h"
+#include "tests/support/test_folder.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -34,13 +34,13 @@ class TestOutput : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<TestFolder> folder;
 
     QString path(const QString& name) const { return folder->filePath(name); }
     QMap<QString, QByteArray> content() const { return contentBelow(folder->path()); }
 
 private Q_SLOTS:
-    void init() { folder = std::make_unique<QTemporaryDir>(); }
+    void init() { folder = std::make_unique<TestFolder>(); }
 
     void textsThatArePutAsideComeBackInTheirOrder_data()
     {

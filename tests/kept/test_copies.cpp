@@ -268,7 +268,8 @@ private Q_SLOTS:
         } catch (const Error& error) {
             description = error.description;
         }
-        QCOMPARE(description, u"控えのフォルダ「%1」を作成できません。"_s.arg(place().copies()));
+        QCOMPARE(description,
+                 u"控えのフォルダ「%1」を作成できません。"_s.arg(QDir::toNativeSeparators(place().copies())));
     }
 
     void aContentThatWasRemovedIsKeptAnew()
@@ -478,7 +479,7 @@ private Q_SLOTS:
         const auto failure = worker.takeFailure();
         QVERIFY(failure);
         QVERIFY(failure->startsWith(
-            u"データベース「"_s + place().database() +
+            u"データベース「"_s + QDir::toNativeSeparators(place().database()) +
             u"」の控えを作成できませんでした。データベースに必要なテーブルがありません。"_s));
         QCOMPARE(worker.takeFailure(), std::nullopt);
     }
@@ -493,7 +494,7 @@ private Q_SLOTS:
         const auto failure = worker.takeFailure();
         QVERIFY(failure);
         QVERIFY(
-            failure->startsWith(u"データベース「"_s + place().database() +
+            failure->startsWith(u"データベース「"_s + QDir::toNativeSeparators(place().database()) +
                                 u"」を検査できませんでした。データベースに必要なテーブルがありません。"_s));
         QCOMPARE(copies().size(), std::size_t{0});
     }

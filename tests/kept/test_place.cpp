@@ -102,6 +102,24 @@ private Q_SLOTS:
         QCOMPARE(QJsonDocument::fromJson(about.readAll())[u"path"].toString(), database);
     }
 
+    void aDatabaseHasOnePlaceInEverySpelling()
+    {
+        const QString database = fileIn(u"Know.mdb"_s);
+        const QString other = folder->filePath(u"KNOW.MDB"_s);
+        if (!QFile::exists(other))
+            QSKIP("Case tells names apart here.");
+        const Place place(kept(), database);
+        QVERIFY(place.make(place.history()));
+        QVERIFY(QDir(Place(kept(), other).history()).exists());
+        // Also after its name was written in another way.
+        QVERIFY(QFile::rename(database, folder->filePath(u"between"_s)));
+        QVERIFY(QFile::rename(folder->filePath(u"between"_s), other));
+        const Place renamed(kept(), other);
+        QVERIFY(QDir(renamed.history()).exists());
+        renamed.note();
+        QCOMPARE(quillon::kept::databasesIn(kept()), QStringList(renamed.database()));
+    }
+
     void databasesOfTheSameNameHavePlacesOfTheirOwn()
     {
         QVERIFY(QDir(folder->path()).mkdir(u"other"_s));

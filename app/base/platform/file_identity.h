@@ -13,4 +13,11 @@ namespace quillon::platform
 /// Never opens the file.
 std::optional<QByteArray> fileIdentity(const QString& path);
 
+/// The one path from the root to what `path` leads to, with / and without links, in the spelling of the disk where case
+/// tells nothing; empty when nothing is there.
+QString canonicalPath(const QString& path);
+
+/// The same for every spelling of a canonical path that leads to the same file.
+QString pathKey(const QString& canonical);
+
 } // namespace quillon::platform

@@ -19,6 +19,10 @@ public:
     ShortPath(const ShortPath&) = delete;
     ShortPath& operator=(const ShortPath&) = delete;
 
+    /// Whether a library that takes names of less than `most` bytes needs another name for `path`, so that it also can
+    /// put up to `ending` characters behind it.
+    static bool isNeeded(const QString& path, qsizetype ending, qsizetype most);
+
     /// In UTF-8; nothing where there is no such name.
     std::optional<QByteArray> name() const;
 

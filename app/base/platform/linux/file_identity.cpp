@@ -2,6 +2,8 @@
 
 #include "app/base/platform/any_names.h"
 
+#include <QFileInfo>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -20,6 +22,16 @@ std::optional<QByteArray> fileIdentity(const QString& path)
     return QByteArray::number(static_cast<qulonglong>(status.stx_ino)) + '-' +
            QByteArray::number(static_cast<qlonglong>(status.stx_btime.tv_sec)) + '-' +
            QByteArray::number(status.stx_btime.tv_nsec);
+}
+
+QString canonicalPath(const QString& path)
+{
+    return QFileInfo(path).canonicalFilePath();
+}
+
+QString pathKey(const QString& canonical)
+{
+    return canonical;
 }
 
 } // namespace quillon::platform

@@ -32,6 +32,11 @@ ShortPath::~ShortPath()
         close(m_folder);
 }
 
+bool ShortPath::isNeeded(const QString& path, qsizetype ending, qsizetype most)
+{
+    return path.toUtf8().size() + ending >= most;
+}
+
 std::optional<QByteArray> ShortPath::name() const
 {
     if (m_folder < 0)

@@ -2,6 +2,9 @@
 
 #include "app/base/platform/windows/handle.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 namespace quillon::platform
 {
 
@@ -16,6 +19,37 @@ std::optional<QByteArray> fileIdentity(const QString& path)
         return std::nullopt;
     const QByteArray number(reinterpret_cast<const char*>(id.FileId.Identifier), sizeof id.FileId.Identifier);
     return number.toHex() + '-' + QByteArray::number(static_cast<qlonglong>(times.CreationTime.QuadPart));
+}
+
+QString canonicalPath(const QString& path)
+{
+    const Handle file = openExisting(path, 0, FILE_FLAG_BACKUP_SEMANTICS);
+    if (!file)
+        return {};
+    QString found(MAX_PATH, Qt::Uninitialized);
+    for (;;) {
+        const DWORD length = GetFinalPathNameByHandleW(file.get(), reinterpret_cast<wchar_t*>(found.data()),
+                                                       static_cast<DWORD>(found.size()),
+                                                       FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+        if (length == 0) // a disk that does not tell
+            return QFileInfo(path).canonicalFilePath();
+        const bool fits = length < static_cast<DWORD>(found.size());
+        found.resize(length);
+        if (fits)
+            break;
+    }
+    const QLatin1String Network("\\\\?\\UNC\\");
+    const QLatin1String Verbatim("\\\\?\\");
+    if (found.startsWith(Network))
+        found.replace(0, Network.size(), QLatin1String("\\\\"));
+    else if (found.startsWith(Verbatim))
+        found.remove(0, Verbatim.size());
+    return QDir::fromNativeSeparators(found);
+}
+
+QString pathKey(const QString& canonical)
+{
+    return canonical.toCaseFolded();
 }
 
 } // namespace quillon::platform
