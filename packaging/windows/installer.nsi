@@ -8,6 +8,7 @@ SetCompressor /SOLID lzma
 !define Name "Quillon"
 !define ProgId "Quillon.Database"
 !define Settings "Software\${Name}"
+!define EventSource "SYSTEM\CurrentControlSet\Services\EventLog\Application\${Name}"
 !define Uninstall "Software\Microsoft\Windows\CurrentVersion\Uninstall\${Name}"
 
 !define MULTIUSER_EXECUTIONLEVEL Highest
@@ -112,6 +113,11 @@ Section
   WriteRegStr SHCTX "Software\Classes\Applications\quillon.exe" "FriendlyAppName" "${Name}"
   WriteRegStr SHCTX "Software\Classes\Applications\quillon.exe\shell\open\command" "" '"$INSTDIR\quillon.exe" --home -- "%1"'
 
+  ; How the system shows our lines in its event log is for an administrator to say.
+  StrCmp $MultiUser.InstallMode "AllUsers" 0 +3
+  WriteRegExpandStr HKLM "${EventSource}" "EventMessageFile" "$INSTDIR\quillon.exe"
+  WriteRegDWORD HKLM "${EventSource}" "TypesSupported" 7
+
   WriteRegStr SHCTX "${Settings}" "Folder" "$INSTDIR"
   WriteRegStr SHCTX "${Settings}" "Language" "$LANGUAGE"
   WriteRegStr SHCTX "${Uninstall}" "DisplayName" "${Name}"
@@ -148,6 +154,8 @@ Section "Uninstall"
   ; In whatever language they were made.
   Delete "$SMPROGRAMS\${Name}\*.lnk"
   RMDir "$SMPROGRAMS\${Name}"
+  StrCmp $MultiUser.InstallMode "AllUsers" 0 +2
+  DeleteRegKey HKLM "${EventSource}"
   DeleteRegKey SHCTX "Software\Classes\${ProgId}"
   DeleteRegKey SHCTX "Software\Classes\Applications\quillon.exe"
   DeleteRegValue SHCTX "Software\Classes\.mdb\OpenWithProgids" "${ProgId}"

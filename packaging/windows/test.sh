@@ -197,12 +197,14 @@ echo "== for everybody"
 wine "$setup" /S /AllUsers
 settled
 place="$QUILLON_WINE/prefix/drive_c/Program Files/Quillon"
+events='HKLM\System\CurrentControlSet\Services\EventLog\Application\Quillon'
 says '^コミット' wine "$place/quillon.exe" --version
 says "DisplayName" wine reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'
+says 'quillon.exe' wine reg query "$events"
 wine "$place/uninstall.exe" /AllUsers /S
 settled
 [ ! -e "$place" ] || fail "left in $place: $(ls "$place")"
-for key in 'HKLM\Software\Quillon' 'HKLM\Software\Classes\Quillon.Database' \
+for key in "$events" 'HKLM\Software\Quillon' 'HKLM\Software\Classes\Quillon.Database' \
     'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillon'; do
     ! wine reg query "$key" >/dev/null 2>&1 || fail "$key is left"
 done

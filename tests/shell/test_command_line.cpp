@@ -4,6 +4,12 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+
+#include <array>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quillon;
 
@@ -91,6 +97,23 @@ private Q_SLOTS:
         QVERIFY(parseCommandLine({u"--restore"_s, u"--home"_s}).atHome);
         QCOMPARE(parseCommandLine({u"--"_s, u"--home"_s}).file, u"--home"_s);
     }
+
+#ifdef Q_OS_WIN
+    void theSystemShowsALineOfTheLogAsItStands()
+    {
+        const QString program =
+            QDir::toNativeSeparators(QFileInfo(QString::fromUtf8(QUILLON_PROGRAM)).absoluteFilePath());
+        const HMODULE words = LoadLibraryExW(reinterpret_cast<const wchar_t*>(program.utf16()), nullptr,
+                                             LOAD_LIBRARY_AS_DATAFILE);
+        QVERIFY(words != nullptr);
+        std::array<wchar_t, 100> shown{};
+        std::array<DWORD_PTR, 1> lines{reinterpret_cast<DWORD_PTR>(L"一行 %1")};
+        FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_ARGUMENT_ARRAY, words, 0, 0, shown.data(),
+                       shown.size(), reinterpret_cast<va_list*>(lines.data()));
+        FreeLibrary(words);
+        QCOMPARE(QString::fromWCharArray(shown.data()), u"一行 %1\r\n"_s);
+    }
+#endif
 
     void theVersionIsThatOfTheBuild()
     {
