@@ -10,6 +10,7 @@
 #include "app/shell/program.h"
 #include "app/shell/program_icon.h"
 #include "app/shell/real_dialogs.h"
+#include "app/shell/session_end.h"
 #include "app/shell/start_up.h"
 #include "store/kept/place.h"
 
@@ -73,7 +74,9 @@ int main(int argc, char** argv)
     // Leaving all event loops, nested ones included, ends the program at once: no window is closed, so none asks
     // or saves anything, and what is left of them is destroyed together with `program`. Nothing can be lost,
     // because every change was written when it was made; a hard exit of the process would gain nothing.
-    program.setEnd([] { QCoreApplication::exit(0); });
+    const auto end = [] { QCoreApplication::exit(0); };
+    program.setEnd(end);
+    const SessionEnd sessionEnd(program.windows(), end);
 
     // Where its registered files lie the program starts, if they lie beside the database.
     program.setStart([&program](const QString& path) {

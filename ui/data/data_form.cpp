@@ -198,6 +198,17 @@ bool DataForm::isUnchanged()
     return shownTexts() == present;
 }
 
+bool DataForm::holdsUnsavedInput() const
+{
+    if (m_deleted)
+        return false;
+    const Composition& composition = PersonsInput::ofApplication().composition();
+    if (composition.isActiveIn(fieldWidget(0)) || composition.isActiveIn(fieldWidget(2)))
+        return true;
+    // Not by the database, unlike before closing: nobody is to wait for it, and what others wrote is safe there.
+    return showsDatum() ? shownTexts() != m_seen : !fieldText(0).isEmpty() || !fieldText(2).isEmpty();
+}
+
 bool DataForm::QuerySave()
 {
     if (m_deleted)

@@ -46,6 +46,7 @@ public:
     void setRow(const DatumRow& row) override;
     DatumRow row() const override { return m_row; }
     void showPlaceOf(const QString& text) override;
+    bool holdsUnsavedInput() const override;
 
     /// Panel 1 of the status bar, the only record of the window's mode.
     QString modeText() const;

@@ -233,6 +233,11 @@ void frmRefFileEntry::cmdCancel_Click()
     unload();
 }
 
+bool frmRefFileEntry::holdsUnsavedInput() const
+{
+    return !fieldText(0).isEmpty() || PersonsInput::ofApplication().composition().isActiveIn(*m_txtFields[0]);
+}
+
 bool frmRefFileEntry::queryUnload()
 {
     bool closes = true;

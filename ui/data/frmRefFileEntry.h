@@ -36,6 +36,7 @@ public:
     std::vector<CategoryRow> categoryRows() const override;
     void setRow(const DatumRow&) override {}
     DatumRow row() const override { return {}; }
+    bool holdsUnsavedInput() const override;
 
 protected:
     bool queryUnload() override;

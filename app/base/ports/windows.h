@@ -26,6 +26,8 @@ public:
     /// The same questions without closing the window. False when one was cancelled, or when what was to be saved was
     /// refused.
     virtual bool mayUnload() { return true; }
+    /// Whether it holds something that a person has typed and not saved. Asks nothing and changes nothing.
+    virtual bool holdsUnsavedInput() const { return false; }
     /// Closes a window that may be unloaded, without asking a second time.
     virtual void unloadAnswered() { unload(); }
     /// Shows the window and brings it before the others.
