@@ -16,6 +16,9 @@ namespace
 {
 
 std::atomic<bool> interrupted = false;
+// What is typed was broken off by an interruption. Apart from the other, which the system's own thread notes before or
+// after the reading ends: noted here, the first interruption would come there as the second.
+std::atomic<bool> inputBrokenOff = false;
 
 HANDLE handleOf(Stream stream)
 {
@@ -94,8 +97,14 @@ std::optional<QByteArray> readInput(qsizetype atMost)
     DWORD read = 0;
     if (isTerminal(Stream::Input)) {
         QString text(std::min<qsizetype>(atMost, 4'000), Qt::Uninitialized);
+        SetLastError(ERROR_SUCCESS);
         if (ReadConsoleW(input, text.data(), static_cast<DWORD>(text.size()), &read, nullptr) == 0)
             return std::nullopt;
+        // An interruption looks like the end of the input but for this.
+        if (read == 0 && GetLastError() == ERROR_OPERATION_ABORTED) {
+            inputBrokenOff = true;
+            return std::nullopt;
+        }
         text.truncate(static_cast<qsizetype>(read));
         // What ends the input of a console.
         constexpr char16_t EndOfInput = 0x1A;
@@ -115,7 +124,7 @@ void noteInterruptions()
 
 bool wasInterrupted()
 {
-    return interrupted;
+    return interrupted || inputBrokenOff;
 }
 
 } // namespace quillon::platform
