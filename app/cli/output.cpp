@@ -29,7 +29,8 @@ QByteArray utf8Of(QStringView text)
 Output::Output()
     : m_isTerminal(platform::isTerminal(platform::Stream::Output)),
       m_hasColours(m_isTerminal && qEnvironmentVariable("NO_COLOR").isEmpty() &&
-                   qEnvironmentVariable("TERM") != u"dumb"),
+                   qEnvironmentVariable("TERM") != u"dumb" &&
+                   platform::takesEscapeSequences(platform::Stream::Output)),
       m_columns(m_isTerminal ? platform::terminalColumns(platform::Stream::Output) : 0)
 {
 }

@@ -4,6 +4,7 @@
 #include "app/cli/columns.h"
 #include "app/cli/formats.h"
 #include "app/cli/found.h"
+#include "app/cli/overwritten_line.h"
 #include "app/cli/run.h"
 #include "app/cli/verb_functions.h"
 #include "exchange/progress.h"
@@ -29,13 +30,14 @@ class LineProgress : public exchange::Progress
 {
 public:
     explicit LineProgress(Run& run)
-        : m_clock(run.session.clock), m_shows(platform::isTerminal(platform::Stream::Errors))
+        : m_clock(run.session.clock), m_shows(platform::isTerminal(platform::Stream::Errors)),
+          m_line(platform::takesEscapeSequences(platform::Stream::Errors))
     {
     }
     ~LineProgress() override
     {
         if (m_hasShown)
-            show("\r\033[K");
+            show(m_line.cleared());
     }
     LineProgress(const LineProgress&) = delete;
     LineProgress& operator=(const LineProgress&) = delete;
@@ -48,8 +50,8 @@ public:
             return;
         m_next = now + Interval;
         m_hasShown = true;
-        show(whole > 0 ? "\r" + QByteArray::number(done * 100 / whole) + " %\033[K"
-                       : "\r" + QByteArray::number(done) + "\033[K");
+        show(m_line.replacedBy(whole > 0 ? QByteArray::number(done * 100 / whole) + " %"
+                                         : QByteArray::number(done)));
     }
     bool cancelled() override { return platform::wasInterrupted(); }
 
@@ -62,6 +64,7 @@ private:
     Clock& m_clock;
     bool m_shows;
     bool m_hasShown = false;
+    OverwrittenLine m_line;
     qint64 m_next = 0;
 };
 

@@ -1,4 +1,5 @@
 #include "app/cli/columns.h"
+#include "app/cli/overwritten_line.h"
 #include "app/cli/status.h"
 #include "app/cli/utf8.h"
 
@@ -62,6 +63,19 @@ private Q_SLOTS:
         QCOMPARE(onePrintedLine(u"a\r\nb\tc\x1B[2Jd"_s), u"a b c\uFFFD[2Jd"_s);
         QCOMPARE(onePrintedLine(u"a\u202Eb\u0085c"_s), u"a\uFFFDb c"_s);
         QCOMPARE(printedLines(u"a\r\nb\tc\x1B[2Jd"_s), u"a\nb\tc\uFFFD[2Jd"_s);
+    }
+
+    void aLineIsClearedByTheTerminalOrWithBlanks()
+    {
+        OverwrittenLine cleared(true);
+        QCOMPARE(cleared.replacedBy("100 %"), QByteArray("\r100 %\x1B[K"));
+        QCOMPARE(cleared.replacedBy("7"), QByteArray("\r7\x1B[K"));
+        QCOMPARE(cleared.cleared(), QByteArray("\r\x1B[K"));
+        OverwrittenLine blanked(false);
+        QCOMPARE(blanked.replacedBy("100 %"), QByteArray("\r100 %"));
+        QCOMPARE(blanked.replacedBy("7"), QByteArray("\r7    "));
+        QCOMPARE(blanked.replacedBy("12"), QByteArray("\r12"));
+        QCOMPARE(blanked.cleared(), QByteArray("\r  \r"));
     }
 
     void jsonLosesNothing_data()

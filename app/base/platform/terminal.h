@@ -17,6 +17,10 @@ void joinTerminal();
 /// Whether a person sits at the other end of a stream.
 bool isTerminal(Stream stream);
 
+/// Prepares the terminal at a stream for escape sequences, until the process ends, and tells whether it takes them. False
+/// where no person sits.
+bool takesEscapeSequences(Stream stream);
+
 /// The columns of the terminal at a stream; 0 when they are not known.
 int terminalColumns(Stream stream);
 

@@ -44,6 +44,12 @@ bool isTerminal(Stream stream)
     return isatty(descriptorOf(stream)) == 1;
 }
 
+bool takesEscapeSequences(Stream stream)
+{
+    // As far as is known; for colours the caller asks the environment, too.
+    return isTerminal(stream);
+}
+
 int terminalColumns(Stream stream)
 {
     winsize size = {};

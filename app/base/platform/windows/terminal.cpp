@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
+#include <vector>
 
 namespace quillon::platform
 {
@@ -47,6 +49,25 @@ Written writeToConsole(HANDLE console, const QString& text)
     return Written::Whole;
 }
 
+/// What consoles were like before. They outlive the program, and whoever uses them next gets them back like that.
+class FormerModes
+{
+public:
+    FormerModes() = default;
+    ~FormerModes()
+    {
+        for (const auto& [console, mode] : m_modes)
+            SetConsoleMode(console, mode);
+    }
+    FormerModes(const FormerModes&) = delete;
+    FormerModes& operator=(const FormerModes&) = delete;
+
+    void keep(HANDLE console, DWORD mode) { m_modes.emplace_back(console, mode); }
+
+private:
+    std::vector<std::pair<HANDLE, DWORD>> m_modes;
+};
+
 BOOL WINAPI noteInterruption(DWORD)
 {
     return interrupted.exchange(true) ? FALSE : TRUE;
@@ -64,6 +85,22 @@ bool isTerminal(Stream stream)
 {
     DWORD mode = 0;
     return GetConsoleMode(handleOf(stream), &mode) != 0;
+}
+
+bool takesEscapeSequences(Stream stream)
+{
+    const HANDLE console = handleOf(stream);
+    DWORD mode = 0;
+    if (GetConsoleMode(console, &mode) == 0)
+        return false;
+    if ((mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0)
+        return true;
+    // Refused by the consoles before Windows 10, which would show the sequences as text.
+    if (SetConsoleMode(console, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) == 0)
+        return false;
+    static FormerModes former;
+    former.keep(console, mode);
+    return true;
 }
 
 int terminalColumns(Stream stream)
