@@ -42,7 +42,7 @@ class TestSessionEnd : public QObject
         return *WindowWorld::control<QPlainTextEdit>(window, u"txtFields(2)"_s);
     }
     /// The system asks whether the session may end. True when it is refused.
-    bool isRefused()
+    bool isRefused() const
     {
         const int before = refusals;
         Q_EMIT qGuiApp->commitDataRequest(*qGuiApp->findChild<QSessionManager*>());
