@@ -17,7 +17,6 @@
 #include "store/sqlite/transaction.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QSet>
 
@@ -250,10 +249,10 @@ private:
                      u"ファイルデータ「%1」(%2) のファイルがありません。"_s.arg(row.name, row.identifier));
         }
         QStringList present;
-        for (QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::System); entries.hasNext();) {
-            entries.next();
-            if (!registered.contains(entries.fileName()))
-                present << entries.fileName();
+        const QStringList names = platform::namesOfFiles(folder);
+        for (const QString& name : names) {
+            if (!registered.contains(name))
+                present << name;
         }
         present.sort();
         for (const QString& name : std::as_const(present))

@@ -72,7 +72,7 @@ TakenOutFiles takeOutFiles(Session& session, const kept::Copy& copy, const QStri
                 continue;
             const QString target = folder + QDir::separator() + file.name;
             if (session.files.entryExists(target)) {
-                const bool isSame = QFileInfo(target).size() == file.size && !file.hash.isEmpty() &&
+                const bool isSame = platform::sizeAndTime(target).size == file.size && !file.hash.isEmpty() &&
                                     kept::FileContents::hashOf(target) == file.hash;
                 ++(isSame ? files.same : files.different);
                 continue;

@@ -1,5 +1,6 @@
 #include "core/lost_things.h"
 
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
@@ -14,7 +15,6 @@
 #include "store/text_fold.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <utility>
@@ -94,7 +94,7 @@ std::vector<LostField> fieldsOfFile(Session& session, const kept::FormerFile& fi
          .now = {}}};
     if (!session.files.fileExists(path))
         return fields;
-    const qint64 size = QFileInfo(path).size();
+    const qint64 size = platform::sizeAndTime(path).size;
     // Whatever is kept is not so large that looking at it would take long.
     const bool isSame =
         !file.hash.isEmpty() && size == file.size && kept::FileContents::hashOf(path) == file.hash;

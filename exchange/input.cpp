@@ -26,11 +26,10 @@ constexpr qint64 BlockSize = qint64{1} << 18;
 
 InputFile::InputFile(const QString& path) : m_path(path), m_file(path)
 {
-    if (!QFile::exists(path))
-        cannotRead(path, platform::whyNotFound(path, errors::FileNotFound));
     // A folder cannot be read; a pipe or a device might never end.
     if (!platform::isOrdinaryFile(path))
-        cannotRead(path, Error(errors::PathFileAccess));
+        cannotRead(path, QFile::exists(path) ? Error(errors::PathFileAccess)
+                                             : platform::whyNotFound(path, errors::FileNotFound));
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         cannotRead(path, platform::errorOfSystem(platform::lastSystemError(), errors::FileNotFound));
 }

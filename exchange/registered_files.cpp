@@ -1,5 +1,6 @@
 #include "exchange/registered_files.h"
 
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/titles.h"
 #include "exchange/refused.h"
@@ -28,7 +29,7 @@ RegisteredFiles::RegisteredFiles(Session& session)
                     QDir::toNativeSeparators(path)));
         return;
     }
-    const QStringList entries = QDir(path).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);
+    const QStringList entries = platform::namesOfFiles(path);
     for (const QString& name : entries) {
         if (!name.startsWith(u".quillon-"_s)) // copies that are on their way
             m_names << name;

@@ -16,9 +16,7 @@ namespace quillon
 
 bool SystemFiles::entryExists(const QString& path) const
 {
-    // A link that leads nowhere is an entry all the same.
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
+    return platform::isEntry(path);
 }
 
 bool SystemFiles::fileExists(const QString& path) const
@@ -36,11 +34,7 @@ std::optional<QString> SystemFiles::storedFile(const QString& folder, const QStr
     if (!platform::isBareName(name))
         return std::nullopt;
     const QString path = folder + QDir::separator() + name;
-    if (!platform::isOrdinaryFile(path))
-        return std::nullopt;
-    const QString inside = QFileInfo(folder).canonicalFilePath();
-    const QString real = QFileInfo(path).canonicalFilePath();
-    if (inside.isEmpty() || !real.startsWith(inside.endsWith(u'/') ? inside : inside + u'/'))
+    if (!platform::isOrdinaryFile(path) || platform::leadsOut(folder, name))
         return std::nullopt;
     return path;
 }

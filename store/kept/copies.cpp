@@ -362,12 +362,9 @@ private:
     CopiedFile present(const QString& name, const CopiedFile* before, const FileContents& contents) const
     {
         const QString path = m_order.fileFolder + u'/' + name;
-        const QFileInfo info(path);
-        CopiedFile file{.name = name,
-                        .size = info.size(),
-                        .modified = info.lastModified().toMSecsSinceEpoch(),
-                        .hash = {},
-                        .isMissing = false};
+        const platform::SizeAndTime now = platform::sizeAndTime(path);
+        CopiedFile file{
+            .name = name, .size = now.size, .modified = now.modified, .hash = {}, .isMissing = false};
         const bool isAsBefore = before != nullptr && before->size == file.size &&
                                 before->modified == file.modified &&
                                 contents.contains(before->hash, file.size);

@@ -108,7 +108,7 @@ std::optional<QByteArray> FileContents::hashOf(const QString& path)
 
 std::optional<QByteArray> FileContents::keep(const QString& path) const
 {
-    const qint64 size = QFileInfo(path).size();
+    const qint64 size = platform::sizeAndTime(path).size;
     if (!platform::isOrdinaryFile(path) || size > m_limits.file || !m_place.make(m_place.files()))
         return std::nullopt;
     if (!m_size)

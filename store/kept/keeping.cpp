@@ -30,7 +30,7 @@ class FileThatGoes : public Keeper::ReplacedFile
 {
 public:
     FileThatGoes(std::shared_ptr<HistoryFile> history, QString path, std::optional<QByteArray> hash)
-        : m_history(std::move(history)), m_path(std::move(path)), m_size(QFileInfo(m_path).size()),
+        : m_history(std::move(history)), m_path(std::move(path)), m_size(platform::sizeAndTime(m_path).size),
           m_hash(std::move(hash))
     {
         if (!m_hash)
@@ -45,7 +45,7 @@ public:
     {
         // The same file registered once more has replaced nothing.
         const bool isTheSame =
-            m_hash && QFileInfo(m_path).size() == m_size && FileContents::hashOf(m_path) == m_hash;
+            m_hash && platform::sizeAndTime(m_path).size == m_size && FileContents::hashOf(m_path) == m_hash;
         if (!isTheSame)
             writeFileReplaced(*m_history, QFileInfo(m_path).fileName(), m_hash.value_or(QByteArray()),
                               m_size);

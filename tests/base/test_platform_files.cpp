@@ -7,6 +7,7 @@
 #include "app/base/platform/renaming.h"
 #include "app/base/platform/system_error.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -102,6 +103,49 @@ private Q_SLOTS:
         QVERIFY(!platform::isOrdinaryFile(folder.path()));
         QVERIFY(!platform::isOrdinaryFile(folder.filePath(u"missing"_s)));
         QVERIFY(!platform::isOrdinaryFile(QString()));
+    }
+
+    void whatIsKnownOfAShortcutIsItsOwn()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"近道.lnk"_s);
+        QFile shortcut(file);
+        QVERIFY(shortcut.open(QIODevice::WriteOnly));
+        QCOMPARE(shortcut.write("12345"), 5);
+        shortcut.close();
+        QCOMPARE(platform::sizeAndTime(file).size, 5);
+        constexpr qint64 Minute = 60'000;
+        QVERIFY(qAbs(platform::sizeAndTime(file).modified - QDateTime::currentMSecsSinceEpoch()) < Minute);
+        QCOMPARE(platform::sizeAndTime(folder.filePath(u"無い.lnk"_s)).size, 0);
+        QCOMPARE(platform::sizeAndTime(folder.filePath(u"無い.lnk"_s)).modified, 0);
+    }
+
+    void whatIsKnownOfAFileIsWhatQtSays()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"資料.txt"_s);
+        makeFile(file);
+        QVERIFY(QFile::resize(file, 1234));
+        QCOMPARE(platform::sizeAndTime(file).size, 1234);
+        QCOMPARE(platform::sizeAndTime(file).modified, QFileInfo(file).lastModified().toMSecsSinceEpoch());
+    }
+
+    void aFolderHoldsItsShortcuts()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkdir(u"中"_s));
+        makeFile(folder.filePath(u"資料.txt"_s));
+        makeFile(folder.filePath(u"壊れた.lnk"_s));
+        QStringList expected = {u"壊れた.lnk"_s, u"資料.txt"_s};
+#ifdef Q_OS_WIN
+        QVERIFY(QFile::link(folder.path(), folder.filePath(u"フォルダへ.lnk"_s)));
+        expected << u"フォルダへ.lnk"_s;
+#endif
+        QStringList names = platform::namesOfFiles(folder.path());
+        names.sort();
+        expected.sort();
+        QCOMPARE(names, expected);
+        QCOMPARE(platform::namesOfFiles(folder.filePath(u"無い"_s)), QStringList());
     }
 
 #ifdef Q_OS_UNIX

@@ -89,6 +89,24 @@ private Q_SLOTS:
         }
     }
 
+    void aShortcutIsAFileLikeAnyOther()
+    {
+        makeFile(u"folder/近道.lnk"_s, "not of the form of a shortcut");
+        QVERIFY(files.entryExists(path(u"folder/近道.lnk"_s)));
+        QVERIFY(files.fileExists(path(u"folder/近道.lnk"_s)));
+        QCOMPARE(files.storedFile(path(u"folder"_s), u"近道.lnk"_s),
+                 std::optional(path(u"folder"_s) + QDir::separator() + u"近道.lnk"_s));
+        QVERIFY(!files.entryExists(path(u"folder/無い.lnk"_s)));
+        QCOMPARE(files.storedFile(path(u"folder"_s), u"無い.lnk"_s), std::nullopt);
+#ifdef Q_OS_WIN
+        QVERIFY(QFile::link(path(u"file"_s), path(u"folder/外へ.lnk"_s)));
+        QVERIFY(files.storedFile(path(u"folder"_s), u"外へ.lnk"_s).has_value());
+        QVERIFY(QFile::remove(path(u"file"_s)));
+        QVERIFY(files.entryExists(path(u"folder/外へ.lnk"_s)));
+        QVERIFY(files.storedFile(path(u"folder"_s), u"外へ.lnk"_s).has_value());
+#endif
+    }
+
     void bytesAreReadUpToALimit()
     {
         QCOMPARE(files.readFile(path(u"file"_s), 1000), "0123456789"_ba);

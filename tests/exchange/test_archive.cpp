@@ -564,6 +564,18 @@ private Q_SLOTS:
         QCOMPARE(contentBelow(archive())[u"RefFile/other"_s], QByteArray("x"));
     }
 
+    void shortcutComesAlongLikeAnyFile()
+    {
+        fill();
+        TestWorld::addRow(world->session.RsRefFile, {u"近道.lnk"_s, u"F-991231-002"_s, u"未入力"_s});
+        addFile(*world, u"近道.lnk"_s, "shortcut");
+        QCOMPARE(exportArchive(world->session, archive()).notes.size(), 0U);
+        QCOMPARE(contentBelow(archive())[u"RefFile/近道.lnk"_s], QByteArray("shortcut"));
+        QCOMPARE(textsOf(importIt()), QStringList());
+        QCOMPARE(contentBelow(target->folder.filePath(u"RefFile"_s))[u"近道.lnk"_s], QByteArray("shortcut"));
+        QCOMPARE(TestWorld::rowsOf(target->session.RsRefFile).last(), u"近道.lnk|F-991231-002|未入力"_s);
+    }
+
     void rowsWithoutTheirFileAreTold()
     {
         fill();

@@ -342,6 +342,17 @@ private Q_SLOTS:
         }
     }
 
+    void aShortcutIsKeptAsItIs()
+    {
+        registerFile(u"近道.lnk"_s, "short");
+        make();
+        const Copy copy = copies()[0];
+        QCOMPARE(copy.files.size(), std::size_t{1});
+        QCOMPARE(copy.files[0].size, 5);
+        QVERIFY(copy.files[0].modified > 0);
+        QCOMPARE(copy.files[0].hash, kept::FileContents::hashOf(fileFolder() + u"/近道.lnk"_s).value());
+    }
+
     void aFileThatNoItemNamesIsNotKept()
     {
         registerFile(u"一.txt"_s, "ours");

@@ -3,12 +3,31 @@
 #include "app/base/error.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace quillon::platform
 {
 
 /// Whether an ordinary visible file stands at `path`: no folder, device or pipe (links are followed).
 bool isOrdinaryFile(const QString& path);
+
+/// Whether a directory entry of any kind stands at `path`; a link that leads nowhere is one all the same.
+bool isEntry(const QString& path);
+
+/// Whether the entry `name` of `folder` is a link that leads out of it. `name`: a bare one. A file that the desktop
+/// follows, such as a shortcut, is no link: it stands where it is.
+bool leadsOut(const QString& folder, const QString& name);
+
+/// The names of the entries of `folder` but for folders, in no order, hidden ones too; a link to a folder counts as one.
+QStringList namesOfFiles(const QString& folder);
+
+/// What is known of a file without reading it.
+struct SizeAndTime {
+    qint64 size = 0;
+    qint64 modified = 0; // milliseconds since 1970
+};
+/// Zeros where there is no file (links are followed).
+SizeAndTime sizeAndTime(const QString& path);
 
 /// Whether a name can only be that of an entry of its folder: it holds nothing that this system takes for a separator
 /// or a drive, so that a database that has travelled leads nowhere else.

@@ -4,6 +4,8 @@
 #include "app/base/platform/linux/descriptor.h"
 #include "app/base/platform/system_error.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -20,6 +22,30 @@ bool isOrdinaryFile(const QString& path)
 {
     struct stat status = {};
     return stat(bytesForSystem(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool isEntry(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+bool leadsOut(const QString& folder, const QString& name)
+{
+    const QString inside = QFileInfo(folder).canonicalFilePath();
+    const QString real = QFileInfo(folder + u'/' + name).canonicalFilePath();
+    return inside.isEmpty() || !real.startsWith(inside.endsWith(u'/') ? inside : inside + u'/');
+}
+
+QStringList namesOfFiles(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);
+}
+
+SizeAndTime sizeAndTime(const QString& path)
+{
+    const QFileInfo info(path);
+    return {.size = info.size(), .modified = info.lastModified().toMSecsSinceEpoch()};
 }
 
 bool isBareName(const QString& name)

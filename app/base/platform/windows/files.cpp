@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <vector>
 
 namespace quillon::platform
 {
@@ -17,6 +18,55 @@ namespace
 bool mayOpen(const QString& path, DWORD access, DWORD flags)
 {
     return openExisting(path, access, flags) != nullptr || GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
+/// What the system says of the entries that a pattern meets. What Qt says of a shortcut is said of what it leads to.
+class Entries
+{
+public:
+    explicit Entries(const QString& pattern) : m_search(FindFirstFileW(wide(nativePath(pattern)), &m_entry))
+    {
+    }
+    ~Entries()
+    {
+        if (isAny())
+            FindClose(m_search);
+    }
+    Entries(const Entries&) = delete;
+    Entries& operator=(const Entries&) = delete;
+
+    bool isAny() const { return m_search != INVALID_HANDLE_VALUE; }
+    const WIN32_FIND_DATAW& entry() const { return m_entry; }
+    bool goOn() { return FindNextFileW(m_search, &m_entry) != 0; }
+
+private:
+    WIN32_FIND_DATAW m_entry = {};
+    HANDLE m_search;
+};
+
+/// Whether the entry at `path` leads elsewhere. Others of the system's marked files, such as those of a cloud, do not.
+bool isLink(const QString& path)
+{
+    const Entries found(path);
+    if (!found.isAny() || (found.entry().dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+        return false;
+    const DWORD tag = found.entry().dwReserved0;
+    return tag == IO_REPARSE_TAG_SYMLINK || tag == IO_REPARSE_TAG_MOUNT_POINT;
+}
+
+/// The name without any link in it; empty when nothing stands there.
+QString realPath(const QString& path)
+{
+    const Handle entry = openExisting(path, 0, FILE_FLAG_BACKUP_SEMANTICS);
+    if (!entry)
+        return {};
+    // Not every disk has a letter.
+    constexpr DWORD Form = FILE_NAME_NORMALIZED | VOLUME_NAME_NT;
+    std::vector<wchar_t> name(GetFinalPathNameByHandleW(entry.get(), nullptr, 0, Form) + 1);
+    const DWORD size =
+        GetFinalPathNameByHandleW(entry.get(), name.data(), static_cast<DWORD>(name.size()), Form);
+    return size < name.size() ? QString::fromWCharArray(name.data(), static_cast<qsizetype>(size))
+                              : QString();
 }
 
 } // namespace
@@ -36,6 +86,48 @@ bool isOrdinaryFile(const QString& path)
     return file && GetFileType(file.get()) == FILE_TYPE_DISK &&
            GetFileInformationByHandle(file.get(), &found) != 0 &&
            (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool isEntry(const QString& path)
+{
+    return GetFileAttributesW(wide(nativePath(path))) != INVALID_FILE_ATTRIBUTES ||
+           GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
+bool leadsOut(const QString& folder, const QString& name)
+{
+    const QString path = folder + u'\\' + name;
+    if (!isLink(path))
+        return false;
+    const QString inside = realPath(folder);
+    return inside.isEmpty() || !realPath(path).startsWith(inside.endsWith(u'\\') ? inside : inside + u'\\');
+}
+
+QStringList namesOfFiles(const QString& folder)
+{
+    QStringList names;
+    Entries entries(folder + QLatin1String("\\*"));
+    for (bool isAny = entries.isAny(); isAny; isAny = entries.goOn()) {
+        if ((entries.entry().dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            names << QString::fromWCharArray(entries.entry().cFileName);
+    }
+    return names;
+}
+
+SizeAndTime sizeAndTime(const QString& path)
+{
+    // Opened for nothing but its attributes, which disturbs nobody.
+    const Handle file = openExisting(path, 0, FILE_FLAG_BACKUP_SEMANTICS);
+    BY_HANDLE_FILE_INFORMATION found = {};
+    if (!file || GetFileInformationByHandle(file.get(), &found) == 0)
+        return {};
+    const auto whole = [](DWORD high, DWORD low) { return (static_cast<qint64>(high) << 32) | low; };
+    constexpr qint64 TicksPerMillisecond = 10'000;
+    constexpr qint64 FirstOf1970 = 11'644'473'600'000; // milliseconds since 1601
+    return {.size = whole(found.nFileSizeHigh, found.nFileSizeLow),
+            .modified = whole(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime) /
+                            TicksPerMillisecond -
+                        FirstOf1970};
 }
 
 bool isBareName(const QString& name)
