@@ -242,7 +242,7 @@ private:
                 });
         QSet<QString> registered;
         for (const FileRow& row : rows) {
-            registered << row.name << row.other;
+            registered << platform::nameKey(row.name) << platform::nameKey(row.other);
             if (!m_session.files.storedFile(folder, row.other) &&
                 !m_session.files.storedFile(folder, row.name))
                 tell(Trouble::MissingFile, {}, row.identifier,
@@ -251,7 +251,7 @@ private:
         QStringList present;
         const QStringList names = platform::namesOfFiles(folder);
         for (const QString& name : names) {
-            if (!registered.contains(name))
+            if (!registered.contains(platform::nameKey(name)))
                 present << name;
         }
         present.sort();

@@ -3,6 +3,7 @@
 #include "app/base/error.h"
 #include "app/base/extract_string.h"
 #include "app/base/platform/any_names.h"
+#include "app/base/platform/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
 #include "core/category_entry.h"
@@ -76,8 +77,8 @@ void settle(Session& session, const QString& folder)
             return Files::Replacement::NotKnown;
         const QString identifier =
             QString::fromUtf8(QByteArray::fromPercentEncoding(mark.sliced(ours.size()).toLatin1()));
-        const bool registered =
-            rows.goTo(data_field::Object_ID, identifier) && rows.field(data_field::Name) == name;
+        const bool registered = rows.goTo(data_field::Object_ID, identifier) &&
+                                platform::nameKey(rows.field(data_field::Name)) == platform::nameKey(name);
         return registered ? Files::Replacement::Done : Files::Replacement::BrokenOff;
     });
 }

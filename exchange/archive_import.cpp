@@ -1,3 +1,4 @@
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/reporting.h"
 #include "app/base/titles.h"
@@ -49,6 +50,10 @@ public:
             m_rows += table.rows;
         for (const archive::File& file : manifest.files)
             m_names.insert(file.name);
+        for (const archive::File& file : manifest.files) {
+            if (const QString key = platform::nameKey(file.name); !m_byKey.contains(key))
+                m_byKey.insert(key, file.name);
+        }
     }
 
     /// Files that get another name than they have in the archive.
@@ -86,11 +91,22 @@ private:
             return;
         for (const int field : {data_field::Explanation, data_field::Name}) {
             std::optional<QString>& text = row[static_cast<std::size_t>(field)];
-            if (!text || !m_names.contains(*text))
+            const std::optional<QString> name = text ? archivedName(*text) : std::nullopt;
+            if (!name)
                 continue;
-            text = m_newNames.value(*text, *text);
+            text = m_newNames.value(*name, *text);
             return;
         }
+    }
+
+    /// The name in the archive of the file that is named so. An archive may come from where case tells files apart: then
+    /// it has the very name.
+    std::optional<QString> archivedName(const QString& name) const
+    {
+        if (m_names.contains(name))
+            return name;
+        const auto alike = m_byKey.constFind(platform::nameKey(name));
+        return alike == m_byKey.cend() ? std::nullopt : std::optional(*alike);
     }
 
 private:
@@ -100,6 +116,7 @@ private:
     qint64 m_rows = 0;
     qint64 m_visited = 0;
     QSet<QString> m_names;
+    QHash<QString, QString> m_byKey;
     QHash<QString, QString> m_newNames;
 };
 
@@ -135,10 +152,13 @@ public:
                   [&] {
                       rows.forEachRow({data_field::Name, data_field::Explanation},
                                       [&](const RecordSet::Row& row) {
-                                          named << row.text(0).toString() << row.text(1).toString();
+                                          for (const int field : {0, 1})
+                                              named << platform::nameKey(row.text(field).toString());
                                       });
                   });
-        m_paths.removeIf([&](const QString& path) { return named.contains(QFileInfo(path).fileName()); });
+        m_paths.removeIf([&](const QString& path) {
+            return named.contains(platform::nameKey(QFileInfo(path).fileName()));
+        });
     }
 
 private:
@@ -168,7 +188,7 @@ public:
         rows.setNewNames(renamed);
         ComingFiles coming;
         for (const archive::File& file : m_manifest.files)
-            coming.names.insert(renamed.value(file.name, file.name));
+            coming.names.insert(platform::nameKey(renamed.value(file.name, file.name)));
         Merging merging(m_session, rows, m_report, std::move(coming));
         merging.examine();
         PlacedFiles placed;
@@ -224,16 +244,18 @@ private:
     {
         QSet<QString> coming;
         for (const archive::File& file : m_manifest.files)
-            coming.insert(file.name);
+            coming.insert(platform::nameKey(file.name));
+        QSet<QString> placed; // not on the disk yet
         QHash<QString, QString> renamed;
         for (const archive::File& file : m_manifest.files) {
             QString name = file.name;
             for (int number = 2;; ++number) {
-                const bool isFree = name == file.name || !coming.contains(name);
+                const QString key = platform::nameKey(name);
+                const bool isFree = !placed.contains(key) && (name == file.name || !coming.contains(key));
                 const bool stands = m_session.files.entryExists(registered(name));
                 if (isFree && !stands) {
                     m_toPlace.push_back({.file = file, .as = name});
-                    coming.insert(name);
+                    placed.insert(key);
                     break;
                 }
                 // One that is there already needs no copy.

@@ -1,5 +1,6 @@
 #include "exchange/coming_files.h"
 
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/titles.h"
 #include "store/record_set.h"
@@ -28,7 +29,8 @@ void OwnFiles::readRegistered()
 {
     required(m_session.RsRefFile)
         .forEachRow({data_field::Name, data_field::Explanation}, [&](const RecordSet::Row& row) {
-            m_registered << row.text(0).toString() << row.text(1).toString();
+            for (const int field : {0, 1})
+                m_registered << platform::nameKey(row.text(field).toString());
         });
 }
 
@@ -38,7 +40,7 @@ bool OwnFiles::isTheirs(const QString& name) const
     case ComingFiles::Present::Strange:
         return false;
     case ComingFiles::Present::MayBeTheirs:
-        return !m_registered.contains(name);
+        return !m_registered.contains(platform::nameKey(name));
     case ComingFiles::Present::Theirs:
         break;
     }
@@ -52,7 +54,7 @@ void OwnFiles::keepApart(StoredRow& row, const QString& where)
         std::optional<QString>& text = row[static_cast<std::size_t>(field)];
         if (!text || text->isEmpty())
             continue;
-        if (m_coming.names.contains(*text))
+        if (m_coming.names.contains(platform::nameKey(*text)))
             return;
         if (!m_session.files.storedFile(m_folder, *text))
             continue;
@@ -71,10 +73,10 @@ void OwnFiles::keepApart(StoredRow& row, const QString& where)
 
 QString OwnFiles::freeName(const QString& name)
 {
-    QString& renamed = m_renamed[name];
+    QString& renamed = m_renamed[platform::nameKey(name)];
     for (int number = 2; renamed.isEmpty(); ++number) {
         const QString candidate = numberedName(name, number);
-        if (!m_coming.names.contains(candidate) &&
+        if (!m_coming.names.contains(platform::nameKey(candidate)) &&
             !m_session.files.entryExists(m_folder + QDir::separator() + candidate))
             renamed = candidate;
     }

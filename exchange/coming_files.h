@@ -25,7 +25,7 @@ struct ComingFiles {
         Theirs
     };
     Present present = Present::Strange;
-    QSet<QString> names = {}; ///< those that will lie there because they come along
+    QSet<QString> names = {}; ///< by their keys; those that will lie there because they come along
 };
 
 /// Keeps file data that come in from leading to a file that somebody else has put there under the same name.
@@ -50,8 +50,8 @@ private:
     ComingFiles m_coming;
     Tell m_tell;
     QString m_folder;
-    QSet<QString> m_registered;
-    QHash<QString, QString> m_renamed;
+    QSet<QString> m_registered;        // by their keys
+    QHash<QString, QString> m_renamed; // by their keys
     qint64 m_lacking = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "exchange/copied_files.h"
 
+#include "app/base/platform/files.h"
 #include "app/base/ports/files.h"
 #include "app/base/titles.h"
 #include "exchange/output.h"
@@ -17,8 +18,10 @@ std::optional<QString> CopiedFiles::copy(const AllData::Datum& datum, const QStr
     const QString folder = m_session.inCurrentFolder(titles::FileFolder);
     // As they are looked for when the file is opened.
     for (const QString& name : {text, datum.name}) {
-        if (m_copied.contains(name))
-            return name;
+        const QString key = platform::nameKey(name);
+        // As it lies there: the export may be read where case tells files apart.
+        if (const auto copied = m_copied.constFind(key); copied != m_copied.cend())
+            return *copied;
         const auto path = m_session.files.storedFile(folder, name);
         if (!path)
             continue;
@@ -30,7 +33,7 @@ std::optional<QString> CopiedFiles::copy(const AllData::Datum& datum, const QStr
             throw Cancelled();
         copy->place({});
         copy->keep();
-        m_copied.insert(name);
+        m_copied.insert(key, name);
         ++m_report.files;
         return name;
     }

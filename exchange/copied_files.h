@@ -3,7 +3,7 @@
 #include "exchange/all_data.h"
 #include "exchange/report.h"
 
-#include <QSet>
+#include <QHash>
 #include <QString>
 
 #include <optional>
@@ -31,7 +31,7 @@ private:
     Session& m_session;
     const StagedOutput& m_output;
     ExportReport& m_report;
-    QSet<QString> m_copied;
+    QHash<QString, QString> m_copied; // names there by their keys
 };
 
 } // namespace quillon::exchange

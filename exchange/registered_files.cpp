@@ -39,10 +39,15 @@ RegisteredFiles::RegisteredFiles(Session& session)
                     [&](const RecordSet::Row& row) {
                         const QString name = row.text(0).toString();
                         const QString other = row.text(2).toString();
-                        m_named << name << other;
+                        m_named << platform::nameKey(name) << platform::nameKey(other);
                         if (!session.files.storedFile(path, other) && !session.files.storedFile(path, name))
                             m_lacking.push_back({.identifier = row.text(1).toString(), .name = name});
                     });
+}
+
+bool RegisteredFiles::isNamed(const QString& name) const
+{
+    return m_named.contains(platform::nameKey(name));
 }
 
 } // namespace quillon::exchange

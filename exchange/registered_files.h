@@ -25,7 +25,7 @@ public:
     /// The names of its entries but for folders and what the program leaves there for the time being, in their order.
     const QStringList& names() const { return m_names; }
     /// Whether a file datum names a file.
-    bool isNamed(const QString& name) const { return m_named.contains(name); }
+    bool isNamed(const QString& name) const;
 
     struct Lacking {
         QString identifier;
@@ -36,7 +36,7 @@ public:
 
 private:
     QStringList m_names;
-    QSet<QString> m_named;
+    QSet<QString> m_named; // by their keys
     std::vector<Lacking> m_lacking;
 };
 

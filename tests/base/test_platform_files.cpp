@@ -130,6 +130,35 @@ private Q_SLOTS:
         QCOMPARE(platform::sizeAndTime(file).modified, QFileInfo(file).lastModified().toMSecsSinceEpoch());
     }
 
+    void namesOfOneFileHaveOneKey_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("other");
+        QTest::newRow("the same") << u"資料 1.txt"_s << u"資料 1.txt"_s;
+        QTest::newRow("letters") << u"big.txt"_s << u"BIG.Txt"_s;
+        QTest::newRow("wide letters") << u"ａｂｃ"_s << u"ＡＢＣ"_s;
+        QTest::newRow("with a mark") << u"é"_s << u"É"_s;
+        QTest::newRow("Greek") << u"ω"_s << u"Ω"_s;
+        QTest::newRow("one letter for two") << u"straße"_s << u"STRASSE"_s;
+        QTest::newRow("kana") << u"あ"_s << u"ア"_s;
+        QTest::newRow("small kana") << u"つ"_s << u"っ"_s;
+        QTest::newRow("wide and narrow") << u"a"_s << u"ａ"_s;
+    }
+
+    void namesOfOneFileHaveOneKey()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, other);
+        const QTemporaryDir folder;
+        makeFile(folder.filePath(name));
+        const bool isOneFile = platform::isOrdinaryFile(folder.filePath(other));
+        QCOMPARE(platform::nameKey(name) == platform::nameKey(other), isOneFile);
+#ifndef Q_OS_WIN
+        QCOMPARE(platform::nameKey(name), name);
+#endif
+        QCOMPARE(platform::nameKey(QString()), QString());
+    }
+
     void aFolderHoldsItsShortcuts()
     {
         const QTemporaryDir folder;

@@ -1,3 +1,5 @@
+#include "app/base/ports/files.h"
+#include "core/checking.h"
 #include "core/data_records.h"
 #include "core/datum_place.h"
 #include "core/file_data.h"
@@ -115,6 +117,25 @@ private Q_SLOTS:
         ShowData(session(), File);
         QCOMPARE(world->desktop.opened.size(), 2);
         QVERIFY(world->windows.dataWindows.empty());
+    }
+
+    void whatIsOpenedIsNeitherMissingNorUnregistered()
+    {
+        makeFile(inFolder(u"BIG.TXT"_s));
+        addFileDatum(u"big.txt"_s);
+        // That is up to the system.
+        const bool isOpened =
+            session().files.storedFile(world->folder.filePath(u"RefFile"_s), u"big.txt"_s).has_value();
+        QStringList told;
+        checkDatabase(session(), [&](const Finding& finding) {
+            told << finding.text;
+            return true;
+        });
+        const QStringList onesOwn = {
+            u"ファイルデータ「big.txt」(F-991231-001) のファイルがありません。"_s,
+            u"ファイル「BIG.TXT」は登録されていません。"_s,
+        };
+        QCOMPARE(told, isOpened ? QStringList() : onesOwn);
     }
 
     void nameAsLongAsAFolderTakesIsOpened()

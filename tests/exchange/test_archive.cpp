@@ -576,6 +576,28 @@ private Q_SLOTS:
         QCOMPARE(TestWorld::rowsOf(target->session.RsRefFile).last(), u"近道.lnk|F-991231-002|未入力"_s);
     }
 
+    void datumFollowsItsFileInWhateverLettersItIsNamed()
+    {
+        TestWorld::addRow(world->session.RsRefFile, {u"big.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        addFile(*world, u"BIG.TXT"_s, "its own");
+        // That is up to the system.
+        const auto contentOf = [](TestWorld& of) {
+            const QString folder = of.session.inCurrentFolder(u"RefFile"_s);
+            const QString name = TestWorld::rowsOf(of.session.RsRefFile).last().section(u'|', 0, 0);
+            const auto path = of.session.files.storedFile(folder, name);
+            return path ? of.session.files.readFile(*path, 100) : QByteArray("(none)");
+        };
+        const QByteArray before = contentOf(*world);
+        const ExportReport report = exportArchive(world->session, archive());
+        QCOMPARE(report.notes.size(), before == "its own" ? 0U : 2U);
+        addFile(*target, u"big.txt"_s, "of somebody else");
+        TestWorld::addRow(target->session.RsRefFile, {u"Big.txt"_s, u"F-991231-009"_s, u"未入力"_s});
+        importIt();
+        QCOMPARE(contentOf(*target), before);
+        QCOMPARE(contentBelow(target->folder.filePath(u"RefFile"_s))[u"big.txt"_s],
+                 QByteArray("of somebody else"));
+    }
+
     void rowsWithoutTheirFileAreTold()
     {
         fill();

@@ -1,4 +1,5 @@
 // A database as a book of pages to be read from the disk.
+#include "app/base/ports/files.h"
 #include "exchange/html_book.h"
 #include "exchange/markup.h"
 #include "exchange/refused.h"
@@ -205,6 +206,21 @@ private Q_SLOTS:
                     .contains(u"定義データ <a href=\"lists/definitions-1.html\">1–1000</a> "
                               u"<a href=\"lists/definitions-2.html\">1001–1001</a>"));
         QCOMPARE(page(u"lists/definitions-2.html"_s).count(u"<li>"), 1);
+    }
+
+    void fileThatSeveralDataNameIsThereOnceUnderTheNameThatIsLedTo()
+    {
+        TestWorld::addRow(world->session.RsRefFile, {u"a.txt"_s, u"F-991231-001"_s, u"未入力"_s});
+        TestWorld::addRow(world->session.RsRefFile, {u"A.TXT"_s, u"F-991231-002"_s, u"未入力"_s});
+        writeContent(world->folder.filePath(u"RefFile/a.txt"_s), "picture");
+        const bool isOneFile =
+            world->session.files.storedFile(world->session.inCurrentFolder(u"RefFile"_s), u"A.TXT"_s)
+                .has_value(); // that is up to the system
+        const ExportReport report = exportIt();
+        QCOMPARE(report.notes.size(), isOneFile ? 0U : 1U);
+        QCOMPARE(content[u"RefFile/a.txt"_s], QByteArray("picture"));
+        QVERIFY(page(u"data/F-991231-001.html"_s).contains(u"\"../RefFile/a.txt\""_s));
+        QCOMPARE(page(u"data/F-991231-002.html"_s).contains(u"\"../RefFile/a.txt\""_s), isOneFile);
     }
 
     void missingFileIsTold()

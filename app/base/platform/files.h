@@ -33,6 +33,10 @@ SizeAndTime sizeAndTime(const QString& path);
 /// or a drive, so that a database that has travelled leads nowhere else.
 bool isBareName(const QString& name);
 
+/// What tells the names within one folder apart: where two names have the same, they are those of one file. Where large and
+/// small letters make a difference it is the name itself.
+QString nameKey(const QString& name);
+
 /// Whether this process may create files in `folder`.
 bool mayWriteIn(const QString& folder);
 

@@ -54,6 +54,11 @@ bool isBareName(const QString& name)
            !name.contains(QChar::Null);
 }
 
+QString nameKey(const QString& name)
+{
+    return name;
+}
+
 bool mayWriteIn(const QString& folder)
 {
     return faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;

@@ -140,6 +140,18 @@ bool isBareName(const QString& name)
            std::none_of(name.begin(), name.end(), leadsAway);
 }
 
+QString nameKey(const QString& name)
+{
+    if (name.isEmpty())
+        return name;
+    // In no language, and without the flag for linguistic rules, letters are those of the system's files: each stays one.
+    QString key(name.size(), Qt::Uninitialized);
+    const auto size = static_cast<int>(name.size());
+    const int done = LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, wide(name), size,
+                                   reinterpret_cast<wchar_t*>(key.data()), size, nullptr, nullptr, 0);
+    return done == size ? key : name;
+}
+
 bool mayWriteIn(const QString& folder)
 {
     return mayOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
