@@ -57,6 +57,9 @@ void createEmptyFile(const QString& path)
         throw Error(errors::DatabaseExists);
     if (!QFileInfo(info.absolutePath()).isDir())
         throw Error(errors::PathNotFound);
+    // Some systems would make the file under another name, or hide it behind another one.
+    if (!platform::isBareName(info.fileName()))
+        throw Error(errors::PathFileAccess);
     if (!platform::fitsAsName(info.absolutePath(), info.fileName() + u"-journal"_s))
         throw Error(errors::PathFileAccess, tooLongName());
     // Only one of two programs that create the same file at the same moment succeeds here.

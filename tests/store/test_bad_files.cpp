@@ -1,4 +1,5 @@
 #include "app/base/error.h"
+#include "app/base/platform/files.h"
 #include "store/database.h"
 #include "store/opening.h"
 #include "store/record_set.h"
@@ -290,6 +291,25 @@ private Q_SLOTS:
                  errors::PathNotFound);
         QCOMPARE(errorOf([] { Database::create(QString()); }), errors::PathNotFound);
         QCOMPARE(QDir(m_world->folder.path()).entryList(QDir::Files), QStringList());
+    }
+
+    void aNameThatWouldBeAnothersIsRefusedBeforeAnythingIsMade_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("dot at the end") << u"new.mdb."_s;
+        QTest::newRow("blank at the end") << u"new.mdb "_s;
+        QTest::newRow("colon") << u"new.mdb:other.mdb"_s;
+        QTest::newRow("pattern") << u"n*w.mdb"_s;
+    }
+
+    void aNameThatWouldBeAnothersIsRefusedBeforeAnythingIsMade()
+    {
+        QFETCH(QString, name);
+        // That is up to the system.
+        const bool isAName = platform::isBareName(name);
+        QCOMPARE(errorOf([&] { Database::create(inFolder(name)); }), isAName ? 0 : errors::PathFileAccess);
+        QCOMPARE(QDir(m_world->folder.path()).entryList(QDir::Files),
+                 isAName ? QStringList(name) : QStringList());
     }
 
     void unusualNamesWork_data()
