@@ -10,7 +10,7 @@ using namespace quillon::platform;
 using quillon::testing::Console;
 
 /// What the command line program makes of what a console of Windows answers.
-class TestConsole : public QObject
+class TestWindowsConsole : public QObject
 {
     Q_OBJECT
 
@@ -77,5 +77,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestConsole)
-#include "test_console.moc"
+QTEST_GUILESS_MAIN(TestWindowsConsole)
+#include "test_windows_console.moc"
