@@ -368,7 +368,12 @@ private:
         const bool isAsBefore = before != nullptr && before->size == file.size &&
                                 before->modified == file.modified &&
                                 contents.contains(before->hash, file.size);
-        file.hash = isAsBefore ? before->hash : contents.keep(path).value_or(QByteArray());
+        // Reading would fetch what is elsewhere: a whole folder of a cloud, for which the disk may be too small.
+        const bool mayBeRead = m_order.isAtHand(path);
+        if (isAsBefore)
+            file.hash = before->hash;
+        else if (mayBeRead)
+            file.hash = contents.keep(path).value_or(QByteArray());
         return file;
     }
 

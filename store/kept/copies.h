@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/platform/files.h"
 #include "store/kept/place.h"
 
 #include <QByteArray>
@@ -62,6 +63,7 @@ struct CopyOrder {
     std::function<void()> pause = {}; // now and then between two steps
     Inspection inspection = Inspection::WhenChanged;
     bool onlyLooks = false; // the copy is for looking at the database, and is gone with that; nothing is kept
+    std::function<bool(const QString& path)> isAtHand = platform::isAtHand; // others are not read
 };
 
 enum class CopyOutcome { Made, Unchanged, Looked, Stopped };

@@ -18,6 +18,10 @@
 #include <array>
 #include <thread>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <sys/resource.h>
@@ -128,6 +132,22 @@ private Q_SLOTS:
         QVERIFY(QFile::resize(file, 1234));
         QCOMPARE(platform::sizeAndTime(file).size, 1234);
         QCOMPARE(platform::sizeAndTime(file).modified, QFileInfo(file).lastModified().toMSecsSinceEpoch());
+    }
+
+    void aFileThatIsElsewhereIsNotAtHand()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"資料.txt"_s);
+        makeFile(file);
+        QVERIFY(platform::isAtHand(file));
+        QVERIFY(platform::isAtHand(folder.filePath(u"無い"_s)));
+#ifdef Q_OS_WIN
+        const std::wstring name = QDir::toNativeSeparators(file).toStdWString();
+        SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_OFFLINE);
+        if ((GetFileAttributesW(name.c_str()) & FILE_ATTRIBUTE_OFFLINE) == 0)
+            QSKIP("This disk does not keep what is marked so.");
+        QVERIFY(!platform::isAtHand(file));
+#endif
     }
 
     void namesOfOneFileHaveOneKey_data()

@@ -1,4 +1,5 @@
 #include "app/base/error.h"
+#include "app/base/platform/files.h"
 #include "store/kept/copies.h"
 #include "store/kept/copy_worker.h"
 #include "store/kept/file_contents.h"
@@ -51,7 +52,8 @@ class TestCopies : public QObject
         QVERIFY(file.setFileTime(written.addSecs(-++m_agings * 10), QFileDevice::FileModificationTime));
     }
     CopyOutcome make(
-        const std::function<bool()>& goesOn = [] { return true; }, int mostBeginnings = 50)
+        const std::function<bool()>& goesOn = [] { return true; }, int mostBeginnings = 50,
+        const std::function<bool(const QString&)>& isAtHand = platform::isAtHand)
     {
         // Every copy has a time of its own.
         const QDateTime now(QDate(2026, 1, 31), QTime(12, ++minute));
@@ -59,7 +61,12 @@ class TestCopies : public QObject
                                .fileFolder = fileFolder(),
                                .now = [now] { return now; },
                                .goesOn = goesOn,
-                               .mostBeginnings = mostBeginnings});
+                               .mostBeginnings = mostBeginnings,
+                               .isAtHand = isAtHand});
+    }
+    CopyOutcome makeWithNothingAtHand()
+    {
+        return make([] { return true; }, 50, [](const QString&) { return false; });
     }
     std::vector<Copy> copies() const { return kept::listCopies(place()); }
     QStringList filesIn(const QString& folder) const
@@ -372,6 +379,35 @@ private Q_SLOTS:
         QCOMPARE(copies()[0].files.size(), std::size_t{1});
         QVERIFY(copies()[0].files[0].hash.isEmpty());
         QCOMPARE(filesIn(place().files()), QStringList());
+    }
+
+    void aFileThatWouldHaveToBeFetchedIsListedWithWhatIsKeptOfIt()
+    {
+        registerFile(u"一.txt"_s, "one");
+        make();
+        registerFile(u"二.txt"_s, "two");
+        QCOMPARE(makeWithNothingAtHand(), CopyOutcome::Made);
+        const auto files = copies()[0].files;
+        QCOMPARE(files.size(), std::size_t{2});
+        QCOMPARE(files[0].hash, kept::FileContents::hashOf(fileFolder() + u"/一.txt"_s).value());
+        QVERIFY(files[1].hash.isEmpty());
+        QCOMPARE(files[1].size, 3);
+        QVERIFY(!files[1].isMissing);
+        QCOMPARE(filesIn(place().files()).size(), 1);
+
+        // What is kept is not the content of what has changed since.
+        QFile changed(fileFolder() + u"/一.txt"_s);
+        QVERIFY(changed.open(QIODevice::WriteOnly));
+        changed.write("another");
+        changed.close();
+        addItem(101);
+        QCOMPARE(makeWithNothingAtHand(), CopyOutcome::Made);
+        QVERIFY(copies()[0].files[0].hash.isEmpty());
+
+        // It is kept when it has been fetched.
+        addItem(102);
+        make();
+        QVERIFY(!copies()[0].files[0].hash.isEmpty() && !copies()[0].files[1].hash.isEmpty());
     }
 
     void aFileThatIsMissingIsListedWithWhatIsKeptOfIt()

@@ -29,6 +29,10 @@ struct SizeAndTime {
 /// Zeros where there is no file (links are followed).
 SizeAndTime sizeAndTime(const QString& path);
 
+/// Whether a file can be read without its being fetched from a cloud or an archive first. Where nothing is known of that,
+/// it is.
+bool isAtHand(const QString& path);
+
 /// Whether a name can only be that of an entry of its folder: it holds nothing that this system takes for a separator
 /// or a drive, so that a database that has travelled leads nowhere else.
 bool isBareName(const QString& name);

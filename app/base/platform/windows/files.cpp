@@ -130,6 +130,16 @@ SizeAndTime sizeAndTime(const QString& path)
                         FirstOf1970};
 }
 
+bool isAtHand(const QString& path)
+{
+    const DWORD attributes = GetFileAttributesW(wide(nativePath(path)));
+    // By the system's own numbers, of which older headers know no names.
+    constexpr DWORD RecallOnOpen = 0x40000;
+    constexpr DWORD RecallOnDataAccess = 0x400000;
+    constexpr DWORD Elsewhere = FILE_ATTRIBUTE_OFFLINE | RecallOnOpen | RecallOnDataAccess;
+    return attributes == INVALID_FILE_ATTRIBUTES || (attributes & Elsewhere) == 0;
+}
+
 bool isBareName(const QString& name)
 {
     // A colon leads to a drive or to another stream of the file; a pattern has no file; and a blank or a dot at the end
