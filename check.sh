@@ -96,7 +96,7 @@ changed_paths()
 }
 
 # The test of each path on the input. That of a header is the source of its name, or the first that includes it.
-# Less the folders of tests that are read as a whole.
+# Less the folders of tests that are read as a whole, and the tests of Windows alone, which are not compiled here.
 tests_of()
 {
     while read -r path; do
@@ -108,7 +108,7 @@ tests_of()
             *) continue ;;
         esac
         [ ! -f "$test" ] || echo "$test"
-    done | awk '!/^tests\/(support|old_files)\// && !seen[$0]++'
+    done | awk '!/^tests\/(support|old_files)\// && !/\/test_windows_/ && !seen[$0]++'
 }
 
 # The source of each path on the input, less the tests. That of a header is the source of its name, or the first that
@@ -157,7 +157,8 @@ tidy()
     } | sort -u >"$logs/folders"
     : >"$logs/tests"
     if [ $everything = yes ]; then
-        sources | grep '^tests/.*\.cpp$' | grep -v -e "^tests/support/" -e "^tests/old_files/" >"$logs/tests"
+        sources | grep '^tests/.*\.cpp$' |
+            grep -v -e "^tests/support/" -e "^tests/old_files/" -e "/test_windows_" >"$logs/tests"
     else
         if history rev-parse --verify --quiet HEAD >/dev/null; then
             changed_paths >"$logs/changed"
