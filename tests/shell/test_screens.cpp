@@ -433,8 +433,6 @@ public:
         environment.insert(u"QT_ENABLE_HIGHDPI_SCALING"_s, u"0"_s);
         environment.insert(u"QT_FONT_DPI"_s, QString::number(screen.dpi));
         m_process.setProcessEnvironment(environment);
-        // A whole path could hold a colon, which ends the name there.
-        m_process.setWorkingDirectory(QFileInfo(m_file).absolutePath());
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(AsRun), what});
     }
@@ -451,7 +449,8 @@ public:
     }
 
 private:
-    QTemporaryFile m_file;
+    // In the folder where both work: a whole path could hold a colon, which ends the name of the description.
+    QTemporaryFile m_file{u"screen-XXXXXX.json"_s};
     QProcess m_process;
 };
 
