@@ -38,7 +38,7 @@ class TestCopies : public QObject
     std::unique_ptr<TestWorld> world;
     QString path;
     int minute = 0;
-    mutable int m_agings = 0;
+    mutable qint64 m_agings = 0;
 
     Session& session() { return world->session; }
     kept::Place place() const { return {world->folder.filePath(u"kept"_s), path}; }
@@ -56,10 +56,10 @@ class TestCopies : public QObject
         const std::function<bool(const QString&)>& isAtHand = platform::isAtHand)
     {
         // Every copy has a time of its own.
-        const QDateTime now(QDate(2026, 1, 31), QTime(12, ++minute));
+        const auto now = [minute = ++minute] { return QDateTime(QDate(2026, 1, 31), QTime(12, minute)); };
         return kept::makeCopy({.place = place(),
                                .fileFolder = fileFolder(),
-                               .now = [now] { return now; },
+                               .now = now,
                                .goesOn = goesOn,
                                .mostBeginnings = mostBeginnings,
                                .isAtHand = isAtHand});
