@@ -123,8 +123,8 @@ private Q_SLOTS:
                 {u"本"_s, u"R-991231-"_s + QString::number(i).rightJustified(3, u'0'), QString(900, u'字')});
         QFile file(m_world->path(u"QUILLON.mdb"_s));
         QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.seek(file.size() - 40 * 1024));
-        QCOMPARE(file.write(QByteArray(8 * 1024, '\xA5')), 8 * 1024);
+        QVERIFY(file.seek(file.size() - 40'960));
+        QCOMPARE(file.write(QByteArray(8'192, '\xA5')), 8'192);
         file.close();
         const Answered found = m_world->run({u"check"_s});
         QCOMPARE(found.status, 4);

@@ -52,7 +52,13 @@ class TestDataMenuWalk : public QObject
         modals->expect<FormWindow>(
             windowName, [](FormWindow& shown) { shown.findChild<QPushButton*>(u"cmdCancel"_s)->click(); });
     }
-    DataWindow& data() const { return *dynamic_cast<DataWindow*>(form); }
+    DataWindow& data() const
+    {
+        auto* const window = dynamic_cast<DataWindow*>(form);
+        if (window == nullptr)
+            qFatal("this is no window of a datum");
+        return *window;
+    }
     ReportModel& rows(const QString& listName) const
     {
         return form->findChild<ReportList*>(listName)->rows();

@@ -33,7 +33,7 @@ class TestHtmlBook : public QObject
     ExportReport exportIt()
     {
         const QString folder = world->folder.filePath(u"本"_s);
-        const ExportReport report = exportHtmlBook(world->session, folder);
+        ExportReport report = exportHtmlBook(world->session, folder);
         content = contentBelow(folder);
         return report;
     }
