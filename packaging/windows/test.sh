@@ -168,6 +168,16 @@ import -window root "$trial/dark.png"
 # Title bars are drawn by the display here; the system's own follow the window, which is most of the picture.
 light=$(convert "$trial/dark.png" -colorspace Gray -format '%[fx:int(100*mean)]' info:)
 [ "$light" -lt 40 ] || fail "the window is light on a dark system: $light of 100"
+
+echo "== the end of the session"
+pgrep -f 'quillon\.exe.* --home' >/dev/null || fail "the program is not among what runs"
+timeout 60 "$here/wine.sh" wineboot --end-session >/dev/null 2>&1 || :
+waited=0
+while pgrep -f 'quillon\.exe.* --home' >/dev/null; do
+    waited=$((waited + 1))
+    [ $waited -lt 15 ] || fail "the program keeps the session from ending"
+    sleep 1
+done
 WINEPREFIX="$QUILLON_WINE/prefix" /usr/lib/wine/wineserver64 --kill
 settled
 
